@@ -1,0 +1,40 @@
+# How a folder becomes a target. Sources and headers are listed by name in the folder's CMakeLists.txt.
+
+# The flags of our own code; nobody who links the library gets them.
+function(itms_our_code target)
+    target_compile_options(${target} PRIVATE
+        -Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${ITMS_WERROR}>:-Werror>)
+endfunction()
+
+# itms_library_folder(model HEADERS keys.h ... SOURCES Atom.cpp ...)
+#
+# Makes the object library itms_model of the current folder and adds its objects to libitms. HEADERS are
+# installed; PRIVATE_HEADERS are listed for the tools that read the target, and stay here.
+function(itms_library_folder name)
+    cmake_parse_arguments(PARSE_ARGV 1 folder "" "" "HEADERS;PRIVATE_HEADERS;SOURCES")
+    if(folder_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "itms_library_folder(${name}): what is ${folder_UNPARSED_ARGUMENTS}?")
+    endif()
+    target_sources(itms PUBLIC FILE_SET HEADERS FILES ${folder_HEADERS})
+    if(folder_SOURCES)
+        add_library(itms_${name} OBJECT ${folder_SOURCES} ${folder_PRIVATE_HEADERS})
+        target_include_directories(itms_${name} PRIVATE "${PROJECT_SOURCE_DIR}")
+        set_target_properties(itms_${name} PROPERTIES POSITION_INDEPENDENT_CODE ${BUILD_SHARED_LIBS})
+        itms_our_code(itms_${name})
+        target_sources(itms PRIVATE $<TARGET_OBJECTS:itms_${name}>)
+    endif()
+endfunction()
+
+# itms_toolkit_folder(language HEADERS ... SOURCES ... LINK PUBLIC ... PRIVATE ...)
+#
+# Makes the static library itms_language of the current folder. LINK is passed on as it is.
+function(itms_toolkit_folder name)
+    cmake_parse_arguments(PARSE_ARGV 1 folder "" "" "HEADERS;SOURCES;LINK")
+    if(folder_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "itms_toolkit_folder(${name}): what is ${folder_UNPARSED_ARGUMENTS}?")
+    endif()
+    add_library(itms_${name} STATIC ${folder_SOURCES} ${folder_HEADERS})
+    target_include_directories(itms_${name} PUBLIC "${PROJECT_SOURCE_DIR}")
+    target_link_libraries(itms_${name} ${folder_LINK})
+    itms_our_code(itms_${name})
+endfunction()
