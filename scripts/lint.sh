@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Every check of the source that is not a test. All are made, whatever fails; status 1 if one does.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+failed=()
+check() {
+    local name="$1"
+    shift
+    echo "== $name"
+    local start=$SECONDS
+    if "$@"; then
+        echo "   passed ($((SECONDS - start)) s)"
+    else
+        echo "   FAILED"
+        failed+=("$name")
+    fi
+}
+
+check 'includes go up the list of folders' scripts/check-includes.sh
+check 'words' scripts/check-words.sh
+check 'length of files' scripts/check-length.sh
+check 'format' scripts/format.sh --check
+check 'headers stand alone' cmake --build --preset release --target all_verify_interface_header_sets
+check 'clang-tidy' scripts/tidy.sh
+
+if [ ${#failed[@]} -gt 0 ]; then
+    echo "failed: ${failed[*]}" >&2
+    exit 1
+fi
