@@ -1,0 +1,55 @@
+# The everyday commands. CMake does the work: see CMakePresets.json for the builds.
+
+PREFIX ?= /usr/local
+JOBS ?= 2
+
+.PHONY: help demo test bench format lint install clean
+.DEFAULT_GOAL := help
+
+help:
+	@echo 'make demo             install what is missing, build, and diagnose a circuit'
+	@echo 'make test             build and run the tests, plainly and under the sanitizers'
+	@echo 'make bench            build and run the benchmarks'
+	@echo 'make format           format the C++ files'
+	@echo 'make lint             check format, includes, words, length; run clang-tidy'
+	@echo 'make install PREFIX=  build and install the library and the program ($(PREFIX))'
+	@echo 'make clean            remove build/'
+
+demo:
+	@scripts/install-packages.sh
+	cmake --preset release
+	cmake --build --preset release -j $(JOBS) --target itms_program
+	scripts/demo.sh
+
+test:
+	@scripts/install-packages.sh
+	cmake --preset release
+	cmake --build --preset release -j $(JOBS)
+	cmake --preset check
+	cmake --build --preset check -j $(JOBS)
+	ctest --preset release -j $(JOBS)
+	ctest --preset check -j $(JOBS)
+
+bench:
+	@scripts/install-packages.sh
+	cmake --preset bench
+	cmake --build --preset bench -j $(JOBS)
+	scripts/bench.sh
+
+format:
+	@scripts/install-packages.sh --all
+	scripts/format.sh
+
+lint:
+	@scripts/install-packages.sh --all
+	cmake --preset release
+	JOBS=$(JOBS) scripts/lint.sh
+
+install:
+	@scripts/install-packages.sh
+	cmake --preset release
+	cmake --build --preset release -j $(JOBS)
+	cmake --install build/release --prefix $(PREFIX)
+
+clean:
+	rm -rf build
