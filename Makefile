@@ -25,9 +25,9 @@ test:
 	@scripts/install-packages.sh
 	cmake --preset release
 	cmake --build --preset release -j $(JOBS)
+	ctest --preset release -j $(JOBS)
 	cmake --preset check
 	cmake --build --preset check -j $(JOBS)
-	ctest --preset release -j $(JOBS)
 	ctest --preset check -j $(JOBS)
 
 bench:
