@@ -1,0 +1,151 @@
+// The propagation driver: a depth-first loop over open candidate records.
+//
+// Within a record unit propagation and the resolution of violated clauses take turns until neither has anything
+// left to do: then the record is a candidate. A violated clause that can be resolved in three ways continues
+// with the first of the three, and leaves two on the agenda, a stack. The line that announces a discarded
+// candidate is printed once at the start as well.
+//
+// The number of records is bounded by nothing but the fault bound and DataManager::searchLimits. A limit is looked
+// at where the next record would be taken up or expanded; everything still open is released then.
+#include "engine/itms.h"
+#include "model/trace.h"
+
+void itms::unitPropagate(ItmsRes* res, std::vector<ItmsRes*>* results, const bool& typeRules,
+                         const double& maxRank, Trajectory* traj, const int& rank)
+{
+    searchWork = SearchWork{};
+    searchStart_ = std::chrono::steady_clock::now();
+    Search search{*results, typeRules, maxRank, traj, rank, {}};
+    for (const auto& [id, el] : *res->already_changed) {
+        resupportDependence(el, res->focus, res->state, traj, rank);
+    }
+    checkAround(res->already_changed, res, search);
+    search.agenda.push(res);
+    std::cout << "a sol has been discarded...\n";
+    bool refocus = false;
+    while (!search.agenda.empty()) {
+        if (limitReached()) {
+            abandonAgenda(search);
+            return;
+        }
+        ItmsRes* record = search.agenda.top();
+        if (refocus) {
+            checkAround(record->focus, record, search);
+        }
+        search.agenda.pop();
+        record = complete(record, search);
+        if (record) {
+            accept(record, search);
+        } else if (searchWork.partial) {
+            abandonAgenda(search);
+            return;
+        } else {
+            std::cout << "a sol has been discarded...\n";
+        }
+        refocus = true;
+    }
+}
+
+void itms::checkAround(ElMap* focus, ItmsRes* record, const Search& search)
+{
+    checkForFocusedInternalConflicts(focus, record->constraints, record->state, search.traj,
+                                     search.rank);
+    checkForFocusedConflicts(focus, record->constraints, record->state, search.traj, search.rank);
+}
+
+// Works on a record, or on the first descendants of it, until nothing is left to propagate or to resolve.
+// Null when no alternative is left, or when a limit was met.
+ItmsRes* itms::complete(ItmsRes* record, Search& search)
+{
+    for (;;) {
+        const bool conflictsOpen = !record->constraints->empty();
+        Clause* unit =
+            getFirstUnitClause(record->retracted, record->state, search.traj, search.rank);
+        if (!unit && !conflictsOpen) {
+            return record;
+        }
+        if (unit) {
+            propagateClause(unit, record->state, search.traj, search.rank);
+        }
+        record = resolveConflicts(record, search);
+        if (!record) {
+            return nullptr;
+        }
+        checkAround(record->focus, record, search);
+    }
+}
+
+ItmsRes* itms::resolveConflicts(ItmsRes* record, Search& search)
+{
+    while (!record->constraints->empty()) {
+        Clause* conflict = record->constraints->front();
+        record->constraints->pop();
+        if (testClause(conflict, record->state, search.traj, search.rank)) {
+            continue;
+        }
+        if (limitReached()) {
+            release(record);
+            return nullptr;
+        }
+        Expansion expansion{conflict,       record,      search.typeRules,
+                            search.maxRank, search.traj, search.rank};
+        expand(expansion);
+        for (ItmsRes* other : expansion.others) {
+            search.agenda.push(other);
+        }
+        record = expansion.first;
+        if (!record) {
+            return nullptr;
+        }
+    }
+    return record;
+}
+
+void itms::accept(ItmsRes* record, Search& search)
+{
+    record->state->detach();
+    sortPostProbs(record->state);
+    search.results.push_back(record);
+    ++searchWork.candidates;
+    if (record->state->computeProbas) {
+        computeObsCondRough(record->state);
+    }
+    std::cout << "sol added !\n";
+    std::cout << "agenda's size : " << search.agenda.size() << std::endl;
+    std::cout << "already_changed's size end : " << record->already_changed->size() << std::endl;
+}
+
+bool itms::limitReached()
+{
+    SearchLimit limit = SearchLimit::none;
+    if (searchWork.records >= searchLimits.maxRecords) {
+        limit = SearchLimit::records;
+    } else if (searchWork.candidates >= searchLimits.maxCandidates) {
+        limit = SearchLimit::candidates;
+    } else if (searchLimits.maxSeconds != std::numeric_limits<double>::infinity()) {
+        const std::chrono::duration<double> elapsed =
+            std::chrono::steady_clock::now() - searchStart_;
+        if (elapsed.count() >= searchLimits.maxSeconds) {
+            limit = SearchLimit::seconds;
+        }
+    }
+    if (limit == SearchLimit::none) {
+        return false;
+    }
+    searchWork.partial = true;
+    searchWork.limit = limit;
+    return true;
+}
+
+void itms::release(ItmsRes* record)
+{
+    record->clear();
+    delete record;
+}
+
+void itms::abandonAgenda(Search& search)
+{
+    for (; !search.agenda.empty(); search.agenda.pop()) {
+        release(search.agenda.top());
+    }
+}

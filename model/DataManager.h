@@ -1,0 +1,49 @@
+// The registry of the active model, shared by everything in the process.
+#pragma once
+
+#include "model/Atom.h"
+#include "model/PiTable.h"
+#include "model/SearchLimits.h"
+#include "model/keys.h"
+
+#include <memory>
+
+/// One benchmark entry: what a call of itms::addPropositions took, found and was given.
+struct ItmsBmkEntry {
+    double seconds = 0.0;         ///< processor time
+    unsigned int count = 0;       ///< candidates in the result
+    std::vector<std::string> ids; ///< identifiers of the propositions, in their order
+};
+
+/// The active model and what belongs to the process as a whole. The objects in it belong to whoever loaded
+/// them. Single-threaded, as is all of the library.
+class DataManager {
+public:
+    static std::string model_name;      ///< base name; `model_name`.pi holds prime implicates
+    static AtomMap* active_atoms;       ///< atoms that occur in a clause; set-up replaces the map
+    static CompMap* active_comps;       ///< components by name
+    static TransitionMap* active_trans; ///< transitions by identifier, filled by set-up
+    static std::vector<Clause*>* cls;   ///< the model-wide clauses
+    static std::vector<ItmsBmkEntry> itmsBmkEntries; ///< the entries filed so far, in order
+    static SearchLimits searchLimits;                ///< bounds every search; unlimited by default
+    static SearchWork searchWork;                    ///< what the latest search did
+
+    /// The atom with that identifier, or null. Finds every atom of the model: the active ones in constant
+    /// time, others (atoms of an active component that stand in no clause) in time linear in the components.
+    Atom* getAtom(const char* id) { return findAtom(id); }
+    static Atom* findAtom(const char* id);
+
+    /// Files an entry; copies the identifiers.
+    static void addItmsBmkEntry(double seconds, unsigned int count, std::vector<const char*>* ids);
+
+    /// Makes `atoms` the active atoms and keeps it allocated until reset(), since callers may hold the map.
+    /// The map that it replaces is not released either: one that was made here lives until reset(), any other
+    /// stays with its maker.
+    static void replaceActiveAtoms(std::unique_ptr<AtomMap> atoms);
+    /// Makes a table that lives until reset(), longer than any engine that uses it.
+    static PiTable* newPiTable();
+
+    /// Unloads the model: every container is an empty one again, the maps and tables kept so far are
+    /// released, entries are dropped and limits lifted. The model's objects are left to their owner.
+    static void reset();
+};

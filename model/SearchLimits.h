@@ -1,0 +1,33 @@
+// Limits of a search, and what a search did.
+//
+// Nothing in the engine bounds how many labels other than faults a candidate flips, so a search can be
+// very long. A program that must answer in time sets limits in the registry (DataManager::searchLimits);
+// at the defaults the engine behaves as if they did not exist. A search that meets a limit stops at the
+// next record: what it found is returned, what is still open is released, and
+// DataManager::searchWork.partial is true.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+/// What one call of itms::addPropositions may spend. A larger value costs time and memory in proportion.
+struct SearchLimits {
+    static constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
+
+    std::uint64_t maxRecords = unlimited; ///< records expanded (conflicts resolved), 0..unlimited
+    std::uint64_t maxCandidates = unlimited; ///< candidates that the call appends to its results
+    double maxSeconds = std::numeric_limits<double>::infinity(); ///< wall-clock seconds, >= 0
+};
+
+/// Why a search ended before its agenda was empty.
+enum class SearchLimit : std::uint8_t { none, records, candidates, seconds };
+
+/// What the latest call of itms::addPropositions did.
+struct SearchWork {
+    std::uint64_t records = 0;    ///< records expanded
+    std::uint64_t flips = 0;      ///< labels flipped, each in a child record of its own
+    std::uint64_t components = 0; ///< components instantiated on demand
+    std::uint64_t candidates = 0; ///< candidates appended to the results
+    bool partial = false;         ///< a limit cut the search: there may be further candidates
+    SearchLimit limit = SearchLimit::none; ///< which one
+};

@@ -1,0 +1,30 @@
+// A change of a component's mode: nominal, by a fault, or the idle one that keeps a mode as it is.
+#pragma once
+
+#include "model/StateFormula.h"
+#include "model/keys.h"
+
+/// A transition of a mode variable. Guard and formula are model objects of their own, not owned here.
+class Transition {
+public:
+    int id = 0;       ///< given by set-up; key of `active_trans` and of the probability maps
+    std::string name; ///< "Nominal" marks the nominal transition
+    StateVar* stateVar = nullptr;    ///< the variable whose value it changes
+    Atom* atom = nullptr;            ///< the value it leads to
+    double proba = 0.0;              ///< its probability per step, 0..1
+    double weight = 0.0;             ///< `proba` over the number of the component's transitions
+    double guardProba = 0.0;         ///< `proba` over the number of the variable's guards
+    StateFormula* guard = nullptr;   ///< what must hold before; null: always
+    StateFormula* formula = nullptr; ///< what holds after it fired
+    bool idle = false;               ///< fires without a command
+    bool commanded = true;           ///< set-up clears it when no command can cause the transition
+    std::string type;                ///< "Fail" for a fault
+
+    Transition() = default;
+    Transition(const Transition&) = delete;
+    Transition& operator=(const Transition&) = delete;
+
+    std::string getType() const { return type; }
+    /// Prints `transition ID VARIABLE: NAME (PROBA)` and a newline.
+    void showTransition() const;
+};
