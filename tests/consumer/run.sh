@@ -42,6 +42,7 @@ same "$work/package.out" 'with find_package'
 export PKG_CONFIG_PATH="$prefix/$libdir/pkgconfig"
 read -ra compile <<<"$(pkg-config --cflags itms)"
 read -ra link <<<"$(pkg-config --libs itms)"
-"$cxx" -std=c++20 "$@" "${compile[@]}" -o "$work/by-hand" "$here/main.cpp" "${link[@]}"
+# An embedder's warnings reach our headers here, which find_package would have hidden as system headers.
+"$cxx" -std=c++20 -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror "$@" "${compile[@]}" -o "$work/by-hand" "$here/main.cpp" "${link[@]}"
 "$work/by-hand" >"$work/by-hand.out"
 same "$work/by-hand.out" 'with pkg-config'
