@@ -19,7 +19,7 @@ function(itms_tests name)
     target_include_directories(itms_tests_${name} PRIVATE "${PROJECT_SOURCE_DIR}")
     target_compile_definitions(itms_tests_${name} PRIVATE ITMS_ROOT="${PROJECT_SOURCE_DIR}")
     target_link_libraries(itms_tests_${name} PRIVATE
-        ${tests_LINK} itms::itms GTest::gmock GTest::gtest GTest::gtest_main)
+        ${tests_LINK} itms_test_support itms::itms GTest::gmock GTest::gtest GTest::gtest_main)
     itms_our_code(itms_tests_${name})
     gtest_discover_tests(itms_tests_${name}
         TEST_PREFIX "${name}."
