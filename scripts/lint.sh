@@ -21,7 +21,7 @@ check 'includes go up the list of folders' scripts/check-includes.sh
 check 'words' scripts/check-words.sh
 check 'length of files' scripts/check-length.sh
 check 'format' scripts/format.sh --check
-check 'headers stand alone' cmake --build --preset release --target all_verify_interface_header_sets
+check 'headers stand alone' cmake --build --preset release --target all_verify_interface_header_sets -- --quiet
 check 'clang-tidy' scripts/tidy.sh
 
 if [ ${#failed[@]} -gt 0 ]; then
