@@ -6,6 +6,14 @@ function(itms_our_code target)
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${ITMS_WERROR}>:-Werror>)
 endfunction()
 
+# Adds the folder of the list of folders, which tells the order, once there is something in it to build.
+# scripts/check-sources.sh finds a folder whose sources are there and whose CMakeLists.txt is not.
+function(itms_add_folder folder)
+    if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt")
+        add_subdirectory(${folder})
+    endif()
+endfunction()
+
 # itms_library_folder(model HEADERS keys.h ... SOURCES Atom.cpp ...)
 #
 # Makes the object library itms_model of the current folder and adds its objects to libitms. HEADERS are
@@ -37,4 +45,20 @@ function(itms_toolkit_folder name)
     target_include_directories(itms_${name} PUBLIC "${PROJECT_SOURCE_DIR}")
     target_link_libraries(itms_${name} ${folder_LINK})
     itms_our_code(itms_${name})
+endfunction()
+
+# itms_bench(search SOURCES ... [LINK itms_netlist ...])
+#
+# Makes the program itms_bench_search of the current folder, which `make bench` runs with all others.
+function(itms_bench name)
+    cmake_parse_arguments(PARSE_ARGV 1 bench "" "" "SOURCES;LINK")
+    if(bench_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "itms_bench(${name}): what is ${bench_UNPARSED_ARGUMENTS}?")
+    endif()
+    add_executable(itms_bench_${name} ${bench_SOURCES})
+    target_include_directories(itms_bench_${name} PRIVATE "${PROJECT_SOURCE_DIR}")
+    target_compile_definitions(itms_bench_${name} PRIVATE ITMS_ROOT="${PROJECT_SOURCE_DIR}")
+    target_link_libraries(itms_bench_${name} PRIVATE
+        ${bench_LINK} itms::itms benchmark::benchmark benchmark::benchmark_main)
+    itms_our_code(itms_bench_${name})
 endfunction()

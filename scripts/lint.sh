@@ -19,6 +19,7 @@ check() {
 
 check 'includes go up the list of folders' scripts/check-includes.sh
 check 'words' scripts/check-words.sh
+check 'sources are listed' scripts/check-sources.sh
 check 'length of files' scripts/check-length.sh
 check 'format' scripts/format.sh --check
 check 'headers stand alone' cmake --build --preset release --target all_verify_interface_header_sets -- --quiet
