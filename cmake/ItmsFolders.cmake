@@ -47,6 +47,23 @@ function(itms_toolkit_folder name)
     itms_our_code(itms_${name})
 endfunction()
 
+# itms_program_folder(SOURCES main.cpp ... LINK PRIVATE itms_report ...)
+#
+# Makes the program, the target itms_program whose file is itms, of the current folder. Its sources may read
+# the version from ITMS_VERSION.
+function(itms_program_folder)
+    cmake_parse_arguments(PARSE_ARGV 0 folder "" "" "SOURCES;LINK")
+    if(folder_UNPARSED_ARGUMENTS)
+        message(FATAL_ERROR "itms_program_folder: what is ${folder_UNPARSED_ARGUMENTS}?")
+    endif()
+    add_executable(itms_program ${folder_SOURCES})
+    target_include_directories(itms_program PRIVATE "${PROJECT_SOURCE_DIR}")
+    target_compile_definitions(itms_program PRIVATE ITMS_VERSION="${PROJECT_VERSION}")
+    target_link_libraries(itms_program ${folder_LINK})
+    set_target_properties(itms_program PROPERTIES OUTPUT_NAME itms)
+    itms_our_code(itms_program)
+endfunction()
+
 # itms_bench(search SOURCES ... [LINK itms_netlist ...])
 #
 # Makes the program itms_bench_search of the current folder, which `make bench` runs with all others.

@@ -14,6 +14,15 @@ install(EXPORT itms-targets
     NAMESPACE itms::
     DESTINATION "${itms_cmakedir}")
 
+# The program finds a shared library by its own place, so that the installed tree can be moved.
+if(TARGET itms_program)
+    if(BUILD_SHARED_LIBS AND NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+        file(RELATIVE_PATH itms_bin_to_lib "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
+        set_target_properties(itms_program PROPERTIES INSTALL_RPATH "$ORIGIN/${itms_bin_to_lib}")
+    endif()
+    install(TARGETS itms_program RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}")
+endif()
+
 configure_package_config_file(
     "${CMAKE_CURRENT_LIST_DIR}/itms-config.cmake.in"
     "${PROJECT_BINARY_DIR}/itms-config.cmake"
