@@ -1,14 +1,15 @@
 # How a folder of tests becomes a program of tests.
 include(GoogleTest)
 
-# itms_tests(model SOURCES keys.cpp ... [LINK itms_language ...] [TIMEOUT seconds])
+# itms_tests(model SOURCES keys.cpp ... [LINK itms_language ...] [TIMEOUT seconds] [PROGRAM])
 #
 # Makes the program itms_tests_model of the current folder and registers each of its tests with CTest, as
 # model.Suite.name, one process each. Tests include from the root: "model/Atom.h", "tests/support/...".
+# ITMS_ROOT is the root's path, and with PROGRAM, for tests that run the program, ITMS_PROGRAM is its path.
 # They are listed when CTest starts, not when the program is built, so that a program that cannot start is
 # a failed test run and not a failed build.
 function(itms_tests name)
-    cmake_parse_arguments(PARSE_ARGV 1 tests "" "TIMEOUT" "SOURCES;LINK")
+    cmake_parse_arguments(PARSE_ARGV 1 tests "PROGRAM" "TIMEOUT" "SOURCES;LINK")
     if(tests_UNPARSED_ARGUMENTS)
         message(FATAL_ERROR "itms_tests(${name}): what is ${tests_UNPARSED_ARGUMENTS}?")
     endif()
@@ -18,6 +19,10 @@ function(itms_tests name)
     add_executable(itms_tests_${name} ${tests_SOURCES})
     target_include_directories(itms_tests_${name} PRIVATE "${PROJECT_SOURCE_DIR}")
     target_compile_definitions(itms_tests_${name} PRIVATE ITMS_ROOT="${PROJECT_SOURCE_DIR}")
+    if(tests_PROGRAM)
+        target_compile_definitions(itms_tests_${name} PRIVATE ITMS_PROGRAM="$<TARGET_FILE:itms_program>")
+        add_dependencies(itms_tests_${name} itms_program)
+    endif()
     target_link_libraries(itms_tests_${name} PRIVATE
         ${tests_LINK} itms_test_support itms::itms GTest::gmock GTest::gtest GTest::gtest_main)
     itms_our_code(itms_tests_${name})
