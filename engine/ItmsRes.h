@@ -31,7 +31,10 @@ public:
 
 private:
     friend class itms;
-    /// The record of a child: its state shares the distributions of `parent` (see State::branch).
-    static ItmsRes* branch(State* parent, std::queue<Clause*>* q);
-    ItmsRes(State* own, const std::queue<Clause*>& q);
+    /// The record of a child, on a copy of the parent's state that shares its distributions (State::branch),
+    /// with a copy of the queue. `already_changed` is null.
+    static ItmsRes* branch(const ItmsRes& parent);
+    /// The same on the parent's very state, with its queue: the parent has neither afterwards.
+    static ItmsRes* inherit(ItmsRes& parent);
+    ItmsRes(State* own, std::queue<Clause*> open);
 };

@@ -6,7 +6,7 @@
 // or one for the atom alone. A child starts from a copy of the state: the flip, the conflict as its support, the
 // retraction of dependents that lost theirs, and the distribution given the flipped atom are made at once.
 //
-// Cost: one copy of the state for each child, one rating for each candidate.
+// Cost: one copy of the state for each child but the last, one rating for each candidate.
 #include "engine/itms.h"
 #include "model/trace.h"
 
@@ -92,10 +92,14 @@ void itms::expand(Expansion& expansion)
             std::cout << "[propagateThroughConflict] --> beginning propagation\n";
         }
     }
-    for (const auto& [rating, el] : expansion.candidates) {
-        branchOn(expansion, el);
+    const std::vector<Branch> branches = planBranches(expansion);
+    for (const Branch& branch : branches) {
+        makeChild(expansion, branch, &branch == &branches.back());
     }
-    release(expansion.parent);
+    if (expansion.parent->state) {
+        expansion.parent->clear();
+    }
+    delete expansion.parent;
 }
 
 void itms::collectCandidates(Expansion& expansion)
@@ -139,31 +143,39 @@ void itms::considerCandidate(Expansion& expansion, Atom* atom, TrajEl* el)
         {entropy(atom->getStateVar(), parent.state, parent.already_changed), el});
 }
 
-void itms::branchOn(Expansion& expansion, TrajEl* el)
+// The children to be made, in their order: candidates by rating, each with its implicates as the table has them.
+std::vector<itms::Branch> itms::planBranches(const Expansion& expansion) const
 {
-    if (piTable && el->label == "false" && el->getStateVar()->type != "Command") {
-        if (const PiTable::Implicates* implicates = piTable->getPIs(el->atom)) {
-            for (const std::vector<Atom*>* implicate : *implicates) {
-                makeChild(expansion, el, *implicate);
-            }
-            return;
+    std::vector<Branch> branches;
+    for (const auto& [rating, el] : expansion.candidates) {
+        const PiTable::Implicates* implicates = nullptr;
+        if (piTable && el->label == "false" && el->getStateVar()->type != "Command") {
+            implicates = piTable->getPIs(el->atom);
+        }
+        if (!implicates) {
+            branches.push_back({el, {el->atom}});
+            continue;
+        }
+        for (const std::vector<Atom*>* implicate : *implicates) {
+            branches.push_back({el, *implicate});
         }
     }
-    makeChild(expansion, el, {el->atom});
+    return branches;
 }
 
-void itms::makeChild(Expansion& expansion, TrajEl* el, const std::vector<Atom*>& implicate)
+// The parent is released right after its last child: that child takes its state over instead of a copy.
+void itms::makeChild(Expansion& expansion, const Branch& branch, bool last)
 {
     ++expansion.attempts;
-    const ItmsRes& parent = *expansion.parent;
-    ItmsRes* child = ItmsRes::branch(parent.state, parent.constraints);
+    ItmsRes& parent = *expansion.parent;
+    ItmsRes* child = last ? ItmsRes::inherit(parent) : ItmsRes::branch(parent);
     child->already_changed = copyState(parent.already_changed, child->state);
-    TrajEl* target = getElt(el->getId(), child->state, expansion.traj, expansion.rank);
-    if (!adopt(expansion, *child, target, implicate)) {
+    TrajEl* target = getElt(branch.el->getId(), child->state, expansion.traj, expansion.rank);
+    if (!adopt(expansion, *child, target, branch.implicate)) {
         release(child);
         return;
     }
-    flip(expansion, *child, el, target);
+    flip(expansion, *child, branch.el, target);
     if (expansion.attempts == 1) {
         expansion.first = child;
     } else {
@@ -171,14 +183,15 @@ void itms::makeChild(Expansion& expansion, TrajEl* el, const std::vector<Atom*>&
     }
 }
 
-// Takes over the members of an implicate. False when one of them is a fault that may not be flipped.
+// Takes over the members of an implicate. False when one of them is a fault that may not be flipped. Until the
+// target is flipped the child's rank is the parent's.
 bool itms::adopt(const Expansion& expansion, ItmsRes& child, const TrajEl* target,
                  const std::vector<Atom*>& implicate)
 {
     for (const Atom* member : implicate) {
         TrajEl* el = getElt(member->getId(), child.state, expansion.traj, expansion.rank);
         if (el->atom->fail && el->label == "false" &&
-            (!withinRank(expansion.traj, expansion.parent->state, expansion.maxRank) ||
+            (!withinRank(expansion.traj, child.state, expansion.maxRank) ||
              !flippable(*el, *child.already_changed))) {
             return false;
         }

@@ -274,11 +274,17 @@ private:
         std::vector<ItmsRes*> others = {}; ///< in the order of their making
     };
 
+    /// One way of resolving a conflict.
+    struct Branch {
+        TrajEl* el;                   ///< the candidate, an element of the parent's state
+        std::vector<Atom*> implicate; ///< what is adopted along with it
+    };
+
     void expand(Expansion& expansion);
     void collectCandidates(Expansion& expansion);
     void considerCandidate(Expansion& expansion, Atom* atom, TrajEl* el);
-    void branchOn(Expansion& expansion, TrajEl* el);
-    void makeChild(Expansion& expansion, TrajEl* el, const std::vector<Atom*>& implicate);
+    std::vector<Branch> planBranches(const Expansion& expansion) const;
+    void makeChild(Expansion& expansion, const Branch& branch, bool last);
     bool adopt(const Expansion& expansion, ItmsRes& child, const TrajEl* target,
                const std::vector<Atom*>& implicate);
     void flip(const Expansion& expansion, ItmsRes& child, TrajEl* el, TrajEl* target);

@@ -14,6 +14,7 @@ void itms::unitPropagate(ItmsRes* res, std::vector<ItmsRes*>* results, const boo
                          const double& maxRank, Trajectory* traj, const int& rank)
 {
     searchWork = SearchWork{};
+    searchWork.begun = true;
     searchStart_ = std::chrono::steady_clock::now();
     Search search{*results, typeRules, maxRank, traj, rank, {}};
     for (const auto& [id, el] : *res->already_changed) {
