@@ -10,77 +10,106 @@
 // For minimal expected entropy as the choice of the next measurement: J. de Kleer and B. C. Williams,
 // "Diagnosing multiple faults", Artificial Intelligence 32 (1987).
 //
-// A rating scans all transitions of the state's components three times for each value of the variable.
+// A rating weighs every likely transition of the state's components once for each value of the variable.
 #include "engine/itms.h"
 
 #include <cmath>
 
 namespace {
 
-/// Calls `visit` with every transition of non-zero probability of the state's components, in their order.
-template <class Visit> void forEachLikelyTransition(State& state, Visit visit)
+struct LikelyTransition {
+    const Transition* transition;
+    double prior;
+};
+
+// The transitions of non-zero probability of the state's components, in their order. A transition without an
+// entry in the state's distribution gets one, 0.
+std::vector<LikelyTransition> likelyTransitions(State& state)
 {
+    std::vector<LikelyTransition> likely;
     for (const auto& [name, comp] : *state.comps) {
-        for (Transition* transition : *comp->transitions) {
+        for (const Transition* transition : *comp->transitions) {
             const double prior = (*state.postProbs)[transition->id];
             if (prior != 0.0) {
-                visit(*transition, prior);
+                likely.push_back({transition, prior});
             }
         }
     }
+    return likely;
 }
 
-void normalise(ProbMap& distribution, double total)
-{
-    for (auto& [id, probability] : distribution) {
-        probability /= total;
+// A distribution being filled, transition by transition. Transitions that share an identifier share an entry,
+// and the latest weight stands; the total counts them all.
+class Conditioning {
+public:
+    Conditioning(ProbMap& distribution, std::size_t transitions) : distribution_(distribution)
+    {
+        entries_.reserve(transitions);
     }
-}
 
-// The sum of p ln p over the likely transitions.
-double sumOfLogs(State& state, ProbMap& distribution)
-{
-    double sum = 0.0;
-    forEachLikelyTransition(state, [&](const Transition& transition, double) {
-        const double p = distribution[transition.id];
-        if (p != 0.0) {
-            sum += std::log(p) * p;
+    void add(int id, double weight)
+    {
+        double& entry = distribution_[id];
+        entry = weight;
+        entries_.push_back(&entry);
+        total_ += weight;
+    }
+
+    double total() const { return total_; }
+
+    void normalise()
+    {
+        for (auto& [id, probability] : distribution_) {
+            probability /= total_;
         }
-    });
-    return sum;
-}
+    }
+
+    /// The sum of p ln p over the transitions added.
+    double sumOfLogs() const
+    {
+        double sum = 0.0;
+        for (const double* entry : entries_) {
+            if (*entry != 0.0) {
+                sum += std::log(*entry) * *entry;
+            }
+        }
+        return sum;
+    }
+
+private:
+    ProbMap& distribution_;
+    std::vector<double*> entries_;
+    double total_ = 0.0;
+};
 
 } // namespace
 
 double itms::entropy(StateVar* variable, State* state, ElMap* /*elements*/)
 {
+    const std::vector<LikelyTransition> likely = likelyTransitions(*state);
     double expected = 0.0;
     for (Atom* atom : *variable->atomLinks) {
-        double total = 0.0;
-        ProbMap& given = *state->renewDistribution(atom->getId());
-        forEachLikelyTransition(*state, [&](const Transition& transition, double prior) {
-            // The look-up leaves a null entry for an atom that is not instantiated.
-            const TrajEl* el = (*state->elements)[atom->getId()];
-            double& entry = given[transition.id];
-            entry = prior * roughProbability(el ? el->atom : atom, &transition);
-            total += entry;
-        });
-        normalise(given, total);
-        expected -= total * sumOfLogs(*state, given);
+        // An atom that is not instantiated gets a null entry.
+        const TrajEl* el = likely.empty() ? nullptr : (*state->elements)[atom->getId()];
+        Conditioning given(*state->renewDistribution(atom->getId()), likely.size());
+        for (const auto& [transition, prior] : likely) {
+            given.add(transition->id, prior * roughProbability(el ? el->atom : atom, transition));
+        }
+        given.normalise();
+        expected -= given.total() * given.sumOfLogs();
     }
     return expected;
 }
 
 double itms::entropy(Atom* atom, State* state, ElMap* /*elements*/)
 {
-    double total = 0.0;
-    ProbMap& given = *(*state->condProbs)[atom->getId()];
-    forEachLikelyTransition(*state, [&](const Transition& transition, double prior) {
-        given[transition.id] = prior * 1.0;
-        total += given[transition.id];
-    });
-    normalise(given, total);
-    return -sumOfLogs(*state, given);
+    const std::vector<LikelyTransition> likely = likelyTransitions(*state);
+    Conditioning given(*(*state->condProbs)[atom->getId()], likely.size());
+    for (const auto& [transition, prior] : likely) {
+        given.add(transition->id, prior);
+    }
+    given.normalise();
+    return -given.sumOfLogs();
 }
 
 std::vector<Atom*>* itms::predictedAtoms(Atom* atom, std::vector<Atom*>* accumulator)

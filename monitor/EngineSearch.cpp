@@ -1,0 +1,210 @@
+#include "monitor/EngineSearch.h"
+
+#include <algorithm>
+#include <memory>
+#include <set>
+
+namespace monitor {
+
+namespace {
+
+const char* text(Label label)
+{
+    switch (label) {
+    case Label::isTrue: return "true";
+    case Label::isFalse: return "false";
+    case Label::unknown: break;
+    }
+    return "unknown";
+}
+
+// The numbers that TrajEl::lock documents.
+constexpr int lockFree = 2;
+constexpr int lockObserved(bool holds)
+{
+    return holds ? 0 : 1;
+}
+constexpr int lockAssumed(bool holds)
+{
+    return holds ? 3 : 4;
+}
+
+// The locks of all atoms of a scenario.
+std::vector<int> makeLocks(const Scenario& scenario, const std::vector<bool>& suspect)
+{
+    const StepFrame& frame = scenario.frame();
+    const Plant& plant = frame.plant;
+    const Prediction& prediction = scenario.prediction();
+    const std::vector<bool> dependent = prediction.dependents(suspect);
+    std::vector<int> locks(plant.atomCount(), lockFree);
+    for (std::size_t i = 0; i < locks.size(); ++i) {
+        const auto atom = static_cast<AtomIndex>(i);
+        if (prediction.isKnown(atom) && !dependent[i]) {
+            locks[i] = lockAssumed(prediction.isTrue(atom));
+        }
+    }
+    for (const ModeStep& step : frame.modes) {
+        for (const AtomIndex value : plant.variable(step.variable).values) {
+            const bool possible = step.option(value) || prediction.isTrue(value);
+            if (!possible) {
+                locks[static_cast<std::size_t>(value)] = lockAssumed(false);
+            }
+        }
+    }
+    const auto lockValues = [&](const std::vector<AtomIndex>& values, auto lock) {
+        for (const AtomIndex value : values) {
+            for (const AtomIndex atom : plant.variable(plant.variableOf(value)).values) {
+                locks[static_cast<std::size_t>(atom)] = lock(atom == value);
+            }
+        }
+    };
+    lockValues(frame.commands, lockAssumed);
+    lockValues(scenario.assumptions().conditions, lockAssumed);
+    lockValues(frame.adopted, lockObserved);
+    lockValues(frame.compared, lockObserved);
+    return locks;
+}
+
+std::vector<bool> findSuspects(const Scenario& scenario, const std::vector<bool>& fixed,
+                               int faultBudget)
+{
+    const Plant& plant = scenario.frame().plant;
+    ModeFreedom freedom{fixed, std::vector<bool>(plant.variables().size(), false)};
+    for (const ModeStep& step : scenario.frame().modes) {
+        const auto index = static_cast<std::size_t>(step.variable);
+        freedom.free[index] = !fixed[index] && step.deviatesFreely();
+    }
+    return suspects(plant, scenario.conflicts(), freedom, faultBudget);
+}
+
+void predictAll(Trajectory& trajectory, const Scenario& scenario, const std::vector<int>& locks)
+{
+    const Plant& plant = scenario.frame().plant;
+    for (std::size_t i = 0; i < locks.size(); ++i) {
+        const auto atom = static_cast<AtomIndex>(i);
+        trajectory.predict(0, plant.atom(atom), text(scenario.prediction().label(atom)), locks[i]);
+    }
+}
+
+// The propositions: every value of the variables in question, the observed one true and the others false.
+SignedEls makePropositions(const Plant& plant, const std::vector<AtomIndex>& observed,
+                           Trajectory& trajectory, State& state)
+{
+    for (const AtomIndex value : observed) {
+        trajectory.addComp(plant.atom(value)->getVarComp(), &state, 0, true, false);
+    }
+    SignedEls propositions;
+    for (const AtomIndex value : observed) {
+        for (const AtomIndex atom : plant.variable(plant.variableOf(value)).values) {
+            propositions.insert({atom == value, (*state.elements)[plant.atom(atom)->getId()]});
+        }
+    }
+    return propositions;
+}
+
+// Reads a candidate's labels over those of the scenario.
+class CandidateView {
+public:
+    CandidateView(const Scenario& scenario, const State& state) : scenario_(scenario)
+    {
+        const Plant& plant = scenario.frame().plant;
+        for (const auto& [id, el] : *state.elements) {
+            if (!el) {
+                continue;
+            }
+            const AtomIndex atom = plant.indexOf(el->atom);
+            const Label label = el->label == "true"    ? Label::isTrue
+                                : el->label == "false" ? Label::isFalse
+                                                       : Label::unknown;
+            if (label != scenario.prediction().label(atom)) {
+                changed_.emplace(atom, label);
+            }
+        }
+    }
+
+    /// No clause around a changed label is violated.
+    bool lawful() const
+    {
+        const Plant& plant = scenario_.frame().plant;
+        return std::all_of(changed_.begin(), changed_.end(), [&](const auto& change) {
+            const std::vector<ClauseIndex>& clauses = plant.clausesOf(change.first);
+            return std::none_of(clauses.begin(), clauses.end(),
+                                [&](ClauseIndex clause) { return violated(plant.clause(clause)); });
+        });
+    }
+
+    Deviations deviations() const
+    {
+        const Plant& plant = scenario_.frame().plant;
+        Deviations modes;
+        for (const auto& [atom, label] : changed_) {
+            if (label == Label::isTrue && plant.variable(plant.variableOf(atom)).isMode) {
+                modes.push_back(atom);
+            }
+        }
+        std::sort(modes.begin(), modes.end());
+        return modes;
+    }
+
+private:
+    Label label(AtomIndex atom) const
+    {
+        const auto change = changed_.find(atom);
+        return change == changed_.end() ? scenario_.prediction().label(atom) : change->second;
+    }
+
+    bool violated(const std::vector<PlantLiteral>& literals) const
+    {
+        return std::all_of(literals.begin(), literals.end(), [&](const PlantLiteral& literal) {
+            return label(literal.atom) == (literal.negated ? Label::isTrue : Label::isFalse);
+        });
+    }
+
+    const Scenario& scenario_;
+    std::unordered_map<AtomIndex, Label> changed_;
+};
+
+} // namespace
+
+SearchOutcome searchWithEngine(itms& engine, const Scenario& scenario,
+                               const std::vector<bool>& fixed, int faultBudget,
+                               const SearchLimits& limits)
+{
+    const Plant& plant = scenario.frame().plant;
+    Trajectory trajectory;
+    predictAll(trajectory, scenario,
+               makeLocks(scenario, findSuspects(scenario, fixed, faultBudget)));
+    auto state = std::make_unique<State>();
+    const std::vector<AtomIndex>& named =
+        scenario.discrepancies().empty() ? scenario.frame().compared : scenario.discrepancies();
+    SignedEls propositions = makePropositions(plant, named, trajectory, *state);
+
+    const SearchLimits before = DataManager::searchLimits;
+    DataManager::searchLimits = limits;
+    std::vector<ItmsRes*> records;
+    engine.addPropositions(&propositions, nullptr, state.get(), &records, false,
+                           static_cast<double>(faultBudget), 0.0, &trajectory, 0, false);
+    DataManager::searchLimits = before;
+    if (DataManager::searchWork.begun) {
+        static_cast<void>(state.release());
+    }
+
+    SearchOutcome outcome;
+    outcome.work = DataManager::searchWork;
+    outcome.partial = outcome.work.partial;
+    outcome.limit = outcome.work.limit;
+    std::set<Deviations> seen;
+    for (ItmsRes* record : records) {
+        const CandidateView view(scenario, *record->state);
+        if (view.lawful() && seen.insert(view.deviations()).second) {
+            outcome.candidates.push_back(view.deviations());
+        }
+        record->clear();
+        delete record;
+    }
+    // The registry's entries are for callers who read them; a monitor steps for ever.
+    DataManager::itmsBmkEntries.clear();
+    return outcome;
+}
+
+} // namespace monitor

@@ -1,0 +1,32 @@
+// One search by the engine: a scenario's discrepancies in, candidates out.
+//
+// The state starts with the components of the discrepant observations; the search asks for every further
+// component when it first meets one of its atoms, and gets it labelled as the scenario predicts. What is observed
+// or commanded is locked, and so are mode values that no transition reaches, modes that no explanation within
+// the fault budget needs, and conditions that rest on such modes only.
+#pragma once
+
+#include "engine/itms.h"
+#include "monitor/Scenario.h"
+
+namespace monitor {
+
+/// Mode values other than the scenario's, sorted: together with the scenario's assumptions an explanation.
+using Deviations = std::vector<AtomIndex>;
+
+/// What a search found.
+struct SearchOutcome {
+    std::vector<Deviations> candidates; ///< each satisfies every law around what it changes; none twice
+    bool partial = false;               ///< a limit cut it
+    SearchLimit limit = SearchLimit::none;
+    SearchWork work;
+};
+
+/// Searches the explanations of the scenario's discrepancies with at most `faultBudget` further faults, none of
+/// them among the `fixed` variables (by variable index). Without discrepancies the engine has one record to
+/// accept. `engine` is set up over the scenario's plant; `limits` go to the registry for the call.
+SearchOutcome searchWithEngine(itms& engine, const Scenario& scenario,
+                               const std::vector<bool>& fixed, int faultBudget,
+                               const SearchLimits& limits);
+
+} // namespace monitor

@@ -1,0 +1,190 @@
+#include "monitor/FaultSearch.h"
+
+#include <algorithm>
+
+namespace monitor {
+
+FaultSearch::FaultSearch(itms& engine, const StepFrame& frame, const SearchLimits& limits)
+    : engine_(engine), frame_(frame), limits_(limits)
+{
+}
+
+void FaultSearch::run(int faultBudget)
+{
+    const Scenario nominal(frame_, {});
+    const std::vector<bool> nothingFixed(frame_.plant.variables().size(), false);
+    if (!nominal.consistent()) {
+        split(nominal, nothingFixed, faultBudget, nominal.contradiction());
+        return;
+    }
+    if (faultBudget <= 1 || nominal.discrepancies().empty()) {
+        searchDirectly(nominal, nothingFixed, faultBudget, limits_.maxRecords);
+        return;
+    }
+    const std::uint64_t attempt = std::min(recordsBeforeSplit, limits_.maxRecords);
+    if (!searchDirectly(nominal, nothingFixed, faultBudget, attempt) && !exhausted()) {
+        complete_ = true;
+        limit_ = SearchLimit::none;
+        explain(nominal, nothingFixed, faultBudget);
+    }
+}
+
+// Explains what a scenario leaves contradicted.
+void FaultSearch::explain(const Scenario& scenario, std::vector<bool> fixed, int faultBudget)
+{
+    if (exhausted()) {
+        return;
+    }
+    if (!scenario.consistent()) {
+        split(scenario, std::move(fixed), faultBudget, scenario.contradiction());
+        return;
+    }
+    if (const auto condition = openConditionOfAssumed(scenario)) {
+        splitOpenCondition(scenario, fixed, faultBudget, *condition);
+        return;
+    }
+    if (scenario.discrepancies().empty()) {
+        addFound(scenario, {});
+        complete_ = complete_ && scenario.complete();
+        return;
+    }
+    if (faultBudget <= 1) {
+        searchDirectly(scenario, fixed, faultBudget, SearchLimits::unlimited);
+        return;
+    }
+    const std::vector<Conflict> conflicts = scenario.conflicts();
+    const auto smallest =
+        std::min_element(conflicts.begin(), conflicts.end(),
+                         [](const Conflict& a, const Conflict& b) { return a.size() < b.size(); });
+    split(scenario, std::move(fixed), faultBudget, *smallest);
+}
+
+// At least one mode of the conflict is not as the scenario has it: each of them in turn, the earlier ones fixed.
+void FaultSearch::split(const Scenario& scenario, std::vector<bool> fixed, int faultBudget,
+                        const Conflict& conflict)
+{
+    for (const VariableIndex variable : conflict) {
+        const auto index = static_cast<std::size_t>(variable);
+        if (fixed[index]) {
+            continue;
+        }
+        fixed[index] = true;
+        for (const ModeOption& option : stepOf(variable)->options) {
+            const int left = faultBudget - (option.fault ? 1 : 0);
+            if (left < 0 || scenario.prediction().isTrue(option.value)) {
+                continue;
+            }
+            Assumptions assumptions = scenario.assumptions();
+            assumptions.modes.push_back(option.value);
+            explain(Scenario(frame_, std::move(assumptions)), fixed, left);
+        }
+    }
+}
+
+void FaultSearch::splitOpenCondition(const Scenario& scenario, const std::vector<bool>& fixed,
+                                     int faultBudget, VariableIndex condition)
+{
+    for (const AtomIndex value : frame_.plant.variable(condition).values) {
+        if (scenario.prediction().label(value) == Label::isFalse) {
+            continue;
+        }
+        Assumptions assumptions = scenario.assumptions();
+        assumptions.conditions.push_back(value);
+        explain(Scenario(frame_, std::move(assumptions)), fixed, faultBudget);
+    }
+}
+
+// False when a limit cut the search. Complete only from a start where every atom has a label.
+bool FaultSearch::searchDirectly(const Scenario& scenario, const std::vector<bool>& fixed,
+                                 int faultBudget, std::uint64_t maxRecords)
+{
+    SearchLimits limits = remaining();
+    limits.maxRecords = std::min(limits.maxRecords, maxRecords);
+    const SearchOutcome outcome = searchWithEngine(engine_, scenario, fixed, faultBudget, limits);
+    work_.records += outcome.work.records;
+    work_.flips += outcome.work.flips;
+    work_.components += outcome.work.components;
+    work_.candidates += outcome.work.candidates;
+    for (const Deviations& candidate : outcome.candidates) {
+        addFound(scenario, candidate);
+    }
+    if (outcome.partial) {
+        limit_ = outcome.limit;
+    }
+    complete_ = complete_ && !outcome.partial && scenario.complete();
+    return !outcome.partial;
+}
+
+void FaultSearch::addFound(const Scenario& scenario, const Deviations& further)
+{
+    Deviations all = further;
+    for (const AtomIndex assumed : scenario.assumptions().modes) {
+        all.push_back(assumed);
+    }
+    std::sort(all.begin(), all.end());
+    if (std::find(found_.begin(), found_.end(), all) == found_.end()) {
+        found_.push_back(std::move(all));
+    }
+}
+
+bool FaultSearch::exhausted()
+{
+    const SearchLimits left = remaining();
+    SearchLimit limit = SearchLimit::none;
+    if (left.maxRecords == 0) {
+        limit = SearchLimit::records;
+    } else if (left.maxCandidates == 0) {
+        limit = SearchLimit::candidates;
+    } else if (left.maxSeconds <= 0.0) {
+        limit = SearchLimit::seconds;
+    }
+    if (limit == SearchLimit::none) {
+        return false;
+    }
+    limit_ = limit;
+    complete_ = false;
+    return true;
+}
+
+SearchLimits FaultSearch::remaining() const
+{
+    SearchLimits left = limits_;
+    const auto take = [](std::uint64_t& from, std::uint64_t used) {
+        if (from != SearchLimits::unlimited) {
+            from -= std::min(from, used);
+        }
+    };
+    take(left.maxRecords, work_.records);
+    take(left.maxCandidates, found_.size());
+    if (left.maxSeconds != std::numeric_limits<double>::infinity()) {
+        left.maxSeconds -=
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+    }
+    return left;
+}
+
+// A condition that the assumed modes leave open, in the component of one of them.
+std::optional<VariableIndex> FaultSearch::openConditionOfAssumed(const Scenario& scenario) const
+{
+    for (const AtomIndex mode : scenario.assumptions().modes) {
+        for (const StateVar* variable : *frame_.plant.atom(mode)->getVarComp()->stateVars) {
+            for (const Atom* atom : *variable->atomLinks) {
+                const AtomIndex index = frame_.plant.indexOf(atom);
+                if (!scenario.prediction().isKnown(index)) {
+                    return frame_.plant.variableOf(index);
+                }
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+const ModeStep* FaultSearch::stepOf(VariableIndex variable) const
+{
+    const auto found = std::lower_bound(
+        frame_.modes.begin(), frame_.modes.end(), variable,
+        [](const ModeStep& step, VariableIndex wanted) { return step.variable < wanted; });
+    return &*found;
+}
+
+} // namespace monitor

@@ -1,0 +1,69 @@
+// What follows from a set of assumptions: sound unit propagation over the plant's clauses.
+//
+// Assuming mode=ok and a=1, the clause (!mode=ok | !a=1 | out=0) gives out=0, and the clause is kept as the
+// reason. From the reasons one gets the modes on which a label rests (its environment): when an observation
+// contradicts the label, at least one of these modes is not as assumed. See J. de Kleer, "An
+// assumption-based TMS", Artificial Intelligence 28 (1986), of which this keeps one environment a label.
+#pragma once
+
+#include "monitor/Plant.h"
+
+#include <optional>
+
+namespace monitor {
+
+enum class Label : std::int8_t { isFalse = -1, unknown = 0, isTrue = 1 };
+
+/// Labels of all atoms of a plant, with the reason of each. Assumptions are made one by one, in the order that
+/// matters to the caller, and can be taken back in reverse.
+class Prediction {
+public:
+    static constexpr ClauseIndex assumed = -1;
+
+    explicit Prediction(const Plant& plant);
+
+    /// Assumes the variable's value: the atom is true and the variable's other atoms are false. False, with
+    /// nothing changed, when one of them has the opposite label already. Does not propagate.
+    bool assume(AtomIndex value);
+    /// Draws all conclusions. False when a clause is violated: the labels drawn so far stay, see violated().
+    /// Every clause is visited at most once for each of its atoms.
+    bool propagate();
+
+    Label label(AtomIndex atom) const { return labels_[static_cast<std::size_t>(atom)]; }
+    bool isTrue(AtomIndex atom) const { return label(atom) == Label::isTrue; }
+    bool isKnown(AtomIndex atom) const { return label(atom) != Label::unknown; }
+    /// The value of the variable that is true, if there is one.
+    std::optional<AtomIndex> valueOf(const PlantVariable& variable) const;
+    /// True when no atom is unknown.
+    bool complete() const { return trail_.size() == labels_.size(); }
+    /// The clause that propagate() found violated.
+    ClauseIndex violated() const { return violated_; }
+
+    /// How many atoms are labelled now; undo(mark()) takes back everything labelled later.
+    std::size_t mark() const { return trail_.size(); }
+    void undo(std::size_t mark);
+
+    /// Chooses, among the clauses that would have given a label from what was labelled before it, the one whose
+    /// environment is smallest, atom by atom in the order of labelling. Smaller environments make sharper conflicts.
+    /// Costs the plant's literals times its modes over 64; does nothing in a plant of more than 4096 modes.
+    void preferSmallEnvironments();
+
+    /// The mode variables on which the labels of the atoms rest, sorted. Linear in the atoms visited.
+    std::vector<VariableIndex> environment(const std::vector<AtomIndex>& atoms) const;
+    /// For every atom, whether its label rests on one of the variables marked. Linear in the plant.
+    std::vector<bool> dependents(const std::vector<bool>& markedVariables) const;
+
+private:
+    void set(AtomIndex atom, Label label, ClauseIndex reason);
+    bool visit(ClauseIndex clause);
+    bool gives(ClauseIndex clause, AtomIndex atom, const std::vector<bool>& done) const;
+
+    const Plant& plant_;
+    std::vector<Label> labels_;
+    std::vector<ClauseIndex> reasons_;
+    std::vector<AtomIndex> trail_; ///< in the order of labelling: reasons come before what they give
+    std::size_t next_ = 0;         ///< the first of the trail whose clauses were not visited
+    ClauseIndex violated_ = -1;
+};
+
+} // namespace monitor

@@ -1,0 +1,78 @@
+#include "monitor/Step.h"
+
+#include "monitor/FaultSearch.h"
+#include "monitor/Judge.h"
+
+#include <algorithm>
+
+namespace monitor {
+
+namespace {
+
+StepStatus statusOf(const std::vector<Candidate>& candidates)
+{
+    if (candidates.empty()) {
+        return StepStatus::inconsistent;
+    }
+    if (candidates.front().modes.empty()) {
+        return StepStatus::nominal;
+    }
+    return candidates.front().probability >= 0.5 ? StepStatus::faulty : StepStatus::ambiguous;
+}
+
+} // namespace
+
+StepAnswer StepSolver::solve(const Prediction& before, const StepInput& input,
+                             const StepSettings& settings)
+{
+    const StepFrame frame = makeFrame(plant_, before, input);
+    FaultSearch search(engine_, frame, settings.limits);
+    search.run(settings.maxFaults);
+
+    StepAnswer answer;
+    answer.discrepancies = Scenario(frame, {}).discrepancies();
+    answer.candidates = judge(frame, search.found());
+    answer.status = statusOf(answer.candidates);
+    answer.complete = search.complete();
+    answer.limit = search.limit();
+    answer.work = search.work();
+    return answer;
+}
+
+Prediction initialLabels(const Plant& plant)
+{
+    Prediction labels(plant);
+    for (const PlantVariable& variable : plant.variables()) {
+        const Atom* initial = variable.variable->initial;
+        if (initial) {
+            labels.assume(plant.indexOf(initial));
+        } else if (variable.isMode && !variable.values.empty()) {
+            labels.assume(variable.values.front());
+        }
+    }
+    return labels;
+}
+
+const char* name(StepStatus status)
+{
+    switch (status) {
+    case StepStatus::nominal: return "nominal";
+    case StepStatus::faulty: return "faulty";
+    case StepStatus::ambiguous: return "ambiguous";
+    case StepStatus::inconsistent: break;
+    }
+    return "inconsistent";
+}
+
+const char* name(SearchLimit limit)
+{
+    switch (limit) {
+    case SearchLimit::records: return "records";
+    case SearchLimit::candidates: return "candidates";
+    case SearchLimit::seconds: return "seconds";
+    case SearchLimit::none: break;
+    }
+    return "";
+}
+
+} // namespace monitor
