@@ -191,8 +191,6 @@ SearchOutcome searchWithEngine(itms& engine, const Scenario& scenario,
 
     SearchOutcome outcome;
     outcome.work = DataManager::searchWork;
-    outcome.partial = outcome.work.partial;
-    outcome.limit = outcome.work.limit;
     std::set<Deviations> seen;
     for (ItmsRes* record : records) {
         const CandidateView view(scenario, *record->state);

@@ -17,9 +17,7 @@ using Deviations = std::vector<AtomIndex>;
 /// What a search found.
 struct SearchOutcome {
     std::vector<Deviations> candidates; ///< each satisfies every law around what it changes; none twice
-    bool partial = false;               ///< a limit cut it
-    SearchLimit limit = SearchLimit::none;
-    SearchWork work;
+    SearchWork work;                    ///< `partial` when a limit cut it
 };
 
 /// Searches the explanations of the scenario's discrepancies with at most `faultBudget` further faults, none of

@@ -11,52 +11,41 @@ FaultSearch::FaultSearch(itms& engine, const StepFrame& frame, const SearchLimit
 
 void FaultSearch::run(int faultBudget)
 {
-    const Scenario nominal(frame_, {});
-    const std::vector<bool> nothingFixed(frame_.plant.variables().size(), false);
-    if (!nominal.consistent()) {
-        split(nominal, nothingFixed, faultBudget, nominal.contradiction());
-        return;
-    }
-    if (faultBudget <= 1 || nominal.discrepancies().empty()) {
-        searchDirectly(nominal, nothingFixed, faultBudget, limits_.maxRecords);
-        return;
-    }
-    const std::uint64_t attempt = std::min(recordsBeforeSplit, limits_.maxRecords);
-    if (!searchDirectly(nominal, nothingFixed, faultBudget, attempt) && !exhausted()) {
-        complete_ = true;
-        limit_ = SearchLimit::none;
-        explain(nominal, nothingFixed, faultBudget);
-    }
+    explain(Scenario(frame_, {}), std::vector<bool>(frame_.plant.variables().size(), false),
+            faultBudget);
 }
 
-// Explains what a scenario leaves contradicted.
-void FaultSearch::explain(const Scenario& scenario, std::vector<bool> fixed, int faultBudget)
+// Explains what a scenario leaves contradicted. Where a fault was split off and another may follow, the next one
+// is split off at once.
+void FaultSearch::explain(const Scenario& scenario, const std::vector<bool>& fixed, int faultBudget)
 {
     if (exhausted()) {
         return;
     }
     if (!scenario.consistent()) {
-        split(scenario, std::move(fixed), faultBudget, scenario.contradiction());
+        split(scenario, fixed, faultBudget, scenario.contradiction());
         return;
     }
     if (const auto condition = openConditionOfAssumed(scenario)) {
         splitOpenCondition(scenario, fixed, faultBudget, *condition);
         return;
     }
-    if (scenario.discrepancies().empty()) {
+    complete_ = complete_ && scenario.complete();
+    const bool first = scenario.assumptions().modes.empty();
+    if (scenario.discrepancies().empty() && !first) {
         addFound(scenario, {});
-        complete_ = complete_ && scenario.complete();
         return;
     }
-    if (faultBudget <= 1) {
-        searchDirectly(scenario, fixed, faultBudget, SearchLimits::unlimited);
+    if ((first || faultBudget <= 1) && searchDirectly(scenario, fixed, faultBudget)) {
         return;
     }
     const std::vector<Conflict> conflicts = scenario.conflicts();
     const auto smallest =
         std::min_element(conflicts.begin(), conflicts.end(),
                          [](const Conflict& a, const Conflict& b) { return a.size() < b.size(); });
-    split(scenario, std::move(fixed), faultBudget, *smallest);
+    if (smallest != conflicts.end()) {
+        split(scenario, fixed, faultBudget, *smallest);
+    }
 }
 
 // At least one mode of the conflict is not as the scenario has it: each of them in turn, the earlier ones fixed.
@@ -69,7 +58,7 @@ void FaultSearch::split(const Scenario& scenario, std::vector<bool> fixed, int f
             continue;
         }
         fixed[index] = true;
-        for (const ModeOption& option : stepOf(variable)->options) {
+        for (const ModeOption& option : stepOf(variable).options) {
             const int left = faultBudget - (option.fault ? 1 : 0);
             if (left < 0 || scenario.prediction().isTrue(option.value)) {
                 continue;
@@ -94,39 +83,33 @@ void FaultSearch::splitOpenCondition(const Scenario& scenario, const std::vector
     }
 }
 
-// False when a limit cut the search. Complete only from a start where every atom has a label.
+// False when the search was cut after recordsBeforeSplit records; what it found until then stands.
 bool FaultSearch::searchDirectly(const Scenario& scenario, const std::vector<bool>& fixed,
-                                 int faultBudget, std::uint64_t maxRecords)
+                                 int faultBudget)
 {
     SearchLimits limits = remaining();
-    limits.maxRecords = std::min(limits.maxRecords, maxRecords);
+    limits.maxRecords = std::min(limits.maxRecords, recordsBeforeSplit);
     const SearchOutcome outcome = searchWithEngine(engine_, scenario, fixed, faultBudget, limits);
     work_.records += outcome.work.records;
     work_.flips += outcome.work.flips;
     work_.components += outcome.work.components;
-    work_.candidates += outcome.work.candidates;
     for (const Deviations& candidate : outcome.candidates) {
         addFound(scenario, candidate);
     }
-    if (outcome.partial) {
-        limit_ = outcome.limit;
-    }
-    complete_ = complete_ && !outcome.partial && scenario.complete();
-    return !outcome.partial;
+    return !outcome.work.partial;
 }
 
 void FaultSearch::addFound(const Scenario& scenario, const Deviations& further)
 {
     Deviations all = further;
-    for (const AtomIndex assumed : scenario.assumptions().modes) {
-        all.push_back(assumed);
-    }
+    all.insert(all.end(), scenario.assumptions().modes.begin(), scenario.assumptions().modes.end());
     std::sort(all.begin(), all.end());
-    if (std::find(found_.begin(), found_.end(), all) == found_.end()) {
-        found_.push_back(std::move(all));
+    if (found_.insert(std::move(all)).second) {
+        ++work_.candidates;
     }
 }
 
+// Asked before each piece of the search: whatever a limit keeps from being searched makes the answer incomplete.
 bool FaultSearch::exhausted()
 {
     const SearchLimits left = remaining();
@@ -179,12 +162,12 @@ std::optional<VariableIndex> FaultSearch::openConditionOfAssumed(const Scenario&
     return std::nullopt;
 }
 
-const ModeStep* FaultSearch::stepOf(VariableIndex variable) const
+const ModeStep& FaultSearch::stepOf(VariableIndex variable) const
 {
     const auto found = std::lower_bound(
         frame_.modes.begin(), frame_.modes.end(), variable,
         [](const ModeStep& step, VariableIndex wanted) { return step.variable < wanted; });
-    return &*found;
+    return *found;
 }
 
 } // namespace monitor

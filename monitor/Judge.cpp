@@ -51,7 +51,7 @@ double logPrior(const StepFrame& frame, const Deviations& modes)
     return logSum;
 }
 
-bool containsAnother(const Deviations& modes, const std::vector<Deviations>& found)
+bool containsAnother(const Deviations& modes, const std::set<Deviations>& found)
 {
     return std::any_of(found.begin(), found.end(), [&](const Deviations& other) {
         return other.size() < modes.size() &&
@@ -77,7 +77,7 @@ void normalise(std::vector<Candidate>& candidates)
 
 } // namespace
 
-std::vector<Candidate> judge(const StepFrame& frame, const std::vector<Deviations>& found)
+std::vector<Candidate> judge(const StepFrame& frame, const std::set<Deviations>& found)
 {
     const Plant& plant = frame.plant;
     const auto byId = [&](AtomIndex a, AtomIndex b) {
