@@ -99,6 +99,20 @@ std::vector<std::string> linesThatBegin(const std::string& text, const std::stri
     return lines;
 }
 
+std::vector<std::string> linesAfter(const std::string& text, const std::string& line)
+{
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    bool next = false;
+    for (std::string read; std::getline(in, read);) {
+        if (next) {
+            lines.push_back(read);
+        }
+        next = read == line;
+    }
+    return lines;
+}
+
 std::string printed(const void* pointer)
 {
     std::ostringstream out;

@@ -66,7 +66,10 @@ std::size_t occurrences(const std::string& text, const std::string& part);
 /// The lines of `text` that begin with `start`.
 std::vector<std::string> linesThatBegin(const std::string& text, const std::string& start);
 
-/// A flushed address as the trace prints it.
+/// The line after each line that equals `line`.
+std::vector<std::string> linesAfter(const std::string& text, const std::string& line);
+
+/// An address as the trace prints it.
 std::string printed(const void* pointer);
 
 class EngineTest : public testing::Test {
