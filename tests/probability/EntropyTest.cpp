@@ -276,6 +276,15 @@ TEST_F(EntropyTest, LeavesANullEntryForAnElementThatIsMissing)
     EXPECT_EQ(state_.elements->find("tank.level=2")->second, nullptr);
 }
 
+TEST_F(EntropyTest, LooksNoElementUpWhenNoTransitionIsLikely)
+{
+    prior(0.0, 0.0);
+    delete state_.elements->find("tank.level=2")->second;
+    state_.elements->erase("tank.level=2");
+    expected(level_);
+    EXPECT_EQ(state_.elements->count("tank.level=2"), 0u);
+}
+
 TEST_F(EntropyTest, IsNotANumberForAVariableWithPrimeImplicates)
 {
     PiTable table;
