@@ -1,4 +1,4 @@
-// The distributions of a candidate are its own, although the search shares them among its records.
+// The distributions of a candidate: its own, although the search shares them among its records, and sorted.
 #include "tests/engine/EngineTest.h"
 
 #include <set>
@@ -136,6 +136,35 @@ TEST_F(DistributionOwnershipTest, TheLastDecisionsPosteriorLeavesImpossibleTrans
         const Distribution posterior(candidate->state->postProbs->begin(),
                                      candidate->state->postProbs->end());
         EXPECT_EQ(posterior, (Distribution{{bad ? 1 : 0, 1.0}}));
+    }
+}
+
+using AcceptedDistributionTest = EngineTest;
+
+TEST_F(AcceptedDistributionTest, AcceptedProbabilitiesAreSorted)
+{
+    StateVar* mode = model.variable(k, "mode", "Mode", {"ok", "bad"});
+    model.transition(mode->atomLinks->at(0), "stay", 0.25)->id = 0;
+    model.transition(mode->atomLinks->at(1), "fail", 0.75)->id = 1;
+    begin();
+    const Candidates found = add({});
+    const SortedProbMap& sorted = *found[0]->state->sortedPostProbs;
+    EXPECT_EQ((std::vector<std::pair<double, int>>(sorted.begin(), sorted.end())),
+              (std::vector<std::pair<double, int>>{{0.75, 1}, {0.25, 0}}));
+}
+
+TEST_F(AcceptedDistributionTest, TheLikelihoodOfObservationsIsComputedOnTheStatesRequestOnly)
+{
+    props("a");
+    for (const bool asked : {false, true}) {
+        begin({{"a", "true"}});
+        state->computeProbas = asked;
+        state->obsCondProba = 0.5;
+        el("a")->lock = 0;
+        const Candidates found = add({});
+        EXPECT_EQ(found[0]->state->obsCondProba, asked ? 0.0 : 0.5)
+            << "no mode holds, so nothing explains the observation";
+        EXPECT_EQ(found[0]->state->sortedPostProbs->size(), found[0]->state->postProbs->size());
     }
 }
 
