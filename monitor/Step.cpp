@@ -26,14 +26,16 @@ StepAnswer StepSolver::solve(const Prediction& before, const StepInput& input,
                              const StepSettings& settings)
 {
     const StepFrame frame = makeFrame(plant_, before, input);
-    FaultSearch search(engine_, frame, settings.limits);
+    FaultSearch search(engine_, frame, settings.limits, settings.recordsBeforeSplit);
     search.run(settings.maxFaults);
+
+    Judgement judgement = judge(frame, search.found());
 
     StepAnswer answer;
     answer.discrepancies = Scenario(frame, {}).discrepancies();
-    answer.candidates = judge(frame, search.found());
+    answer.candidates = std::move(judgement.candidates);
     answer.status = statusOf(answer.candidates);
-    answer.complete = search.complete();
+    answer.complete = search.complete() && judgement.sure;
     answer.limit = search.limit();
     answer.work = search.work();
     return answer;
