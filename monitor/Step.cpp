@@ -17,7 +17,8 @@ StepStatus statusOf(const std::vector<Candidate>& candidates)
     if (candidates.front().modes.empty()) {
         return StepStatus::nominal;
     }
-    return candidates.front().probability >= 0.5 ? StepStatus::faulty : StepStatus::ambiguous;
+    // Two of equal probability are ambiguous, whatever the last bit of their sum.
+    return candidates.front().probability > 0.5 + 1e-9 ? StepStatus::faulty : StepStatus::ambiguous;
 }
 
 } // namespace

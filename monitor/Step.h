@@ -43,8 +43,8 @@ struct Candidate {
 
 enum class StepStatus {
     nominal,     ///< the prediction explains the observations
-    faulty,      ///< one explanation has at least half of the probability
-    ambiguous,   ///< several explanations, none with half of it
+    faulty,      ///< one explanation has more than half of the probability
+    ambiguous,   ///< several explanations, none with more than half of it
     inconsistent ///< nothing explains the observations within the fault bound
 };
 
