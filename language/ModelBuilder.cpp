@@ -86,24 +86,33 @@ StateVar* ModelBuilder::variable(Comp* component, const std::string& name, Varia
     return made;
 }
 
+// A literal's key is its atom's address, with the lowest bit for the sign: sorted, the literals of an atom are
+// neighbours.
 Clause* ModelBuilder::law(Comp* owner, const std::vector<Literal>& literals)
 {
-    std::vector<Literal> kept;
+    const auto keyOf = [](const Literal& literal) {
+        return reinterpret_cast<std::uintptr_t>(literal.atom) | (literal.negated ? 1U : 0U);
+    };
     std::vector<std::uintptr_t> key;
     for (const Literal& literal : literals) {
-        const auto same = std::find_if(kept.begin(), kept.end(), [&](const Literal& other) {
-            return other.atom == literal.atom;
-        });
-        if (same == kept.end()) {
-            kept.push_back(literal);
-            key.push_back(reinterpret_cast<std::uintptr_t>(literal.atom) |
-                          (literal.negated ? 1U : 0U));
-        } else if (same->negated != literal.negated) {
-            return nullptr;
-        }
+        key.push_back(keyOf(literal));
     }
     std::sort(key.begin(), key.end());
-    if (!knownLaws_.insert(key).second) {
+    key.erase(std::unique(key.begin(), key.end()), key.end());
+    const bool holdsAlways =
+        std::adjacent_find(key.begin(), key.end(), [](std::uintptr_t a, std::uintptr_t b) {
+            return (a ^ b) == 1U;
+        }) != key.end();
+    if (holdsAlways) {
+        return nullptr;
+    }
+    std::vector<Literal> kept = literals;
+    if (key.size() < literals.size()) {
+        std::unordered_set<std::uintptr_t> seen;
+        std::erase_if(kept,
+                      [&](const Literal& literal) { return !seen.insert(keyOf(literal)).second; });
+    }
+    if (!knownLaws_.insert(std::move(key)).second) {
         return nullptr;
     }
     Clause* clause = addClause(kept);
@@ -145,10 +154,8 @@ Transition* ModelBuilder::idle(Atom* at, double proba)
 
 void ModelBuilder::import(Comp* importer, Comp* imported)
 {
-    std::vector<Comp*>& imports = *importer->importedComps;
-    if (importer != imported &&
-        std::find(imports.begin(), imports.end(), imported) == imports.end()) {
-        imports.push_back(imported);
+    if (importer != imported && knownImports_[importer].insert(imported).second) {
+        importer->importedComps->push_back(imported);
     }
 }
 

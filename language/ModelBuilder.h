@@ -17,6 +17,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <unordered_map>
 #include <unordered_set>
 
 namespace language {
@@ -53,6 +54,7 @@ public:
     /// A model-wide clause, its literals in the given order, without repetitions. A clause that always holds
     /// (an atom with both signs) and one that was given before are left out: null is returned then. The law is
     /// `owner`'s: the other components that it mentions become imported components of `owner`, unless null.
+    /// Costs n log n for n literals.
     Clause* law(Comp* owner, const std::vector<Literal>& literals);
 
     /// A nominal transition: from a mode value to another when the guard's atoms hold, with key true, or do not,
@@ -84,6 +86,7 @@ private:
     std::unique_ptr<Model> model_;
     std::unordered_set<std::string> componentNames_;
     std::unordered_set<std::vector<std::uintptr_t>, ClauseHash> knownLaws_;
+    std::unordered_map<Comp*, std::unordered_set<Comp*>> knownImports_;
 };
 
 /// The variable's atom with that value text, or null.

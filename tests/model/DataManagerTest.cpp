@@ -5,15 +5,19 @@
 
 namespace {
 
-// Read before any test makes a model: the registry's state when the program starts.
-const bool startsEmpty = DataManager::active_atoms && DataManager::active_atoms->empty() &&
-                         DataManager::active_comps && DataManager::active_comps->empty() &&
-                         DataManager::active_trans && DataManager::active_trans->empty() &&
-                         DataManager::cls && DataManager::cls->empty();
-
+// Run on its own, as CTest does, this sees the registry as the program starts with it.
 TEST(Registry, PointsToEmptyContainersBeforeAnythingIsLoaded)
 {
-    EXPECT_TRUE(startsEmpty);
+    ASSERT_NE(DataManager::active_atoms, nullptr);
+    ASSERT_NE(DataManager::active_comps, nullptr);
+    ASSERT_NE(DataManager::active_trans, nullptr);
+    ASSERT_NE(DataManager::cls, nullptr);
+    EXPECT_TRUE(DataManager::active_atoms->empty());
+    EXPECT_TRUE(DataManager::active_comps->empty());
+    EXPECT_TRUE(DataManager::active_trans->empty());
+    EXPECT_TRUE(DataManager::cls->empty());
+    EXPECT_EQ(DataManager::model_name, "");
+    EXPECT_TRUE(DataManager::itmsBmkEntries.empty());
 }
 
 class RegistryTest : public testing::Test {

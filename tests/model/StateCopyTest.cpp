@@ -40,6 +40,7 @@ protected:
     TestModel model_;
     Comp* comp_;
     Clause* clause_;
+    std::vector<std::unique_ptr<Atom>> atoms_; // outlive the state, which holds their identifiers
     std::unique_ptr<State> state_;
 };
 
@@ -180,10 +181,9 @@ TEST_F(StateCopyTest, IteratesItsMapsInTheOriginalsOrder)
 {
     const unsigned int seed = 31;
     std::mt19937 random(seed);
-    std::vector<std::unique_ptr<Atom>> atoms;
     for (int i = 0; i < 400; ++i) {
-        atoms.push_back(std::make_unique<Atom>());
-        Atom* atom = atoms.back().get();
+        atoms_.push_back(std::make_unique<Atom>());
+        Atom* atom = atoms_.back().get();
         atom->id = "c" + std::to_string(random() % 1000) + ".v=" + std::to_string(i);
         TrajEl* made = nullptr;
         if (i % 7 != 0) {

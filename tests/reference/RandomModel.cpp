@@ -344,7 +344,11 @@ std::vector<std::vector<Atom*>*>* RandomModel::implicateSets()
     for (int i = random.between(0, 3); i > 0; --i) {
         sets->push_back(new std::vector<Atom*>);
         for (int j = random.between(0, 3); j > 0; --j) {
-            sets->back()->push_back(random.pick(atoms));
+            Atom* member = random.pick(atoms);
+            for (int tries = random.chance(40) ? 5 : 0; tries > 0 && !member->fail; --tries) {
+                member = random.pick(atoms); // faults are what a set is rejected for
+            }
+            sets->back()->push_back(member);
         }
         if (random.chance(10) && !sets->back()->empty()) {
             sets->back()->push_back(sets->back()->front());

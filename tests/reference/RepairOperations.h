@@ -53,6 +53,12 @@ template <class Engine> struct RepairOperations {
     {
         TrajEl* el = b.element();
         ElMap focus = b.elementMap();
+        State other(b.state(), true);
+        for (const auto& [id, own] : *other.elements) {
+            if (own != nullptr && b.random.chance(10)) {
+                focus[id] = own; // an entry that is there already stays, whatever it holds
+            }
+        }
         b.engine.resupportDependence(el, &focus, b.state(), b.traj, b.time);
         b.note("resupportDependence", text(&focus, b.state()));
     }
@@ -82,7 +88,11 @@ template <class Engine> struct RepairOperations {
         agenda.push(open);
         const bool typeRules = b.random.chance(30);
         const double maxRank = b.random.between(0, 3);
-        ItmsRes* first = b.engine.propagateThroughConflict(b.clause(), parent, &agenda, typeRules,
+        Clause* conflict = b.clause();
+        if (b.random.chance(25)) {
+            giveImplicates(b, conflict);
+        }
+        ItmsRes* first = b.engine.propagateThroughConflict(conflict, parent, &agenda, typeRules,
                                                            maxRank, b.traj, b.time);
         b.note("propagateThroughConflict", first ? snapshot(first, b.model) : "null");
         for (; !agenda.empty(); agenda.pop()) {
@@ -93,6 +103,16 @@ template <class Engine> struct RepairOperations {
         }
         if (first) {
             discard(first);
+        }
+    }
+    // Implicates for every atom of the clause: where faults are among them, sets are rejected.
+    static void giveImplicates(B& b, const Clause* clause)
+    {
+        if (b.engine.piTable == nullptr) {
+            b.engine.piTable = DataManager::newPiTable();
+        }
+        for (const auto& [negated, atom] : *clause->literals) {
+            b.engine.piTable->addPIAtom(atom, b.model.implicateSets());
         }
     }
     static void unitPropagate(B& b)

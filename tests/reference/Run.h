@@ -81,7 +81,8 @@ public:
         }
         if (kind >= 4 && kind <= 6) {
             engine.piTable = DataManager::newPiTable();
-            for (int i = random.between(0, 4); i > 0 && !model.atoms.empty(); --i) {
+            const int heads = random.between(0, random.chance(50) ? 3 : 12);
+            for (int i = 0; i < heads && !model.atoms.empty(); ++i) {
                 Atom* head = random.pick(model.atoms);
                 engine.piTable->addPIAtom(head, model.implicateSets());
             }

@@ -1,0 +1,113 @@
+#include "language/SourceError.h"
+
+#include <algorithm>
+#include <compare>
+
+namespace language {
+
+namespace {
+
+constexpr std::string_view ellipsis = "...";
+
+bool continues(char byte)
+{
+    return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
+}
+
+// Moves back to the first byte of a character. An encoded character has no more than three further bytes.
+std::size_t characterStart(std::string_view text, std::size_t position)
+{
+    for (int back = 0; back < 3 && position > 0 && continues(text[position]); ++back) {
+        --position;
+    }
+    return position;
+}
+
+// Appends the character at the front of `text` as one that takes one place on a terminal, and returns its
+// bytes.
+std::size_t appendPrintable(std::string& out, std::string_view text)
+{
+    const auto first = static_cast<unsigned char>(text.front());
+    if (first == '\t') {
+        out += ' ';
+        return 1;
+    }
+    const std::size_t length = utf8Length(text);
+    const bool control = first < 0x20 || first == 0x7F ||
+                         (first == 0xC2 && static_cast<unsigned char>(text[1]) < 0xA0);
+    if (length == 0 || control) {
+        out += '?';
+    } else {
+        out += text.substr(0, length);
+    }
+    return std::max<std::size_t>(length, 1);
+}
+
+} // namespace
+
+std::size_t utf8Length(std::string_view text)
+{
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    if (byte(0) < 0x80) return 1;
+    const std::size_t length = byte(0) < 0xC2   ? 0
+                               : byte(0) < 0xE0 ? 2
+                               : byte(0) < 0xF0 ? 3
+                               : byte(0) < 0xF5 ? 4
+                                                : 0;
+    if (length == 0 || text.size() < length) return 0;
+    for (std::size_t i = 1; i < length; ++i) {
+        if (!continues(text[i])) return 0;
+    }
+    const bool overlong = (byte(0) == 0xE0 && byte(1) < 0xA0) || (byte(0) == 0xF0 && byte(1) < 0x90);
+    const bool surrogate = byte(0) == 0xED && byte(1) >= 0xA0;
+    const bool beyond = byte(0) == 0xF4 && byte(1) >= 0x90;
+    return overlong || surrogate || beyond ? 0 : length;
+}
+
+void SourceError::quote(std::string_view line, std::size_t length)
+{
+    const std::size_t target = std::min(place.column > 0 ? place.column - 1 : 0, line.size());
+    // A place that is too far out to be shown from the line's start stands in the middle of what is shown.
+    const bool cut = target > shownCharacters - 20;
+    std::size_t at = cut ? characterStart(line, target - shownCharacters / 2) : 0;
+    source = cut ? ellipsis : "";
+    std::size_t characters = source.size();
+    caret = characters;
+    marked = 0;
+    while (at < line.size() && characters < shownCharacters) {
+        if (at <= target) caret = characters;
+        if (at >= target && at < target + length) ++marked;
+        at += appendPrintable(source, line.substr(at));
+        ++characters;
+    }
+    if (target >= line.size()) caret = characters;
+    if (at < line.size()) source += ellipsis;
+    marked = place.column > 0 ? std::max<std::size_t>(marked, 1) : 0;
+}
+
+std::string SourceError::format() const
+{
+    std::string text = file;
+    if (place.line > 0) text += ":" + std::to_string(place.line);
+    if (place.column > 0) text += ":" + std::to_string(place.column);
+    text += ": " + message + "\n";
+    if (place.line > 0 && !source.empty()) text += "  " + source + "\n";
+    if (marked > 0)
+        text += "  " + std::string(caret, ' ') + "^" + std::string(marked - 1, '~') + "\n";
+    if (!expected.empty()) text += "  expected: " + expected + "\n";
+    if (!hint.empty()) text += "  hint: " + hint + "\n";
+    return text;
+}
+
+std::string quoted(std::string_view text)
+{
+    constexpr std::size_t longest = 60;
+    std::string out = "'";
+    std::size_t at = 0;
+    for (std::size_t characters = 0; at < text.size() && characters < longest; ++characters) {
+        at += appendPrintable(out, text.substr(at));
+    }
+    return out + (at < text.size() ? "...'" : "'");
+}
+
+} // namespace language

@@ -1,0 +1,248 @@
+// The grammar is written with the parser templates of PEGTL. A rule in must<> raises when it does not match;
+// the control class turns that into a Failure with the offset and the rule's own identity, and explain() makes
+// the message from what stands there.
+#include "netlist/BenchLine.h"
+
+#include "language/SourceError.h"
+#include "netlist/Circuit.h"
+
+#include <tao/pegtl.hpp>
+
+namespace netlist {
+
+namespace {
+
+namespace pegtl = tao::pegtl;
+
+// Spaces that look like nothing (no-break, zero width, byte order mark) are no part of a name: they come with
+// text copied from elsewhere, and would make two signals of one that look the same.
+// clang-format off
+struct NameCharacter : pegtl::sor<
+    pegtl::ranges<'!', '"', '$', '\'', '*', '+', '-', '<', '>', '~'>,
+    pegtl::utf8::ranges<0xA1, 0x1FFF, 0x2010, 0x2027, 0x2030, 0x205E, 0x2070, 0x2FFF, 0x3001, 0xFEFE,
+                        0xFF00, 0x10FFFF>> {};
+// clang-format on
+struct Name : pegtl::plus<NameCharacter> {};
+struct Blanks : pegtl::star<pegtl::one<' ', '\t', '\r', '\v', '\f'>> {};
+
+struct Head : Name {};
+struct Kind : Name {};
+struct Argument : Name {};
+
+struct Comment : pegtl::seq<pegtl::one<'#'>, pegtl::star<pegtl::any>> {};
+struct Opening : pegtl::one<'('> {};
+struct Closing : pegtl::one<')'> {};
+struct Comma : pegtl::one<','> {};
+struct Names
+    : pegtl::seq<pegtl::must<Argument>, Blanks,
+                 pegtl::until<Closing, pegtl::must<Comma>, Blanks, pegtl::must<Argument>, Blanks>> {
+};
+struct Declaration : pegtl::seq<pegtl::one<'('>, Blanks, Names> {};
+struct Equals : pegtl::one<'='> {};
+struct Function : pegtl::if_must<Equals, Blanks, Kind, Blanks, Opening, Blanks, Names> {};
+struct DeclarationOrFunction : pegtl::sor<Declaration, Function> {};
+struct CommentOrEnd : pegtl::sor<Comment, pegtl::eof> {};
+struct Content : pegtl::must<Head, Blanks, DeclarationOrFunction, Blanks, CommentOrEnd> {};
+struct Line : pegtl::seq<Blanks, pegtl::sor<CommentOrEnd, Content>> {};
+
+// For a line that is in error: every name on it.
+struct Mention : Name {};
+struct Mentions : pegtl::star<pegtl::not_at<pegtl::one<'#'>>, pegtl::sor<Mention, pegtl::any>> {};
+
+enum class Missing { statement, openingOrEquals, kind, opening, argument, commaOrClosing, end };
+
+struct Failure {
+    std::size_t offset;
+    Missing what;
+};
+
+template <typename Rule>
+constexpr Missing missing = Missing::statement; // of Head, which nothing else may come before
+template <> constexpr Missing missing<DeclarationOrFunction> = Missing::openingOrEquals;
+template <> constexpr Missing missing<Kind> = Missing::kind;
+template <> constexpr Missing missing<Opening> = Missing::opening;
+template <> constexpr Missing missing<Argument> = Missing::argument;
+template <> constexpr Missing missing<Comma> = Missing::commaOrClosing;
+template <> constexpr Missing missing<CommentOrEnd> = Missing::end;
+
+template <typename Rule> struct Control : pegtl::normal<Rule> {
+    template <typename Input, typename... States>
+    [[noreturn]] static void raise(const Input& in, States&&... /*states*/)
+    {
+        throw Failure{static_cast<std::size_t>(in.current() - in.begin()), missing<Rule>};
+    }
+};
+
+struct Reading {
+    std::string_view line;
+    Statement statement;
+    bool sawEquals = false;
+    std::vector<Token> mentions;
+
+    template <typename Input> Token token(const Input& matched) const
+    {
+        return {matched.string_view(), static_cast<std::size_t>(matched.begin() - line.data())};
+    }
+};
+
+template <typename Rule> struct Action : pegtl::nothing<Rule> {
+};
+template <> struct Action<Head> {
+    template <typename Input> static void apply(const Input& in, Reading& reading)
+    {
+        reading.statement.head = reading.token(in);
+    }
+};
+template <> struct Action<Kind> {
+    template <typename Input> static void apply(const Input& in, Reading& reading)
+    {
+        reading.statement.kind = reading.token(in);
+    }
+};
+template <> struct Action<Equals> {
+    static void apply0(Reading& reading) { reading.sawEquals = true; }
+};
+template <> struct Action<Argument> {
+    template <typename Input> static void apply(const Input& in, Reading& reading)
+    {
+        reading.statement.arguments.push_back(reading.token(in));
+    }
+};
+template <> struct Action<Mention> {
+    template <typename Input> static void apply(const Input& in, Reading& reading)
+    {
+        reading.mentions.push_back(reading.token(in));
+    }
+};
+
+using LineInput = pegtl::memory_input<pegtl::tracking_mode::lazy, pegtl::eol::lf, const char*>;
+
+// What stands at a place of the line.
+struct Found {
+    enum Kind { nothing, name, separator, other } kind = nothing;
+    std::string text; ///< in words, such as "found ','" or "the line ends"
+    std::size_t length = 0;
+};
+
+std::string hexadecimal(unsigned value, int digits)
+{
+    std::string text;
+    for (int digit = 0; digit < digits || value > 0; ++digit) {
+        text.insert(text.begin(), "0123456789ABCDEF"[value % 16]);
+        value /= 16;
+    }
+    return text;
+}
+
+// A character that is neither a name's nor a separator: a control or blank one, or not UTF-8.
+Found strange(std::string_view rest)
+{
+    const std::size_t length = language::utf8Length(rest);
+    const auto byte = [&](std::size_t i) {
+        return static_cast<unsigned>(static_cast<unsigned char>(rest[i]));
+    };
+    if (length == 0)
+        return {Found::other, "found byte 0x" + hexadecimal(byte(0), 2) + ", which is not UTF-8", 1};
+    unsigned character = length == 1 ? byte(0) : byte(0) & (0x7FU >> length);
+    for (std::size_t i = 1; i < length; ++i) {
+        character = (character << 6U) | (byte(i) & 0x3FU);
+    }
+    return {Found::other, "found the invisible character U+" + hexadecimal(character, 4), length};
+}
+
+Found whatStands(std::string_view line, std::size_t offset, const std::vector<Token>& mentions)
+{
+    if (offset >= line.size()) return {Found::nothing, "the line ends", 0};
+    const char first = line[offset];
+    if (first == '#') return {Found::nothing, "a comment begins", 1};
+    for (const Token& token : mentions) {
+        if (token.offset == offset) {
+            return {Found::name, "found " + language::quoted(token.text), token.text.size()};
+        }
+    }
+    if (first == '(' || first == ')' || first == ',' || first == '=') {
+        return {Found::separator, std::string("found '") + first + "'", 1};
+    }
+    return strange(line.substr(offset));
+}
+
+const Token& function(const Statement& read)
+{
+    return read.isGate() ? read.kind : read.head;
+}
+
+// The three texts of an error: what is wrong, what may stand there, what to do.
+void explain(Missing missingPart, const Found& found, LineError& error)
+{
+    const Statement& read = error.read;
+    switch (missingPart) {
+    case Missing::statement:
+        error.message = found.text + " where a statement begins";
+        error.expected = "INPUT(a), OUTPUT(a) or y = gate(a, b, ...)";
+        error.hint = "a comment begins with '#'";
+        break;
+    case Missing::openingOrEquals:
+        error.message = found.text + " after " + language::quoted(read.head.text);
+        error.expected = "'(' after INPUT or OUTPUT, '=' after the output of a gate";
+        error.hint = "write INPUT(a), OUTPUT(a) or y = gate(a, b, ...)";
+        break;
+    case Missing::kind:
+        error.message = found.text + " after '='";
+        error.expected = "a kind of gate: " + gateKindNames();
+        error.hint = "write y = and(a, b); a copy of a signal is y = buf(a)";
+        break;
+    case Missing::opening:
+        error.message = found.text + " after " + language::quoted(read.kind.text);
+        error.expected = "'(' and the inputs of the gate";
+        error.hint =
+            gateKind(read.kind.text) ? "write y = and(a, b)" : "a copy of a signal is y = buf(a)";
+        break;
+    case Missing::argument:
+        error.message = "argument " + std::to_string(read.arguments.size() + 1) + " of " +
+                        language::quoted(function(read).text) + " is missing: " + found.text;
+        error.expected = "the name of a signal";
+        error.hint = read.arguments.empty() ? "name it between the parentheses"
+                                            : "name it, or take the comma away";
+        break;
+    case Missing::commaOrClosing:
+        error.message = found.text + " after " + language::quoted(read.arguments.back().text);
+        error.expected = "',' and a further signal, or ')'";
+        error.hint = found.kind == Found::name ? "signals are separated by commas"
+                     : found.kind == Found::nothing
+                         ? "close the list with ')'; a statement is one line"
+                         : "";
+        break;
+    case Missing::end:
+        error.message = found.text + " after the end of a statement";
+        error.expected = "the end of the line, or a comment";
+        error.hint = "put each statement on a line of its own, and '#' before a comment";
+        break;
+    }
+}
+
+} // namespace
+
+std::variant<Statement, LineError> readBenchLine(std::string_view line)
+{
+    Reading reading{line, {}, false, {}};
+    LineInput in(line.data(), line.data() + line.size(), "");
+    try {
+        pegtl::parse<Line, Action, Control>(in, reading);
+        return std::move(reading.statement);
+    } catch (const Failure& failure) {
+        LineInput again(line.data(), line.data() + line.size(), "");
+        pegtl::parse<Mentions, Action>(again, reading);
+        const Found found = whatStands(line, failure.offset, reading.mentions);
+        LineError error;
+        error.offset = failure.offset;
+        error.length = found.length;
+        error.read = std::move(reading.statement);
+        error.sawEquals = reading.sawEquals;
+        error.isWhole = failure.what == Missing::end;
+        error.mentions = std::move(reading.mentions);
+        explain(failure.what, found, error);
+        return error;
+    }
+}
+
+} // namespace netlist

@@ -1,0 +1,72 @@
+// A circuit while it is read: what is known of each signal so far, and where it was said.
+#pragma once
+
+#include "language/ErrorList.h"
+#include "netlist/BenchLine.h"
+#include "netlist/Circuit.h"
+#include "netlist/Cycles.h"
+
+#include <optional>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace netlist {
+
+/// What the lines read so far say of a signal.
+struct DraftSignal {
+    std::string_view name;
+    std::optional<language::Place> input;  ///< its INPUT declaration, the first
+    std::optional<language::Place> output; ///< its OUTPUT declaration, the first
+    std::optional<language::Place> driver; ///< the gate that drives it, the first
+    std::size_t gate = noGate;             ///< that gate, when its kind is known
+    std::optional<language::Place> use;    ///< its first use, as an OUTPUT or by a gate
+    std::size_t uses = 0;                  ///< by gates
+    bool excused = false;                  ///< a line that could not be read seems to define it
+
+    bool isDefined() const { return input || driver || excused; }
+};
+
+/// Takes in the statements of a file and reports what is wrong with each by itself or against an earlier one.
+/// The names are views: the text must outlive the draft.
+class Draft {
+public:
+    explicit Draft(language::ErrorList& errors) : errors_(errors) {}
+
+    /// Takes in the statement of line `line`, which has one.
+    void add(const Statement& statement, std::size_t line);
+    /// Takes in what line `line`, which could not be read, may have said.
+    void salvage(const LineError& error, std::size_t line);
+
+    const std::vector<DraftSignal>& signals() const { return signals_; }
+    /// Inputs, outputs and gates; signals are numbered as in `signals()`.
+    const Circuit& circuit() const { return circuit_; }
+    /// By signal, its gate: `noGate` when none drives it, or when it is an INPUT all the same.
+    std::vector<std::size_t> drivers() const;
+    /// A line that could not be read, or made out, may have been an OUTPUT.
+    bool mayLackOutputs() const { return mayLackOutputs_; }
+    bool sawStatement() const { return sawStatement_; }
+    /// The circuit with its signals' names. The draft is spent.
+    Circuit finish();
+
+private:
+    SignalIndex signal(std::string_view name);
+    void use(const Token& token, std::size_t line, bool byGate);
+    void declare(const Statement& statement, std::size_t line);
+    void unknownDeclaration(const Statement& statement, std::size_t line);
+    void declareInput(const Token& name, language::Place place);
+    void declareOutput(const Token& name, language::Place place);
+    void addGate(const Statement& statement, std::size_t line);
+    void checkArity(GateKind kind, const Statement& statement, std::size_t line);
+    void unknownKind(const Token& kind, std::size_t line);
+    void drive(SignalIndex driven, const Token& name, language::Place place);
+
+    language::ErrorList& errors_;
+    Circuit circuit_;
+    std::vector<DraftSignal> signals_;
+    std::unordered_map<std::string_view, SignalIndex> byName_;
+    bool mayLackOutputs_ = false;
+    bool sawStatement_ = false;
+};
+
+} // namespace netlist
