@@ -111,6 +111,7 @@ public:
     {
         if (length(begin, end) < 4 || end[-1] != '/' || end[-2] != '*') {
             error(begin, begin + 2, "a comment without its end", "'*/'", "");
+            list.openComment = true;
         }
         comment(true, begin, end);
     }
@@ -214,6 +215,8 @@ void Cutter::reportUnreadable(const Token& token)
         std::string_view(source_.text()).substr(token.offset, token.length);
     std::string message;
     std::string hint = meant(text);
+    const bool afterEquals = token.offset > 0 && source_.text()[token.offset - 1] == '=';
+    if (text.front() == '>' && afterEquals) hint = "write '->'";
     if (text.front() == '\0') {
         message = "a byte of value 0";
         hint = "a model file is a text in UTF-8";

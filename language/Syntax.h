@@ -130,7 +130,7 @@ struct Law {
 enum class TransitionKind { nominal, fault, idle };
 
 /// `nominal closed -> open when request = open : 0.99`, `fault any -> unknown : 1e-4 per hour`, `idle closed, open`.
-/// A component with several modes says which one is meant: `fault position: closed -> stuck : 0.01`.
+/// A component with several modes says which one is meant: `fault position = closed -> stuck : 0.01`.
 struct Transition {
     TransitionKind kind = TransitionKind::nominal;
     std::optional<Name> variable; ///< the mode variable, where it is named

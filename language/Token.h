@@ -81,6 +81,23 @@ inline bool isWord(TokenKind kind)
     return kind >= TokenKind::importWord && kind <= TokenKind::lostWord;
 }
 
+/// Words that can be values all the same, because a value never stands where they mean something.
+inline bool canBeValue(TokenKind kind)
+{
+    switch (kind) {
+    case TokenKind::name:
+    case TokenKind::nominalWord:
+    case TokenKind::idleWord:
+    case TokenKind::stepWord:
+    case TokenKind::holdWord:
+    case TokenKind::lostWord:
+    case TokenKind::fromWord:
+    case TokenKind::withinWord:
+    case TokenKind::perWord: return true;
+    default: return false;
+    }
+}
+
 struct Token {
     TokenKind kind = TokenKind::end;
     bool firstOnLine = false; ///< nothing but blanks and comments before it on its line
@@ -106,6 +123,7 @@ struct TokenList {
     std::vector<Token> tokens;
     std::vector<Comment> comments;
     std::vector<SourceError> errors; ///< bytes that no token is made of, texts and comments without an end
+    bool openComment = false;        ///< the last comment has no end
 };
 
 /// Cuts a text into tokens. Linear. After `maximalErrors` errors it goes on without reporting.
