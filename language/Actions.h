@@ -379,6 +379,8 @@ template <> struct Action<grammar::value_in_braces> : makes<Value> {
 };
 template <> struct Action<grammar::declared_name> : sets_name<&Value::name> {
 };
+template <> struct Action<grammar::name_in_braces> : sets_name<&Value::name> {
+};
 template <> struct Action<grammar::initial_flag> : sets<&Value::initial, true> {
 };
 template <> struct Action<grammar::fault_flag> : sets<&Value::fault, true> {

@@ -90,7 +90,8 @@ struct command_word : token<TokenKind::commandWord> {};
 struct initial_flag : token<TokenKind::initialWord> {};
 struct fault_flag : token<TokenKind::faultWord> {};
 struct declared_name : value_name {};
-struct value_in_braces : seq<declared_name, star<sor<initial_flag, fault_flag>>> {};
+struct name_in_braces : block_value_token {};
+struct value_in_braces : seq<name_in_braces, star<sor<initial_flag, fault_flag>>> {};
 struct values_in_braces
     : if_must<token<TokenKind::openBrace>, value_in_braces,
               star<opt<silent<TokenKind::comma>>, value_in_braces>, token<TokenKind::closeBrace>> {
@@ -121,7 +122,9 @@ struct source_value : value_name {};
 struct sources : sor<any_value, comma_list<source_value>> {};
 struct target_value : value_name {};
 struct guard : if_must<token<TokenKind::whenWord>, formula> {};
-struct per_unit : named<"a unit of time or 'step'", sor<token<TokenKind::stepWord>, time_unit>> {};
+struct per_unit
+    : named<"a unit of time (ms, s, min, h, d) or 'step'", sor<token<TokenKind::stepWord>, time_unit>> {
+};
 struct amount : sum {};
 struct probability : seq<amount, opt<if_must<token<TokenKind::perWord>, per_unit>>> {};
 struct transition_rest : seq<opt<guard>, opt<if_must<token<TokenKind::colon>, probability>>> {};
@@ -183,7 +186,7 @@ struct reading
     : seq<read_value,
           must<sor<if_must<token<TokenKind::equals>, sor<read_text, read_number>>, otherwise>>> {};
 struct readings : comma_list<reading> {};
-struct unit : named<"a unit of time", time_unit> {};
+struct unit : named<"a unit of time (ms, s, min, h, d)", time_unit> {};
 struct duration : seq<amount, must<unit>> {};
 struct hold : if_must<token<TokenKind::holdWord>, duration> {};
 struct binding_rest

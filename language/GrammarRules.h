@@ -72,9 +72,9 @@ template <TokenKind First, TokenKind Second> struct followed_by : Leaf {
     }
 };
 
-/// A name, or a word that can be a value.
-struct value_token : Leaf {
-    using rule_t = value_token;
+/// A name, or a word that can be a value, among the values in braces.
+struct block_value_token : Leaf {
+    using rule_t = block_value_token;
     static bool match(TokenInput& in)
     {
         if (!canBeValue(in.front().kind)) {
@@ -83,6 +83,23 @@ struct value_token : Leaf {
         }
         in.bump();
         return true;
+    }
+};
+
+/// The same elsewhere: there a word at the begin of a line begins a statement, unless the line before cannot end so.
+struct value_token : Leaf {
+    using rule_t = value_token;
+    static bool match(TokenInput& in)
+    {
+        if (in.front().firstOnLine && isWord(in.front().kind)) {
+            const TokenKind last = in.iterator()[-1].kind;
+            if (last != TokenKind::comma && last != TokenKind::less &&
+                last != TokenKind::lessOrEqual) {
+                in.expect(TokenKind::name, "a value");
+                return false;
+            }
+        }
+        return block_value_token::match(in);
     }
 };
 

@@ -4,6 +4,7 @@
 #include "language/Words.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace language {
@@ -53,7 +54,7 @@ const Token* afterStatement(const Token* begin, const Token* at, bool inBlock)
         const bool closes =
             token->kind == TokenKind::closeBrace || token->kind == TokenKind::openBrace;
         if (token->firstOnLine && behind == 0 && !closes &&
-            (token->column <= margin || (inBlock && beginsMember(token)))) {
+            (beginsMember(token) ? inBlock : token->column <= margin)) {
             return token;
         }
         if (token->kind == TokenKind::openBrace) ++behind;
@@ -72,6 +73,18 @@ std::string inQuotes(const TokenInput& in, const Token& token)
 {
     return token.kind == TokenKind::text ? "the text " + quoted(in.text(token))
                                          : quoted(in.text(token));
+}
+
+// What a statement could go on with is of no interest where a new line begins: the next statement is.
+Expectations statementsOnly(const Expectations& expectations)
+{
+    Expectations kept;
+    std::copy_if(expectations.begin(), expectations.end(), std::back_inserter(kept),
+                 [](const auto& expectation) {
+                     return expectation.what.starts_with("a statement of a") ||
+                            expectation.what.starts_with("'import'");
+                 });
+    return kept.empty() ? expectations : kept;
 }
 
 // "':', 'when' or an operator"
@@ -219,8 +232,9 @@ void Mistakes::recover(TokenInput& in, const Token* begin, std::size_t blocks,
         in.restart(at - 1);
         return;
     }
-    const bool silent =
-        at->kind == TokenKind::unreadable || (at->kind == TokenKind::end && openComment_);
+    const auto unreadable = [](const Token* token) { return token->kind == TokenKind::unreadable; };
+    const bool silent = unreadable(at) || (at->kind == TokenKind::end && openComment_) ||
+                        (at->kind != TokenKind::end && unreadable(at + 1) && touches(at + 1));
     if (!silent) report(in, begin, blocks, mistake);
     in.restart(afterStatement(begin, at, blocks > 0));
 }
@@ -238,8 +252,10 @@ void Mistakes::report(const TokenInput& in, const Token* begin, std::size_t bloc
         return;
     }
     const Token* at = in.farthest();
-    const Expectations& expectations = in.expected();
+    const Expectations expectations =
+        at == begin && at->firstOnLine ? statementsOnly(in.expected()) : in.expected();
     if (in.openBraces.size() > blocks && (at->kind == TokenKind::end || beginsDeclaration(*at))) {
+        if (endReported_) return; // a file that breaks off
         const Token& brace = *in.openBraces.back();
         const std::string where = at->kind == TokenKind::end
                                       ? "the end of the file"
@@ -252,13 +268,14 @@ void Mistakes::report(const TokenInput& in, const Token* begin, std::size_t bloc
     const std::string expected = listed(expectations);
     if (at != begin && (at->firstOnLine || at->kind == TokenKind::end)) {
         const Token& last = at[-1];
+        endReported_ = at->kind == TokenKind::end;
         const char* what = at->kind == TokenKind::end ? "unexpected end of the file"
                                                       : "unexpected end of the line";
         add(source_.range(last.offset + last.length, 1), what + context, expected, {});
     } else if (at->kind == TokenKind::end) {
         add(rangeOf(*at), "unexpected end of the file" + context, expected, {});
     } else if (isWord(at->kind) && isExpected(expectations, TokenKind::name)) {
-        add(rangeOf(*at), inQuotes(in, *at) + " is a word of the language" + context, expected,
+        add(rangeOf(*at), inQuotes(in, *at) + " is a word of the language", expected,
             "choose another name");
     } else {
         add(rangeOf(*at), "unexpected " + inQuotes(in, *at) + context, expected,

@@ -31,6 +31,7 @@ private:
     const SourceText& source_;
     const syntax::Limits& limits_;
     bool openComment_;
+    bool endReported_ = false; ///< a statement that the end of the file cuts off
     std::vector<SourceError> errors_;
 };
 
