@@ -123,6 +123,8 @@ bool itms::limitReached()
         limit = SearchLimit::records;
     } else if (searchWork.candidates >= searchLimits.maxCandidates) {
         limit = SearchLimit::candidates;
+    } else if (searchLimits.stop && *searchLimits.stop) {
+        limit = SearchLimit::stopped;
     } else if (searchLimits.maxSeconds != std::numeric_limits<double>::infinity()) {
         const std::chrono::duration<double> elapsed =
             std::chrono::steady_clock::now() - searchStart_;

@@ -1,6 +1,8 @@
 #include "language/NearestName.h"
 
 #include <algorithm>
+#include <numeric>
+#include <utility>
 
 namespace language {
 
@@ -13,35 +15,39 @@ char lower(char letter)
 
 } // namespace
 
-// Dynamic programming over prefixes, three rows kept: distances of a's prefix of length i to every prefix of b.
-// The values of a row bound all later ones from below, so the search ends when a row and the one before exceed
-// the limit.
+// Dynamic programming over prefixes, three rows kept: distances of a prefix of a to the prefixes of b, of which
+// only those count whose length differs by no more than the limit. The values of two neighbouring rows bound all later
+// ones from below, so the search ends when they exceed the limit.
 std::size_t editDistance(std::string_view a, std::string_view b, std::size_t limit)
 {
     const std::size_t difference = a.size() > b.size() ? a.size() - b.size() : b.size() - a.size();
     if (difference > limit) return limit + 1;
-    std::vector<std::size_t> beforeLast(b.size() + 1);
-    std::vector<std::size_t> last(b.size() + 1);
-    std::vector<std::size_t> row(b.size() + 1);
-    for (std::size_t j = 0; j <= b.size(); ++j) {
-        row[j] = j;
-    }
+    limit = std::min(limit, std::max(a.size(), b.size()));
+    std::vector<std::size_t> rows(3 * (b.size() + 1), limit + 1);
+    std::size_t* beforeLast = rows.data();
+    std::size_t* last = beforeLast + b.size() + 1;
+    std::size_t* row = last + b.size() + 1;
+    std::iota(row, row + std::min(b.size(), limit) + 1, std::size_t{0});
+    std::size_t leastOfLast = 0;
     for (std::size_t i = 1; i <= a.size(); ++i) {
-        beforeLast.swap(last);
-        last.swap(row);
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
+        std::swap(beforeLast, last);
+        std::swap(last, row);
+        const std::size_t first = i > limit ? i - limit : 1;
+        const std::size_t end = std::min(b.size(), i + limit);
+        row[first - 1] = first == 1 ? i : limit + 1;
+        std::size_t least = row[first - 1];
+        for (std::size_t j = first; j <= end; ++j) {
             const bool same = lower(a[i - 1]) == lower(b[j - 1]);
             row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + (same ? 0U : 1U)});
             if (i > 1 && j > 1 && lower(a[i - 1]) == lower(b[j - 2]) &&
                 lower(a[i - 2]) == lower(b[j - 1])) {
                 row[j] = std::min(row[j], beforeLast[j - 2] + 1);
             }
+            least = std::min(least, row[j]);
         }
-        if (*std::min_element(row.begin(), row.end()) > limit &&
-            *std::min_element(last.begin(), last.end()) > limit) {
-            return limit + 1;
-        }
+        if (end < b.size()) row[end + 1] = limit + 1;
+        if (least > limit && leastOfLast > limit) return limit + 1;
+        leastOfLast = least;
     }
     return std::min(row[b.size()], limit + 1);
 }

@@ -23,22 +23,30 @@ std::size_t characterStart(std::string_view text, std::size_t position)
     return position;
 }
 
-// Appends the character at the front of `text` as one that takes one place on a terminal, and returns its
-// bytes.
+// A control character, or a blank other than the space, most of which do not show.
+bool isInvisible(std::string_view character)
+{
+    const auto first = static_cast<unsigned char>(character.front());
+    if (character.size() == 1) return first < 0x20 || first == 0x7F;
+    const auto isWithin = [&](std::string_view low, std::string_view high) {
+        return low <= character && character <= high;
+    };
+    return isWithin("\u0080", "\u00A0") || isWithin("\u2000", "\u200F") ||
+           isWithin("\u2028", "\u202F") || isWithin("\u205F", "\u206F") || character == "\u3000" ||
+           character == "\uFEFF";
+}
+
+// Appends the character at the front of `text` as one that shows, and returns its bytes.
 std::size_t appendPrintable(std::string& out, std::string_view text)
 {
-    const auto first = static_cast<unsigned char>(text.front());
-    if (first == '\t') {
-        out += ' ';
-        return 1;
-    }
     const std::size_t length = utf8Length(text);
-    const bool control = first < 0x20 || first == 0x7F ||
-                         (first == 0xC2 && static_cast<unsigned char>(text[1]) < 0xA0);
-    if (length == 0 || control) {
+    const std::string_view character = text.substr(0, length);
+    if (text.front() == '\t') {
+        out += ' ';
+    } else if (length == 0 || isInvisible(character)) {
         out += '?';
     } else {
-        out += text.substr(0, length);
+        out += character;
     }
     return std::max<std::size_t>(length, 1);
 }

@@ -7,6 +7,7 @@
 // DataManager::searchWork.partial is true.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <limits>
 
@@ -17,10 +18,13 @@ struct SearchLimits {
     std::uint64_t maxRecords = unlimited; ///< records expanded (conflicts resolved), 0..unlimited
     std::uint64_t maxCandidates = unlimited; ///< candidates that the call appends to its results
     double maxSeconds = std::numeric_limits<double>::infinity(); ///< wall-clock seconds, >= 0
+    /// Not owned, and read before every record: once it is true the search ends. For a signal handler, or another
+    /// thread, that wants no further answer. Null: nobody does.
+    const std::atomic<bool>* stop = nullptr;
 };
 
 /// Why a search ended before its agenda was empty.
-enum class SearchLimit : std::uint8_t { none, records, candidates, seconds };
+enum class SearchLimit : std::uint8_t { none, records, candidates, seconds, stopped };
 
 /// What the latest call of itms::addPropositions did.
 struct SearchWork {

@@ -118,6 +118,8 @@ bool FaultSearch::exhausted()
         limit = SearchLimit::records;
     } else if (left.maxCandidates == 0) {
         limit = SearchLimit::candidates;
+    } else if (left.stop && *left.stop) {
+        limit = SearchLimit::stopped;
     } else if (left.maxSeconds <= 0.0) {
         limit = SearchLimit::seconds;
     }

@@ -70,6 +70,7 @@ const char* name(SearchLimit limit)
     case SearchLimit::records: return "records";
     case SearchLimit::candidates: return "candidates";
     case SearchLimit::seconds: return "seconds";
+    case SearchLimit::stopped: return "interrupted";
     case SearchLimit::none: break;
     }
     return "";

@@ -73,7 +73,7 @@ Prediction initialLabels(const Plant& plant);
 
 /// The name of a status: "nominal", "faulty", "ambiguous", "inconsistent".
 const char* name(StepStatus status);
-/// What a limit bounds: "records", "candidates", "seconds", or "" for none.
+/// What a limit bounds: "records", "candidates", "seconds", "interrupted", or "" for none.
 const char* name(SearchLimit limit);
 
 } // namespace monitor

@@ -3,6 +3,7 @@
 // the message from what stands there.
 #include "netlist/BenchLine.h"
 
+#include "language/NearestName.h"
 #include "language/SourceError.h"
 #include "netlist/Circuit.h"
 
@@ -119,9 +120,11 @@ using LineInput = pegtl::memory_input<pegtl::tracking_mode::lazy, pegtl::eol::lf
 
 // What stands at a place of the line.
 struct Found {
-    enum Kind { nothing, name, separator, other } kind = nothing;
+    enum Kind { nothing, name, separatorCharacter, invisible, notText };
+    Kind kind = nothing;
     std::string text; ///< in words, such as "found ','" or "the line ends"
     std::size_t length = 0;
+    char separator = ' ';
 };
 
 std::string hexadecimal(unsigned value, int digits)
@@ -142,39 +145,61 @@ Found strange(std::string_view rest)
         return static_cast<unsigned>(static_cast<unsigned char>(rest[i]));
     };
     if (length == 0)
-        return {Found::other, "found byte 0x" + hexadecimal(byte(0), 2) + ", which is not UTF-8", 1};
+        return {Found::notText, "found byte 0x" + hexadecimal(byte(0), 2) + ", which is not UTF-8",
+                1, ' '};
     unsigned character = length == 1 ? byte(0) : byte(0) & (0x7FU >> length);
     for (std::size_t i = 1; i < length; ++i) {
         character = (character << 6U) | (byte(i) & 0x3FU);
     }
-    return {Found::other, "found the invisible character U+" + hexadecimal(character, 4), length};
+    return {Found::invisible, "found the invisible character U+" + hexadecimal(character, 4),
+            length, ' '};
 }
 
 Found whatStands(std::string_view line, std::size_t offset, const std::vector<Token>& mentions)
 {
-    if (offset >= line.size()) return {Found::nothing, "the line ends", 0};
+    if (offset >= line.size()) return {Found::nothing, "the line ends", 0, ' '};
     const char first = line[offset];
-    if (first == '#') return {Found::nothing, "a comment begins", 1};
+    if (first == '#') return {Found::nothing, "a comment begins", 1, ' '};
     for (const Token& token : mentions) {
         if (token.offset == offset) {
-            return {Found::name, "found " + language::quoted(token.text), token.text.size()};
+            return {Found::name, "found " + language::quoted(token.text), token.text.size(), ' '};
         }
     }
     if (first == '(' || first == ')' || first == ',' || first == '=') {
-        return {Found::separator, std::string("found '") + first + "'", 1};
+        return {Found::separatorCharacter, std::string("found '") + first + "'", 1, first};
     }
     return strange(line.substr(offset));
 }
 
-const Token& function(const Statement& read)
+bool isKeyword(std::string_view text)
 {
-    return read.isGate() ? read.kind : read.head;
+    return language::editDistance(text, "INPUT", 0) == 0 ||
+           language::editDistance(text, "OUTPUT", 0) == 0;
+}
+
+// What to do about a name that is missing, or about what follows one, in a list in parentheses.
+std::string listHint(const Found& found, bool nameIsMissing)
+{
+    if (found.kind == Found::nothing) {
+        return "close the list with ')'; a statement is one line";
+    }
+    if (found.kind == Found::name) {
+        return "signals are separated by commas";
+    }
+    if (found.separator == '(') {
+        return "gates are not nested: give the inner one a line and a signal of its own";
+    }
+    if (found.separator == '=') {
+        return "close the list with ')', and put each statement on a line of its own";
+    }
+    return nameIsMissing ? "name it, or take the comma away" : "";
 }
 
 // The three texts of an error: what is wrong, what may stand there, what to do.
 void explain(Missing missingPart, const Found& found, LineError& error)
 {
     const Statement& read = error.read;
+    const bool gate = read.isGate();
     switch (missingPart) {
     case Missing::statement:
         error.message = found.text + " where a statement begins";
@@ -183,8 +208,10 @@ void explain(Missing missingPart, const Found& found, LineError& error)
         break;
     case Missing::openingOrEquals:
         error.message = found.text + " after " + language::quoted(read.head.text);
-        error.expected = "'(' after INPUT or OUTPUT, '=' after the output of a gate";
-        error.hint = "write INPUT(a), OUTPUT(a) or y = gate(a, b, ...)";
+        error.expected =
+            isKeyword(read.head.text) ? "'(' and the name of a signal" : "'=' and a gate";
+        error.hint =
+            isKeyword(read.head.text) ? "write INPUT(a) or OUTPUT(a)" : "write y = gate(a, b, ...)";
         break;
     case Missing::kind:
         error.message = found.text + " after '='";
@@ -199,18 +226,17 @@ void explain(Missing missingPart, const Found& found, LineError& error)
         break;
     case Missing::argument:
         error.message = "argument " + std::to_string(read.arguments.size() + 1) + " of " +
-                        language::quoted(function(read).text) + " is missing: " + found.text;
+                        language::quoted(gate ? read.kind.text : read.head.text) +
+                        " is missing: " + found.text;
         error.expected = "the name of a signal";
-        error.hint = read.arguments.empty() ? "name it between the parentheses"
-                                            : "name it, or take the comma away";
+        error.hint = found.separator == ')' && read.arguments.empty()
+                         ? "name it between the parentheses"
+                         : listHint(found, true);
         break;
     case Missing::commaOrClosing:
         error.message = found.text + " after " + language::quoted(read.arguments.back().text);
         error.expected = "',' and a further signal, or ')'";
-        error.hint = found.kind == Found::name ? "signals are separated by commas"
-                     : found.kind == Found::nothing
-                         ? "close the list with ')'; a statement is one line"
-                         : "";
+        error.hint = listHint(found, false);
         break;
     case Missing::end:
         error.message = found.text + " after the end of a statement";
@@ -218,6 +244,18 @@ void explain(Missing missingPart, const Found& found, LineError& error)
         error.hint = "put each statement on a line of its own, and '#' before a comment";
         break;
     }
+    if (found.kind == Found::notText) error.hint = "save the file as UTF-8";
+    if (found.kind == Found::invisible) error.hint = "delete it, or put a space in its place";
+}
+
+// A statement that was broken into lines is one mistake: its first line stays open, and the others look like its rest.
+void relateToNeighbours(Missing missingPart, const Found& found, LineError& error)
+{
+    const bool inList = missingPart == Missing::argument || missingPart == Missing::commaOrClosing;
+    error.staysOpen = inList && found.kind == Found::nothing;
+    const bool atName = missingPart == Missing::statement || missingPart == Missing::openingOrEquals;
+    error.looksLikeRest =
+        atName && (found.kind == Found::nothing || found.separator == ',' || found.separator == ')');
 }
 
 } // namespace
@@ -241,6 +279,7 @@ std::variant<Statement, LineError> readBenchLine(std::string_view line)
         error.isWhole = failure.what == Missing::end;
         error.mentions = std::move(reading.mentions);
         explain(failure.what, found, error);
+        relateToNeighbours(failure.what, found, error);
         return error;
     }
 }

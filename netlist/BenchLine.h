@@ -43,6 +43,8 @@ struct LineError {
     Statement read;              ///< what had been read before the place
     bool sawEquals = false;      ///< it is a gate's line
     bool isWhole = false;        ///< `read` is a whole statement: what follows it is wrong
+    bool staysOpen = false;      ///< the line ends inside of parentheses
+    bool looksLikeRest = false;  ///< it could go on with a statement of an earlier line
     std::vector<Token> mentions; ///< every name on the line, comments excepted
 };
 

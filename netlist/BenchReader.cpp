@@ -50,13 +50,20 @@ bool isText(const std::vector<std::string_view>& lines, language::ErrorList& err
 
 void readLines(const std::vector<std::string_view>& lines, Draft& draft, language::ErrorList& errors)
 {
+    bool open =
+        false; // a statement was broken off, which has been reported, and its rest may follow
     for (std::size_t line = 0; line < lines.size(); ++line) {
         const std::variant<Statement, LineError> read = readBenchLine(lines[line]);
         if (const auto* error = std::get_if<LineError>(&read)) {
-            errors.add({line + 1, error->offset + 1}, error->length, error->message,
-                       error->expected, error->hint);
+            const bool isRest = open && error->looksLikeRest;
+            if (!isRest) {
+                errors.add({line + 1, error->offset + 1}, error->length, error->message,
+                           error->expected, error->hint);
+            }
+            open = error->staysOpen || (isRest && lines[line].find(')') == std::string_view::npos);
             draft.salvage(*error, line + 1);
         } else if (!std::get<Statement>(read).head.text.empty()) {
+            open = false;
             draft.add(std::get<Statement>(read), line + 1);
         }
     }

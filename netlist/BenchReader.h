@@ -35,7 +35,7 @@ struct BenchResult {
 };
 
 /// Reads a circuit from a text. `fileName` is for the errors; without folder and extension it is the circuit's
-/// name. Linear, apart from the search for names near to undefined ones, which ends after 4 million
+/// name. Linear, apart from the search for names near to undefined ones, which ends after a million
 /// comparisons.
 BenchResult readBench(std::string_view text, const std::string& fileName);
 

@@ -7,7 +7,6 @@ namespace netlist {
 namespace {
 
 using language::Place;
-using language::quoted;
 
 Place placeOf(const Token& token, std::size_t line)
 {
@@ -19,8 +18,8 @@ std::string lineText(const Place& place)
     return "line " + std::to_string(place.line);
 }
 
-// `word` is in capitals.
-bool isKeyword(std::string_view text, std::string_view word)
+// In any letter case.
+bool isWord(std::string_view text, std::string_view word)
 {
     return language::editDistance(text, word, 0) == 0;
 }
@@ -28,7 +27,7 @@ bool isKeyword(std::string_view text, std::string_view word)
 std::string didYouMean(std::string_view name, const std::vector<std::string_view>& known)
 {
     const std::string nearest = language::nearestName(name, known);
-    return nearest.empty() ? "" : "did you mean " + quoted(nearest) + "?";
+    return nearest.empty() ? "" : "did you mean " + language::quoted(nearest) + "?";
 }
 
 } // namespace
@@ -77,8 +76,8 @@ void Draft::use(const Token& token, std::size_t line, bool byGate)
 
 void Draft::declare(const Statement& statement, std::size_t line)
 {
-    const bool input = isKeyword(statement.head.text, "INPUT");
-    if (!input && !isKeyword(statement.head.text, "OUTPUT")) {
+    const bool input = isWord(statement.head.text, "INPUT");
+    if (!input && !isWord(statement.head.text, "OUTPUT")) {
         unknownDeclaration(statement, line);
         return;
     }
@@ -104,16 +103,18 @@ void Draft::unknownDeclaration(const Statement& statement, std::size_t line)
     const Token& head = statement.head;
     if (gateKind(head.text)) {
         errors_.add(placeOf(head, line), head.text.size(),
-                    "gate " + quoted(head.text) + " has no output", "y = gate(a, b, ...)",
+                    "gate " + language::quoted(head.text) + " has no output", "y = gate(a, b, ...)",
                     "name the signal that the gate drives, and '=', before it");
         for (const Token& argument : statement.arguments) {
             use(argument, line, true);
         }
         return;
     }
-    errors_.add(placeOf(head, line), head.text.size(), "unknown statement " + quoted(head.text),
+    const std::string hint = didYouMean(head.text, {"INPUT", "OUTPUT"});
+    errors_.add(placeOf(head, line), head.text.size(),
+                "unknown statement " + language::quoted(head.text),
                 "INPUT(a), OUTPUT(a) or y = gate(a, b, ...)",
-                didYouMean(head.text, {"INPUT", "OUTPUT"}));
+                hint.empty() ? "only INPUTs and OUTPUTs are declared" : hint);
     mayLackOutputs_ = true;
     for (const Token& argument : statement.arguments) {
         signals_[signal(argument.text)].excused = true;
@@ -126,12 +127,12 @@ void Draft::declareInput(const Token& name, Place place)
     DraftSignal& declared = signals_[index];
     if (declared.input) {
         errors_.add(place, name.text.size(),
-                    "INPUT " + quoted(name.text) + " is declared twice, first in " +
+                    "INPUT " + language::quoted(name.text) + " is declared twice, first in " +
                         lineText(*declared.input),
                     "each INPUT once", "remove one of the two, or rename it");
     } else if (declared.driver) {
         errors_.add(place, name.text.size(),
-                    quoted(name.text) + " is declared INPUT, but the gate in " +
+                    language::quoted(name.text) + " is declared INPUT, but the gate in " +
                         lineText(*declared.driver) + " drives it",
                     "an INPUT that no gate drives",
                     "remove this INPUT, or rename the output of the gate");
@@ -149,7 +150,7 @@ void Draft::declareOutput(const Token& name, Place place)
     DraftSignal& declared = signals_[index];
     if (declared.output) {
         errors_.add(place, name.text.size(),
-                    "OUTPUT " + quoted(name.text) + " is declared twice, first in " +
+                    "OUTPUT " + language::quoted(name.text) + " is declared twice, first in " +
                         lineText(*declared.output),
                     "each OUTPUT once", "remove one of the two, or rename it");
         return;
@@ -203,15 +204,16 @@ void Draft::unknownKind(const Token& kind, std::size_t line)
         names.push_back(name);
     }
     std::string hint = didYouMean(kind.text, names);
+    if (hint.empty()) hint = "build it of gates of these kinds";
     for (const std::string_view stateful : {"DFF", "DFFSR", "LATCH"}) {
-        if (isKeyword(kind.text, stateful)) {
+        if (isWord(kind.text, stateful)) {
             hint = "circuits with a memory are not read: cut them at their flip-flops, whose "
                    "outputs become "
                    "INPUTs and whose inputs become OUTPUTs";
         }
     }
-    errors_.add(placeOf(kind, line), kind.text.size(), "unknown kind of gate " + quoted(kind.text),
-                gateKindNames(), hint);
+    errors_.add(placeOf(kind, line), kind.text.size(),
+                "unknown kind of gate " + language::quoted(kind.text), gateKindNames(), hint);
 }
 
 void Draft::drive(SignalIndex driven, const Token& name, Place place)
@@ -219,14 +221,14 @@ void Draft::drive(SignalIndex driven, const Token& name, Place place)
     DraftSignal& signal = signals_[driven];
     if (signal.driver) {
         errors_.add(place, name.text.size(),
-                    quoted(name.text) + " is driven twice, first by the gate in " +
+                    language::quoted(name.text) + " is driven twice, first by the gate in " +
                         lineText(*signal.driver),
                     "one gate for each signal", "remove one of the two gates, or rename its output");
         return;
     }
     if (signal.input) {
         errors_.add(place, name.text.size(),
-                    quoted(name.text) + " is driven by a gate, but declared INPUT in " +
+                    language::quoted(name.text) + " is driven by a gate, but declared INPUT in " +
                         lineText(*signal.input),
                     "a signal that is no INPUT",
                     "remove the INPUT, or rename the output of the gate");

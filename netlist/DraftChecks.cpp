@@ -6,8 +6,6 @@ namespace netlist {
 
 namespace {
 
-using language::quoted;
-
 // Looks for names near to one that is not known, until it has compared that many.
 class Suggestions {
 public:
@@ -27,7 +25,7 @@ public:
 
 private:
     std::vector<std::string_view> known_;
-    std::size_t comparisons_ = 4'000'000;
+    std::size_t comparisons_ = 1'000'000;
 };
 
 void checkDefined(const Draft& draft, language::ErrorList& errors)
@@ -37,7 +35,7 @@ void checkDefined(const Draft& draft, language::ErrorList& errors)
         if (!signal.use || signal.isDefined()) continue;
         const bool isOutput = signal.output == signal.use;
         std::string message =
-            (isOutput ? "OUTPUT " : "signal ") + quoted(signal.name) + " is not defined";
+            (isOutput ? "OUTPUT " : "signal ") + language::quoted(signal.name) + " is not defined";
         if (signal.uses > (isOutput ? 0U : 1U)) {
             message += "; gates use it " + std::to_string(signal.uses) +
                        (signal.uses == 1 ? " time" : " times");
@@ -46,7 +44,7 @@ void checkDefined(const Draft& draft, language::ErrorList& errors)
         errors.add(*signal.use, signal.name.size(), std::move(message),
                    "an INPUT or the output of a gate",
                    nearest.empty() ? "declare it INPUT, or add the gate that drives it"
-                                   : "did you mean " + quoted(nearest) + "?");
+                                   : "did you mean " + language::quoted(nearest) + "?");
     }
 }
 
@@ -63,10 +61,10 @@ std::string cycleText(const Circuit& circuit, const std::vector<DraftSignal>& si
             i += hidden;
         }
         const Gate& gate = circuit.gates[cycle[i]];
-        text += quoted(signals[gate.output].name) + " (line " + std::to_string(gate.place.line) +
-                ") -> ";
+        text += language::quoted(signals[gate.output].name) + " (line " +
+                std::to_string(gate.place.line) + ") -> ";
     }
-    return text + quoted(signals[circuit.gates[cycle.front()].output].name);
+    return text + language::quoted(signals[circuit.gates[cycle.front()].output].name);
 }
 
 void checkCycles(const Draft& draft, language::ErrorList& errors)
@@ -79,7 +77,7 @@ void checkCycles(const Draft& draft, language::ErrorList& errors)
         const std::string_view name = draft.signals()[first.output].name;
         errors.add(first.place, name.size(),
                    cycle.size() == 1
-                       ? "gate " + quoted(name) + " is an input of its own"
+                       ? "gate " + language::quoted(name) + " has itself as an input"
                        : "gates in a cycle: " + cycleText(circuit, draft.signals(), cycle),
                    "gates that follow from the INPUTs, without a way back",
                    "one of these inputs is wrong, or has to be cut and declared INPUT");

@@ -86,6 +86,9 @@ private:
 
 double itms::entropy(StateVar* variable, State* state, ElMap* /*elements*/)
 {
+    if (variable->atomLinks->empty()) {
+        return 0.0; // nothing to look a transition up for
+    }
     const std::vector<LikelyTransition> likely = likelyTransitions(*state);
     double expected = 0.0;
     for (Atom* atom : *variable->atomLinks) {

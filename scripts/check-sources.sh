@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Sources are listed by name, so a file that is forgotten is not built, and its tests are not run, without a
 # word from anybody but this check: every .cpp, and every header of the library, is named in the
-# CMakeLists.txt of its folder.
+# CMakeLists.txt of its folder, or by its path from the root in any file for CMake.
 #
 #   scripts/check-sources.sh [ROOT]      prints the files that are not; status 1 if there is one
 set -euo pipefail
@@ -9,25 +9,26 @@ root="${1:-$(dirname "$0")/..}"
 # shellcheck source=scripts/files.sh
 source "$(dirname "$0")/files.sh"
 
+cd "$root"
+# The words of the given files, without remarks; what stands after the root's name is a path from the root.
+words() { sed -e 's/#.*//' -e 's/\${PROJECT_SOURCE_DIR}\///' "$@" | tr -s ' \t()"' '\n'; }
+
+mapfile -t cmake_files < <(files . '*CMakeLists.txt' '*.cmake')
+paths="$(words "${cmake_files[@]}" /dev/null)"
 found=0
 while IFS= read -r file; do
     folder="$(dirname "$file")"
-    name="$(basename "$file")"
     case "$file" in
-    *.h)
-        case "$folder" in
-        model | engine | probability | query) ;;
-        *) continue ;;
-        esac
-        ;;
+    model/*.h | engine/*.h | probability/*.h | query/*.h) ;;
+    *.h) continue ;;
     esac
-    list="$root/$folder/CMakeLists.txt"
-    if [ ! -f "$list" ]; then
+    if grep -qxF -e "$file" <<<"$paths"; then continue; fi
+    if [ ! -f "$folder/CMakeLists.txt" ]; then
         echo "$file: no CMakeLists.txt in its folder"
         found=1
-    elif ! sed 's/#.*//' "$list" | tr -s ' \t()"' '\n' | grep -qxF -e "$name"; then
+    elif ! grep -qxF -e "$(basename "$file")" <<<"$(words "$folder/CMakeLists.txt")"; then
         echo "$file: not in $folder/CMakeLists.txt"
         found=1
     fi
-done < <(files "$root" '*.cpp' '*.h')
+done < <(files . '*.cpp' '*.h')
 exit "$found"

@@ -377,31 +377,4 @@ TEST_F(PropagationTest, ARecordFromTheAgendaIsCheckedAfterADeadEndToo)
     EXPECT_EQ(occurrences(trace.take(), discarded), 2U);
 }
 
-TEST_F(PropagationTest, AcceptedProbabilitiesAreSorted)
-{
-    StateVar* mode = model.variable(k, "mode", "Mode", {"ok", "bad"});
-    model.transition(mode->atomLinks->at(0), "stay", 0.25)->id = 0;
-    model.transition(mode->atomLinks->at(1), "fail", 0.75)->id = 1;
-    begin();
-    const Candidates found = add({});
-    const SortedProbMap& sorted = *found[0]->state->sortedPostProbs;
-    EXPECT_EQ((std::vector<std::pair<double, int>>(sorted.begin(), sorted.end())),
-              (std::vector<std::pair<double, int>>{{0.75, 1}, {0.25, 0}}));
-}
-
-TEST_F(PropagationTest, TheLikelihoodOfObservationsIsComputedOnTheStatesRequestOnly)
-{
-    props("a");
-    for (const bool asked : {false, true}) {
-        begin({{"a", "true"}});
-        state->computeProbas = asked;
-        state->obsCondProba = 0.5;
-        el("a")->lock = 0;
-        const Candidates found = add({});
-        EXPECT_EQ(found[0]->state->obsCondProba, asked ? 0.0 : 0.5)
-            << "no mode holds, so nothing explains the observation";
-        EXPECT_EQ(found[0]->state->sortedPostProbs->size(), found[0]->state->postProbs->size());
-    }
-}
-
 } // namespace

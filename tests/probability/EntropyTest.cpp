@@ -185,6 +185,22 @@ TEST_F(EntropyTest, IsZeroForAVariableWithoutValues)
     EXPECT_TRUE(state_.condProbs->empty());
 }
 
+TEST_F(EntropyTest, OfAVariableWithoutValuesLooksNoTransitionUp)
+{
+    state_.postProbs->clear();
+    expected(model_.variable(valve_, "bare", "Cond", {}));
+    EXPECT_TRUE(state_.postProbs->empty());
+}
+
+TEST_F(EntropyTest, TransitionsOfOneNumberShareAnEntryAndCountEach)
+{
+    toStuck_->id = 1;
+    prior(0.5, 0.0);
+    // Z = 1/6 + 1/6 for each of three values, and the entry is 1/2 for both transitions.
+    EXPECT_DOUBLE_EQ(expected(level_), nats({0.5, 0.5}));
+    EXPECT_EQ(distribution("tank.level=1"), (std::map<int, double>{{1, 0.5}}));
+}
+
 TEST_F(EntropyTest, EntersAProbabilityOfZeroForATransitionThatHasNone)
 {
     Transition* further = model_.transition(atom("valve.mode=ok"), "Nominal", 0.5);
@@ -258,6 +274,15 @@ TEST_F(EntropyTest, LeavesANullEntryForAnElementThatIsMissing)
     EXPECT_DOUBLE_EQ(expected(level_), nats({0.75, 0.25}));
     ASSERT_EQ(state_.elements->count("tank.level=2"), 1u);
     EXPECT_EQ(state_.elements->find("tank.level=2")->second, nullptr);
+}
+
+TEST_F(EntropyTest, LooksNoElementUpWhenNoTransitionIsLikely)
+{
+    prior(0.0, 0.0);
+    delete state_.elements->find("tank.level=2")->second;
+    state_.elements->erase("tank.level=2");
+    expected(level_);
+    EXPECT_EQ(state_.elements->count("tank.level=2"), 0u);
 }
 
 TEST_F(EntropyTest, IsNotANumberForAVariableWithPrimeImplicates)

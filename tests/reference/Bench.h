@@ -40,7 +40,7 @@ template <class Engine> struct Bench {
 
     Clause* clause() { return random.pick(model.clauses); }
     Atom* atom() { return random.pick(model.atoms); }
-    StateVar* variable() { return atom()->stateVar; }
+    StateVar* variable() { return random.pick(model.variables); }
     TrajEl* element() { return engine.getElt(atom()->getId(), state(), traj, time); }
     /// Up to five of what `make` makes.
     template <class Make> auto some(Make make)

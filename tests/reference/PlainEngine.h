@@ -152,5 +152,5 @@ private:
 
     std::vector<std::unique_ptr<std::vector<StateVar*>>> earlierStateVars_;
     std::vector<std::unique_ptr<ItmsRes>> abandonedRecords_; // of calls that ended at once
-    std::set<ItmsRes*> live_;                                // of the search that is running
+    std::set<ItmsRes*> live_; // of the search that is running, its results included
 };

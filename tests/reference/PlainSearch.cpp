@@ -20,8 +20,10 @@ std::vector<ItmsRes*>* PlainEngine::addPropositions(SignedEls* props, ElMap* /*u
     if (adding) {
         addingPropositions = true;
     }
+    std::unique_ptr<std::vector<ItmsRes*>> own; // the caller's once this returns
     if (results == nullptr) {
-        results = new std::vector<ItmsRes*>;
+        own = std::make_unique<std::vector<ItmsRes*>>();
+        results = own.get();
     }
     if (!typeRules || state->computeProbas) {
         initPb(state);
@@ -33,6 +35,7 @@ std::vector<ItmsRes*>* PlainEngine::addPropositions(SignedEls* props, ElMap* /*u
         if (!entry.first) {
             if (blockedCommand(el)) {
                 abandonedRecords_.push_back(std::move(record));
+                own.release();
                 return results;
             }
             el->setLabel("false");
@@ -42,11 +45,13 @@ std::vector<ItmsRes*>* PlainEngine::addPropositions(SignedEls* props, ElMap* /*u
                     traj->currentRank - traj->getStateRank(state) + state->wkstRank + 1.0;
                 if (r > maxRank) {
                     abandonedRecords_.push_back(std::move(record));
+                    own.release();
                     return results;
                 }
             }
             if (blockedCommand(el)) {
                 abandonedRecords_.push_back(std::move(record));
+                own.release();
                 return results;
             }
             el->setLabel("true");
@@ -58,6 +63,7 @@ std::vector<ItmsRes*>* PlainEngine::addPropositions(SignedEls* props, ElMap* /*u
     const double seconds = static_cast<double>(std::clock() - start) / 1000000.0;
     addItmsBmkEntry(seconds, static_cast<unsigned int>(results->size()), &ids);
     addingPropositions = false;
+    own.release();
     return results;
 }
 
@@ -127,7 +133,6 @@ try {
         }
         sortPostProbs(record->state);
         results->push_back(record);
-        live_.erase(record);
         ++searchWork.candidates;
         if (record->state->computeProbas) {
             computeObsCondRough(record->state);
@@ -138,6 +143,7 @@ try {
         refocus = true;
     }
 } catch (const SearchTooLarge&) {
+    std::erase_if(*results, [this](ItmsRes* record) { return live_.contains(record); });
     for (ItmsRes* record : live_) {
         record->clear();
         delete record;

@@ -21,6 +21,7 @@ public:
 
 private:
     Run<Engine> run_;
+    Records records_;
 
     // False when the step ended at once.
     bool oneStep(int step)
@@ -35,36 +36,45 @@ private:
         const double maxRank = random.pick(std::vector<double>{0.0, 1.0, 1.0, 2.0, 3.0, 3.0});
         const bool adding = random.chance(50);
         const std::size_t entries = DataManager::itmsBmkEntries.size();
-        Records records;
-        const auto* returned = run_.engine.addPropositions(
-            &props, nullptr, state, &records.list, typeRules, maxRank, 0.0, traj, step, adding);
+        if (!random.chance(30)) {
+            records_.clear(); // else what an earlier step found stays in the vector
+        }
+        const bool ownVector = records_.list.empty() && random.chance(30);
+        std::vector<ItmsRes*>* returned =
+            run_.engine.addPropositions(&props, nullptr, state, ownVector ? nullptr : &records_.list,
+                                        typeRules, maxRank, 0.0, traj, step, adding);
+        const bool sameVector = returned == &records_.list;
         const bool done = DataManager::itmsBmkEntries.size() > entries;
+        if (!sameVector) {
+            records_.list.swap(*returned);
+            delete returned;
+        }
         const std::string where = "step " + std::to_string(step);
         run_.note(where, std::string(done ? "done " : "ended at once ") +
-                             (returned == &records.list ? "same vector " : "other vector ") +
+                             (sameVector ? "same vector " : "other vector ") +
                              (run_.engine.addingPropositions ? "adding " : "") +
-                             std::to_string(records.list.size()) + " results\n" +
+                             std::to_string(records_.list.size()) + " results\n" +
                              (done ? searchWorkText() : "") + "\n" +
                              snapshotRegistry(run_.engine.stateVars));
-        for (std::size_t i = 0; i < records.list.size(); ++i) {
-            run_.note(where + " result " + std::to_string(i), snapshot(records.list[i], model));
+        for (std::size_t i = 0; i < records_.list.size(); ++i) {
+            run_.note(where + " result " + std::to_string(i), snapshot(records_.list[i], model));
         }
         if (!done) {
             run_.note(where + " state", "", state);
             delete state;
             return false;
         }
-        commit(step, records);
+        commit(step);
         return true;
     }
 
-    void commit(int step, const Records& records)
+    void commit(int step)
     {
-        if (records.list.empty() || run_.random.chance(20)) {
+        if (records_.list.empty() || run_.random.chance(20)) {
             return;
         }
         Trajectory* traj = run_.model.trajectory.get();
-        const ItmsRes* chosen = run_.random.pick(records.list);
+        const ItmsRes* chosen = run_.random.pick(records_.list);
         traj->states.resize(static_cast<std::size_t>(step) + 1);
         traj->states.back() = new State(chosen->state, true);
         traj->states.back()->rank = chosen->state->wkstRank;

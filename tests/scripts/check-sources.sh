@@ -9,6 +9,8 @@ put model/CMakeLists.txt <<<'itms_library_folder(model HEADERS Atom.h
 put language/Parser.h <<<'// headers of the toolkit are not installed, and need not be listed'
 put tests/model/AtomTest.cpp <<<''
 put tests/model/CMakeLists.txt <<<'itms_tests(model SOURCES "AtomTest.cpp")'
+put examples/lamp.cpp <<<''
+put tests/docs/CMakeLists.txt <<<'add_executable(lamp "${PROJECT_SOURCE_DIR}/examples/lamp.cpp")'
 expect 0 '' "$check" "$tree"
 
 put model/keys.h <<<''
@@ -16,7 +18,9 @@ put model/tom.cpp <<<''
 put model/State.cpp <<<''
 echo '# State.cpp comes later' >>"$tree/model/CMakeLists.txt"
 put tests/engine/SearchTest.cpp <<<''
-expect 1 'model/State.cpp: not in model/CMakeLists.txt
+put examples/amp.cpp <<<''
+expect 1 'examples/amp.cpp: no CMakeLists.txt in its folder
+model/State.cpp: not in model/CMakeLists.txt
 model/keys.h: not in model/CMakeLists.txt
 model/tom.cpp: not in model/CMakeLists.txt
 tests/engine/SearchTest.cpp: no CMakeLists.txt in its folder' "$check" "$tree"

@@ -1,0 +1,108 @@
+#include "app/CircuitSolver.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace app {
+
+namespace {
+
+report::ModeValue modeValue(const Atom& atom)
+{
+    return {atom.stateVar->comp->name, atom.stateVar->name, atom.value};
+}
+
+report::Explanation explanation(const monitor::Plant& plant, const monitor::Candidate& candidate)
+{
+    report::Explanation result{candidate.probability, candidate.faults, {}};
+    for (const monitor::AtomIndex mode : candidate.modes) {
+        result.modes.push_back(modeValue(*plant.atom(mode)));
+    }
+    return result;
+}
+
+void add(SearchWork& sum, const SearchWork& work)
+{
+    sum.records += work.records;
+    sum.flips += work.flips;
+    sum.components += work.components;
+    sum.candidates += work.candidates;
+}
+
+// What is left of the limits after some work and time.
+SearchLimits remaining(SearchLimits limits, const SearchWork& work,
+                       std::chrono::steady_clock::time_point start)
+{
+    if (limits.maxRecords != SearchLimits::unlimited) {
+        limits.maxRecords -= std::min(limits.maxRecords, work.records);
+    }
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    limits.maxSeconds = std::max(0.0, limits.maxSeconds - elapsed.count());
+    return limits;
+}
+
+} // namespace
+
+CircuitSolver::CircuitSolver(const netlist::Circuit& circuit, double faultProbability)
+    : circuit_(circuit), model_(netlist::buildModel(circuit, {faultProbability})),
+      activated_(*model_.model), before_(monitor::initialLabels(plant_)), solver_(engine_, plant_)
+{
+}
+
+report::Diagnosis CircuitSolver::solve(const Problem& problem, const SolverSettings& settings,
+                                       const std::function<void(int)>& started)
+{
+    const auto start = std::chrono::steady_clock::now();
+    const monitor::StepInput input = stepInput(problem);
+    const int last = settings.maxRank.value_or(settings.upTo);
+    SearchWork work;
+    monitor::StepAnswer answer;
+    int bound = settings.maxRank.value_or(1);
+    for (;; ++bound) {
+        started(bound);
+        answer = solver_.solve(before_, input, {bound, remaining(settings.limits, work, start)});
+        add(work, answer.work);
+        if (!answer.candidates.empty() || !answer.complete || bound >= last) break;
+    }
+
+    report::Diagnosis diagnosis;
+    diagnosis.id = problem.id;
+    diagnosis.status = answer.status;
+    diagnosis.complete = answer.complete;
+    diagnosis.limit = answer.limit;
+    diagnosis.faultBound = bound;
+    for (const monitor::Candidate& candidate : answer.candidates) {
+        diagnosis.explanations.push_back(explanation(plant_, candidate));
+    }
+    fillOutputs(problem, answer, diagnosis);
+    diagnosis.work = work;
+    return diagnosis;
+}
+
+// Inputs first: nothing predicts an output before they are adopted.
+monitor::StepInput CircuitSolver::stepInput(const Problem& problem) const
+{
+    monitor::StepInput input;
+    for (const auto* readings : {&problem.inputs, &problem.outputs}) {
+        for (const auto& [signal, value] : *readings) {
+            input.observations.push_back(plant_.indexOf(model_.out[signal][value]));
+        }
+    }
+    return input;
+}
+
+void CircuitSolver::fillOutputs(const Problem& problem, const monitor::StepAnswer& answer,
+                                report::Diagnosis& diagnosis) const
+{
+    const auto contradicted = [&](const Atom* observed) {
+        return std::find(answer.discrepancies.begin(), answer.discrepancies.end(),
+                         plant_.indexOf(observed)) != answer.discrepancies.end();
+    };
+    for (const auto& [signal, value] : problem.outputs) {
+        const bool differs = contradicted(model_.out[signal][value]);
+        diagnosis.outputs.push_back({circuit_.signals[signal], value != differs, value});
+    }
+    diagnosis.outputCount = circuit_.outputs.size();
+}
+
+} // namespace app

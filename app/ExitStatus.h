@@ -1,0 +1,14 @@
+// What the program's exit status tells a script.
+#pragma once
+
+namespace app {
+
+enum class ExitStatus {
+    done = 0,
+    faultFound = 1,    ///< with --fail-on fault only
+    error = 2,         ///< of usage, in a model or in data; or the answer could not be written
+    unexplained = 3,   ///< nothing explains the observations, or a limit cut a search short
+    interrupted = 130, ///< by SIGINT or SIGTERM
+};
+
+} // namespace app

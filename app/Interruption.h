@@ -1,0 +1,14 @@
+// SIGINT and SIGTERM as a wish to end soon, with everything before printed.
+#pragma once
+
+#include <atomic>
+
+namespace app {
+
+/// From here on the first SIGINT or SIGTERM only sets the flag, and a read that waits for input ends; a second one ends the
+/// program at once.
+void catchInterruptions();
+/// The flag.
+const std::atomic<bool>& interruption();
+
+} // namespace app

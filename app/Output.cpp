@@ -1,0 +1,66 @@
+#include "app/Output.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <fmt/format.h>
+#include <iostream>
+#include <system_error>
+#include <unistd.h>
+
+namespace app {
+
+void print(std::string_view text)
+{
+    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+    if (!written || std::fflush(stdout) != 0) {
+        throw Failure(fmt::format("cannot write to standard output: {}\n",
+                                  std::generic_category().message(errno)));
+    }
+}
+
+void complain(std::string_view text)
+{
+    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+}
+
+bool outputIsTerminal()
+{
+    return isatty(STDOUT_FILENO) == 1;
+}
+
+bool wantsColour(ColourChoice choice)
+{
+    if (choice != ColourChoice::automatic) return choice == ColourChoice::always;
+    const auto variable = [](const char* name) -> std::string_view {
+        const char* value = std::getenv(name);
+        return value ? value : "";
+    };
+    if (!variable("NO_COLOR").empty()) return false;
+    if (!variable("CLICOLOR_FORCE").empty() && variable("CLICOLOR_FORCE") != "0") return true;
+    if (variable("CLICOLOR") == "0") return false;
+    return outputIsTerminal();
+}
+
+void muteTrace()
+{
+    std::cout.setstate(std::ios::failbit);
+}
+
+Progress::Progress(bool wanted) : on_(wanted && isatty(STDERR_FILENO) == 1) {}
+
+void Progress::show(std::string_view text)
+{
+    if (!on_) return;
+    complain(fmt::format("\r\x1b[K{}", text));
+    shown_ = true;
+}
+
+void Progress::clear()
+{
+    if (!shown_) return;
+    complain("\r\x1b[K");
+    shown_ = false;
+}
+
+} // namespace app

@@ -1,0 +1,124 @@
+#include "app/Problem.h"
+
+#include "language/NearestName.h"
+#include "language/SourceError.h"
+#include "report/Text.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+namespace app {
+
+namespace {
+
+using netlist::SignalIndex;
+
+const std::vector<SignalIndex>& declared(const netlist::Circuit& circuit, Side side)
+{
+    return side == Side::input ? circuit.inputs : circuit.outputs;
+}
+
+bool isDeclared(const netlist::Circuit& circuit, Side side, SignalIndex signal)
+{
+    const std::vector<SignalIndex>& all = declared(circuit, side);
+    return std::find(all.begin(), all.end(), signal) != all.end();
+}
+
+std::string nameOf(Side side)
+{
+    return side == Side::input ? "input" : "output";
+}
+
+// The names of some signals: all of a few, else the first ones and how many there are.
+std::string some(const netlist::Circuit& circuit, const std::vector<SignalIndex>& signals)
+{
+    constexpr std::size_t shown = 8;
+    std::string text;
+    for (std::size_t i = 0; i < std::min(signals.size(), shown); ++i) {
+        text += (i == 0 ? "" : ", ") + circuit.signals[signals[i]];
+    }
+    if (signals.size() > shown) text += fmt::format(", ... ({} in all)", signals.size());
+    return text;
+}
+
+} // namespace
+
+ProblemBuilder::ProblemBuilder(const netlist::Circuit& circuit) : circuit_(circuit)
+{
+    for (auto& values : values_) {
+        values.resize(circuit.signals.size());
+    }
+}
+
+std::optional<Complaint> ProblemBuilder::add(Side side, std::string_view signal, bool value)
+{
+    const std::vector<SignalIndex>& own = declared(circuit_, side);
+    const Side otherSide = side == Side::input ? Side::output : Side::input;
+    const std::string expected =
+        fmt::format("an {} of {}: {}", nameOf(side), circuit_.name, some(circuit_, own));
+    const std::optional<SignalIndex> index = circuit_.signal(std::string(signal));
+    if (!index) {
+        std::vector<std::string_view> known;
+        for (const SignalIndex one : own) {
+            known.emplace_back(circuit_.signals[one]);
+        }
+        const std::string nearest = language::nearestName(signal, known);
+        return Complaint{fmt::format("{} has no signal {}", circuit_.name, language::quoted(signal)),
+                         expected,
+                         nearest.empty() ? "" : fmt::format("did you mean '{}'?", nearest)};
+    }
+    if (!isDeclared(circuit_, side, *index)) {
+        const bool other = isDeclared(circuit_, otherSide, *index);
+        return Complaint{
+            fmt::format("{} is {}, not an {}", language::quoted(signal),
+                        other ? "an " + nameOf(otherSide) : "a signal inside the circuit",
+                        nameOf(side)),
+            expected, other ? fmt::format("give it among the {}s", nameOf(otherSide)) : ""};
+    }
+    std::optional<bool>& slot = values_[static_cast<std::size_t>(side)][*index];
+    if (slot) {
+        return Complaint{fmt::format("{} {} is given twice", nameOf(side), language::quoted(signal)),
+                         fmt::format("each {} once", nameOf(side)), ""};
+    }
+    slot = value;
+    return std::nullopt;
+}
+
+std::optional<Complaint> ProblemBuilder::missing(Side side) const
+{
+    const std::vector<std::optional<bool>>& values = values_[static_cast<std::size_t>(side)];
+    std::vector<SignalIndex> absent;
+    for (const SignalIndex signal : declared(circuit_, side)) {
+        if (!values[signal]) absent.push_back(signal);
+    }
+    if (side == Side::output) {
+        if (absent.size() < circuit_.outputs.size()) return std::nullopt;
+        return Complaint{"no output is given", "one output at least: " + some(circuit_, absent), ""};
+    }
+    if (absent.empty()) return std::nullopt;
+    std::string names;
+    for (const SignalIndex signal : absent) {
+        names += (names.empty() ? "" : ", ") + circuit_.signals[signal];
+    }
+    return Complaint{fmt::format("{} of {} {} missing: {}", absent.size() == 1 ? "input" : "inputs",
+                                 circuit_.name, absent.size() == 1 ? "is" : "are", names),
+                     fmt::format("a value for every input ({} of {} given)",
+                                 circuit_.inputs.size() - absent.size(), circuit_.inputs.size()),
+                     ""};
+}
+
+Problem ProblemBuilder::finish() const
+{
+    Problem problem;
+    const auto gather = [&](Side side, std::vector<Reading>& readings) {
+        for (const SignalIndex signal : declared(circuit_, side)) {
+            const std::optional<bool>& value = values_[static_cast<std::size_t>(side)][signal];
+            if (value) readings.emplace_back(signal, *value);
+        }
+    };
+    gather(Side::input, problem.inputs);
+    gather(Side::output, problem.outputs);
+    return problem;
+}
+
+} // namespace app

@@ -1,0 +1,304 @@
+// The JSON is read event by event, so that a signal given twice is seen and every complaint has its place: after a key, the
+// parser has taken exactly the characters up to the closing quote, and the iterator that it reads through knows how many.
+#include "app/ProblemReader.h"
+
+#include "app/Output.h"
+#include "language/NearestName.h"
+
+#include <cerrno>
+#include <fmt/format.h>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <system_error>
+
+namespace app {
+
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr const char* wholeProblem =
+    R"({"id": "p1", "inputs": {"a": 0, ...}, "observed": {"y": 1, ...}})";
+
+// An iterator that writes down where it stands.
+class CountingIterator {
+public:
+    using iterator_category = std::input_iterator_tag;
+    using value_type = char;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const char*;
+    using reference = const char&;
+
+    CountingIterator(const char* at, std::size_t* count) : at_(at), count_(count) {}
+
+    reference operator*() const { return *at_; }
+    CountingIterator& operator++()
+    {
+        ++at_;
+        ++*count_;
+        return *this;
+    }
+    bool operator==(const CountingIterator& other) const { return at_ == other.at_; }
+    bool operator!=(const CountingIterator& other) const { return at_ != other.at_; }
+
+private:
+    const char* at_;
+    std::size_t* count_;
+};
+
+// Takes the events of one line.
+class Handler : public nlohmann::json_sax<Json> {
+public:
+    Handler(std::string_view line, const netlist::Circuit& circuit, const std::size_t& taken)
+        : line_(line), taken_(taken), builder_(circuit)
+    {
+    }
+
+    bool null() override { return value("null"); }
+    bool boolean(bool given) override { return value(given ? "true" : "false"); }
+    bool number_integer(number_integer_t given) override { return value(std::to_string(given)); }
+    bool number_unsigned(number_unsigned_t given) override
+    {
+        if (atSignal() && given <= 1) return signal(given == 1);
+        return value(std::to_string(given));
+    }
+    bool number_float(number_float_t /*value*/, const string_t& text) override
+    {
+        return value(text);
+    }
+    bool string(string_t& text) override
+    {
+        if (depth_ == 1 && section_ == Section::id) {
+            id_ = text;
+            return true;
+        }
+        return value(fmt::format("the text {}", language::quoted(text)));
+    }
+    bool binary(binary_t& /*value*/) override { return value("binary data"); }
+    bool start_array(std::size_t /*size*/) override { return open("an array"); }
+    bool end_array() override { return close(); }
+    bool start_object(std::size_t /*size*/) override
+    {
+        const bool wanted =
+            depth_ == 0 ||
+            (depth_ == 1 && (section_ == Section::inputs || section_ == Section::observed));
+        if (!wanted) return open("an object");
+        ++depth_;
+        return true;
+    }
+    bool end_object() override { return close(); }
+    bool key(string_t& name) override;
+    bool parse_error(std::size_t position, const std::string& lastToken,
+                     const nlohmann::detail::exception& error) override;
+
+    std::variant<Problem, language::SourceError> result();
+
+private:
+    enum class Section { none, id, inputs, observed, other };
+
+    bool atSignal() const
+    {
+        return depth_ == 2 && (section_ == Section::inputs || section_ == Section::observed);
+    }
+    bool signal(bool given);
+    bool value(const std::string& found);
+    bool open(const std::string& found);
+    bool close()
+    {
+        --depth_;
+        return true;
+    }
+    bool complain(std::size_t offset, std::size_t length, const Complaint& complaint);
+    bool complainOfKey(const Complaint& complaint)
+    {
+        return complain(keyOffset_, keyLength_, complaint);
+    }
+    bool require(Section section, const char* name, Side side);
+
+    std::string_view line_;
+    const std::size_t& taken_;
+    ProblemBuilder builder_;
+    int depth_ = 0;
+    Section section_ = Section::none;
+    std::optional<std::string> id_;
+    std::string signal_;
+    std::size_t keyOffset_ = 0;
+    std::size_t keyLength_ = 0;
+    std::vector<std::string> otherKeys_;
+    std::size_t sectionOffset_[5] = {}; // of each section's key, plus 1; 0: not there
+    std::optional<language::SourceError> error_;
+};
+
+bool Handler::key(string_t& name)
+{
+    if (depth_ > 2 || (depth_ == 2 && !atSignal())) return true;
+    // From the closing quote back to the opening one: the first that no odd run of backslashes precedes.
+    const std::size_t end = taken_;
+    std::size_t begin = end - 1;
+    for (bool escaped = true; begin > 0 && escaped;) {
+        begin = line_.rfind('"', begin - 1);
+        std::size_t backslashes = 0;
+        while (backslashes < begin && line_[begin - backslashes - 1] == '\\') {
+            ++backslashes;
+        }
+        escaped = backslashes % 2 == 1;
+    }
+    keyOffset_ = begin;
+    keyLength_ = end - begin;
+    if (depth_ == 2) {
+        signal_ = name;
+        return true;
+    }
+    section_ = name == "id"         ? Section::id
+               : name == "inputs"   ? Section::inputs
+               : name == "observed" ? Section::observed
+                                    : Section::other;
+    if (section_ == Section::other) {
+        otherKeys_.push_back(name);
+        return true;
+    }
+    std::size_t& seen = sectionOffset_[static_cast<std::size_t>(section_)];
+    if (seen != 0) {
+        return complainOfKey(
+            {fmt::format("'{}' stands twice in the problem", name), "each key once", ""});
+    }
+    seen = begin + 1;
+    return true;
+}
+
+bool Handler::signal(bool given)
+{
+    const Side side = section_ == Section::inputs ? Side::input : Side::output;
+    const auto complaint = builder_.add(side, signal_, given);
+    return !complaint || complainOfKey(*complaint);
+}
+
+bool Handler::value(const std::string& found)
+{
+    if (depth_ == 0) {
+        return complain(0, line_.size(),
+                        {"found " + found + " where a problem begins", wholeProblem, ""});
+    }
+    if (atSignal()) {
+        return complainOfKey(
+            {fmt::format("the value of {} is {}", language::quoted(signal_), found), "0 or 1",
+             section_ == Section::observed ? "an output that was not observed is left out" : ""});
+    }
+    if (depth_ > 1 || section_ == Section::other) return true;
+    if (section_ == Section::id) {
+        return complainOfKey({"the value of 'id' is " + found, "a text", "write it in quotes"});
+    }
+    return complainOfKey({fmt::format("the value of '{}' is {}",
+                                      section_ == Section::inputs ? "inputs" : "observed", found),
+                          R"(an object of signals and their values, such as {"a": 0, "b": 1})", ""});
+}
+
+// An array or object where it may be passed over, or is an error.
+bool Handler::open(const std::string& found)
+{
+    const bool other = depth_ > 0 && (section_ == Section::other || (depth_ > 1 && !atSignal()));
+    if (!other) return value(found);
+    ++depth_;
+    return true;
+}
+
+bool Handler::parse_error(std::size_t position, const std::string& /*lastToken*/,
+                          const nlohmann::detail::exception& error)
+{
+    // "... at line 1, column 9: syntax error while parsing value - invalid literal; last read: 'x'; expected ..."
+    const std::string_view whole = error.what();
+    const std::size_t dash = whole.find(" - ");
+    std::string_view found = dash == std::string_view::npos ? whole : whole.substr(dash + 3);
+    std::string expected;
+    const std::size_t semicolon = found.find("; expected ");
+    if (semicolon != std::string_view::npos) {
+        expected = found.substr(semicolon + 11);
+        found = found.substr(0, semicolon);
+    }
+    found = found.substr(0, found.find("; last read: "));
+    return complain(std::min(position == 0 ? 0 : position - 1, line_.size()), 1,
+                    {fmt::format("this is not JSON: {}", found), expected,
+                     fmt::format("a problem is one line: {}", wholeProblem)});
+}
+
+bool Handler::complain(std::size_t offset, std::size_t length, const Complaint& complaint)
+{
+    language::SourceError& error = error_.emplace();
+    error.place.column = offset + 1;
+    error.message = complaint.message;
+    error.expected = complaint.expected;
+    error.hint = complaint.hint;
+    error.quote(line_, length);
+    return false;
+}
+
+// Whether the section is there with everything that it needs; complains otherwise.
+bool Handler::require(Section section, const char* name, Side side)
+{
+    const std::size_t offset = sectionOffset_[static_cast<std::size_t>(section)];
+    if (offset == 0) {
+        const std::vector<std::string_view> known(otherKeys_.begin(), otherKeys_.end());
+        const std::string nearest = language::nearestName(name, known);
+        return complain(
+            0, 1,
+            {fmt::format("the problem has no '{}'", name), wholeProblem,
+             nearest.empty() ? "" : fmt::format("is '{}' meant to be '{}'?", nearest, name)});
+    }
+    const auto complaint = builder_.missing(side);
+    return !complaint || complain(offset - 1, std::string_view(name).size() + 2, *complaint);
+}
+
+std::variant<Problem, language::SourceError> Handler::result()
+{
+    if (!error_ && require(Section::inputs, "inputs", Side::input)) {
+        require(Section::observed, "observed", Side::output);
+    }
+    if (error_) return std::move(*error_);
+    Problem problem = builder_.finish();
+    problem.id = std::move(id_);
+    return problem;
+}
+
+} // namespace
+
+std::variant<Problem, language::SourceError> readProblem(std::string_view line,
+                                                         const netlist::Circuit& circuit)
+{
+    std::size_t taken = 0;
+    Handler handler(line, circuit, taken);
+    Json::sax_parse(CountingIterator(line.data(), &taken),
+                    CountingIterator(line.data() + line.size(), &taken), &handler);
+    return handler.result();
+}
+
+LineReader::LineReader(const std::string& path)
+    : name_(path == "-" ? "standard input" : path),
+      file_(path == "-" ? stdin : std::fopen(path.c_str(), "re"))
+{
+    if (!file_) {
+        throw FileFailure(
+            fmt::format("{}: cannot be read: {}\n", name_, std::generic_category().message(errno)));
+    }
+}
+
+bool LineReader::next(std::string_view& line)
+{
+    char* text = buffer_.release();
+    const ssize_t length = getline(&text, &capacity_, file_.get());
+    buffer_.reset(text);
+    if (length < 0) {
+        if (std::ferror(file_.get()) != 0 && errno != EINTR) {
+            throw FileFailure(fmt::format("{}: cannot be read: {}\n", name_,
+                                          std::generic_category().message(errno)));
+        }
+        return false;
+    }
+    line = {text, static_cast<std::size_t>(length)};
+    while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) {
+        line.remove_suffix(1);
+    }
+    ++lineNumber_;
+    return true;
+}
+
+} // namespace app

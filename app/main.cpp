@@ -1,0 +1,107 @@
+// The program itms: finds the verb, lets it do its work, and turns what comes of it into an exit status.
+#include "app/Arguments.h"
+#include "app/Diagnose.h"
+#include "app/Output.h"
+#include "language/SourceError.h"
+
+#include <csignal>
+#include <fmt/format.h>
+
+namespace {
+
+using app::ExitStatus;
+
+constexpr const char* helpText = R"(Usage: itms VERB [options] FILES
+
+Tracks what a system is doing and explains what went wrong.
+
+Verbs:
+  diagnose       finds the faulty gates of a circuit from its inputs and outputs
+
+Options:
+  -h, --help     print this; after a verb, all about the verb
+  --version      print the version
+
+Example:
+  itms diagnose examples/circuits/c17.bench \
+      --inputs G1gat=1,G2gat=0,G3gat=0,G6gat=0,G7gat=0 \
+      --outputs G22gat=1,G23gat=1
+)";
+
+[[noreturn]] void refuseVerb(const CLI::App& program, const std::string& word)
+{
+    if (word.size() > 1 && word.front() == '-') app::refuseUnknown(program);
+    std::vector<std::string> verbs;
+    std::string list;
+    for (const CLI::App* verb : program.get_subcommands({})) {
+        verbs.push_back(verb->get_name());
+        list += (list.empty() ? "" : ", ") + verb->get_name();
+    }
+    throw app::Failure(
+        fmt::format("unknown verb {}{}\n  expected: {}\n  hint: itms --help tells what they do\n",
+                    language::quoted(word), app::didYouMean(word, verbs), list));
+}
+
+// What the parser has to say, in our words: the option, and what is wrong with it.
+std::string explained(const CLI::ParseError& error)
+{
+    const std::string text = error.what();
+    const std::string option = text.substr(0, text.find(':'));
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) {
+        const bool twice = text.find("but received") != std::string::npos;
+        return option + (twice ? ": is given more than once\n" : ": its value is missing\n");
+    }
+    return text + "\n";
+}
+
+ExitStatus run(int argc, char** argv, std::string& name)
+{
+    CLI::App program;
+    program.name("itms");
+    program.allow_extras();
+    program.formatter_fn(
+        [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return helpText; });
+    program.set_version_flag("--version", "itms " ITMS_VERSION);
+    app::DiagnoseOptions options;
+    CLI::App* const diagnose = app::addDiagnose(program, options);
+
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        app::print(diagnose->parsed() ? diagnose->help() : program.help());
+        return ExitStatus::done;
+    } catch (const CLI::CallForVersion& version) {
+        app::print(std::string(version.what()) + "\n");
+        return ExitStatus::done;
+    } catch (const CLI::ParseError& error) {
+        if (diagnose->parsed()) name += " diagnose";
+        throw app::Failure(explained(error));
+    }
+    if (!program.remaining().empty()) refuseVerb(program, program.remaining().front());
+    if (!diagnose->parsed()) {
+        app::complain(program.help());
+        return ExitStatus::error;
+    }
+    name += " diagnose";
+    app::refuseUnknown(*diagnose);
+    return app::diagnose(options);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // A reader that has seen enough (`| head`) ends the program without a word, whatever the parent process ignores.
+    static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
+    std::string name = "itms";
+    try {
+        return static_cast<int>(run(argc, argv, name));
+    } catch (const app::FileFailure& failure) {
+        app::complain(failure.what());
+    } catch (const app::Failure& failure) {
+        app::complain(fmt::format("{}: {}", name, failure.what()));
+    } catch (const std::exception& error) {
+        app::complain(fmt::format("{}: {}\n", name, error.what()));
+    }
+    return static_cast<int>(ExitStatus::error);
+}

@@ -1,0 +1,51 @@
+// Small pieces of text for people: numbers, plurals, lines that fit, colours.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace report {
+
+/// Characters of a line; what is printed is wrapped to it, whatever the terminal, so that it is the same everywhere.
+inline constexpr std::size_t lineWidth = 80;
+
+/// Digits in groups of three: 1234567 is "1,234,567".
+std::string grouped(std::uint64_t number);
+/// "1 gate", "2 gates".
+std::string counted(std::uint64_t number, std::string_view noun);
+/// A probability in percent, with three digits where they tell something: "100 %", "16.7 %", "0.42 %". What is not
+/// quite none or all does not look like it: "<0.01 %", ">99.9 %".
+std::string percent(double probability);
+/// "a", "a and b", "a, b and c".
+std::string listed(const std::vector<std::string>& items);
+/// Characters of a UTF-8 text.
+std::size_t width(std::string_view text);
+/// The text with spaces before it (after it) up to `columns` characters.
+std::string right(std::string_view text, std::size_t columns);
+std::string left(std::string_view text, std::size_t columns);
+/// Stands for a space at which a line is not broken.
+inline constexpr char unbreakable = '\x1f';
+/// The words of the text in lines of `lineWidth` characters, ended by newlines; the first begins with `first`, the others
+/// with as many spaces. A word that is longer has a line of its own.
+std::string wrapped(std::string_view first, std::string_view text);
+
+/// Marks text for a terminal, or leaves it as it is.
+class Colours {
+public:
+    explicit Colours(bool on) : on_(on) {}
+
+    std::string bold(std::string_view text) const { return marked("1", text); }
+    std::string faint(std::string_view text) const { return marked("2", text); }
+    std::string red(std::string_view text) const { return marked("1;31", text); }
+    std::string green(std::string_view text) const { return marked("32", text); }
+    std::string yellow(std::string_view text) const { return marked("1;33", text); }
+
+private:
+    std::string marked(std::string_view code, std::string_view text) const;
+
+    bool on_;
+};
+
+} // namespace report
