@@ -208,8 +208,8 @@ std::string advice(const TokenInput& in, const Token* begin, const Token* at,
         return quoted(in.text(*at)) + " stands outside of components and systems";
     }
     if (at->kind == TokenKind::closeBrace && begin == at) return "there is one '}' too many";
-    return at->offset > 0 && at->kind != TokenKind::end ? adviceBehind(in, at, expectations)
-                                                        : std::string();
+    return !in.isFirst(at) && at->kind != TokenKind::end ? adviceBehind(in, at, expectations)
+                                                         : std::string();
 }
 
 } // namespace

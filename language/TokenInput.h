@@ -59,7 +59,7 @@ public:
     TokenInput(const SourceText& source, const std::vector<Token>& tokens,
                const syntax::Limits& limits, Recovery& onMistake)
         : recovery(onMistake), source_(source), limits_(limits), current_(tokens.data()),
-          farthest_(current_)
+          begin_(current_), farthest_(current_)
     {
     }
 
@@ -125,6 +125,8 @@ public:
         expected_.resize(count);
         expected_.push_back({name ? TokenKind::name : TokenKind::end, what});
     }
+    /// Whether it is the first token of the file, with none before it.
+    bool isFirst(const Token* token) const { return token == begin_; }
     const Token* farthest() const { return farthest_; }
     const std::vector<Expectation>& expected() const { return expected_; }
     /// Goes on at a token, what was expected forgotten.
@@ -143,6 +145,7 @@ private:
     const SourceText& source_;
     const syntax::Limits& limits_;
     const Token* current_;
+    const Token* begin_;
     const Token* farthest_;
     std::vector<Expectation> expected_;
 };

@@ -72,6 +72,12 @@ TEST(Recovery, TellsAFileThatBreaksOffOnce)
     EXPECT_EQ(linesOfErrors("component C {\n law a = b /* to be continued"), (Lines{2}));
 }
 
+TEST(Recovery, ReportsTheFirstTokenOfAFileBehindAComment)
+{
+    EXPECT_EQ(linesOfErrors("// C\n= D\n"), (Lines{2}));
+    EXPECT_EQ(linesOfErrors("/* C */ &&"), (Lines{1}));
+}
+
 TEST(Recovery, StopsAtTheLimitAndSaysSo)
 {
     language::syntax::Limits limits;
