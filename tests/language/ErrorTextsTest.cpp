@@ -54,8 +54,8 @@ TEST_P(SyntaxErrorTexts, AreAsExpected)
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, SyntaxErrorTexts, testing::ValuesIn(badFiles()),
-                         [](const auto& info) {
-                             std::string name = info.param.stem().string();
+                         [](const auto& file) {
+                             std::string name = file.param.stem().string();
                              std::replace(name.begin(), name.end(), '-', '_');
                              return name;
                          });
