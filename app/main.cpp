@@ -1,11 +1,15 @@
 // The program itms: finds the verb, lets it do its work, and turns what comes of it into an exit status.
 #include "app/Arguments.h"
 #include "app/Diagnose.h"
+#include "app/Fmt.h"
 #include "app/Output.h"
 #include "language/SourceError.h"
 
+#include <algorithm>
 #include <csignal>
 #include <fmt/format.h>
+#include <functional>
+#include <vector>
 
 namespace {
 
@@ -17,6 +21,7 @@ Tracks what a system is doing and explains what went wrong.
 
 Verbs:
   diagnose       finds the faulty gates of a circuit from its inputs and outputs
+  fmt            lays model files out in the one way
 
 Options:
   -h, --help     print this; after a verb, all about the verb
@@ -54,6 +59,12 @@ std::string explained(const CLI::ParseError& error)
     return text + "\n";
 }
 
+/// A verb as the command line knows it, and what it does.
+struct Verb {
+    CLI::App* arguments;
+    std::function<ExitStatus()> run;
+};
+
 ExitStatus run(int argc, char** argv, std::string& name)
 {
     CLI::App program;
@@ -62,29 +73,40 @@ ExitStatus run(int argc, char** argv, std::string& name)
     program.formatter_fn(
         [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return helpText; });
     program.set_version_flag("--version", "itms " ITMS_VERSION);
-    app::DiagnoseOptions options;
-    CLI::App* const diagnose = app::addDiagnose(program, options);
+    app::DiagnoseOptions diagnose;
+    app::FmtOptions fmt;
+    const std::vector<Verb> verbs{
+        {app::addDiagnose(program, diagnose), [&diagnose] { return app::diagnose(diagnose); }},
+        {app::addFmt(program, fmt), [&fmt] { return app::fmt(fmt); }},
+    };
+    const auto chosen = [&verbs] {
+        return std::find_if(verbs.begin(), verbs.end(),
+                            [](const Verb& verb) { return verb.arguments->parsed(); });
+    };
 
     try {
         program.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
-        app::print(diagnose->parsed() ? diagnose->help() : program.help());
+        const auto verb = chosen();
+        app::print(verb != verbs.end() ? verb->arguments->help() : program.help());
         return ExitStatus::done;
     } catch (const CLI::CallForVersion& version) {
         app::print(std::string(version.what()) + "\n");
         return ExitStatus::done;
     } catch (const CLI::ParseError& error) {
-        if (diagnose->parsed()) name += " diagnose";
+        if (const auto verb = chosen(); verb != verbs.end())
+            name += " " + verb->arguments->get_name();
         throw app::Failure(explained(error));
     }
     if (!program.remaining().empty()) refuseVerb(program, program.remaining().front());
-    if (!diagnose->parsed()) {
+    const auto verb = chosen();
+    if (verb == verbs.end()) {
         app::complain(program.help());
         return ExitStatus::error;
     }
-    name += " diagnose";
-    app::refuseUnknown(*diagnose);
-    return app::diagnose(options);
+    name += " " + verb->arguments->get_name();
+    app::refuseUnknown(*verb->arguments);
+    return verb->run();
 }
 
 } // namespace

@@ -1,0 +1,147 @@
+#include "app/Fmt.h"
+
+#include "app/Arguments.h"
+#include "app/Output.h"
+#include "language/Formatter.h"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace app {
+
+namespace {
+
+constexpr const char* helpText =
+    R"(Usage: itms fmt MODEL... [--check]
+
+Lays model files out in the one way: blanks, columns, line ends. Comments stay.
+A file is replaced at once, as a whole, and only when it changes; one with
+errors stays as it is, and they are reported.
+
+  MODEL                     a model file, .itms; - reads standard input and
+                            writes to standard output
+  --check                   change nothing: name the files that are laid out
+                            otherwise, and end with status 2 if there is one
+  -h, --help                print this
+
+Exit status: 0 done; 2 an error in the command line or in a file, or with
+--check a file that is laid out otherwise.
+
+Example:
+  itms fmt --check examples/water/station.itms
+)";
+
+std::string readAll(std::istream& in, const std::string& name)
+{
+    std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    if (in.bad()) throw FileFailure(name + ": cannot be read\n");
+    return text;
+}
+
+std::string readFile(const std::string& name)
+{
+    std::ifstream in(name, std::ios::binary);
+    if (!in || std::filesystem::is_directory(name)) {
+        throw FileFailure(
+            name + ": cannot be opened: " + std::strerror(errno == 0 ? EISDIR : errno) + "\n");
+    }
+    return readAll(in, name);
+}
+
+[[noreturn]] void failToWrite(const std::string& name, const std::string& leftover)
+{
+    const int reason = errno;
+    if (!leftover.empty()) ::unlink(leftover.c_str());
+    throw FileFailure(name + ": cannot be written: " + std::strerror(reason) + "\n");
+}
+
+// Writes beside the file and renames, so that whoever reads the file sees the old text or the new one. The permissions
+// stay, and a link goes on leading to its file.
+void replaceFile(const std::string& name, const std::string& text)
+{
+    std::error_code error;
+    const std::filesystem::path file = std::filesystem::canonical(name, error);
+    struct stat status {};
+    if (error || ::stat(file.c_str(), &status) != 0) failToWrite(name, {});
+    std::string beside =
+        (file.parent_path() / ("." + file.filename().string() + ".XXXXXX")).string();
+    const int handle = ::mkstemp(beside.data());
+    if (handle < 0) failToWrite(name, {});
+    bool good = ::fchmod(handle, status.st_mode & 07777U) == 0;
+    for (std::size_t at = 0; good && at < text.size();) {
+        const ssize_t written = ::write(handle, text.data() + at, text.size() - at);
+        if (written < 0 && errno == EINTR) continue;
+        good = written > 0;
+        if (good) at += static_cast<std::size_t>(written);
+    }
+    good = good && ::fsync(handle) == 0;
+    const int reason = errno;
+    if (::close(handle) != 0 || !good) {
+        if (!good) errno = reason;
+        failToWrite(name, beside);
+    }
+    if (::rename(beside.c_str(), file.c_str()) != 0) failToWrite(name, beside);
+}
+
+// Returns whether all is well with the file.
+bool layOut(const std::string& name, bool check)
+{
+    const bool standard = name == "-";
+    const std::string shown = standard ? "standard input" : name;
+    const std::string before = standard ? readAll(std::cin, shown) : readFile(name);
+    const language::Formatted formatted = language::format(language::SourceText(shown, before));
+    for (const language::SourceError& error : formatted.errors) {
+        complain(error.format());
+    }
+    if (!formatted.errors.empty()) return false;
+    if (check) {
+        if (formatted.text == before) return true;
+        complain(shown + ": is laid out otherwise\n  hint: itms fmt " + name + "\n");
+        return false;
+    }
+    if (standard) {
+        print(formatted.text);
+    } else if (formatted.text != before) {
+        replaceFile(name, formatted.text);
+    }
+    return true;
+}
+
+} // namespace
+
+CLI::App* addFmt(CLI::App& program, FmtOptions& options)
+{
+    CLI::App* verb = program.add_subcommand("fmt");
+    verb->allow_extras();
+    verb->formatter_fn(
+        [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return helpText; });
+    verb->add_option("models", options.models);
+    verb->add_flag("--check", options.check);
+    return verb;
+}
+
+ExitStatus fmt(const FmtOptions& options)
+{
+    if (options.models.empty()) {
+        throw Failure("which MODEL?\n  expected: a model file, .itms, or - for standard input\n");
+    }
+    bool good = true;
+    for (const std::string& name : options.models) {
+        try {
+            good = layOut(name, options.check) && good;
+        } catch (const FileFailure& failure) {
+            complain(failure.what());
+            good = false;
+        }
+    }
+    return good ? ExitStatus::done : ExitStatus::error;
+}
+
+} // namespace app

@@ -1,0 +1,61 @@
+// Feeds the reader of model files with any bytes. Whatever they are, it must come back with a tree or with errors that can be
+// shown; what it accepts must be laid out as a text that says the same, and laying that out again must change nothing.
+#include "language/Formatter.h"
+#include "language/Parser.h"
+#include "language/SyntaxText.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+void require(bool condition, const char* what)
+{
+    if (condition) return;
+    std::fprintf(stderr, "does not hold: %s\n", what);
+    std::abort();
+}
+
+void checkErrors(const std::vector<language::SourceError>& errors,
+                 const language::SourceText& source, const language::syntax::Limits& limits)
+{
+    require(errors.size() <= limits.errors + 1, "the number of errors is bounded");
+    for (std::size_t i = 0; i < errors.size(); ++i) {
+        const language::SourceError& error = errors[i];
+        require(!error.message.empty(), "an error has a message");
+        require(error.place.line <= source.lineCount(), "an error is in a line of the text");
+        require(error.place.column <= source.line(error.place.line).size() + 1,
+                "an error is in its line");
+        require(i == 0 || error.place.line == 0 || !(error.place < errors[i - 1].place),
+                "errors are in the order of their places");
+        const std::string shown = error.format();
+        for (std::string_view rest = shown; !rest.empty();) {
+            const std::size_t length = language::utf8Length(rest);
+            require(length > 0, "an error is shown as UTF-8");
+            rest.remove_prefix(length);
+        }
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const language::SourceText source("fuzz.itms",
+                                      std::string(reinterpret_cast<const char*>(data), size));
+    const language::syntax::Limits limits;
+    const language::ParsedFile parsed = language::parse(source, limits);
+    checkErrors(parsed.errors, source, limits);
+    const language::Formatted formatted = language::format(source, limits);
+    require(formatted.errors.size() == parsed.errors.size(), "the formatter finds the same errors");
+    if (!parsed.errors.empty()) return 0;
+
+    const language::SourceText laidOut("formatted.itms", formatted.text);
+    const language::ParsedFile again = language::parse(laidOut, limits);
+    require(again.errors.empty(), "what is laid out can be read");
+    require(language::syntaxText(again.file) == language::syntaxText(parsed.file),
+            "and says the same");
+    require(language::format(laidOut, limits).text == formatted.text, "and stays as it is");
+    return 0;
+}

@@ -1,0 +1,68 @@
+// Each bad file in errors/syntax/ has a text beside it: all that is said about it. After a change that is meant to be one,
+//
+//     ITMS_REGENERATE=1 build/check/bin/itms_tests_language --gtest_filter='*SyntaxErrorTexts*'
+//
+// writes the texts anew, to be read before they are committed.
+#include "language/Parser.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string contents(const fs::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::vector<fs::path> badFiles()
+{
+    std::vector<fs::path> files;
+    for (const auto& entry :
+         fs::directory_iterator(fs::path(ITMS_ROOT) / "tests/language/errors/syntax")) {
+        if (entry.path().extension() == ".itms") files.push_back(entry.path());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+class SyntaxErrorTexts : public testing::TestWithParam<fs::path> {};
+
+TEST_P(SyntaxErrorTexts, AreAsExpected)
+{
+    const fs::path path = GetParam();
+    std::string told;
+    for (const language::SourceError& error :
+         language::parse(language::SourceText(path.filename().string(), contents(path))).errors) {
+        told += error.format();
+    }
+    EXPECT_FALSE(told.empty());
+    const fs::path expected = fs::path(path).replace_extension(".txt");
+    if (std::getenv("ITMS_REGENERATE")) {
+        std::ofstream(expected, std::ios::binary) << told;
+    }
+    EXPECT_EQ(contents(expected), told);
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, SyntaxErrorTexts, testing::ValuesIn(badFiles()),
+                         [](const auto& file) {
+                             std::string name = file.param.stem().string();
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
+
+TEST(SyntaxErrorTexts, ThereAreAtLeastThirtyFiles)
+{
+    EXPECT_GE(badFiles().size(), 30U);
+}
+
+} // namespace
