@@ -8,7 +8,6 @@
 #include <csignal>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
-#include <regex>
 
 using testing::HasSubstr;
 using testing::Not;
@@ -28,10 +27,14 @@ std::vector<std::string> with(std::vector<std::string> arguments,
     return arguments;
 }
 
-// Addresses, and what a newcomer would take for one, are no part of the comparison.
-std::string withoutAddresses(const std::string& trace)
+// Addresses differ from run to run.
+std::string withoutAddresses(std::string trace)
 {
-    return std::regex_replace(trace, std::regex("0x[0-9a-f]+"), "ADDRESS");
+    for (std::size_t at = 0; (at = trace.find("0x", at)) != std::string::npos; ++at) {
+        const std::size_t end = trace.find_first_not_of("0123456789abcdef", at + 2);
+        trace.replace(at, end - at, "ADDRESS");
+    }
+    return trace;
 }
 
 // The same problem by the library alone, its trace kept.
