@@ -29,24 +29,26 @@ what they should, explain the outputs, most probable first.
 What was seen:
   --inputs A=0,B=1,...      the value of every input
   --outputs Y=1,...         the values of the observed outputs, one at least
-  --problems FILE           many of both, one JSON object a line; - reads standard
-                            input. {"id": "p1", "inputs": {"A": 0, "B": 1},
+  --problems FILE           many of both, one JSON object a line (- for standard
+                            input): {"id": "p1", "inputs": {"A": 0, "B": 1},
                             "observed": {"Y": 1}}
   --skip-bad                report lines that are in error, and go on
 
 How to search:
-  --max-rank N              explanations of up to N faults. Without it, of 1 fault,
-                            then 2, ..., until there is one
+  --max-rank N              explanations of up to N faults. Without it, of 1
+                            fault, then 2, ..., until there is one
   --up-to N                 ... but of no more than N faults (default 3)
-  --max-records N           stop after so many search records (default 0: no limit)
+  --max-records N           stop after so many search records a problem (default
+                            0: no limit)
   --max-seconds S           stop after so many seconds a problem (default 60;
                             0: no limit)
   --fault-probability P     that a gate is faulty (default 0.01)
 
 What to print:
-  -n N                      show the N most probable explanations (default 5; 0: all)
+  -n N                      show the N most probable explanations (default 5;
+                            0: all)
   --format table|jsonl      table: for people, the default on a terminal;
-                            jsonl: one JSON record a problem, the default otherwise
+                            jsonl: a JSON record a problem, default otherwise
   --color always|never|auto colours in the table (default auto: as NO_COLOR,
                             CLICOLOR_FORCE, CLICOLOR say, else on a terminal)
   --trace                   print the engine's trace instead of the diagnosis
@@ -54,9 +56,9 @@ What to print:
   --fail-on fault           end with status 1 when there is a fault
   -h, --help                print this
 
-Exit status: 0 done; 1 a fault was found, with --fail-on fault; 2 an error in the
-command line, the circuit or the problems; 3 nothing explains the outputs of a
-problem, or a limit cut its search short; 130 interrupted.
+Exit status: 0 done; 1 a fault was found, with --fail-on fault; 2 an error in
+the command line, the circuit or the problems; 3 nothing explains the outputs of
+a problem, or a limit cut its search short; 130 interrupted.
 
 Example:
   itms diagnose examples/circuits/c17.bench \

@@ -28,7 +28,7 @@ enum class SearchLimit : std::uint8_t { none, records, candidates, seconds, stop
 
 /// What the latest call of itms::addPropositions did.
 struct SearchWork {
-    bool begun = false; ///< the search took the state over; false after an early return
+    bool begun = false;           ///< the search took the state over; false after an early return
     std::uint64_t records = 0;    ///< records expanded
     std::uint64_t flips = 0;      ///< labels flipped, each in a child record of its own
     std::uint64_t components = 0; ///< components instantiated on demand

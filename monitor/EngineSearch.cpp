@@ -59,22 +59,56 @@ std::vector<int> makeLocks(const Scenario& scenario, const std::vector<bool>& su
         }
     };
     lockValues(frame.commands, lockAssumed);
-    lockValues(scenario.assumptions().conditions, lockAssumed);
-    lockValues(frame.adopted, lockObserved);
-    lockValues(frame.compared, lockObserved);
+    lockValues(frame.observations, lockObserved);
     return locks;
 }
 
-std::vector<bool> findSuspects(const Scenario& scenario, const std::vector<bool>& fixed,
-                               int faultBudget)
+// Whether a command's label is the engine's to change.
+bool commandOpen(const Plant& plant, const std::vector<int>& locks)
 {
-    const Plant& plant = scenario.frame().plant;
-    ModeFreedom freedom{fixed, std::vector<bool>(plant.variables().size(), false)};
-    for (const ModeStep& step : scenario.frame().modes) {
-        const auto index = static_cast<std::size_t>(step.variable);
-        freedom.free[index] = !fixed[index] && step.deviatesFreely();
+    return std::any_of(
+        plant.variables().begin(), plant.variables().end(), [&](const PlantVariable& variable) {
+            return variable.isCommand &&
+                   std::any_of(variable.values.begin(), variable.values.end(), [&](AtomIndex atom) {
+                       return locks[static_cast<std::size_t>(atom)] == lockFree;
+                   });
+        });
+}
+
+// The bound for the engine. It counts every fault value whose label it flips, also one that is given up or that the
+// variable had before the step: so much more it must be allowed, and what is too much is dropped afterwards.
+int engineBudget(const StepFrame& frame, const std::vector<bool>& suspect, int faultBudget)
+{
+    int budget = faultBudget;
+    for (const ModeStep& step : frame.modes) {
+        if (!suspect[static_cast<std::size_t>(step.variable)]) {
+            continue;
+        }
+        int uncounted = 0;
+        for (const ModeOption& option : step.options) {
+            if (option.value != step.predicted) {
+                const int flipped = (frame.plant.atom(step.predicted)->fail ? 1 : 0) +
+                                    (frame.plant.atom(option.value)->fail ? 1 : 0);
+                uncounted = std::max(uncounted, flipped - (option.fault ? 1 : 0));
+            }
+        }
+        budget += uncounted;
     }
-    return suspects(plant, scenario.conflicts(), freedom, faultBudget);
+    return budget;
+}
+
+// Whether the deviations are possible at this step, with at most so many faults.
+bool withinBudget(const StepFrame& frame, const Deviations& deviations, int faultBudget)
+{
+    int faults = 0;
+    for (const AtomIndex value : deviations) {
+        const ModeOption* option = frame.stepOf(frame.plant.variableOf(value)).option(value);
+        if (!option) {
+            return false;
+        }
+        faults += option->fault ? 1 : 0;
+    }
+    return faults <= faultBudget;
 }
 
 void predictAll(Trajectory& trajectory, const Scenario& scenario, const std::vector<int>& locks)
@@ -170,20 +204,21 @@ SearchOutcome searchWithEngine(itms& engine, const Scenario& scenario,
                                const std::vector<bool>& fixed, int faultBudget,
                                const SearchLimits& limits)
 {
-    const Plant& plant = scenario.frame().plant;
+    const StepFrame& frame = scenario.frame();
+    const std::vector<bool> suspect = suspectsOf(scenario, fixed, faultBudget);
+    const std::vector<int> locks = makeLocks(scenario, suspect);
     Trajectory trajectory;
-    predictAll(trajectory, scenario,
-               makeLocks(scenario, findSuspects(scenario, fixed, faultBudget)));
+    predictAll(trajectory, scenario, locks);
     auto state = std::make_unique<State>();
     const std::vector<AtomIndex>& named =
-        scenario.discrepancies().empty() ? scenario.frame().compared : scenario.discrepancies();
-    SignedEls propositions = makePropositions(plant, named, trajectory, *state);
+        scenario.discrepancies().empty() ? frame.observations : scenario.discrepancies();
+    SignedEls propositions = makePropositions(frame.plant, named, trajectory, *state);
 
     const SearchLimits before = DataManager::searchLimits;
     DataManager::searchLimits = limits;
     std::vector<ItmsRes*> records;
     engine.addPropositions(&propositions, nullptr, state.get(), &records, false,
-                           static_cast<double>(faultBudget), 0.0, &trajectory, 0, false);
+                           engineBudget(frame, suspect, faultBudget), 0.0, &trajectory, 0, false);
     DataManager::searchLimits = before;
     if (DataManager::searchWork.begun) {
         static_cast<void>(state.release());
@@ -191,11 +226,15 @@ SearchOutcome searchWithEngine(itms& engine, const Scenario& scenario,
 
     SearchOutcome outcome;
     outcome.work = DataManager::searchWork;
+    outcome.exhaustive = outcome.work.begun && !outcome.work.partial && scenario.complete() &&
+                         !commandOpen(frame.plant, locks) && !engine.piTable;
     std::set<Deviations> seen;
     for (ItmsRes* record : records) {
         const CandidateView view(scenario, *record->state);
-        if (view.lawful() && seen.insert(view.deviations()).second) {
-            outcome.candidates.push_back(view.deviations());
+        Deviations deviations = view.deviations();
+        if (view.lawful() && withinBudget(frame, deviations, faultBudget) &&
+            seen.insert(deviations).second) {
+            outcome.candidates.push_back(std::move(deviations));
         }
         record->clear();
         delete record;

@@ -11,18 +11,21 @@
 
 namespace monitor {
 
-/// Mode values other than the scenario's, sorted: together with the scenario's assumptions an explanation.
-using Deviations = std::vector<AtomIndex>;
-
 /// What a search found.
 struct SearchOutcome {
-    std::vector<Deviations> candidates; ///< each satisfies every law around what it changes; none twice
-    SearchWork work;                    ///< `partial` when a limit cut it
+    /// Mode values other than the scenario's: each satisfies every law around what it changes; none twice.
+    std::vector<Deviations> candidates;
+    bool exhaustive = false; ///< every explanation contains one of them
+    SearchWork work;         ///< `partial` when a limit cut it
 };
 
 /// Searches the explanations of the scenario's discrepancies with at most `faultBudget` further faults, none of
 /// them among the `fixed` variables (by variable index). Without discrepancies the engine has one record to
 /// accept. `engine` is set up over the scenario's plant; `limits` go to the registry for the call.
+///
+/// The search is exhaustive when it ran to its end from a scenario that labels every atom. It is not when the engine
+/// refused an observation (of a blocked command), when a command follows from modes in doubt (the engine gives no
+/// command that was not given), and when the engine has prime implicates, which narrow what it tries.
 SearchOutcome searchWithEngine(itms& engine, const Scenario& scenario,
                                const std::vector<bool>& fixed, int faultBudget,
                                const SearchLimits& limits);

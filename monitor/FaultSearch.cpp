@@ -1,94 +1,85 @@
 #include "monitor/FaultSearch.h"
 
+#include "monitor/Completion.h"
+
 #include <algorithm>
 
 namespace monitor {
 
-FaultSearch::FaultSearch(itms& engine, const StepFrame& frame, const SearchLimits& limits)
-    : engine_(engine), frame_(frame), limits_(limits)
+FaultSearch::FaultSearch(itms& engine, const StepFrame& frame, const SearchLimits& limits,
+                         std::uint64_t recordsBeforeSplit)
+    : engine_(engine), frame_(frame), limits_(limits), recordsBeforeSplit_(recordsBeforeSplit)
 {
 }
 
 void FaultSearch::run(int faultBudget)
 {
-    explain(Scenario(frame_, {}), std::vector<bool>(frame_.plant.variables().size(), false),
-            faultBudget);
+    explain({}, std::vector<bool>(frame_.plant.variables().size(), false), faultBudget);
 }
 
-// Explains what a scenario leaves contradicted. Where a fault was split off and another may follow, the next one
-// is split off at once.
-void FaultSearch::explain(const Scenario& scenario, const std::vector<bool>& fixed, int faultBudget)
+// Looks for the explanations that deviate as given, keep the fixed variables as they are then, and have at most so
+// many faults more. Where a fault was split off and another may follow, the next one is split off at once.
+void FaultSearch::explain(const Deviations& deviations, const std::vector<bool>& fixed,
+                          int faultBudget)
 {
     if (exhausted()) {
         return;
     }
-    if (!scenario.consistent()) {
-        split(scenario, fixed, faultBudget, scenario.contradiction());
+    const Scenario scenario(frame_, deviations);
+    if (scenario.consistent() && scenario.discrepancies().empty()) {
+        settle(scenario);
         return;
     }
-    if (const auto condition = openConditionOfAssumed(scenario)) {
-        splitOpenCondition(scenario, fixed, faultBudget, *condition);
-        return;
+    const bool forEngine = scenario.complete() && (deviations.empty() || faultBudget <= 1);
+    if (!forEngine || !searchDirectly(scenario, fixed, faultBudget)) {
+        split(scenario, fixed, faultBudget);
     }
-    complete_ = complete_ && scenario.complete();
-    const bool first = scenario.assumptions().modes.empty();
-    if (scenario.discrepancies().empty() && !first) {
+}
+
+// Every further explanation on this way contains the scenario's deviations: they are all that is wanted of it, if
+// they are one themselves.
+void FaultSearch::settle(const Scenario& scenario)
+{
+    if (completionOf(frame_.plant, scenario.prediction()) == Completion::possible) {
         addFound(scenario, {});
-        return;
+    } else {
+        complete_ = false;
     }
-    if ((first || faultBudget <= 1) && searchDirectly(scenario, fixed, faultBudget)) {
-        return;
-    }
+}
+
+// At least one mode of the smallest conflict is not as the scenario has it: each of them in turn, the earlier ones
+// fixed.
+void FaultSearch::split(const Scenario& scenario, std::vector<bool> fixed, int faultBudget)
+{
+    ++work_.records;
     const std::vector<Conflict> conflicts = scenario.conflicts();
+    const std::vector<bool> suspect = suspectsOf(scenario, fixed, faultBudget);
     const auto smallest =
         std::min_element(conflicts.begin(), conflicts.end(),
                          [](const Conflict& a, const Conflict& b) { return a.size() < b.size(); });
-    if (smallest != conflicts.end()) {
-        split(scenario, fixed, faultBudget, *smallest);
-    }
-}
-
-// At least one mode of the conflict is not as the scenario has it: each of them in turn, the earlier ones fixed.
-void FaultSearch::split(const Scenario& scenario, std::vector<bool> fixed, int faultBudget,
-                        const Conflict& conflict)
-{
-    for (const VariableIndex variable : conflict) {
+    for (const VariableIndex variable : *smallest) {
         const auto index = static_cast<std::size_t>(variable);
-        if (fixed[index]) {
+        if (!suspect[index]) {
             continue;
         }
         fixed[index] = true;
-        for (const ModeOption& option : stepOf(variable).options) {
+        for (const ModeOption& option : frame_.stepOf(variable).options) {
             const int left = faultBudget - (option.fault ? 1 : 0);
-            if (left < 0 || scenario.prediction().isTrue(option.value)) {
-                continue;
+            if (left >= 0 && !scenario.prediction().isTrue(option.value)) {
+                Deviations deviations = scenario.deviations();
+                deviations.push_back(option.value);
+                explain(deviations, fixed, left);
             }
-            Assumptions assumptions = scenario.assumptions();
-            assumptions.modes.push_back(option.value);
-            explain(Scenario(frame_, std::move(assumptions)), fixed, left);
         }
     }
 }
 
-void FaultSearch::splitOpenCondition(const Scenario& scenario, const std::vector<bool>& fixed,
-                                     int faultBudget, VariableIndex condition)
-{
-    for (const AtomIndex value : frame_.plant.variable(condition).values) {
-        if (scenario.prediction().label(value) == Label::isFalse) {
-            continue;
-        }
-        Assumptions assumptions = scenario.assumptions();
-        assumptions.conditions.push_back(value);
-        explain(Scenario(frame_, std::move(assumptions)), fixed, faultBudget);
-    }
-}
-
-// False when the search was cut after recordsBeforeSplit records; what it found until then stands.
+// False when there may be explanations that the search did not find; what it found stands.
 bool FaultSearch::searchDirectly(const Scenario& scenario, const std::vector<bool>& fixed,
                                  int faultBudget)
 {
     SearchLimits limits = remaining();
-    limits.maxRecords = std::min(limits.maxRecords, recordsBeforeSplit);
+    limits.maxRecords = std::min(limits.maxRecords, recordsBeforeSplit_);
     const SearchOutcome outcome = searchWithEngine(engine_, scenario, fixed, faultBudget, limits);
     work_.records += outcome.work.records;
     work_.flips += outcome.work.flips;
@@ -96,13 +87,13 @@ bool FaultSearch::searchDirectly(const Scenario& scenario, const std::vector<boo
     for (const Deviations& candidate : outcome.candidates) {
         addFound(scenario, candidate);
     }
-    return !outcome.work.partial;
+    return outcome.exhaustive;
 }
 
 void FaultSearch::addFound(const Scenario& scenario, const Deviations& further)
 {
     Deviations all = further;
-    all.insert(all.end(), scenario.assumptions().modes.begin(), scenario.assumptions().modes.end());
+    all.insert(all.end(), scenario.deviations().begin(), scenario.deviations().end());
     std::sort(all.begin(), all.end());
     if (found_.insert(std::move(all)).second) {
         ++work_.candidates;
@@ -146,30 +137,6 @@ SearchLimits FaultSearch::remaining() const
             std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
     }
     return left;
-}
-
-// A condition that the assumed modes leave open, in the component of one of them.
-std::optional<VariableIndex> FaultSearch::openConditionOfAssumed(const Scenario& scenario) const
-{
-    for (const AtomIndex mode : scenario.assumptions().modes) {
-        for (const StateVar* variable : *frame_.plant.atom(mode)->getVarComp()->stateVars) {
-            for (const Atom* atom : *variable->atomLinks) {
-                const AtomIndex index = frame_.plant.indexOf(atom);
-                if (!scenario.prediction().isKnown(index)) {
-                    return frame_.plant.variableOf(index);
-                }
-            }
-        }
-    }
-    return std::nullopt;
-}
-
-const ModeStep& FaultSearch::stepOf(VariableIndex variable) const
-{
-    const auto found = std::lower_bound(
-        frame_.modes.begin(), frame_.modes.end(), variable,
-        [](const ModeStep& step, VariableIndex wanted) { return step.variable < wanted; });
-    return *found;
 }
 
 } // namespace monitor

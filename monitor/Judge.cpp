@@ -1,25 +1,33 @@
 #include "monitor/Judge.h"
 
+#include "monitor/Completion.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <optional>
 
 namespace monitor {
 
 namespace {
 
-// The logarithm of the observations' likelihood given the modes; nothing when the modes contradict them.
+// The labels that the modes and the observations give, and how likely these are given those.
+struct Labelling {
+    Prediction labels;
+    double logLikelihood = 0.0;
+};
+
 // Observations are taken in their order: each that is left open counts 1/n and is propagated before the next.
-std::optional<double> logLikelihood(const StepFrame& frame, const Deviations& modes)
+// Nothing when the modes contradict one of them.
+std::optional<Labelling> label(const StepFrame& frame, const Deviations& modes)
 {
-    Scenario scenario(frame, {modes, {}});
-    if (!scenario.consistent() || !scenario.discrepancies().empty()) {
+    Labelling result{Prediction(frame.plant)};
+    Prediction& labels = result.labels;
+    if (!assumeStep(labels, frame, modes)) {
         return std::nullopt;
     }
-    Prediction labels = scenario.prediction();
-    double logSum = 0.0;
-    for (const AtomIndex observed : frame.compared) {
+    for (const AtomIndex observed : frame.observations) {
         if (labels.isTrue(observed)) {
             continue;
         }
@@ -29,34 +37,52 @@ std::optional<double> logLikelihood(const StepFrame& frame, const Deviations& mo
         if (!labels.assume(observed) || !labels.propagate()) {
             return std::nullopt;
         }
-        logSum -= std::log(static_cast<double>(open));
+        result.logLikelihood -= std::log(static_cast<double>(open));
     }
-    return logSum;
+    return result;
 }
 
-// The logarithm of the probability of the modes. The changed ones are corrections of the predicted ones.
-double logPrior(const StepFrame& frame, const Deviations& modes)
+// A candidate whose modes all options have, before it is normalised; nothing for modes that cannot be had.
+std::optional<Candidate> weigh(const StepFrame& frame, const Deviations& modes, double logLikelihood)
 {
-    double logSum = 0.0;
+    Candidate candidate;
+    candidate.modes = modes;
+    candidate.logProbability = logLikelihood;
+    std::map<VariableIndex, AtomIndex> changed;
+    for (const AtomIndex mode : modes) {
+        changed.emplace(frame.plant.variableOf(mode), mode);
+    }
     for (const ModeStep& step : frame.modes) {
-        AtomIndex value = step.predicted;
-        for (const AtomIndex atom : frame.plant.variable(step.variable).values) {
-            if (std::binary_search(modes.begin(), modes.end(), atom)) {
-                value = atom;
-            }
+        const auto deviation = changed.find(step.variable);
+        const ModeOption* option =
+            step.option(deviation == changed.end() ? step.predicted : deviation->second);
+        if (!option) {
+            return std::nullopt;
         }
-        const ModeOption* option = step.option(value);
-        logSum += option ? std::log(option->probability) : -std::numeric_limits<double>::infinity();
+        candidate.logProbability += std::log(option->probability);
+        if (deviation != changed.end() && option->fault) {
+            ++candidate.faults;
+        }
     }
-    return logSum;
+    return candidate;
 }
 
-bool containsAnother(const Deviations& modes, const std::set<Deviations>& found)
+// Drops the candidates that contain another one.
+void keepMinimal(std::vector<Candidate>& candidates)
 {
-    return std::any_of(found.begin(), found.end(), [&](const Deviations& other) {
-        return other.size() < modes.size() &&
-               std::includes(modes.begin(), modes.end(), other.begin(), other.end());
-    });
+    const auto contains = [](const Candidate& larger, const Candidate& smaller) {
+        return smaller.modes.size() < larger.modes.size() &&
+               std::includes(larger.modes.begin(), larger.modes.end(), smaller.modes.begin(),
+                             smaller.modes.end());
+    };
+    std::vector<Candidate> minimal;
+    for (const Candidate& candidate : candidates) {
+        if (std::none_of(candidates.begin(), candidates.end(),
+                         [&](const Candidate& other) { return contains(candidate, other); })) {
+            minimal.push_back(candidate);
+        }
+    }
+    candidates = std::move(minimal);
 }
 
 void normalise(std::vector<Candidate>& candidates)
@@ -75,36 +101,19 @@ void normalise(std::vector<Candidate>& candidates)
     }
 }
 
-} // namespace
-
-std::vector<Candidate> judge(const StepFrame& frame, const std::set<Deviations>& found)
+// Most probable first. Equal products of the same factors in another order differ in their last bits: they are
+// ties, which the identifiers of the modes decide.
+void rank(const Plant& plant, std::vector<Candidate>& candidates)
 {
-    const Plant& plant = frame.plant;
     const auto byId = [&](AtomIndex a, AtomIndex b) {
         return plant.atom(a)->id < plant.atom(b)->id;
     };
-    std::vector<Candidate> candidates;
-    for (const Deviations& modes : found) {
-        if (containsAnother(modes, found)) {
-            continue;
-        }
-        const auto likelihood = logLikelihood(frame, modes);
-        const double prior = logPrior(frame, modes);
-        if (!likelihood || prior == -std::numeric_limits<double>::infinity()) {
-            continue;
-        }
-        Candidate& candidate = candidates.emplace_back();
-        candidate.modes = modes;
-        std::sort(candidate.modes.begin(), candidate.modes.end(), byId);
-        candidate.faults = static_cast<int>(std::count_if(
-            modes.begin(), modes.end(), [&](AtomIndex mode) { return plant.atom(mode)->fail; }));
-        candidate.logProbability = prior + *likelihood;
-    }
-    normalise(candidates);
-    // Equal products of the same factors in another order differ in their last bits: they are ties.
     const auto rounded = [](const Candidate& candidate) {
         return std::round(candidate.logProbability * 1e9);
     };
+    for (Candidate& candidate : candidates) {
+        std::sort(candidate.modes.begin(), candidate.modes.end(), byId);
+    }
     std::sort(candidates.begin(), candidates.end(), [&](const Candidate& a, const Candidate& b) {
         if (rounded(a) != rounded(b)) {
             return rounded(a) > rounded(b);
@@ -112,7 +121,29 @@ std::vector<Candidate> judge(const StepFrame& frame, const std::set<Deviations>&
         return std::lexicographical_compare(a.modes.begin(), a.modes.end(), b.modes.begin(),
                                             b.modes.end(), byId);
     });
-    return candidates;
+}
+
+} // namespace
+
+Judgement judge(const StepFrame& frame, const std::set<Deviations>& found)
+{
+    Judgement judgement;
+    for (const Deviations& modes : found) {
+        auto labelling = label(frame, modes);
+        if (!labelling) {
+            continue;
+        }
+        const Completion completion = completionOf(frame.plant, std::move(labelling->labels));
+        judgement.sure = judgement.sure && completion != Completion::unsettled;
+        auto candidate = weigh(frame, modes, labelling->logLikelihood);
+        if (candidate && completion == Completion::possible) {
+            judgement.candidates.push_back(std::move(*candidate));
+        }
+    }
+    keepMinimal(judgement.candidates);
+    normalise(judgement.candidates);
+    rank(frame.plant, judgement.candidates);
+    return judgement;
 }
 
 } // namespace monitor

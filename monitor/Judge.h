@@ -7,8 +7,15 @@
 
 namespace monitor {
 
-/// The candidates among `found` that contradict no observation and contain no other candidate, with their
-/// probabilities, most probable first. Each is predicted anew from its modes.
-std::vector<Candidate> judge(const StepFrame& frame, const std::set<Deviations>& found);
+/// What is left of the candidates that a search found.
+struct Judgement {
+    std::vector<Candidate> candidates; ///< most probable first
+    bool sure =
+        true; ///< false when one was dropped of which it could not be settled whether it explains anything
+};
+
+/// Keeps those among `found` whose modes, predicted anew, agree with all observations and laws, and of these the
+/// ones that contain no other. Quadratic in their number; one prediction for each.
+Judgement judge(const StepFrame& frame, const std::set<Deviations>& found);
 
 } // namespace monitor

@@ -9,37 +9,51 @@ namespace monitor {
 
 namespace {
 
-bool holds(const StateFormula* guard, const Plant& plant, const Prediction& before)
+// What probabilities such as 0.9 + 0.06 + 0.04 may miss 1 by: less is nothing.
+constexpr double noProbability = 1e-9;
+
+AtomIndex modeBefore(const PlantVariable& mode, const Prediction& before)
+{
+    return before.valueOf(mode).value_or(mode.values.front());
+}
+
+// The labels in which guards are read.
+std::vector<Label> guardLabels(const Plant& plant, const Prediction& before,
+                               const std::vector<AtomIndex>& commands)
+{
+    std::vector<Label> labels(plant.atomCount(), Label::unknown);
+    const auto give = [&](AtomIndex value) {
+        for (const AtomIndex atom : plant.variable(plant.variableOf(value)).values) {
+            labels[static_cast<std::size_t>(atom)] = atom == value ? Label::isTrue : Label::isFalse;
+        }
+    };
+    for (const PlantVariable& variable : plant.variables()) {
+        if (variable.isMode && !variable.values.empty()) {
+            give(modeBefore(variable, before));
+        } else if (!variable.isCommand) {
+            for (const AtomIndex atom : variable.values) {
+                labels[static_cast<std::size_t>(atom)] = before.label(atom);
+            }
+        }
+    }
+    std::for_each(commands.begin(), commands.end(), give);
+    return labels;
+}
+
+bool holds(const StateFormula* guard, const Plant& plant, const std::vector<Label>& labels)
 {
     if (!guard || !guard->atoms) {
         return true;
     }
     const bool conjunction = guard->op != "or";
     for (const auto& [polarity, atom] : *guard->atoms) {
-        const Label label = before.label(plant.indexOf(atom));
+        const Label label = labels[static_cast<std::size_t>(plant.indexOf(atom))];
         const bool literalHolds = label == (polarity ? Label::isTrue : Label::isFalse);
         if (literalHolds != conjunction) {
             return literalHolds;
         }
     }
     return conjunction;
-}
-
-// Whether the transition leaves the value: its guard asks for it, or for no value of the variable.
-bool leaves(const Transition& transition, const Atom* from)
-{
-    bool namesVariable = false;
-    if (transition.guard && transition.guard->atoms) {
-        for (const auto& [polarity, atom] : *transition.guard->atoms) {
-            if (atom->stateVar == from->stateVar && polarity) {
-                if (atom == from) {
-                    return true;
-                }
-                namesVariable = true;
-            }
-        }
-    }
-    return !namesVariable;
 }
 
 void addOption(ModeStep& step, AtomIndex value, double probability, bool fault)
@@ -53,7 +67,18 @@ void addOption(ModeStep& step, AtomIndex value, double probability, bool fault)
     step.options.push_back({value, probability, fault});
 }
 
-ModeStep modeStep(const Plant& plant, VariableIndex index, AtomIndex from, const Prediction& before)
+AtomIndex mostProbable(const std::vector<ModeOption>& options)
+{
+    return std::max_element(options.begin(), options.end(),
+                            [](const ModeOption& a, const ModeOption& b) {
+                                return a.probability < b.probability;
+                            })
+        ->value;
+}
+
+// A transition whose guard names another value of the variable does not hold: `from` is the one that is true.
+ModeStep modeStep(const Plant& plant, VariableIndex index, AtomIndex from,
+                  const std::vector<Label>& labels)
 {
     ModeStep step{index, from, from, {}};
     const Atom* fromAtom = plant.atom(from);
@@ -61,7 +86,7 @@ ModeStep modeStep(const Plant& plant, VariableIndex index, AtomIndex from, const
     bool nominalTaken = false;
     for (const Transition* transition : *fromAtom->stateVar->comp->transitions) {
         if (transition->stateVar != fromAtom->stateVar || transition->atom == fromAtom ||
-            !leaves(*transition, fromAtom) || !holds(transition->guard, plant, before)) {
+            transition->proba <= 0.0 || !holds(transition->guard, plant, labels)) {
             continue;
         }
         const AtomIndex to = plant.indexOf(transition->atom);
@@ -72,8 +97,10 @@ ModeStep modeStep(const Plant& plant, VariableIndex index, AtomIndex from, const
             nominalTaken = true;
         }
     }
-    if (!nominalTaken || leaving < 1.0) {
-        addOption(step, from, std::max(0.0, 1.0 - leaving), false);
+    if (1.0 - leaving > noProbability) {
+        addOption(step, from, 1.0 - leaving, false);
+    } else if (!nominalTaken) {
+        step.predicted = mostProbable(step.options);
     }
     return step;
 }
@@ -95,14 +122,16 @@ bool ModeStep::deviatesFreely() const
     });
 }
 
-std::vector<ModeStep> modeSteps(const Plant& plant, const Prediction& before)
+std::vector<ModeStep> modeSteps(const Plant& plant, const Prediction& before,
+                                const std::vector<AtomIndex>& commands)
 {
+    const std::vector<Label> labels = guardLabels(plant, before, commands);
     std::vector<ModeStep> steps;
     for (std::size_t i = 0; i < plant.variables().size(); ++i) {
         const PlantVariable& variable = plant.variables()[i];
         if (variable.isMode && !variable.values.empty()) {
-            const AtomIndex from = before.valueOf(variable).value_or(variable.values.front());
-            steps.push_back(modeStep(plant, static_cast<VariableIndex>(i), from, before));
+            steps.push_back(modeStep(plant, static_cast<VariableIndex>(i),
+                                     modeBefore(variable, before), labels));
         }
     }
     return steps;

@@ -44,6 +44,9 @@ void Plant::addClause(const Clause* clause)
     if (!clauseIndexOf_.emplace(clause, number).second) {
         return;
     }
+    if (clause->literals->size() <= 1) {
+        unitClauses_.push_back(number);
+    }
     std::vector<PlantLiteral>& literals = clauses_.emplace_back();
     for (const auto& [negated, atom] : *clause->literals) {
         const AtomIndex index = indexOf_.at(atom);

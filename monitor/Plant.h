@@ -63,6 +63,8 @@ public:
     {
         return clausesOf_[static_cast<std::size_t>(atom)];
     }
+    /// The clauses of at most one literal: they give a label, or are violated, before anything is assumed.
+    const std::vector<ClauseIndex>& unitClauses() const { return unitClauses_; }
 
 private:
     void addVariable(StateVar* variable);
@@ -75,6 +77,7 @@ private:
     std::vector<std::vector<PlantLiteral>> clauses_;
     std::unordered_map<const Clause*, ClauseIndex> clauseIndexOf_;
     std::vector<std::vector<ClauseIndex>> clausesOf_;
+    std::vector<ClauseIndex> unitClauses_;
 };
 
 } // namespace monitor

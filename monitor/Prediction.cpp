@@ -30,13 +30,23 @@ bool Prediction::assume(AtomIndex value)
 
 bool Prediction::propagate()
 {
-    while (next_ < trail_.size()) {
-        const AtomIndex atom = trail_[next_++];
-        for (const ClauseIndex clause : plant_.clausesOf(atom)) {
-            if (!visit(clause)) {
-                violated_ = clause;
-                return false;
-            }
+    if (next_ == 0 && !visitAll(plant_.unitClauses())) {
+        return false;
+    }
+    for (; next_ < trail_.size(); ++next_) {
+        if (!visitAll(plant_.clausesOf(trail_[next_]))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Prediction::visitAll(const std::vector<ClauseIndex>& clauses)
+{
+    for (const ClauseIndex clause : clauses) {
+        if (!visit(clause)) {
+            violated_ = clause;
+            return false;
         }
     }
     return true;

@@ -25,8 +25,9 @@ public:
     /// Assumes the variable's value: the atom is true and the variable's other atoms are false. False, with
     /// nothing changed, when one of them has the opposite label already. Does not propagate.
     bool assume(AtomIndex value);
-    /// Draws all conclusions. False when a clause is violated: the labels drawn so far stay, see violated().
-    /// Every clause is visited at most once for each of its atoms.
+    /// Draws all conclusions. False when a clause is violated: the labels drawn so far stay, see violated(), and
+    /// it is false again at every further call until they are undone. Every clause is visited at most once for
+    /// each of its atoms.
     bool propagate();
 
     Label label(AtomIndex atom) const { return labels_[static_cast<std::size_t>(atom)]; }
@@ -36,10 +37,11 @@ public:
     std::optional<AtomIndex> valueOf(const PlantVariable& variable) const;
     /// True when no atom is unknown.
     bool complete() const { return trail_.size() == labels_.size(); }
-    /// The clause that propagate() found violated.
+    /// The clause that propagate() found violated, -1 when it found none.
     ClauseIndex violated() const { return violated_; }
 
-    /// How many atoms are labelled now; undo(mark()) takes back everything labelled later.
+    /// How many atoms are labelled now; undo(mark()) takes back everything labelled later. A mark is good when
+    /// nothing was labelled yet or all conclusions were drawn: the labels before it then imply no others.
     std::size_t mark() const { return trail_.size(); }
     void undo(std::size_t mark);
 
@@ -55,6 +57,7 @@ public:
 
 private:
     void set(AtomIndex atom, Label label, ClauseIndex reason);
+    bool visitAll(const std::vector<ClauseIndex>& clauses);
     bool visit(ClauseIndex clause);
     bool gives(ClauseIndex clause, AtomIndex atom, const std::vector<bool>& done) const;
 

@@ -1,4 +1,9 @@
 // A scenario: the prediction of a step under some assumed deviations, and what the observations say to it.
+//
+// The observations are taken in their order. One of a variable that nothing predicts is adopted: it becomes the
+// variable's label and is propagated before the next one is looked at. Any other is compared, and where another
+// value follows from the modes it is a discrepancy. What is adopted differs from scenario to scenario: a valve in an
+// unknown mode predicts no outflow, and the one that is measured is adopted.
 #pragma once
 
 #include "monitor/Suspects.h"
@@ -8,54 +13,67 @@ namespace monitor {
 /// What is given for a step. Values are atoms of the plant, at most one of each variable.
 struct StepInput {
     std::vector<AtomIndex> commands;
-    /// Where nothing predicts a variable yet, its observation is adopted and propagated before the next one is
-    /// looked at: give inputs and ambient values first.
-    std::vector<AtomIndex> observations;
+    std::vector<AtomIndex> observations; ///< inputs and ambient values first: they are adopted in this order
 };
 
-/// Deviations that are assumed: mode values other than predicted, and values of conditions that these leave open.
-struct Assumptions {
-    std::vector<AtomIndex> modes;
-    std::vector<AtomIndex> conditions;
-};
+/// Mode values other than predicted, sorted.
+using Deviations = std::vector<AtomIndex>;
 
 /// A step as far as it is known before anything is searched: what every scenario of it has in common.
 struct StepFrame {
     const Plant& plant;
     std::vector<AtomIndex> commands;
-    std::vector<ModeStep> modes;
-    std::vector<AtomIndex> adopted;  ///< observations of variables that nothing predicts
-    std::vector<AtomIndex> compared; ///< the other observations
+    std::vector<AtomIndex> observations;
+    std::vector<ModeStep> modes; ///< by rising index of the variable
+
+    /// Requires a mode variable. Logarithmic.
+    const ModeStep& stepOf(VariableIndex variable) const;
 };
 
-/// The labels under the assumptions, and the observations that contradict them.
+/// What a step can do, from the labels before it.
+StepFrame makeFrame(const Plant& plant, const Prediction& before, const StepInput& input);
+
+/// Assumes the step's commands, the deviations, and what is predicted of every other mode, and draws all
+/// conclusions. False when they contradict one another.
+bool assumeStep(Prediction& labels, const StepFrame& frame, const Deviations& deviations);
+
+/// The labels under some deviations, and the observations that contradict them. The frame outlives it.
 class Scenario {
 public:
-    Scenario(const StepFrame& frame, Assumptions assumptions);
+    /// `deviations` in any order, at most one of each variable.
+    Scenario(const StepFrame& frame, Deviations deviations);
 
-    /// False when the assumptions contradict the laws or one another.
+    /// False when modes and commands contradict the laws. The observations are not looked at then.
     bool consistent() const { return consistent_; }
     /// True when every atom of the plant has a label.
     bool complete() const { return prediction_.complete(); }
     const Prediction& prediction() const { return prediction_; }
-    const Assumptions& assumptions() const { return assumptions_; }
+    const Deviations& deviations() const { return deviations_; }
     const StepFrame& frame() const { return frame_; }
-    /// Observed values whose atom is labelled "false".
+    /// Observed values whose atom is labelled "false", or, labelled "true", would violate a law.
     const std::vector<AtomIndex>& discrepancies() const { return discrepancies_; }
-    /// For each discrepancy, the modes on which the contradicted label rests.
+    /// For each discrepancy, the modes on which the contradicted label rests: not all of them are as assumed. For an
+    /// inconsistent scenario, the modes on which the contradiction rests.
     std::vector<Conflict> conflicts() const;
-    /// For an inconsistent scenario, the modes on which the contradiction rests.
-    Conflict contradiction() const;
 
 private:
+    void takeObservations();
+    bool adopt(AtomIndex observed);
+    Conflict modesOfViolated() const;
+    Conflict modesAgainst(AtomIndex value) const;
+
     const StepFrame& frame_;
-    Assumptions assumptions_;
+    Deviations deviations_;
     Prediction prediction_;
     bool consistent_;
     std::vector<AtomIndex> discrepancies_;
+    /// For discrepancies that were tried as labels, and taken back: the modes on which the violation rests.
+    std::unordered_map<AtomIndex, Conflict> ruledOut_;
 };
 
-/// Predicts the step from the labels before it, and sorts its observations into adopted and compared ones.
-StepFrame makeFrame(const Plant& plant, const Prediction& before, const StepInput& input);
+/// For each variable, whether it may deviate from the scenario in an explanation with at most `faultBudget` further
+/// faults, the `fixed` variables keeping the scenario's values.
+std::vector<bool> suspectsOf(const Scenario& scenario, const std::vector<bool>& fixed,
+                             int faultBudget);
 
 } // namespace monitor

@@ -17,7 +17,8 @@ StepStatus statusOf(const std::vector<Candidate>& candidates)
     if (candidates.front().modes.empty()) {
         return StepStatus::nominal;
     }
-    return candidates.front().probability >= 0.5 ? StepStatus::faulty : StepStatus::ambiguous;
+    // Two of equal probability are ambiguous, whatever the last bit of their sum.
+    return candidates.front().probability > 0.5 + 1e-9 ? StepStatus::faulty : StepStatus::ambiguous;
 }
 
 } // namespace
@@ -26,14 +27,16 @@ StepAnswer StepSolver::solve(const Prediction& before, const StepInput& input,
                              const StepSettings& settings)
 {
     const StepFrame frame = makeFrame(plant_, before, input);
-    FaultSearch search(engine_, frame, settings.limits);
+    FaultSearch search(engine_, frame, settings.limits, settings.recordsBeforeSplit);
     search.run(settings.maxFaults);
+
+    Judgement judgement = judge(frame, search.found());
 
     StepAnswer answer;
     answer.discrepancies = Scenario(frame, {}).discrepancies();
-    answer.candidates = judge(frame, search.found());
+    answer.candidates = std::move(judgement.candidates);
     answer.status = statusOf(answer.candidates);
-    answer.complete = search.complete();
+    answer.complete = search.complete() && judgement.sure;
     answer.limit = search.limit();
     answer.work = search.work();
     return answer;

@@ -9,23 +9,28 @@
 // 2. Adopt. An observation of a variable that nothing predicts is taken as its label, and propagated.
 // 3. Compare. An observation that differs from its predicted label is a discrepancy; without any, the prediction
 //    is the explanation.
-// 4. Search. The engine looks for the mode changes that explain the discrepancies.
-// 5. Judge. Each candidate's modes are predicted anew; one that contradicts an observation is dropped. What is left
-//    is ranked by probability.
+// 4. Search. The engine looks for the mode changes that explain the discrepancies; where it is not sure to find them
+//    all, conflicts are taken apart one by one (monitor/FaultSearch.h).
+// 5. Judge. Each candidate's modes are predicted anew. One that contradicts an observation, or for which what stays
+//    open cannot be given values within the laws, is dropped. What is left is ranked by probability.
 //
 // Probability of a candidate: the product, over the mode variables, of the probability of the transition taken (of
-// staying: what the enabled transitions leave), times the likelihood of the observations: 1 for one that the modes
-// determine, 1/n for one that they leave open between n values (J. de Kleer and B. C. Williams, "Diagnosing
-// multiple faults", Artificial Intelligence 32 (1987)). Computed in logarithms and normalised over the candidates.
+// staying: what the enabled transitions leave), times the likelihood of the observations in their order: 1 for one
+// that propagation from the modes, the commands and the observations before it determines, 1/n for one that it leaves
+// open between n values (J. de Kleer and B. C. Williams, "Diagnosing multiple faults", Artificial Intelligence 32
+// (1987)). An input counts 1/n under every candidate alike. Computed in logarithms and normalised over the candidates.
 #pragma once
 
-#include "monitor/EngineSearch.h"
+#include "monitor/FaultSearch.h"
 
 namespace monitor {
 
 struct StepSettings {
     int maxFaults = 1;        ///< faults that an explanation may have, >= 0
     SearchLimits limits = {}; ///< of the step as a whole
+    /// Records after which a search by the engine is taken apart; what it found until then stands. The answer is
+    /// the same with any number; 0 takes every search apart at once.
+    std::uint64_t recordsBeforeSplit = FaultSearch::usualRecordsBeforeSplit;
 };
 
 /// An explanation of the step.
@@ -38,19 +43,20 @@ struct Candidate {
 
 enum class StepStatus {
     nominal,     ///< the prediction explains the observations
-    faulty,      ///< one explanation has at least half of the probability
-    ambiguous,   ///< several explanations, none above half
+    faulty,      ///< one explanation has more than half of the probability
+    ambiguous,   ///< several explanations, none with more than half of it
     inconsistent ///< nothing explains the observations within the fault bound
 };
 
 /// What the monitor makes of a step.
 struct StepAnswer {
     StepStatus status = StepStatus::inconsistent;
-    bool complete = true; ///< every minimal explanation within the bound is among the candidates
+    bool complete = true; ///< the candidates are all the minimal explanations within the bound
     SearchLimit limit = SearchLimit::none; ///< what cut the search, if it is not complete for that
     std::vector<Candidate> candidates; ///< most probable first, ties by the identifiers of the modes
-    std::vector<AtomIndex> discrepancies; ///< observed values that were not predicted
-    SearchWork work;                      ///< summed over the searches of the step
+    /// Observed values that the prediction rules out; none where the prediction contradicts itself.
+    std::vector<AtomIndex> discrepancies;
+    SearchWork work; ///< summed over the searches of the step
 };
 
 /// Solves steps with an engine that is set up over the plant. Both outlive the solver.
@@ -59,7 +65,9 @@ public:
     StepSolver(itms& engine, const Plant& plant) : engine_(engine), plant_(plant) {}
 
     /// Explains the observations of a step. `before` holds the labels before the step: a value for every mode
-    /// variable, and conditions as far as they are known. Explanations that contain another one are left out.
+    /// variable, and conditions as far as they are known. Commands come from `input` alone; one that is not given is
+    /// unknown. Explanations that contain another one are left out. A reading that no mode explains, or laws that
+    /// contradict one another, are no error: nothing is found then.
     StepAnswer solve(const Prediction& before, const StepInput& input, const StepSettings& settings);
 
 private:

@@ -79,10 +79,17 @@ std::vector<bool> suspects(const Plant& plant, const std::vector<Conflict>& conf
         (faultBudget <= 0 && !binding.empty())) {
         return result;
     }
+    bool hit = binding.empty();
     for (std::size_t i = 0; i < result.size(); ++i) {
         const auto variable = static_cast<VariableIndex>(i);
-        result[i] = plant.variable(variable).isMode && !freedom.fixed[i] &&
-                    (freedom.free[i] || mayTakePart(binding, variable, faultBudget));
+        if (!plant.variable(variable).isMode || freedom.fixed[i]) {
+            continue;
+        }
+        result[i] = freedom.free[i] || mayTakePart(binding, variable, faultBudget);
+        hit = hit || (result[i] && !freedom.free[i]);
+    }
+    if (!hit) {
+        result.assign(result.size(), false);
     }
     return result;
 }
