@@ -1,0 +1,139 @@
+#include "language/Reader.h"
+
+#include "language/BindingBuilder.h"
+#include "language/Contradictions.h"
+#include "language/LawBuilder.h"
+#include "language/TransitionBuilder.h"
+#include "language/TypeChecks.h"
+#include "language/Usage.h"
+
+#include <filesystem>
+
+namespace language {
+
+namespace {
+
+// One reading, from the imports to the model.
+class Reading {
+public:
+    Reading(const std::string& path, const ReadOptions& options)
+        : options_(options), report_(files_.texts, options.mostErrors),
+          imports_(files_, report_, options.searchPath, options.syntax),
+          builder_(std::filesystem::path(path).replace_extension().string())
+    {
+    }
+
+    ImportReader& imports() { return imports_; }
+
+    ReadResult finish()
+    {
+        if (files_.parsed) {
+            declare();
+            if (types_.system) elaborate();
+        }
+        result_.errors = report_.errors();
+        if (!result_.errors.empty()) {
+            result_.model.reset();
+            result_.bindings = {};
+            result_.lawPlaces.clear();
+            result_.size = {};
+        }
+        for (const auto& text : files_.texts) {
+            result_.files.push_back(text->name());
+        }
+        return std::move(result_);
+    }
+
+private:
+    void declare()
+    {
+        Declarations(files_, types_, report_).enter();
+        TypeChecks(files_, types_, report_).check();
+        result_.size.componentTypes = types_.components.size() - (types_.system ? 1 : 0);
+        if (!types_.system && options_.systemNeeded && !files_.unread) {
+            report_.error({}, "no system in this file", "system NAME { ... }",
+                          "the system says what the plant consists of");
+        }
+        if (!types_.system && !report_.failed()) result_.warnings = warnings();
+    }
+
+    void elaborate()
+    {
+        Elaboration plant(types_, report_, builder_, options_.expansion);
+        if (!plant.run()) return;
+        const double step = plant.stepSeconds();
+        result_.bindings.stepSeconds = step;
+        LawBuilder laws(plant, builder_, report_, options_.expansion.lawClauses);
+        TransitionBuilder transitions(plant, builder_, report_, step, options_.expansion.lawClauses);
+        BindingBuilder channels(plant, types_, files_, report_);
+        plant.forEach([&](Instance& instance) {
+            plant.forEachMember(instance, [&](const syntax::Member& member, Environment& here) {
+                if (const auto* law = std::get_if<syntax::Law>(&member)) {
+                    laws.build(*law, instance, here);
+                } else if (const auto* binding = std::get_if<syntax::Binding>(&member)) {
+                    channels.build(*binding, instance, here, result_.bindings);
+                }
+            });
+            transitions.build(instance);
+        });
+        result_.bindings.lost = plant.lost();
+        result_.model = builder_.build();
+        if (result_.model->components().empty() && !report_.failed()) {
+            report_.error(types_.system->range, "the system has no variables",
+                          "parts, or variables of its own");
+        }
+        if (report_.failed()) return;
+        Contradictions(*result_.model, laws.origins(), report_).find();
+        if (report_.failed()) return;
+        result_.warnings = warnings();
+        measure(laws, transitions);
+    }
+
+    std::vector<SourceError> warnings()
+    {
+        Usage(types_, report_).warn();
+        return report_.warnings();
+    }
+
+    void measure(const LawBuilder& laws, const TransitionBuilder& transitions)
+    {
+        ModelSize& size = result_.size;
+        size.components = result_.model->components().size();
+        for (const auto& component : result_.model->components()) {
+            size.variables += component->stateVars->size();
+        }
+        size.atoms = result_.model->atoms().size();
+        size.laws = laws.count();
+        size.clauses = result_.model->clauseCount();
+        size.transitions = transitions.count();
+        for (const LawOrigin& origin : laws.origins()) {
+            result_.lawPlaces.push_back({origin.range.file, origin.range.line, origin.range.column});
+        }
+    }
+
+    ReadOptions options_;
+    SourceFiles files_;
+    Report report_;
+    Types types_;
+    ImportReader imports_;
+    ModelBuilder builder_;
+    ReadResult result_;
+};
+
+} // namespace
+
+ReadResult readModel(const std::string& path, const ReadOptions& options)
+{
+    Reading reading(path, options);
+    reading.imports().read(path);
+    return reading.finish();
+}
+
+ReadResult readModelText(const std::string& path, std::string text, const ReadOptions& options)
+{
+    Reading reading(path, options);
+    reading.imports().read(path, std::move(text));
+    return reading.finish();
+}
+
+} // namespace language

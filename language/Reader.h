@@ -1,0 +1,69 @@
+// Model files read: the front door of the model language.
+//
+//     language::ReadResult read = language::readModel("pump.itms");
+//     for (const SourceError& error : read.errors) std::cerr << error.format();
+//     if (read.model) read.model->activate();
+//
+// The way of a file: text -> tree (Parser.h), imports -> trees (Imports.h), trees -> types (Types.h), checked (TypeChecks.h),
+// types -> parts (Elaboration.h), and their laws, transitions and bindings. All that is wrong is reported in one run; a
+// statement with a mistake is left out of the later steps, so that it is not complained about twice. Nothing is half loaded:
+// with an error there is no model.
+#pragma once
+
+#include "language/Bindings.h"
+#include "language/Elaboration.h"
+#include "language/Model.h"
+#include "language/SourceError.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace language {
+
+struct ReadOptions {
+    std::vector<std::string>
+        searchPath; ///< folders where imports are looked for, after the importing file's own
+    syntax::Limits syntax;
+    ExpansionLimits expansion;
+    std::size_t mostErrors = 100; ///< that are told of one model
+    bool systemNeeded = true;     ///< false: a file of components alone is fine; it has no model
+};
+
+/// How much a model is.
+struct ModelSize {
+    std::size_t components = 0;
+    std::size_t variables = 0;
+    std::size_t atoms = 0;
+    std::size_t laws = 0; ///< statements, each counted once for every instance and turn of a loop
+    std::size_t clauses = 0; ///< those of the laws and those of the variables
+    std::size_t transitions = 0;
+    std::size_t componentTypes = 0; ///< declared in the model's files
+};
+
+/// Where a law of the model was written.
+struct LawPlace {
+    std::uint32_t file = 0; ///< index in ReadResult::files
+    std::uint32_t line = 0;
+    std::uint32_t column = 0;
+};
+
+struct ReadResult {
+    std::unique_ptr<Model> model; ///< null when there are errors, or nothing but components
+    Bindings bindings;            ///< of the model
+    std::vector<SourceError> errors;
+    std::vector<SourceError> warnings;
+    ModelSize size;
+    std::vector<std::string> files;  ///< that were read, the main one first
+    std::vector<LawPlace> lawPlaces; ///< of each of the model's laws(), in their order
+};
+
+/// Reads the model in a file. Its base name is the path without the suffix, so that its implicates are read from the file
+/// beside it. Throws nothing but std::bad_alloc. Linear in the size of the text and of the plant.
+ReadResult readModel(const std::string& path, const ReadOptions& options = {});
+
+/// The same for a text under the name `path`, from whose folder imports are read.
+ReadResult readModelText(const std::string& path, std::string text, const ReadOptions& options = {});
+
+} // namespace language

@@ -1,0 +1,51 @@
+// The errors and warnings of a model, over all of its files.
+#pragma once
+
+#include "language/SourceText.h"
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <string>
+#include <tuple>
+#include <unordered_set>
+#include <vector>
+
+namespace language {
+
+/// The texts of a model; a range's `file` is the index of its text.
+using SourceTexts = std::vector<std::unique_ptr<SourceText>>;
+
+/// Gathers what is wrong, each once: an expression in a component is wrong in all of its instances, and said to be so for the
+/// first. After `limit` errors it only counts.
+class Report {
+public:
+    Report(const SourceTexts& sources, std::size_t limit) : sources_(sources), limit_(limit) {}
+
+    void error(const syntax::Range& at, std::string message, std::string expected = {},
+               std::string hint = {});
+    void warning(const syntax::Range& at, std::string message, std::string hint = {});
+    /// An error that was made elsewhere, such as in the parser.
+    void take(std::uint32_t file, SourceError error);
+
+    bool failed() const { return errorCount_ > 0; }
+
+    /// `fluids.itms:12`, or `line 12` where the other place is in the same file as `seenFrom`.
+    std::string where(const syntax::Range& range, const syntax::Range& seenFrom) const;
+
+    /// In the order of files, lines and columns, with a last one that says how many were not told.
+    std::vector<SourceError> errors();
+    std::vector<SourceError> warnings();
+
+private:
+    using Key = std::tuple<std::uint32_t, std::size_t, std::size_t>; ///< file, line, column
+
+    const SourceTexts& sources_;
+    std::size_t limit_;
+    std::size_t errorCount_ = 0;
+    std::multimap<Key, SourceError> errors_;
+    std::multimap<Key, SourceError> warnings_;
+    std::unordered_set<std::string> told_;
+};
+
+} // namespace language

@@ -1,0 +1,249 @@
+#include "language/TransitionBuilder.h"
+
+#include "language/Words.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace language {
+
+namespace {
+
+using syntax::TransitionKind;
+
+constexpr double tolerance = 1e-9;
+
+// The most probable of the sets of changes that are possible at once, as far as the guards tell: a branch for each
+// change and each alternative of its guard.
+template <typename Change> class LikeliestSet {
+public:
+    explicit LikeliestSet(std::vector<Change*> changes) : changes_(std::move(changes)) {}
+
+    std::vector<Change*> find()
+    {
+        choose(0, 0);
+        return best_;
+    }
+
+private:
+    using Literals = std::vector<std::pair<bool, Atom*>>;
+
+    void choose(std::size_t next, double sum)
+    {
+        if (sum > bestSum_ + tolerance) {
+            bestSum_ = sum;
+            best_ = chosen_;
+        }
+        if (next == changes_.size() || ++work_ > 20000) return;
+        Change* change = changes_[next];
+        for (const Literals& alternative : change->alternatives) {
+            const std::size_t size = guard_.size();
+            guard_.insert(guard_.end(), alternative.begin(), alternative.end());
+            if (possible()) {
+                chosen_.push_back(change);
+                choose(next + 1, sum + *change->probability);
+                chosen_.pop_back();
+            }
+            guard_.resize(size);
+        }
+        if (!change->always()) choose(next + 1, sum);
+    }
+
+    bool possible() const
+    {
+        return std::all_of(guard_.begin(), guard_.end(), [&](const auto& literal) {
+            const auto& values = *literal.second->stateVar->atomLinks;
+            return std::any_of(values.begin(), values.end(), [&](const Atom* value) {
+                return std::all_of(guard_.begin(), guard_.end(), [&](const auto& other) {
+                    return other.second->stateVar != value->stateVar ||
+                           (other.second == value) == other.first;
+                });
+            });
+        });
+    }
+
+    std::vector<Change*> changes_;
+    std::vector<Change*> chosen_;
+    std::vector<Change*> best_;
+    Literals guard_;
+    double bestSum_ = 0;
+    std::size_t work_ = 0;
+};
+
+const char* word(TransitionKind kind)
+{
+    return kind == TransitionKind::fault  ? "fault"
+           : kind == TransitionKind::idle ? "idle"
+                                          : "nominal";
+}
+
+} // namespace
+
+void TransitionBuilder::build(Instance& instance)
+{
+    Changes changes;
+    plant_.forEachMember(instance, [&](const syntax::Member& member, Environment& environment) {
+        const auto* transition = std::get_if<syntax::Transition>(&member);
+        if (transition) gather(*transition, instance, environment, changes);
+    });
+    for (const std::size_t mode : instance.type->modes) {
+        if (!instance.variables[mode]) continue;
+        for (const Atom* from : *instance.variables[mode]->atomLinks) {
+            std::vector<Change*> leaving;
+            for (Change& change : changes) {
+                if (change.from == from) leaving.push_back(&change);
+            }
+            complete(leaving);
+            checkSum(leaving);
+        }
+    }
+    for (const Change& change : changes) {
+        add(change);
+    }
+}
+
+void TransitionBuilder::gather(const syntax::Transition& transition, Instance& instance,
+                               const Environment& environment, Changes& changes)
+{
+    const ComponentType& type = *instance.type;
+    std::size_t mode = type.modes.front();
+    for (const std::size_t each : type.modes) {
+        if (transition.variable &&
+            type.variables[each].syntax->name.text == transition.variable->text) {
+            mode = each;
+        }
+    }
+    const StateVar* variable = instance.variables[mode];
+    Change change{&transition, nullptr, nullptr, {{}}, std::nullopt};
+    if (transition.target) change.to = value(variable, transition.target->text);
+    if (transition.guard) {
+        auto alternatives = alternativesOf(transition, instance, environment);
+        if (!alternatives) return;
+        change.alternatives = std::move(*alternatives);
+    }
+    if (transition.probability) {
+        change.probability = probabilityOf(*transition.probability, environment);
+        if (!change.probability) return;
+    }
+    for (Atom* from : *variable->atomLinks) {
+        const bool named =
+            std::any_of(transition.sources.begin(), transition.sources.end(),
+                        [&](const syntax::Name& name) { return name.text == from->value; });
+        if (transition.any ? from->fail || from == change.to : !named) continue;
+        Change& made = changes.emplace_back(change);
+        made.from = from;
+        if (!made.to) made.to = from;
+    }
+}
+
+// The clauses of the guard's negation, each negated.
+std::optional<std::vector<TransitionBuilder::Conjunction>> TransitionBuilder::alternativesOf(
+    const syntax::Transition& transition, Instance& instance, const Environment& environment)
+{
+    FormulaTranslator translator(plant_, report_);
+    auto guard = translator.translate(*transition.guard, instance, environment, true);
+    if (!guard) return std::nullopt;
+    std::vector<LawFormula> operand;
+    operand.push_back(std::move(*guard));
+    const LawFormula negation = LawFormula::make(LawFormula::Kind::negation, std::move(operand));
+    const auto clauses = normalForm(negation, mostAlternatives_);
+    if (!clauses) {
+        report_.error(transition.guard->range,
+                      "the guard has " + std::to_string(countClauses(negation)) + " alternatives",
+                      "at most " + std::to_string(mostAlternatives_),
+                      "give what recurs in it a cond of its own");
+        return std::nullopt;
+    }
+    if (clauses->empty()) {
+        report_.error(transition.guard->range, "this guard can never hold",
+                      "a formula that can hold");
+        return std::nullopt;
+    }
+    std::vector<Conjunction> alternatives;
+    for (const ClauseLiterals& clause : *clauses) {
+        Conjunction& alternative = alternatives.emplace_back();
+        for (const Literal& literal : clause) {
+            alternative.emplace_back(literal.negated, literal.atom);
+        }
+    }
+    return alternatives;
+}
+
+std::optional<double> TransitionBuilder::probabilityOf(const syntax::Probability& written,
+                                                       const Environment& environment)
+{
+    const std::optional<double> seconds =
+        written.per ? secondsOf(written.per->text) : std::optional<double>();
+    if (!seconds) return probability(written.amount, environment, report_);
+    const std::optional<double> amount = evaluate(written.amount, environment, report_);
+    if (!amount) return std::nullopt;
+    if (*amount < 0) {
+        report_.error(written.amount.range, "the rate is " + shown(*amount), "0 or more");
+        return std::nullopt;
+    }
+    return -std::expm1(-*amount / *seconds * stepSeconds_);
+}
+
+// What the faults that are always possible leave.
+void TransitionBuilder::complete(const std::vector<Change*>& leaving)
+{
+    double faults = 0;
+    for (const Change* change : leaving) {
+        if (change->syntax->kind == TransitionKind::fault && change->always()) {
+            faults += *change->probability;
+        }
+    }
+    for (Change* change : leaving) {
+        if (!change->probability) change->probability = std::max(0.0, 1 - faults);
+    }
+}
+
+void TransitionBuilder::checkSum(const std::vector<Change*>& leaving)
+{
+    // Idle ones are what happens when no nominal one does.
+    for (const TransitionKind kind : {TransitionKind::nominal, TransitionKind::idle}) {
+        std::vector<Change*> together;
+        for (Change* change : leaving) {
+            const bool fault = change->syntax->kind == TransitionKind::fault;
+            if ((fault || change->syntax->kind == kind) && *change->probability > 0) {
+                together.push_back(change);
+            }
+        }
+        const std::vector<Change*> likeliest = LikeliestSet<Change>(std::move(together)).find();
+        double sum = 0;
+        std::string list;
+        const Change* last = nullptr;
+        for (const Change* change : likeliest) {
+            sum += *change->probability;
+            list += (list.empty() ? "" : ", ") + std::string(word(change->syntax->kind)) + " -> " +
+                    change->to->value + " " + shown(*change->probability) + " (line " +
+                    std::to_string(change->syntax->range.line) + ")";
+            last = change;
+        }
+        if (sum <= 1 + tolerance) continue;
+        report_.error(last->syntax->range,
+                      "the transitions from " + quoted(last->from->value) +
+                          " that are possible at once add up to " + shown(sum),
+                      "at most 1", list);
+        return;
+    }
+}
+
+void TransitionBuilder::add(const Change& change)
+{
+    if (change.syntax->kind == TransitionKind::idle) {
+        builder_.idle(change.from, *change.probability);
+        ++count_;
+        return;
+    }
+    for (const Conjunction& alternative : change.alternatives) {
+        if (change.syntax->kind == TransitionKind::fault) {
+            builder_.fault(change.from, change.to, *change.probability, alternative);
+        } else {
+            builder_.nominal(change.from, change.to, alternative, *change.probability);
+        }
+        ++count_;
+    }
+}
+
+} // namespace language

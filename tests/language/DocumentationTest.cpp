@@ -1,0 +1,63 @@
+// The examples in docs/language.md are read. One that a ```text block follows is wrong in the way that the block says.
+#include "language/Reader.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <optional>
+#include <sstream>
+
+namespace {
+
+struct Example {
+    std::size_t line = 0;
+    std::string text;
+    std::optional<std::string> told;
+};
+
+std::vector<Example> examples()
+{
+    std::vector<Example> found;
+    std::ifstream in(ITMS_ROOT "/docs/language.md");
+    std::string line;
+    std::size_t number = 0;
+    std::string* block = nullptr;
+    bool justEnded = false;
+    while (std::getline(in, line)) {
+        ++number;
+        if (block && line == "```") {
+            justEnded = block != (found.back().told ? &*found.back().told : nullptr);
+            block = nullptr;
+        } else if (block) {
+            *block += line + "\n";
+        } else if (line == "```itms") {
+            found.push_back({number, {}, {}});
+            block = &found.back().text;
+        } else if (line == "```text" && justEnded) {
+            block = &found.back().told.emplace();
+        } else if (!line.empty()) {
+            justEnded = false;
+        }
+    }
+    return found;
+}
+
+TEST(Documentation, HasExamplesThatAreReadAsItSays)
+{
+    std::size_t wrong = 0;
+    for (const Example& example : examples()) {
+        language::ReadOptions options;
+        options.systemNeeded = false;
+        const language::ReadResult result =
+            language::readModelText("example.itms", example.text, options);
+        std::string told;
+        for (const language::SourceError& error : result.errors) {
+            told += error.format();
+        }
+        EXPECT_EQ(told, example.told.value_or("")) << "docs/language.md, line " << example.line;
+        wrong += example.told ? 1 : 0;
+    }
+    EXPECT_GE(examples().size(), 3U);
+    EXPECT_GE(wrong, 1U);
+}
+
+} // namespace
