@@ -35,7 +35,7 @@ Exit status: 0 done; 2 an error in the command line or in a file, or with
 --check a file that is laid out otherwise.
 
 Example:
-  itms fmt --check examples/water/station.itms
+  itms fmt --check examples/models/valve.itms
 )";
 
 std::string readAll(std::istream& in, const std::string& name)
