@@ -245,7 +245,7 @@ void Mistakes::report(const TokenInput& in, const Token* begin, std::size_t bloc
     const auto rangeOf = [this](const Token& token) {
         return syntax::Range{source_.number(), token.line, token.column, token.length};
     };
-    if (!mistake.message.empty()) {
+    if (mistake.at && !mistake.message.empty()) {
         syntax::Range range = rangeOf(*mistake.at);
         if (mistake.length > 0) range.length = mistake.length;
         add(range, mistake.message, mistake.expected, mistake.hint);
