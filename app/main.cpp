@@ -1,5 +1,6 @@
 // The program itms: finds the verb, lets it do its work, and turns what comes of it into an exit status.
 #include "app/Arguments.h"
+#include "app/Check.h"
 #include "app/Diagnose.h"
 #include "app/Fmt.h"
 #include "app/Output.h"
@@ -20,6 +21,7 @@ constexpr const char* helpText = R"(Usage: itms VERB [options] FILES
 Tracks what a system is doing and explains what went wrong.
 
 Verbs:
+  check          reports all that is wrong with model files, or their size
   diagnose       finds the faulty gates of a circuit from its inputs and outputs
   fmt            lays model files out in the one way
 
@@ -73,9 +75,11 @@ ExitStatus run(int argc, char** argv, std::string& name)
     program.formatter_fn(
         [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return helpText; });
     program.set_version_flag("--version", "itms " ITMS_VERSION);
+    app::CheckOptions check;
     app::DiagnoseOptions diagnose;
     app::FmtOptions fmt;
     const std::vector<Verb> verbs{
+        {app::addCheck(program, check), [&check] { return app::check(check); }},
         {app::addDiagnose(program, diagnose), [&diagnose] { return app::diagnose(diagnose); }},
         {app::addFmt(program, fmt), [&fmt] { return app::fmt(fmt); }},
     };

@@ -26,6 +26,20 @@ bool hasLaws(const ComponentType& type)
     });
 }
 
+// Whether the member is of these kinds, or a loop over such.
+bool has(const syntax::Member& member, Elaboration::Wanted wanted)
+{
+    using Wanted = Elaboration::Wanted;
+    if (const auto* loop = std::get_if<syntax::Loop>(&member)) {
+        return std::any_of(loop->members.begin(), loop->members.end(),
+                           [&](const syntax::Member& inner) { return has(inner, wanted); });
+    }
+    if (std::holds_alternative<syntax::InitialValue>(member)) return wanted == Wanted::initials;
+    if (std::holds_alternative<syntax::Transition>(member)) return wanted == Wanted::transitions;
+    return wanted == Wanted::lawsAndBindings && (std::holds_alternative<syntax::Law>(member) ||
+                                                 std::holds_alternative<syntax::Binding>(member));
+}
+
 } // namespace
 
 std::optional<double> probability(const syntax::Expression& expression,
@@ -138,7 +152,7 @@ void Elaboration::applyInitials(Instance& instance)
             }
         }
     }
-    forEachMember(instance, [&](const syntax::Member& member, Environment& here) {
+    forEachMember(instance, Wanted::initials, [&](const syntax::Member& member, Environment& here) {
         const auto* initial = std::get_if<syntax::InitialValue>(&member);
         if (initial) applyInitial(&instance.initials, instance, *initial, here);
     });
@@ -230,18 +244,19 @@ void Elaboration::forEach(Instance& instance, const std::function<void(Instance&
     }
 }
 
-void Elaboration::forEachMember(Instance& instance, const MemberVisit& visit)
+void Elaboration::forEachMember(Instance& instance, Wanted wanted, const MemberVisit& visit)
 {
     Environment environment = environmentOf(instance);
-    forMembers(*instance.type->members, environment, visit);
+    forMembers(*instance.type->members, wanted, environment, visit);
 }
 
-bool Elaboration::forMembers(const std::vector<syntax::Member>& members, Environment& environment,
-                             const MemberVisit& visit)
+bool Elaboration::forMembers(const std::vector<syntax::Member>& members, Wanted wanted,
+                             Environment& environment, const MemberVisit& visit)
 {
     for (const syntax::Member& member : members) {
+        if (!has(member, wanted)) continue;
         if (const auto* loop = std::get_if<syntax::Loop>(&member)) {
-            if (types_.sound(loop) && !repeat(*loop, environment, visit)) return false;
+            if (types_.sound(loop) && !repeat(*loop, wanted, environment, visit)) return false;
         } else if (types_.sound(
                        std::visit([](const auto& node) -> const void* { return &node; }, member))) {
             visit(member, environment);
@@ -250,7 +265,7 @@ bool Elaboration::forMembers(const std::vector<syntax::Member>& members, Environ
     return true;
 }
 
-bool Elaboration::repeat(const syntax::Loop& loop, Environment& environment,
+bool Elaboration::repeat(const syntax::Loop& loop, Wanted wanted, Environment& environment,
                          const MemberVisit& visit)
 {
     constexpr long most = 1'000'000'000;
@@ -261,13 +276,15 @@ bool Elaboration::repeat(const syntax::Loop& loop, Environment& environment,
     bool fits = true;
     for (long i = *first; i <= *last && fits; ++i) {
         if (++repetitions_ > limits_.repetitions) {
-            report_.error(loop.range, "the loops are repeated more than " +
-                                          std::to_string(limits_.repetitions) + " times");
+            // Told of the loop that went too far, not of those after it.
+            if (repetitions_ == limits_.repetitions + 1)
+                report_.error(loop.range, "the loops are repeated more than " +
+                                              std::to_string(limits_.repetitions) + " times");
             fits = false;
             break;
         }
         environment.local.back().second = static_cast<double>(i);
-        fits = forMembers(loop.members, environment, visit);
+        fits = forMembers(loop.members, wanted, environment, visit);
     }
     environment.local.pop_back();
     return fits;

@@ -54,9 +54,10 @@ public:
 
     /// Calls `visit` for every instance, each before its parts.
     void forEach(const std::function<void(Instance&)>& visit) { forEach(*root_, visit); }
-    /// Calls `visit` for every sound member, those in loops once for each value of the index.
+    /// Calls `visit` for every sound member of the kinds that are wanted, those in loops once for each value of the index.
+    enum class Wanted { initials, lawsAndBindings, transitions };
     using MemberVisit = std::function<void(const syntax::Member&, Environment&)>;
-    void forEachMember(Instance& instance, const MemberVisit& visit);
+    void forEachMember(Instance& instance, Wanted wanted, const MemberVisit& visit);
 
     /// The variable of a path that TypeChecks has found sound; null, and an error reported, for an index out of range.
     StateVar* find(Instance& within, const syntax::Path& path, const Environment& environment);
@@ -82,9 +83,10 @@ private:
                       const Environment& environment);
     void makeVariables(Instance& instance);
     std::optional<std::size_t> initialOf(const Instance& instance, std::size_t variable);
-    bool forMembers(const std::vector<syntax::Member>& members, Environment& environment,
-                    const MemberVisit& visit);
-    bool repeat(const syntax::Loop& loop, Environment& environment, const MemberVisit& visit);
+    bool forMembers(const std::vector<syntax::Member>& members, Wanted wanted,
+                    Environment& environment, const MemberVisit& visit);
+    bool repeat(const syntax::Loop& loop, Wanted wanted, Environment& environment,
+                const MemberVisit& visit);
     Place locate(Instance& within, const syntax::Path& path, const Environment& environment);
     Environment environmentOf(const Instance& instance) const;
     void forEach(Instance& instance, const std::function<void(Instance&)>& visit);

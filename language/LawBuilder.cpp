@@ -1,5 +1,8 @@
 #include "language/LawBuilder.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace language {
 
 namespace {
@@ -35,30 +38,15 @@ LawFormula differentValue(const StateVar* left, const StateVar* right)
     return LawFormula::make(Made::conjunction, std::move(values));
 }
 
-bool comparesVariables(const syntax::Formula& formula)
-{
-    if (formula.kind == Kind::equal || formula.kind == Kind::notEqual) {
-        return true; // or a value; it does no harm then
-    }
-    for (const syntax::Formula& operand : formula.operands) {
-        if (comparesVariables(operand)) return true;
-    }
-    return false;
-}
-
 } // namespace
 
 std::optional<LawFormula> FormulaTranslator::translate(const syntax::Formula& formula,
                                                        Instance& within,
                                                        const Environment& environment, bool negative)
 {
-    if (depth_ == 0) size_ = 0;
-    if (++size_ > mostNodes) {
-        report_.error(formula.range, "the formula becomes too large",
-                      "fewer '<->' within each other");
-        return std::nullopt;
-    }
-    ++depth_;
+    // Told once, of the whole formula.
+    const bool whole = std::exchange(size_, size_ + 1) == 0;
+    if (size_ > mostNodes) return std::nullopt;
     std::optional<LawFormula> made;
     switch (formula.kind) {
     case Kind::equal:
@@ -67,8 +55,26 @@ std::optional<LawFormula> FormulaTranslator::translate(const syntax::Formula& fo
     case Kind::equivalence: made = equivalence(formula, within, environment, negative); break;
     default: made = connective(formula, within, environment, negative);
     }
-    --depth_;
+    if (whole && size_ > mostNodes) {
+        report_.error(formula.range, "the formula is too large", "fewer '<->' within each other",
+                      "give what recurs in it a cond of its own");
+    }
     return made;
+}
+
+bool FormulaTranslator::comparesVariables(const syntax::Formula& formula, Instance& within,
+                                          const Environment& environment)
+{
+    if (formula.kind == Kind::equal || formula.kind == Kind::notEqual) {
+        const syntax::Segment& first = formula.right.segments.front();
+        if (formula.right.segments.size() > 1 || first.index) return true;
+        const StateVar* left = plant_.find(within, formula.left, environment);
+        return left && !value(left, first.name.text);
+    }
+    return std::any_of(formula.operands.begin(), formula.operands.end(),
+                       [&](const syntax::Formula& operand) {
+                           return comparesVariables(operand, within, environment);
+                       });
 }
 
 std::optional<LawFormula> FormulaTranslator::comparison(const syntax::Formula& formula,
@@ -121,7 +127,7 @@ std::optional<LawFormula> FormulaTranslator::connective(const syntax::Formula& f
     return LawFormula::make(kind, std::move(operands));
 }
 
-// Each side stands in both polarities.
+// Each side stands in both polarities. Where variables are compared, each gets the form that is short in its own.
 std::optional<LawFormula> FormulaTranslator::equivalence(const syntax::Formula& formula,
                                                          Instance& within,
                                                          const Environment& environment,
@@ -130,14 +136,14 @@ std::optional<LawFormula> FormulaTranslator::equivalence(const syntax::Formula& 
     const syntax::Formula& left = formula.operands[0];
     const syntax::Formula& right = formula.operands[1];
     auto a = translate(left, within, environment, !negative);
-    auto b = translate(right, within, environment, negative);
-    if (!a || !b) return std::nullopt;
-    if (!comparesVariables(left) && !comparesVariables(right)) {
+    auto b = a ? translate(right, within, environment, negative) : std::nullopt;
+    if (!b) return std::nullopt;
+    if (!comparesVariables(formula, within, environment)) {
         return of(Made::equivalence, std::move(*a), std::move(*b));
     }
     auto c = translate(right, within, environment, !negative);
-    auto d = translate(left, within, environment, negative);
-    if (!c || !d) return std::nullopt;
+    auto d = c ? translate(left, within, environment, negative) : std::nullopt;
+    if (!d) return std::nullopt;
     return of(Made::conjunction, of(Made::implication, std::move(*a), std::move(*b)),
               of(Made::implication, std::move(*c), std::move(*d)));
 }

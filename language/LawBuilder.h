@@ -15,7 +15,7 @@ struct LawOrigin {
     const Instance* instance = nullptr;
 };
 
-/// Translates formulas that TypeChecks has found sound, in the scope of an instance.
+/// Translates one formula that TypeChecks has found sound, in the scope of an instance.
 class FormulaTranslator {
 public:
     FormulaTranslator(Elaboration& plant, Report& report) : plant_(plant), report_(report) {}
@@ -33,10 +33,12 @@ private:
     std::optional<LawFormula> equivalence(const syntax::Formula& formula, Instance& within,
                                           const Environment& environment, bool negative);
 
+    bool comparesVariables(const syntax::Formula& formula, Instance& within,
+                           const Environment& environment);
+
     Elaboration& plant_;
     Report& report_;
-    std::size_t size_ = 0;
-    std::size_t depth_ = 0;
+    std::size_t size_ = 0; ///< nodes of the formula so far
 };
 
 class LawBuilder {

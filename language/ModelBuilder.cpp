@@ -143,9 +143,10 @@ Transition* ModelBuilder::fault(Atom* from, Atom* to, double proba,
     return made;
 }
 
-Transition* ModelBuilder::idle(Atom* at, double proba)
+Transition* ModelBuilder::idle(Atom* at, double proba,
+                               const std::vector<std::pair<bool, Atom*>>& guard)
 {
-    Transition* made = transition(at, at, {}, proba);
+    Transition* made = transition(at, at, guard, proba);
     made->name = "idle";
     made->type = "Idle";
     made->idle = true;

@@ -65,7 +65,7 @@ public:
     Transition* fault(Atom* from, Atom* to, double proba,
                       const std::vector<std::pair<bool, Atom*>>& guard = {});
     /// Staying in a mode value when nothing is asked of it.
-    Transition* idle(Atom* at, double proba);
+    Transition* idle(Atom* at, double proba, const std::vector<std::pair<bool, Atom*>>& guard = {});
 
     /// Makes `imported` an imported component of `importer`, once; a component never imports itself.
     void import(Comp* importer, Comp* imported);

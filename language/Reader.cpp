@@ -67,13 +67,15 @@ private:
         TransitionBuilder transitions(plant, builder_, report_, step, options_.expansion.lawClauses);
         BindingBuilder channels(plant, types_, files_, report_);
         plant.forEach([&](Instance& instance) {
-            plant.forEachMember(instance, [&](const syntax::Member& member, Environment& here) {
-                if (const auto* law = std::get_if<syntax::Law>(&member)) {
-                    laws.build(*law, instance, here);
-                } else if (const auto* binding = std::get_if<syntax::Binding>(&member)) {
-                    channels.build(*binding, instance, here, result_.bindings);
-                }
-            });
+            plant.forEachMember(instance, Elaboration::Wanted::lawsAndBindings,
+                                [&](const syntax::Member& member, Environment& here) {
+                                    if (const auto* law = std::get_if<syntax::Law>(&member)) {
+                                        laws.build(*law, instance, here);
+                                    } else if (const auto* binding =
+                                                   std::get_if<syntax::Binding>(&member)) {
+                                        channels.build(*binding, instance, here, result_.bindings);
+                                    }
+                                });
             transitions.build(instance);
         });
         result_.bindings.lost = plant.lost();

@@ -82,10 +82,11 @@ const char* word(TransitionKind kind)
 void TransitionBuilder::build(Instance& instance)
 {
     Changes changes;
-    plant_.forEachMember(instance, [&](const syntax::Member& member, Environment& environment) {
-        const auto* transition = std::get_if<syntax::Transition>(&member);
-        if (transition) gather(*transition, instance, environment, changes);
-    });
+    plant_.forEachMember(instance, Elaboration::Wanted::transitions,
+                         [&](const syntax::Member& member, Environment& environment) {
+                             const auto* transition = std::get_if<syntax::Transition>(&member);
+                             if (transition) gather(*transition, instance, environment, changes);
+                         });
     for (const std::size_t mode : instance.type->modes) {
         if (!instance.variables[mode]) continue;
         for (const Atom* from : *instance.variables[mode]->atomLinks) {
@@ -231,14 +232,11 @@ void TransitionBuilder::checkSum(const std::vector<Change*>& leaving)
 
 void TransitionBuilder::add(const Change& change)
 {
-    if (change.syntax->kind == TransitionKind::idle) {
-        builder_.idle(change.from, *change.probability);
-        ++count_;
-        return;
-    }
     for (const Conjunction& alternative : change.alternatives) {
         if (change.syntax->kind == TransitionKind::fault) {
             builder_.fault(change.from, change.to, *change.probability, alternative);
+        } else if (change.syntax->kind == TransitionKind::idle) {
+            builder_.idle(change.from, *change.probability, alternative);
         } else {
             builder_.nominal(change.from, change.to, alternative, *change.probability);
         }

@@ -12,6 +12,11 @@ namespace {
 constexpr std::size_t mostValues = 200;
 constexpr std::size_t deepestNesting = 100;
 
+std::string tooDeep()
+{
+    return "components are nested deeper than " + std::to_string(deepestNesting) + " levels";
+}
+
 } // namespace
 
 std::optional<std::size_t> VariableType::indexOf(std::string_view value) const
@@ -66,6 +71,7 @@ void Declarations::enter()
     for (ComponentType& type : types_.components) {
         enterMembers(type);
     }
+    if (types_.system) checkNameOfSystem();
     findCircles();
 }
 
@@ -240,49 +246,59 @@ void Declarations::enterPart(ComponentType& type, const syntax::Part& part)
                   hint.empty() ? "declare it, or import the file that does" : hint);
 }
 
+// Variables of the system make a component of its name.
+void Declarations::checkNameOfSystem()
+{
+    ComponentType& system = *types_.system;
+    const auto entry = system.names.find(system.name);
+    if (system.variables.empty() || entry == system.names.end() || !entry->second.part) return;
+    const syntax::Part& part = *system.parts[entry->second.index].syntax;
+    types_.broken.insert(&part);
+    report_.error(part.name.range, "the system and its part have the same name",
+                  "another name for one of them, since the system has variables of its own");
+}
+
 void Declarations::findCircles()
 {
-    std::unordered_map<const ComponentType*, int> seen;
+    std::unordered_map<const ComponentType*, std::size_t> depths;
     for (ComponentType& type : types_.components) {
         std::vector<const PartType*> way;
-        if (findCircle(&type, way, seen)) {
+        if (findCircle(type, way, depths)) {
             types_.endless = true;
             return;
         }
     }
 }
 
-// Depth first. 1: on the way from the component that was begun with; 2: known to be fine.
-bool Declarations::findCircle(ComponentType* type, std::vector<const PartType*>& way,
-                              std::unordered_map<const ComponentType*, int>& seen)
+// Depth first. The depth of a type is 0 while it is on the way from the one that was begun with.
+bool Declarations::findCircle(const ComponentType& type, std::vector<const PartType*>& way,
+                              std::unordered_map<const ComponentType*, std::size_t>& depths)
 {
-    int& mark = seen[type];
-    if (mark == 2) return false;
-    if (mark == 1 || way.size() >= deepestNesting) {
-        std::string circle;
+    const auto [known, isNew] = depths.insert({&type, 0});
+    if (!isNew && known->second > 0) return false;
+    if (!isNew || way.size() >= deepestNesting) {
+        std::string names;
         for (const PartType* part : way) {
-            circle += (circle.empty() ? "" : " -> ") + std::string(part->type->name);
-            if (circle.size() > 200) {
-                circle += " ...";
-                break;
-            }
+            if (names.size() > 200) break;
+            names += (names.empty() ? "" : " -> ") + std::string(part->type->name);
         }
         report_.error(way.back()->syntax->type.range,
-                      mark == 1 ? "a " + quoted(type->name) + " would contain itself"
-                                : "components are nested deeper than " +
-                                      std::to_string(deepestNesting) + " levels",
-                      {}, "the parts on the way: " + circle);
+                      isNew ? tooDeep() : "a " + quoted(type.name) + " would contain itself", {},
+                      "the parts on the way: " + names);
         return true;
     }
-    mark = 1;
-    for (const PartType& part : type->parts) {
+    std::size_t deepest = 0;
+    for (const PartType& part : type.parts) {
         if (!part.type) continue;
         way.push_back(&part);
-        if (findCircle(part.type, way, seen)) return true;
+        if (findCircle(*part.type, way, depths)) return true;
         way.pop_back();
+        deepest = std::max(deepest, depths[part.type]);
     }
-    seen[type] = 2;
-    return false;
+    depths[&type] = deepest + 1;
+    if (deepest < deepestNesting) return false;
+    report_.error(type.range, tooDeep());
+    return true;
 }
 
 } // namespace language

@@ -105,9 +105,10 @@ private:
     void enterValues(VariableType& made);
     void enterPart(ComponentType& type, const syntax::Part& part);
     bool enterName(ComponentType& type, const syntax::Name& name, ComponentType::Entry entry);
+    void checkNameOfSystem();
     void findCircles();
-    bool findCircle(ComponentType* type, std::vector<const PartType*>& way,
-                    std::unordered_map<const ComponentType*, int>& seen);
+    bool findCircle(const ComponentType& type, std::vector<const PartType*>& way,
+                    std::unordered_map<const ComponentType*, std::size_t>& depths);
 
     const SourceFiles& files_;
     Types& types_;

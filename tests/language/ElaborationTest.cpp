@@ -203,6 +203,15 @@ TEST(Elaboration, MakesATransitionForEachAlternativeOfAGuard)
                                                           "Nominal to b if !go=left m=a x=yes"));
 }
 
+TEST(Elaboration, KeepsTheGuardOfAnIdleTransition)
+{
+    const ReadResult result =
+        read("component C { mode m { a initial b fault }\n cond x: no, yes\n"
+             "idle a when x = no\n fault a -> b : 0.1 }\nsystem S { c: C }\n");
+    EXPECT_THAT(transitionTexts(result, "c"),
+                ElementsAre("Idle to a if m=a x=no", "Fail to b if m=a"));
+}
+
 TEST(Elaboration, TakesARateAsTheProbabilityOfAnEventInAStep)
 {
     const ReadResult result =

@@ -1,0 +1,138 @@
+#include "app/Check.h"
+
+#include "app/Arguments.h"
+#include "app/Output.h"
+#include "language/Reader.h"
+#include "report/Text.h"
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+namespace app {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+constexpr const char* helpText =
+    R"(Usage: itms check MODEL... [options]
+
+Reads model files and reports everything that is wrong with them, or how large
+the models are. A file of components alone, to be imported by others, is fine.
+
+  MODEL                     a model file, .itms
+  -I, --import FOLDER       look for imported files there, too, after the folder
+                            of the file that imports them; may be repeated
+  --format text|json        text: for people (default); json: the same as data
+  -h, --help                print this
+
+Exit status: 0 all files are in order, perhaps with warnings; 2 there is an
+error in the command line or in a file.
+
+Example:
+  itms check tests/language/errors/semantic/ten-mistakes.itms
+)";
+
+std::string sizeText(const std::string& path, const language::ReadResult& read)
+{
+    const language::ModelSize& size = read.size;
+    const std::string types = report::counted(size.componentTypes, "component type");
+    if (!read.model) return fmt::format("{}: {}, no system\n", path, types);
+    return fmt::format(
+        "{}: {}, {}, {}, {}, {}, {}\n", path, report::counted(size.components, "component"),
+        report::counted(size.variables, "variable"), report::counted(size.atoms, "atom"),
+        report::counted(size.laws, "law"), report::counted(size.clauses, "clause"),
+        report::counted(size.transitions, "transition"));
+}
+
+std::string text(const std::string& path, const language::ReadResult& read)
+{
+    std::string told;
+    for (const language::SourceError& error : read.errors) {
+        told += error.format();
+    }
+    for (language::SourceError warning : read.warnings) {
+        warning.message.insert(0, "warning: ");
+        told += warning.format();
+    }
+    if (read.errors.empty()) return told + sizeText(path, read);
+    return told + fmt::format("{}: {}\n", path, report::counted(read.errors.size(), "error"));
+}
+
+ordered_json json(const std::vector<language::SourceError>& errors)
+{
+    ordered_json list = ordered_json::array();
+    for (const language::SourceError& error : errors) {
+        list.push_back({{"file", error.file},
+                        {"line", error.place.line},
+                        {"column", error.place.column},
+                        {"message", error.message},
+                        {"expected", error.expected},
+                        {"hint", error.hint}});
+    }
+    return list;
+}
+
+ordered_json json(const std::string& path, const language::ReadResult& read)
+{
+    ordered_json made{{"file", path},
+                      {"ok", read.errors.empty()},
+                      {"errors", json(read.errors)},
+                      {"warnings", json(read.warnings)}};
+    if (!read.errors.empty()) return made;
+    const language::ModelSize& size = read.size;
+    made["size"] = {{"componentTypes", size.componentTypes},
+                    {"components", size.components},
+                    {"variables", size.variables},
+                    {"atoms", size.atoms},
+                    {"laws", size.laws},
+                    {"clauses", size.clauses},
+                    {"transitions", size.transitions}};
+    return made;
+}
+
+} // namespace
+
+CLI::App* addCheck(CLI::App& program, CheckOptions& options)
+{
+    CLI::App* verb = program.add_subcommand("check");
+    verb->allow_extras();
+    verb->formatter_fn(
+        [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return helpText; });
+    verb->add_option("models", options.models);
+    verb->add_option("-I,--import", options.importFolders)
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    verb->add_option("--format", options.format)->check(oneOf({"text", "json"}));
+    return verb;
+}
+
+ExitStatus check(const CheckOptions& options)
+{
+    if (options.models.empty()) {
+        throw Failure("no model is given\n  expected: the name of an .itms file\n"
+                      "  hint: itms check --help shows an example\n");
+    }
+    language::ReadOptions reading;
+    reading.searchPath = options.importFolders;
+    reading.systemNeeded = false;
+    bool failed = false;
+    ordered_json models = ordered_json::array();
+    for (const std::string& path : options.models) {
+        const language::ReadResult read = language::readModel(path, reading);
+        failed = failed || !read.errors.empty();
+        if (options.format == "json") {
+            models.push_back(json(path, read));
+        } else {
+            print(text(path, read));
+        }
+    }
+    if (options.format == "json") {
+        // Names of files and texts in messages may be any bytes.
+        const ordered_json answer{{"v", 1}, {"models", std::move(models)}};
+        print(answer.dump(2, ' ', false, ordered_json::error_handler_t::replace) + "\n");
+    }
+    return failed ? ExitStatus::error : ExitStatus::done;
+}
+
+} // namespace app
