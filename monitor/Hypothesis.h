@@ -23,10 +23,11 @@ struct Hypothesis {
     /// Natural logarithm of the joint probability of this way and of all that was observed. After a step those of all
     /// kept hypotheses are scaled together, so that the probabilities add up to 1.
     double logWeight = 0.0;
-    double logStep = 0.0; ///< what the step alone contributed, before scaling, in the most probable way here
-    int faults = 0;       ///< faults and lost commands so far, in the most probable way here
+    double logStep =
+        0.0; ///< what the step alone contributed, before scaling, in the most probable way here
+    int faults = 0; ///< faults and lost commands so far, in the most probable way here
     std::map<VariableIndex, Since> since;
-    std::vector<AtomIndex> lost; ///< commands of this step that did not arrive
+    std::vector<AtomIndex> lost;        ///< commands of this step that did not arrive
     std::vector<AtomIndex> unexplained; ///< observations of this step that contradict it
 
     /// Whether something is not as in a plant without faults.
@@ -46,9 +47,9 @@ struct LossyCommand {
 
 /// What is given for a step along time.
 struct TrackInput {
-    std::size_t step = 0; ///< from 1
-    double t = 0.0;       ///< seconds
-    StepInput values;     ///< commands: one value of every command variable that has one
+    std::size_t step = 0;            ///< from 1
+    double t = 0.0;                  ///< seconds
+    StepInput values;                ///< commands: one value of every command variable that has one
     std::vector<LossyCommand> lossy; ///< among these commands, those that were given and may be lost
 };
 

@@ -69,7 +69,8 @@ std::vector<bool> relevantVariables(const Successors& successors, const Plant& p
         }
         for (const PastStep& step : past) {
             for (const HypothesisPointer& hypothesis : step.before) {
-                const auto modes = hypothesis->labels.prediction().environment(atoms);
+                const StepLabels labels = hypothesis->labels.afresh();
+                const auto modes = labels.prediction().environment(atoms);
                 std::for_each(modes.begin(), modes.end(), reach);
             }
         }
@@ -132,7 +133,7 @@ private:
         for (const LossyCommand& command : input.lossy) {
             if (budget >= 1) {
                 const double change =
-                    std::log(command.probability) - std::log(1.0 - command.probability);
+                    logProbability(command.probability) - logProbability(1.0 - command.probability);
                 all.push_back({step, &parent, {}, {command}, parent.logWeight + change});
             }
         }
@@ -141,9 +142,8 @@ private:
     void take(const Alternative& alternative)
     {
         ++result_.work.records;
-        auto made =
-            successors_.deviating(*alternative.parent, past_[alternative.step].input,
-                                  alternative.deviations, alternative.lost);
+        auto made = successors_.deviating(*alternative.parent, past_[alternative.step].input,
+                                          alternative.deviations, alternative.lost);
         if (made) {
             made->logWeight -= past_[alternative.step].logScale;
             follow(alternative.step, {std::move(*made)});
@@ -213,9 +213,9 @@ private:
 
 } // namespace
 
-LookBackResult lookBack(Successors& successors, const Plant& plant, const std::deque<PastStep>& past,
-                        const std::vector<HypothesisPointer>& now, const TrackInput& present,
-                        const LookBackSettings& settings)
+LookBackResult lookBack(Successors& successors, const Plant& plant,
+                        const std::deque<PastStep>& past, const std::vector<HypothesisPointer>& now,
+                        const TrackInput& present, const LookBackSettings& settings)
 {
     const std::vector<bool> relevant =
         settings.searchOn ? std::vector<bool>(plant.variables().size(), true)

@@ -67,9 +67,8 @@ StepLabels::Taken StepLabels::takeOne(AtomIndex observed)
         return taken;
     }
     const std::vector<AtomIndex>& values = plant_->variable(plant_->variableOf(observed)).values;
-    const auto open = std::count_if(values.begin(), values.end(), [this](AtomIndex value) {
-        return !prediction_.isKnown(value);
-    });
+    const auto open = std::count_if(values.begin(), values.end(),
+                                    [this](AtomIndex value) { return !prediction_.isKnown(value); });
     if (prediction_.assume(observed) && prediction_.propagate()) {
         taken.logFactor = -std::log(static_cast<double>(open));
     } else {
@@ -86,6 +85,25 @@ double StepLabels::logLikelihood() const
         sum += taken.logFactor;
     }
     return sum;
+}
+
+std::vector<AtomIndex> StepLabels::observations() const
+{
+    std::vector<AtomIndex> observations;
+    for (const Taken& taken : taken_) {
+        observations.push_back(taken.value);
+    }
+    return observations;
+}
+
+StepLabels StepLabels::afresh() const
+{
+    if (!consistent_) {
+        return *this;
+    }
+    StepLabels made(*plant_);
+    made.take(assumptions_, observations());
+    return made;
 }
 
 } // namespace monitor

@@ -31,6 +31,12 @@ public:
     /// Natural logarithm of the likelihood of the other observations: each that is left open between n values counts 1/n.
     double logLikelihood() const;
 
+    /// What was taken last; nothing for labels that were found otherwise.
+    const std::vector<AtomIndex>& assumptions() const { return assumptions_; }
+    std::vector<AtomIndex> observations() const;
+    /// The same, drawn afresh: with equal labels, and reasons that do not depend on the steps before.
+    StepLabels afresh() const;
+
 private:
     // An observation that was taken, and the labels before it.
     struct Taken {

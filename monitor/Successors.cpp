@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace monitor {
 
@@ -14,16 +15,16 @@ constexpr std::size_t mostLostAtOnce = 2;
 
 bool contains(const std::vector<LossyCommand>& commands, const LossyCommand& command)
 {
-    return std::any_of(commands.begin(), commands.end(), [&](const LossyCommand& other) {
-        return other.given == command.given;
-    });
+    return std::any_of(commands.begin(), commands.end(),
+                       [&](const LossyCommand& other) { return other.given == command.given; });
 }
 
 double logArrivals(const TrackInput& input, const std::vector<LossyCommand>& lost)
 {
     double sum = 0.0;
     for (const LossyCommand& command : input.lossy) {
-        sum += std::log(contains(lost, command) ? command.probability : 1.0 - command.probability);
+        sum += logProbability(contains(lost, command) ? command.probability
+                                                      : 1.0 - command.probability);
     }
     return sum;
 }
@@ -77,6 +78,11 @@ bool isSmaller(const Explained& one, const Explained& other)
 }
 
 } // namespace
+
+double logProbability(double probability)
+{
+    return std::log(std::max(probability, std::numeric_limits<double>::min()));
+}
 
 StepFrame Successors::frame(const Hypothesis& parent, const TrackInput& input,
                             const std::vector<LossyCommand>& lost) const

@@ -60,6 +60,9 @@ private:
     const Plant& plant_;
 };
 
+/// Natural logarithm; finite for what is said to be impossible, too, since it may be what is left when it happened.
+double logProbability(double probability);
+
 /// The hypothesis before the first step: initial modes, and initial conditions where there are any.
 Hypothesis initialHypothesis(const Plant& plant);
 

@@ -10,7 +10,7 @@ namespace {
 // What is found in a step: a hypothesis, and the steps that were replayed on its way.
 struct Found {
     Hypothesis hypothesis;
-    std::size_t begin = 0;       ///< index of the past step after which `replayed` begins
+    std::size_t begin = 0; ///< index of the past step after which `replayed` begins
     std::vector<Hypothesis> replayed;
 };
 
@@ -79,10 +79,7 @@ public:
     }
 
 private:
-    SearchLimits left() const
-    {
-        return remaining(tracker_.settings_.limits, answer_.work, start_);
-    }
+    SearchLimits left() const { return remaining(tracker_.settings_.limits, answer_.work, start_); }
 
     // What becomes of each kept hypothesis.
     void succeed()

@@ -13,14 +13,16 @@
 namespace monitor {
 
 struct TrackSettings {
-    int maxFaults = 3; ///< faults and lost commands along the trajectory of a hypothesis, >= 0; more finds more, and costs
+    int maxFaults =
+        3; ///< faults and lost commands along the trajectory of a hypothesis, >= 0; more finds more, and costs
     std::size_t keep = 8; ///< hypotheses kept after a step, at least 1
-    std::size_t lookBack = 10; ///< steps that may be gone back to, 0 for none; each keeps its hypotheses in memory
+    std::size_t lookBack =
+        10; ///< steps that may be gone back to, 0 for none; each keeps its hypotheses in memory
     SearchLimits limits = {}; ///< of each step; replayed steps count as records
 };
 
 enum class TrackStatus {
-    nominal,      ///< the best hypothesis has more than half of the probability, and nothing is wrong in it
+    nominal, ///< the best hypothesis has more than half of the probability, and nothing is wrong in it
     faulty,       ///< the same, and something is
     ambiguous,    ///< no hypothesis has more than half of it
     inconsistent, ///< nothing explains the observations within the bound on faults; predictions go on
@@ -37,9 +39,9 @@ struct TrackAnswer {
     bool complete = true; ///< no search was cut and none left something open
     SearchLimit limit = SearchLimit::none;
     std::vector<HypothesisPointer> hypotheses; ///< that are kept, most probable first
-    std::vector<double> probabilities; ///< of these; they add up to 1
-    std::size_t dropped = 0;           ///< hypotheses beyond those that are kept
-    bool wentBack = false;             ///< earlier steps were gone back to
+    std::vector<double> probabilities;         ///< of these; they add up to 1
+    std::size_t dropped = 0;                   ///< hypotheses beyond those that are kept
+    bool wentBack = false;                     ///< earlier steps were gone back to
     SearchWork work;
 };
 

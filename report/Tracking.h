@@ -20,9 +20,9 @@ struct DeviatingMode {
 /// One of the kept hypotheses.
 struct TrackedExplanation {
     double probability = 0.0; ///< over the kept hypotheses, 0..1
-    int faults = 0; ///< that it takes, along the whole way; a lost command counts as one
-    std::vector<DeviatingMode> modes;     ///< by name of the variable
-    std::vector<std::string> lost;        ///< commands of this step that did not arrive, VARIABLE=VALUE
+    int faults = 0;           ///< that it takes, along the whole way; a lost command counts as one
+    std::vector<DeviatingMode> modes; ///< by name of the variable
+    std::vector<std::string> lost;    ///< commands of this step that did not arrive, VARIABLE=VALUE
     std::vector<std::string> unexplained; ///< observations of this step, VARIABLE=VALUE
 };
 
@@ -31,7 +31,7 @@ using Marginals = std::map<std::string, std::map<std::string, double>>;
 
 struct StepReport {
     std::size_t step = 0;
-    double t = 0.0; ///< seconds
+    double t = 0.0;            ///< seconds
     std::optional<double> gap; ///< seconds since the step before, where that is longer than usual
     monitor::TrackStatus status = monitor::TrackStatus::nominal;
     bool complete = true;
@@ -47,7 +47,7 @@ struct StepReport {
 /// What of an answer is shown.
 struct Shown {
     std::size_t most = 5; ///< explanations; 0: all
-    double mass = 0.99;   ///< no more than those that have so much of the probability together, 0..1
+    double mass = 0.99; ///< no more than those that have so much of the probability together, 0..1
 };
 
 /// `COMPONENT.VARIABLE`.

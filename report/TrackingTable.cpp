@@ -19,9 +19,9 @@ std::string time(double t)
 
 std::string withSince(const DeviatingMode& mode)
 {
-    const std::string since = mode.since == 0
-                                  ? std::string("from the beginning")
-                                  : fmt::format("since{}step{}{}", unbreakable, unbreakable, mode.since);
+    const std::string since =
+        mode.since == 0 ? std::string("from the beginning")
+                        : fmt::format("since{}step{}{}", unbreakable, unbreakable, mode.since);
     return fmt::format("{}{}={}{} {}", mode.variable, unbreakable, unbreakable, mode.value, since);
 }
 
@@ -34,7 +34,8 @@ std::string inWords(const TrackedExplanation& explanation)
     for (const std::string& command : explanation.lost) {
         items.push_back(command + " did not arrive");
     }
-    std::string text = items.empty() ? "nothing is wrong" : fmt::format("{}", fmt::join(items, "; "));
+    std::string text =
+        items.empty() ? "nothing is wrong" : fmt::format("{}", fmt::join(items, "; "));
     if (!explanation.unexplained.empty()) {
         text += "; does not explain " + listed(explanation.unexplained);
     }
@@ -59,28 +60,29 @@ std::string essence(const StepReport& report, std::size_t shown)
 std::string TrackingTable::heading() const
 {
     return colours_.faint(right("step", stepColumns) + right("t", timeColumns) + "  " +
-                          left("status", statusColumns) +
-                          right("p", probabilityColumns) + "  explanation") +
+                          left("status", statusColumns) + right("p", probabilityColumns) +
+                          "  explanation") +
            "\n";
 }
 
 std::string TrackingTable::rows(const StepReport& report)
 {
-    ++total_;
-    ++counts_[report.status];
-    incomplete_ += report.complete ? 0 : 1;
-    dropped_ += report.dropped > 0 ? 1 : 0;
+    ++memory_.total;
+    ++memory_.counts[monitor::name(report.status)];
+    memory_.incomplete += report.complete ? 0 : 1;
+    memory_.dropped += report.dropped > 0 ? 1 : 0;
     const std::size_t shown = shownCount(report, shown_);
     std::string now = essence(report, shown);
-    const bool changed = now != last_ || report.gap;
-    last_ = std::move(now);
+    const bool changed = now != memory_.last || report.gap;
+    memory_.last = std::move(now);
     if (!changed && !everyStep_) {
         return "";
     }
     const std::string indent(stepColumns + timeColumns + 2, ' ');
     std::string text;
     if (report.gap) {
-        text += indent + colours_.faint(fmt::format("{} s without a step", time(*report.gap))) + "\n";
+        text +=
+            indent + colours_.faint(fmt::format("{} s without a step", time(*report.gap))) + "\n";
     }
     std::string head = right(std::to_string(report.step), stepColumns) +
                        right(time(report.t), timeColumns) + "  " + status(report.status);
@@ -90,7 +92,8 @@ std::string TrackingTable::rows(const StepReport& report)
     }
     const std::string under = indent + std::string(statusColumns + probabilityColumns + 2, ' ');
     if (shown < report.explanations.size()) {
-        text += under + colours_.faint(fmt::format("and {} more", report.explanations.size() - shown)) +
+        text += under +
+                colours_.faint(fmt::format("and {} more", report.explanations.size() - shown)) +
                 "\n";
     }
     if (!report.complete) {
@@ -127,19 +130,20 @@ std::string TrackingTable::row(const std::string& head, const TrackedExplanation
 
 std::string TrackingTable::summary(std::size_t linesLeftOut) const
 {
-    std::string text = counted(total_, "step");
+    std::string text = counted(memory_.total, "step");
     std::string separator = ": ";
-    for (const auto& [status, count] : counts_) {
-        text += fmt::format("{}{} {}", separator, grouped(count), monitor::name(status));
+    for (const auto& [status, count] : memory_.counts) {
+        text += fmt::format("{}{} {}", separator, grouped(count), status);
         separator = ", ";
     }
     text += ".";
-    if (incomplete_ > 0) {
-        text += fmt::format(" At {} the search was not complete.", counted(incomplete_, "step"));
+    if (memory_.incomplete > 0) {
+        text +=
+            fmt::format(" At {} the search was not complete.", counted(memory_.incomplete, "step"));
     }
-    if (dropped_ > 0) {
+    if (memory_.dropped > 0) {
         text += fmt::format(" At {} there were more explanations than are kept.",
-                            counted(dropped_, "step"));
+                            counted(memory_.dropped, "step"));
     }
     if (linesLeftOut > 0) {
         text += fmt::format(" {} in error {} left out.", counted(linesLeftOut, "line"),

@@ -16,6 +16,17 @@ public:
     {
     }
 
+    /// What the table remembers of the steps before.
+    struct Memory {
+        std::string last; ///< what the last step's lines say, without numbers that may change a little
+        std::size_t total = 0;
+        std::size_t incomplete = 0;
+        std::size_t dropped = 0;                   ///< steps at which hypotheses were dropped
+        std::map<std::string, std::size_t> counts; ///< steps by the name of their status
+    };
+    const Memory& memory() const { return memory_; }
+    void restore(Memory memory) { memory_ = std::move(memory); }
+
     std::string heading() const;
     /// The step's lines; empty where status and explanations are those of the step before.
     std::string rows(const StepReport& report);
@@ -29,11 +40,7 @@ private:
     Colours colours_;
     Shown shown_;
     bool everyStep_;
-    std::string last_; ///< what the last step's lines say of modes, without numbers that may change a little
-    std::size_t total_ = 0;
-    std::size_t incomplete_ = 0;
-    std::size_t dropped_ = 0; ///< steps at which hypotheses were dropped
-    std::map<monitor::TrackStatus, std::size_t> counts_;
+    Memory memory_;
 };
 
 } // namespace report
