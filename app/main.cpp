@@ -4,6 +4,7 @@
 #include "app/Diagnose.h"
 #include "app/Fmt.h"
 #include "app/Output.h"
+#include "app/Run.h"
 #include "language/SourceError.h"
 
 #include <algorithm>
@@ -24,6 +25,7 @@ Verbs:
   check          reports all that is wrong with model files, or their size
   diagnose       finds the faulty gates of a circuit from its inputs and outputs
   fmt            lays model files out in the one way
+  run            the diagnosis of a plant step by step, from its telemetry
 
 Options:
   -h, --help     print this; after a verb, all about the verb
@@ -78,10 +80,12 @@ ExitStatus run(int argc, char** argv, std::string& name)
     app::CheckOptions check;
     app::DiagnoseOptions diagnose;
     app::FmtOptions fmt;
+    app::RunOptions runOptions;
     const std::vector<Verb> verbs{
         {app::addCheck(program, check), [&check] { return app::check(check); }},
         {app::addDiagnose(program, diagnose), [&diagnose] { return app::diagnose(diagnose); }},
         {app::addFmt(program, fmt), [&fmt] { return app::fmt(fmt); }},
+        {app::addRun(program, runOptions), [&runOptions] { return app::run(runOptions); }},
     };
     const auto chosen = [&verbs] {
         return std::find_if(verbs.begin(), verbs.end(),

@@ -106,8 +106,10 @@ private:
                 addAlternatives(step, *parent, relevant, all);
             }
         }
-        std::stable_sort(all.begin(), all.end(), [](const Alternative& a, const Alternative& b) {
-            return std::round(a.estimate * 1e9) > std::round(b.estimate * 1e9);
+        // Nearly equal ones stay in the order in which they are: the latest first.
+        const auto rough = [](const Alternative& one) { return std::round(one.estimate * 100.0); };
+        std::stable_sort(all.begin(), all.end(), [&](const Alternative& a, const Alternative& b) {
+            return rough(a) > rough(b);
         });
         return all;
     }

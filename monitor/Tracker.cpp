@@ -144,7 +144,8 @@ private:
         }
     }
 
-    // One hypothesis for the same modes; the most probable way stays, of equal ones the first.
+    // One hypothesis for the same modes; the most probable way stays, of nearly equal ones the first: that is the one in
+    // which the fault is youngest. It may be older, but nothing tells.
     void merge()
     {
         std::map<std::vector<AtomIndex>, std::size_t> known;
@@ -159,7 +160,8 @@ private:
             const std::size_t index = entry->second;
             const double own = found.hypothesis.logWeight;
             const double sum = logOfSum(merged[index].hypothesis.logWeight, own);
-            if (rounded(own) > rounded(best_[index])) {
+            constexpr double nearly = 0.01;
+            if (own > best_[index] + nearly) {
                 best_[index] = own;
                 merged[index] = std::move(found);
             }
