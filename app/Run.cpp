@@ -191,7 +191,7 @@ private:
         } else {
             answer_->write(report::stepJson(report, shown_));
         }
-        pace_.step(0.0);
+        pace_.step(track_.reader().doneShare());
     }
 
     // Without its newline, after which a comma may have to follow.
