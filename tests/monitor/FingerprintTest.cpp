@@ -50,14 +50,14 @@ INSTANTIATE_TEST_SUITE_P(
     Fingerprint, EachChange,
     testing::Values(std::pair{": 0.01", ": 0.02"}, std::pair{": 0.9", ": 0.8"},
                     std::pair{"state = on -> glow = yes", "state = on -> glow = no"},
-                    std::pair{"lamp: Lamp", "light: Lamp\n    law light.glow = no | light.glow = yes"
-                                            "\n    lamp: Lamp"},
+                    std::pair{"lamp: Lamp",
+                              "light: Lamp\n    law light.glow = no | light.glow = yes"
+                              "\n    lamp: Lamp"},
                     std::pair{"\"L-1\"", "\"L-2\""}, std::pair{"< 0.5 <=", "<= 0.5 <"},
                     std::pair{"< 0.5 <=", "< 0.6 <="}, std::pair{"light = 1", "light = 2"},
                     std::pair{", none otherwise", ", none = 0"},
                     std::pair{"request: none, light", "request: none, light lost 0.1"},
-                    std::pair{"<= yes", "<= yes hold 5 s"},
-                    std::pair{"<= yes", "<= yes within 0.1"},
+                    std::pair{"<= yes", "<= yes hold 5 s"}, std::pair{"<= yes", "<= yes within 0.1"},
                     std::pair{"lamp: Lamp", "step 5 s\n    lamp: Lamp"}));
 
 TEST(Fingerprint, OfTextsTellsThemApart)

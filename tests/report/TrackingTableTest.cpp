@@ -113,8 +113,7 @@ TEST(TrackingTable, SummaryCountsTheStepsByStatus)
     table.rows(nominal(1));
     table.rows(nominal(2));
     table.rows(stuck(3, 0.75));
-    EXPECT_EQ(table.summary(1),
-              "\n3 steps: 1 faulty, 2 nominal. 1 line in error was left out.\n");
+    EXPECT_EQ(table.summary(1), "\n3 steps: 1 faulty, 2 nominal. 1 line in error was left out.\n");
 }
 
 TEST(TrackingTable, GoesOnWhereAnotherOneStopped)

@@ -37,6 +37,19 @@ TEST(LineReader, KeepsZeroBytesAndCarriageReturnsWithinALine)
     EXPECT_THAT(linesOf(std::string("a\0b\rc\n", 6)), ElementsAre(std::string("a\0b\rc", 5)));
 }
 
+TEST(LineReader, TellsHowMuchOfAFileIsDone)
+{
+    const TemporaryFile file("123\n5678901\n");
+    telemetry::LineReader reader(file.path());
+    EXPECT_EQ(reader.doneShare(), 0.0);
+    std::string_view line;
+    ASSERT_TRUE(reader.next(line));
+    EXPECT_DOUBLE_EQ(reader.doneShare(), 4.0 / 12.0);
+    while (reader.next(line)) {
+    }
+    EXPECT_EQ(reader.doneShare(), 1.0);
+}
+
 TEST(LineReader, CutsLinesThatAreTooLong)
 {
     EXPECT_THAT(linesOf("1234\n12345\n123456789\n1234\r\n\n12345", 4),
