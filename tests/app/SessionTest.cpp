@@ -60,5 +60,5 @@ TEST_P(Sessions, ComeOutAgain)
 
 INSTANTIATE_TEST_SUITE_P(, Sessions,
                          testing::Values("check", "usage", "options", "readings", "problems",
-                                         "tables", "records", "status", "colours", "fmt"),
+                                         "tables", "records", "run", "status", "colours", "fmt"),
                          [](const auto& given) { return given.param; });
