@@ -35,20 +35,27 @@ Extent valueAfter(std::string_view line, std::size_t end)
     return {begin, last - begin};
 }
 
-// "... at line 1, column 9: syntax error while parsing value - invalid literal; last read: 'x'; expected ..."
+// "... at line 1, column 9: syntax error while parsing value - invalid literal; last read: 'x'; expected ...", and for numbers
+// "... - invalid number; expected digit after '.'; last read: '1.x'". What was read last are bytes of the line, of any kind.
 SyntaxMistake syntaxMistake(std::string_view parserMessage)
 {
-    SyntaxMistake mistake;
+    constexpr std::string_view expects = "; expected ";
     const std::size_t dash = parserMessage.find(" - ");
-    std::string_view found =
+    const std::string_view whole =
         dash == std::string_view::npos ? parserMessage : parserMessage.substr(dash + 3);
-    const std::size_t semicolon = found.find("; expected ");
-    if (semicolon != std::string_view::npos) {
-        mistake.expected = found.substr(semicolon + 11);
-        found = found.substr(0, semicolon);
+    const std::size_t lastRead = std::min(whole.find("; last read: "), whole.size());
+    std::string_view found = whole.substr(0, lastRead);
+    std::string_view expected;
+    if (const std::size_t at = found.find(expects); at != std::string_view::npos) {
+        expected = found.substr(at + expects.size());
+        found = found.substr(0, at);
+    } else if (const std::size_t behind = whole.rfind(expects);
+               behind != std::string_view::npos && behind > lastRead) {
+        expected = whole.substr(behind + expects.size());
     }
-    mistake.found = found.substr(0, found.find("; last read: "));
-    return mistake;
+    const bool shows = std::all_of(expected.begin(), expected.end(),
+                                   [](char each) { return each >= ' ' && each <= '~'; });
+    return {std::string(found), shows ? std::string(expected) : ""};
 }
 
 } // namespace telemetry
