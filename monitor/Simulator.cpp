@@ -123,7 +123,7 @@ void Simulator::findOrder()
                      [&](VariableIndex a, VariableIndex b) { return key(a) < key(b); });
 }
 
-// Takes the observed variables in their order, each with some value, and sees what is open when its turn comes.
+// Takes the variables in their order, each with some value, and sees which are open when their turn comes.
 void Simulator::findInputs()
 {
     Prediction labels(plant_);
@@ -137,24 +137,36 @@ void Simulator::findInputs()
     if (!labels.propagate()) {
         return;
     }
-    std::vector<bool> isObserved(plant_.variables().size(), false);
-    for (const VariableIndex variable : observed_) {
-        isObserved[static_cast<std::size_t>(variable)] = true;
-    }
     for (const VariableIndex variable : order_) {
-        const PlantVariable& candidate = plant_.variable(variable);
-        if (!isObserved[static_cast<std::size_t>(variable)] || labels.valueOf(candidate)) {
-            continue;
-        }
-        isInput_[static_cast<std::size_t>(variable)] = true;
-        const std::size_t mark = labels.mark();
-        for (const AtomIndex value : candidate.values) {
-            if (labels.assume(value) && labels.propagate()) {
-                break;
-            }
-            labels.undo(mark);
+        if (!labels.valueOf(plant_.variable(variable))) {
+            isInput_[static_cast<std::size_t>(variable)] = settle(variable, labels);
         }
     }
+    std::stable_partition(order_.begin(), order_.end(), [this](VariableIndex variable) {
+        return static_cast<bool>(isInput_[static_cast<std::size_t>(variable)]);
+    });
+}
+
+// Gives the variable the first value that is possible, and tells whether some value determines an observed variable.
+bool Simulator::settle(VariableIndex variable, Prediction& labels) const
+{
+    const auto known = [&] {
+        return std::count_if(observed_.begin(), observed_.end(), [&](VariableIndex observed) {
+            return labels.valueOf(plant_.variable(observed)).has_value();
+        });
+    };
+    const std::vector<AtomIndex>& values = plant_.variable(variable).values;
+    const std::size_t mark = labels.mark();
+    const auto before = known();
+    bool measured = false;
+    for (auto value = values.rbegin(); value != values.rend(); ++value) {
+        labels.undo(mark);
+        measured = (labels.assume(*value) && labels.propagate() && known() > before) || measured;
+    }
+    if (labels.violated() >= 0) {
+        labels.undo(mark);
+    }
+    return measured;
 }
 
 std::vector<AtomIndex> Simulator::allCommands(const std::vector<AtomIndex>& givenCommands) const
@@ -277,17 +289,17 @@ AtomIndex Simulator::draw(const ModeStep& step)
 
 std::optional<SimulationProblem> Simulator::fill(const SimulationInput& input, Trial& trial)
 {
-    std::vector<VariableIndex> order;
     std::vector<std::optional<AtomIndex>> wanted(plant_.variables().size());
     for (const AtomIndex value : input.observations) {
-        order.push_back(plant_.variableOf(value));
-        wanted[static_cast<std::size_t>(order.back())] = value;
+        wanted[static_cast<std::size_t>(plant_.variableOf(value))] = value;
     }
-    for (const bool wasOpen : {true, false}) {
-        std::copy_if(order_.begin(), order_.end(), std::back_inserter(order), [&](VariableIndex one) {
-            return wasOpen_[static_cast<std::size_t>(one)] == wasOpen;
-        });
-    }
+    std::vector<VariableIndex> order = order_;
+    std::stable_partition(order.begin(), order.end(), [&](VariableIndex variable) {
+        return static_cast<bool>(wasOpen_[static_cast<std::size_t>(variable)]);
+    });
+    std::stable_partition(order.begin(), order.end(), [&](VariableIndex variable) {
+        return wanted[static_cast<std::size_t>(variable)].has_value();
+    });
     const auto values = [&](VariableIndex variable) {
         return valuesToTry(variable, wanted[static_cast<std::size_t>(variable)]);
     };
