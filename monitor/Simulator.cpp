@@ -98,12 +98,13 @@ Simulator::Simulator(const Plant& plant, const language::Bindings& bindings,
             observed_.push_back(indexOf(plant, binding.variable));
         }
     }
-    observed_.insert(observed_.end(), settings.alsoObserved.begin(), settings.alsoObserved.end());
     for (const auto& [variable, probability] : bindings.lost) {
         lost_[static_cast<std::size_t>(indexOf(plant, variable))] = probability;
     }
     findOrder();
     findInputs();
+    // Last: what is printed besides does not change what happens.
+    observed_.insert(observed_.end(), settings.alsoObserved.begin(), settings.alsoObserved.end());
 }
 
 void Simulator::findOrder()

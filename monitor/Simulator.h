@@ -13,12 +13,12 @@
 // are lost, and what is open is drawn from the values that it can have, one as probable as the other. Modes that
 // contradict one another by a law are drawn anew, so that they have their probability among those that can be
 // together. Inputs keep their value: variables that are open while nothing is broken, and measured, which means that they
-// are observed or determine one that is.
+// are bound to a channel or determine one that is.
 //
 // Laws have no direction, so the order in which open variables get values matters: after `outflow = inflow` begins to hold,
 // the one that comes first takes the other along. First come those that are given, then those that were open in the
 // step before as well, then inputs, then those that no single mode value determines (an inflow, not the outflow, which a
-// closed valve makes zero), then the observed ones in the order of their bindings.
+// closed valve makes zero), then those bound to a channel, in the order of the bindings.
 #pragma once
 
 #include "language/Bindings.h"
@@ -79,8 +79,9 @@ struct SimulationProblem {
 };
 
 struct SimulatorSettings {
-    std::optional<std::uint64_t> seed;       ///< none: everything goes as predicted
-    std::vector<VariableIndex> alsoObserved; ///< besides those with a binding, and after them; none twice
+    std::optional<std::uint64_t> seed; ///< none: everything goes as predicted
+    std::vector<VariableIndex>
+        alsoObserved; ///< besides those with a binding, and after them; none twice. Changes nothing in the plant
 };
 
 class Simulator {

@@ -387,6 +387,21 @@ TEST_F(SimulatorTest, FurtherVariablesAreObservedAfterTheBoundOnes)
                 ElementsAre("v.out=zero", "v.in=zero", "v.position=closed"));
 }
 
+TEST_F(SimulatorTest, ObservingMoreChangesNothing)
+{
+    makeValve();
+    bindings_.channels.resize(1); // v.out
+    active_ = model_.activate();
+    const auto inflow = active_->plant->variableOf(active_->index("v.in=zero"));
+    const auto inputs = monitor::randomCommands(*active_->plant, 50, 2);
+    const auto plain = simulate(*active_->plant, bindings_, inputs, {2, {}});
+    const auto observed = simulate(*active_->plant, bindings_, inputs, {2, {inflow}});
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        EXPECT_EQ(plain.steps[i].values, observed.steps[i].values);
+    }
+    EXPECT_EQ(observed.steps.front().observations.size(), 2U);
+}
+
 TEST_F(SimulatorTest, NamesTheFaultsThatTheNextStepCouldBring)
 {
     makeValve();
