@@ -5,6 +5,7 @@
 #include "app/Fmt.h"
 #include "app/Output.h"
 #include "language/SourceError.h"
+#include "telemetry/LineReader.h"
 
 #include <algorithm>
 #include <csignal>
@@ -123,6 +124,8 @@ int main(int argc, char** argv)
     try {
         return static_cast<int>(run(argc, argv, name));
     } catch (const app::FileFailure& failure) {
+        app::complain(failure.what());
+    } catch (const telemetry::ReadFailure& failure) {
         app::complain(failure.what());
     } catch (const app::Failure& failure) {
         app::complain(fmt::format("{}: {}", name, failure.what()));
