@@ -4,6 +4,7 @@
 #include "app/Diagnose.h"
 #include "app/Fmt.h"
 #include "app/Output.h"
+#include "app/Simulate.h"
 #include "language/SourceError.h"
 #include "telemetry/LineReader.h"
 
@@ -25,6 +26,7 @@ Verbs:
   check          reports all that is wrong with model files, or their size
   diagnose       finds the faulty gates of a circuit from its inputs and outputs
   fmt            lays model files out in the one way
+  simulate       stands in for a modelled plant: commands in, telemetry out
 
 Options:
   -h, --help     print this; after a verb, all about the verb
@@ -79,10 +81,12 @@ ExitStatus run(int argc, char** argv, std::string& name)
     app::CheckOptions check;
     app::DiagnoseOptions diagnose;
     app::FmtOptions fmt;
+    app::SimulateOptions simulate;
     const std::vector<Verb> verbs{
         {app::addCheck(program, check), [&check] { return app::check(check); }},
         {app::addDiagnose(program, diagnose), [&diagnose] { return app::diagnose(diagnose); }},
         {app::addFmt(program, fmt), [&fmt] { return app::fmt(fmt); }},
+        {app::addSimulate(program, simulate), [&simulate] { return app::simulate(simulate); }},
     };
     const auto chosen = [&verbs] {
         return std::find_if(verbs.begin(), verbs.end(),

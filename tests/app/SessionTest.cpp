@@ -60,5 +60,5 @@ TEST_P(Sessions, ComeOutAgain)
 
 INSTANTIATE_TEST_SUITE_P(, Sessions,
                          testing::Values("check", "usage", "options", "readings", "problems",
-                                         "tables", "records", "status", "colours", "fmt"),
+                                         "tables", "records", "status", "colours", "fmt", "simulate"),
                          [](const auto& given) { return given.param; });
