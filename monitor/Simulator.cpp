@@ -52,6 +52,29 @@ std::vector<AtomIndex> modesOfViolated(const Plant& plant, const Prediction& lab
     return values;
 }
 
+// Gives the variable the first value that is possible, if one is, and tells whether some value determines one of the
+// observed variables that are open.
+bool settle(const Plant& plant, VariableIndex variable, const std::vector<VariableIndex>& observed,
+            Prediction& labels)
+{
+    const auto isKnown = [&](VariableIndex one) {
+        return labels.valueOf(plant.variable(one)).has_value();
+    };
+    const std::vector<AtomIndex>& values = plant.variable(variable).values;
+    const std::size_t mark = labels.mark();
+    bool measured = false;
+    for (auto value = values.rbegin(); value != values.rend(); ++value) {
+        labels.undo(mark);
+        if (labels.assume(*value) && labels.propagate()) {
+            measured = measured || std::any_of(observed.begin(), observed.end(), isKnown);
+        }
+    }
+    if (labels.violated() >= 0) {
+        labels.undo(mark);
+    }
+    return measured;
+}
+
 // For each variable, whether a law `mode value -> value` determines it.
 std::vector<bool> determinedByAMode(const Plant& plant)
 {
@@ -138,36 +161,19 @@ void Simulator::findInputs()
     if (!labels.propagate()) {
         return;
     }
+    std::vector<VariableIndex> openObserved = observed_;
     for (const VariableIndex variable : order_) {
+        std::erase_if(openObserved, [&](VariableIndex observed) {
+            return labels.valueOf(plant_.variable(observed)).has_value();
+        });
         if (!labels.valueOf(plant_.variable(variable))) {
-            isInput_[static_cast<std::size_t>(variable)] = settle(variable, labels);
+            isInput_[static_cast<std::size_t>(variable)] =
+                settle(plant_, variable, openObserved, labels);
         }
     }
     std::stable_partition(order_.begin(), order_.end(), [this](VariableIndex variable) {
         return static_cast<bool>(isInput_[static_cast<std::size_t>(variable)]);
     });
-}
-
-// Gives the variable the first value that is possible, and tells whether some value determines an observed variable.
-bool Simulator::settle(VariableIndex variable, Prediction& labels) const
-{
-    const auto known = [&] {
-        return std::count_if(observed_.begin(), observed_.end(), [&](VariableIndex observed) {
-            return labels.valueOf(plant_.variable(observed)).has_value();
-        });
-    };
-    const std::vector<AtomIndex>& values = plant_.variable(variable).values;
-    const std::size_t mark = labels.mark();
-    const auto before = known();
-    bool measured = false;
-    for (auto value = values.rbegin(); value != values.rend(); ++value) {
-        labels.undo(mark);
-        measured = (labels.assume(*value) && labels.propagate() && known() > before) || measured;
-    }
-    if (labels.violated() >= 0) {
-        labels.undo(mark);
-    }
-    return measured;
 }
 
 std::vector<AtomIndex> Simulator::allCommands(const std::vector<AtomIndex>& givenCommands) const

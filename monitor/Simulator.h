@@ -86,7 +86,8 @@ struct SimulatorSettings {
 
 class Simulator {
 public:
-    /// In the initial state (monitor/Step.h, initialLabels). The plant outlives it. Linear in the plant.
+    /// In the initial state (monitor/Step.h, initialLabels). The plant outlives it. Linear in the plant, and in the
+    /// open variables times the observed ones that are open with them.
     Simulator(const Plant& plant, const language::Bindings& bindings,
               const SimulatorSettings& settings = {});
 
@@ -114,7 +115,6 @@ private:
     SimulatedStep accept(Trial& trial);
     void findOrder();
     void findInputs();
-    bool settle(VariableIndex variable, Prediction& labels) const;
 
     const Plant& plant_;
     std::optional<Chance> chance_;
