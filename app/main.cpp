@@ -5,6 +5,7 @@
 #include "app/Fmt.h"
 #include "app/Output.h"
 #include "app/Run.h"
+#include "app/Simulate.h"
 #include "language/SourceError.h"
 #include "telemetry/LineReader.h"
 
@@ -27,6 +28,7 @@ Verbs:
   diagnose       finds the faulty gates of a circuit from its inputs and outputs
   fmt            lays model files out in the one way
   run            the diagnosis of a plant step by step, from its telemetry
+  simulate       stands in for a modelled plant: commands in, telemetry out
 
 Options:
   -h, --help     print this; after a verb, all about the verb
@@ -82,11 +84,13 @@ ExitStatus run(int argc, char** argv, std::string& name)
     app::DiagnoseOptions diagnose;
     app::FmtOptions fmt;
     app::RunOptions runOptions;
+    app::SimulateOptions simulate;
     const std::vector<Verb> verbs{
         {app::addCheck(program, check), [&check] { return app::check(check); }},
         {app::addDiagnose(program, diagnose), [&diagnose] { return app::diagnose(diagnose); }},
         {app::addFmt(program, fmt), [&fmt] { return app::fmt(fmt); }},
         {app::addRun(program, runOptions), [&runOptions] { return app::run(runOptions); }},
+        {app::addSimulate(program, simulate), [&simulate] { return app::simulate(simulate); }},
     };
     const auto chosen = [&verbs] {
         return std::find_if(verbs.begin(), verbs.end(),
