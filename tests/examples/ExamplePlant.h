@@ -25,6 +25,7 @@ public:
     explicit ExamplePlant(const std::string& file, Names ambient = {});
 
     const ActivePlant& active() const { return active_; }
+    itms& engine() { return active_.engine; }
     const language::Bindings& bindings() const { return read_.bindings; }
     Labels initial() const { return labels(monitor::initialLabels(*active_.plant)); }
     bool holds(const Labels& labels, const std::string& id) const

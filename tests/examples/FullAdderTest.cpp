@@ -71,7 +71,8 @@ Solver fromLanguage()
 
 Solver fromNetlist()
 {
-    const netlist::BenchResult read = netlist::readBenchFile(examplePath("circuits/full-adder.bench"));
+    const netlist::BenchResult read =
+        netlist::readBenchFile(examplePath("circuits/full-adder.bench"));
     return {std::move(netlist::buildModel(*read.circuit).model),
             [](const std::string& signal, int value) {
                 return signal + ".out=" + std::to_string(value);
@@ -111,7 +112,7 @@ TEST_P(FullAdder, HasTheSameDiagnosesInTheLanguageAndAsANetlist)
     const std::vector<Diagnoses> read = diagnosesOfAllSteps(fromNetlist(), GetParam());
     std::size_t several = 0;
     for (std::size_t i = 0; i < written.size(); ++i) {
-        const Adder& at = allSteps()[i];
+        const Adder at = allSteps()[i];
         SCOPED_TRACE(testing::Message() << at.a << at.b << at.cin << " " << at.sum << at.cout);
         ASSERT_EQ(written[i].size(), read[i].size());
         several += written[i].size() > 1 ? 1U : 0U;

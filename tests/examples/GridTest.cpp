@@ -34,8 +34,8 @@ protected:
 
 TEST_F(Grid, IsDeterminedByModesCommandsAndMains)
 {
-    for (const Situation& at : {joined(), separated(), dark(), feedersOpen(), spareOn(), loadsOff(),
-                                withoutMains()}) {
+    for (const Situation& at :
+         {joined(), separated(), dark(), feedersOpen(), spareOn(), loadsOff(), withoutMains()}) {
         EXPECT_TRUE(plant_.complete(plant_.after(at.before, at.commands, {}, at.ambient)));
         EXPECT_EQ(explain(at, Names{}, 1).status, StepStatus::nominal);
     }
@@ -135,9 +135,19 @@ TEST_F(Grid, ExplainsTwoFaultsAtOnce)
 
 TEST_F(Grid, TellsAllFaultsApart)
 {
-    EXPECT_EQ(alike({joined(), separated(), dark(), feedersOpen(), spareOn(), loadsOff(),
-                     withoutMains()}),
-              (std::set<std::set<std::string>>{}));
+    EXPECT_EQ(
+        alike({joined(), separated(), dark(), feedersOpen(), spareOn(), loadsOff(), withoutMains()}),
+        (std::set<std::set<std::string>>{}));
+}
+
+TEST_F(Grid, ShowsTheSameForFewFaultsInOneSituation)
+{
+    using Groups = std::set<std::set<std::string>>;
+    const std::set<std::string> spare{"motor[3]/ammeter.state=saturated",
+                                      "motor[3]/load.state=shorted"};
+    EXPECT_EQ(alikeAt(joined()), (Groups{{"bus[0].state=shorted", "bus[1].state=shorted"}, spare}));
+    EXPECT_EQ(alikeAt(separated()), Groups{spare});
+    EXPECT_EQ(alikeAt(spareOn()), (Groups{{"bus[0].state=shorted", "bus[1].state=shorted"}}));
 }
 
 } // namespace

@@ -56,7 +56,8 @@ TEST_P(ModelFile, IsLaidOutAsFormattingDoes)
 std::string testName(const testing::TestParamInfo<std::string>& file)
 {
     std::string name = file.param;
-    std::replace_if(name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
+    std::replace_if(
+        name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
     return name;
 }
 

@@ -48,7 +48,8 @@ void PlantTest::comparePriors(const monitor::StepFrame& frame, const StepAnswer&
         EXPECT_TRUE(monitor::assumeStep(labels, frame, candidate.modes));
         double product = 1.0;
         for (const monitor::ModeStep& step : frame.modes) {
-            product *= step.option(*labels.valueOf(frame.plant.variable(step.variable)))->probability;
+            product *=
+                step.option(*labels.valueOf(frame.plant.variable(step.variable)))->probability;
         }
         EXPECT_LT(candidate.logProbability, std::log(product) + 1e-9);
         if (std::all_of(frame.observations.begin(), frame.observations.end(),
@@ -119,5 +120,12 @@ std::set<std::set<std::string>> PlantTest::alike(const std::vector<Situation>& s
             result.insert(faults);
         }
     }
+    return result;
+}
+
+std::set<std::set<std::string>> PlantTest::alikeAt(const Situation& situation) const
+{
+    std::set<std::set<std::string>> result = alike({situation});
+    std::erase_if(result, [](const std::set<std::string>& list) { return list.count("") != 0; });
     return result;
 }

@@ -45,6 +45,8 @@ protected:
     /// All faults of the plant by what the sensors show when the fault is there at each of the situations' steps:
     /// those that show the same stand in one list. "" is no fault.
     std::set<std::set<std::string>> alike(const std::vector<Situation>& situations) const;
+    /// The same for one situation, without the list of those that do not show.
+    std::set<std::set<std::string>> alikeAt(const Situation& situation) const;
 
     MutedTrace muted_;
     ExamplePlant plant_;

@@ -161,4 +161,20 @@ TEST_F(Station, TellsTheTwoPairsApartByStartingAPumpAgainstItsClosedValve)
               (std::set<std::set<std::string>>{}));
 }
 
+TEST_F(Station, ShowsTheSameForFewFaultsInOneSituation)
+{
+    using Groups = std::set<std::set<std::string>>;
+    const std::set<std::string> valveB{"branchB/limit.state=stuckYes",
+                                       "branchB/valve.position=stuckOpen"};
+    EXPECT_EQ(alikeAt(running()), Groups{valveB});
+    EXPECT_EQ(alikeAt(startingB()),
+              (Groups{{"branchA/ammeter.state=dead", "branchA/starter.contactor=coilBurnt"},
+                      {"branchB/ammeter.state=dead", "branchB/starter.contactor=coilBurnt"}}));
+    EXPECT_EQ(alikeAt(onAWithValveB()),
+              (Groups{{"branchA/check.flap=jammedShut", "branchB/check.flap=jammedOpen"},
+                      {"branchB/limit.state=stuckNo", "branchB/valve.position=stuckClosed"}}));
+    EXPECT_EQ(alikeAt(outletClosed()),
+              (Groups{{"branchA/check.flap=jammedShut", "pressure.state=clogged"}, valveB}));
+}
+
 } // namespace
