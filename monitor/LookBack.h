@@ -16,20 +16,23 @@ namespace monitor {
 struct PastStep {
     TrackInput input;
     std::vector<HypothesisPointer> before; ///< what was believed before it
-    double logScale = 0.0; ///< what the weights of the hypotheses after it were scaled by: subtracted
+    double logScale =
+        0.0; ///< what the weights of the hypotheses after it were scaled by: subtracted
 };
 
 /// A way that deviates at an earlier step.
 struct Replay {
     std::size_t begin = 0; ///< index of the past step at which it deviates
-    std::vector<Hypothesis> way; ///< after that step, and after each since; the last one is after the present step
+    std::vector<Hypothesis>
+        way; ///< after that step, and after each since; the last one is after the present step
 };
 
 struct LookBackResult {
     std::vector<Replay> found;
-    bool complete = true; ///< all alternatives were tried
+    bool complete =
+        true; ///< all alternatives were tried, and what was searched on the way was searched to its end
     SearchLimit limit = SearchLimit::none;
-    SearchWork work; ///< every replayed step is a record
+    SearchWork work; ///< every replayed step is a record, every way that is found a candidate
 };
 
 struct LookBackSettings {
@@ -43,8 +46,8 @@ struct LookBackSettings {
 /// Takes up the alternatives of the past steps (oldest first in `past`) that explain these and the present step. `now` is
 /// what is believed before the present step, and contradicted by it. The weights of what it finds compare with those
 /// of successors of `now`. Without `searchOn` only those variables are tried on which a contradiction rests.
-LookBackResult lookBack(Successors& successors, const Plant& plant, const std::deque<PastStep>& past,
-                        const std::vector<HypothesisPointer>& now, const TrackInput& present,
-                        const LookBackSettings& settings);
+LookBackResult lookBack(Successors& successors, const Plant& plant,
+                        const std::deque<PastStep>& past, const std::vector<HypothesisPointer>& now,
+                        const TrackInput& present, const LookBackSettings& settings);
 
 } // namespace monitor
