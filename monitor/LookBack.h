@@ -29,9 +29,10 @@ struct Replay {
 
 struct LookBackResult {
     std::vector<Replay> found;
-    bool complete = true; ///< all alternatives were tried
+    bool complete =
+        true; ///< all alternatives were tried, and what was searched on the way was searched to its end
     SearchLimit limit = SearchLimit::none;
-    SearchWork work; ///< every replayed step is a record
+    SearchWork work; ///< every replayed step is a record, every way that is found a candidate
 };
 
 struct LookBackSettings {

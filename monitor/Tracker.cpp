@@ -26,14 +26,30 @@ double rounded(double logWeight)
     return std::round(logWeight * 1e9);
 }
 
-std::vector<std::string> names(const Plant& plant, const Hypothesis& hypothesis)
+std::vector<std::string> names(const Plant& plant, const std::vector<AtomIndex>& atoms)
 {
     std::vector<std::string> names;
-    for (const auto& [variable, since] : hypothesis.since) {
-        names.push_back(plant.atom(since.value)->id);
+    for (const AtomIndex atom : atoms) {
+        names.push_back(plant.atom(atom)->id);
     }
     std::sort(names.begin(), names.end());
     return names;
+}
+
+// By the names of what differs, where that is the same by those of the modes.
+bool isBeforeByName(const Plant& plant, const Hypothesis& a, const Hypothesis& b)
+{
+    const auto differing = [&](const Hypothesis& hypothesis) {
+        std::vector<AtomIndex> atoms = hypothesis.lost;
+        for (const auto& [variable, since] : hypothesis.since) {
+            atoms.push_back(since.value);
+        }
+        return names(plant, atoms);
+    };
+    const auto namesOfA = differing(a);
+    const auto namesOfB = differing(b);
+    return namesOfA != namesOfB ? namesOfA < namesOfB
+                                : names(plant, a.modes) < names(plant, b.modes);
 }
 
 } // namespace
@@ -128,10 +144,14 @@ private:
         }
     }
 
-    // Nothing explains the step: the predictions stand, without what contradicts them.
+    // Nothing explains the step, so every hypothesis is contradicted: the predictions stand, without what contradicts them.
     void goOn()
     {
-        for (Hypothesis& hypothesis : contradicted_) {
+        for (std::size_t i = 0; i < contradicted_.size(); ++i) {
+            Hypothesis& hypothesis = contradicted_[i];
+            if (!std::isfinite(hypothesis.logWeight)) {
+                hypothesis.logWeight = tracker_.memory_.hypotheses[i]->logWeight;
+            }
             if (!hypothesis.labels.consistent()) {
                 Prediction modes(tracker_.plant_);
                 for (const AtomIndex mode : hypothesis.modes) {
@@ -181,10 +201,7 @@ private:
             if (left != right) {
                 return left > right;
             }
-            const auto namesOfA = names(tracker_.plant_, a->hypothesis);
-            const auto namesOfB = names(tracker_.plant_, b->hypothesis);
-            return namesOfA != namesOfB ? namesOfA < namesOfB
-                                        : a->hypothesis.modes < b->hypothesis.modes;
+            return isBeforeByName(tracker_.plant_, a->hypothesis, b->hypothesis);
         });
         if (order_.size() > tracker_.settings_.keep) {
             answer_.dropped = order_.size() - tracker_.settings_.keep;
