@@ -20,7 +20,7 @@ constexpr const char* helpText =
 Reads model files and reports everything that is wrong with them, or how large
 the models are. A file of components alone, to be imported by others, is fine.
 
-  MODEL                     a model file, .itms
+  MODEL                     a model file, .itms, or a model in JSON, .json
   -I, --import FOLDER       look for imported files there, too, after the folder
                             of the file that imports them; may be repeated
   --format text|json        text: for people (default); json: the same as data

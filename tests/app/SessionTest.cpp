@@ -59,6 +59,6 @@ TEST_P(Sessions, ComeOutAgain)
 }
 
 INSTANTIATE_TEST_SUITE_P(, Sessions,
-                         testing::Values("check", "usage", "options", "readings", "problems",
-                                         "tables", "records", "status", "colours", "fmt"),
+                         testing::Values("check", "export", "usage", "options", "readings",
+                                         "problems", "tables", "records", "status", "colours", "fmt"),
                          [](const auto& given) { return given.param; });
