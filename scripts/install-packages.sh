@@ -10,6 +10,7 @@ build=(
     cmake g++ make ninja-build pkg-config
     libcli11-dev libfmt-dev nlohmann-json3-dev tao-pegtl-dev
     libbenchmark-dev libgmock-dev libgtest-dev
+    python3-jsonschema
 )
 checks=(clang-format clang-tidy)
 
