@@ -36,7 +36,10 @@ void tell(const Contradiction& found, const std::vector<LawOrigin>& origins, Rep
     const LawOrigin& last = laws.back();
     std::string others;
     for (std::size_t i = 0; i + 1 < laws.size() && i < mostNamed; ++i) {
-        others += (i > 0 ? ", " : "") + report.where(laws[i].range, last.range);
+        others += (i == 0                 ? ""
+                   : i + 2 == laws.size() ? " and "
+                                          : ", ") +
+                  report.where(laws[i].range, last.range);
     }
     if (laws.size() > mostNamed + 1) others += ", ...";
     const std::string where =
@@ -45,8 +48,8 @@ void tell(const Contradiction& found, const std::vector<LawOrigin>& origins, Rep
     report.error(last.range,
                  "nothing satisfies this law" + where +
                      (others.empty()     ? ""
-                      : laws.size() == 2 ? " together with the law of " + others
-                                         : " together with the laws of " + others) +
+                      : laws.size() == 2 ? " together with the law at " + others
+                                         : " together with the laws at " + others) +
                      (ofModes ? " while " + namesOf(found.modes) : ""),
                  "laws that can hold together" + std::string(ofModes ? " in the initial modes" : ""));
 }
