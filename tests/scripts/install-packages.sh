@@ -42,6 +42,7 @@ expect 1 '' test -e "$tree/asked"
 sed -i -e 's/installed libfmt-dev/config-files libfmt-dev/' -e '/g++/d' -e '/clang-/d' "$tree/packages"
 expect 1 $'g++\nlibfmt-dev' "$install" --check
 expect 1 $'g++\nlibfmt-dev\nclang-format\nclang-tidy' "$install" --all --check
+expect 1 $'g++\nlibfmt-dev\nclang\nlibclang-rt-dev' "$install" --fuzz --check
 expect 1 '' test -e "$tree/asked"
 expect 0 'install-packages.sh: installing g++ libfmt-dev' "$install"
 expect 0 'apt-get update -q
@@ -54,5 +55,5 @@ expect 0 'install-packages.sh: installing g++ libfmt-dev' "$install"
 expect 0 'sudo apt-get update -q
 sudo apt-get install -q -y --no-install-recommends g++ libfmt-dev' cat "$tree/asked"
 
-expect 2 'install-packages.sh: unknown option --chek (--all, --check)' "$install" --chek
+expect 2 'install-packages.sh: unknown option --chek (--all, --fuzz, --check)' "$install" --chek
 finish
