@@ -2,6 +2,7 @@
 #include "app/Arguments.h"
 #include "app/Check.h"
 #include "app/Diagnose.h"
+#include "app/Export.h"
 #include "app/Fmt.h"
 #include "app/Output.h"
 #include "app/Run.h"
@@ -26,6 +27,7 @@ Tracks what a system is doing and explains what went wrong.
 Verbs:
   check          reports all that is wrong with model files, or their size
   diagnose       finds the faulty gates of a circuit from its inputs and outputs
+  export         writes a model as data for other programs
   fmt            lays model files out in the one way
   run            the diagnosis of a plant step by step, from its telemetry
   simulate       stands in for a modelled plant: commands in, telemetry out
@@ -82,12 +84,14 @@ ExitStatus run(int argc, char** argv, std::string& name)
     program.set_version_flag("--version", "itms " ITMS_VERSION);
     app::CheckOptions check;
     app::DiagnoseOptions diagnose;
+    app::ExportOptions exported;
     app::FmtOptions fmt;
     app::RunOptions runOptions;
     app::SimulateOptions simulate;
     const std::vector<Verb> verbs{
         {app::addCheck(program, check), [&check] { return app::check(check); }},
         {app::addDiagnose(program, diagnose), [&diagnose] { return app::diagnose(diagnose); }},
+        {app::addExport(program, exported), [&exported] { return app::exportModel(exported); }},
         {app::addFmt(program, fmt), [&fmt] { return app::fmt(fmt); }},
         {app::addRun(program, runOptions), [&runOptions] { return app::run(runOptions); }},
         {app::addSimulate(program, simulate), [&simulate] { return app::simulate(simulate); }},
