@@ -1,5 +1,7 @@
 #include "app/CircuitSolver.h"
 
+#include "monitor/Budget.h"
+
 #include <algorithm>
 #include <chrono>
 
@@ -21,26 +23,6 @@ report::Explanation explanation(const monitor::Plant& plant, const monitor::Cand
     return result;
 }
 
-void add(SearchWork& sum, const SearchWork& work)
-{
-    sum.records += work.records;
-    sum.flips += work.flips;
-    sum.components += work.components;
-    sum.candidates += work.candidates;
-}
-
-// What is left of the limits after some work and time.
-SearchLimits remaining(SearchLimits limits, const SearchWork& work,
-                       std::chrono::steady_clock::time_point start)
-{
-    if (limits.maxRecords != SearchLimits::unlimited) {
-        limits.maxRecords -= std::min(limits.maxRecords, work.records);
-    }
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-    limits.maxSeconds = std::max(0.0, limits.maxSeconds - elapsed.count());
-    return limits;
-}
-
 } // namespace
 
 CircuitSolver::CircuitSolver(const netlist::Circuit& circuit, double faultProbability)
@@ -60,8 +42,9 @@ report::Diagnosis CircuitSolver::solve(const Problem& problem, const SolverSetti
     int bound = settings.maxRank.value_or(1);
     for (;; ++bound) {
         started(bound);
-        answer = solver_.solve(before_, input, {bound, remaining(settings.limits, work, start)});
-        add(work, answer.work);
+        answer = solver_.solve(before_, input,
+                               {bound, monitor::remaining(settings.limits, work, start)});
+        monitor::add(work, answer.work);
         if (!answer.candidates.empty() || !answer.complete || bound >= last) break;
     }
 

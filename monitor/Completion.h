@@ -7,6 +7,8 @@
 
 #include "monitor/Prediction.h"
 
+#include <functional>
+
 namespace monitor {
 
 enum class Completion {
@@ -22,5 +24,15 @@ constexpr std::uint64_t completionRetreats = 10000;
 /// value is taken back; `mostRetreats` bounds the rest.
 Completion completionOf(const Plant& plant, Prediction labels,
                         std::uint64_t mostRetreats = completionRetreats);
+
+/// The values of a variable in the order in which a completion tries them. Called anew each time that the variable is
+/// come to.
+using ValueOrder = std::function<std::vector<AtomIndex>(VariableIndex)>;
+
+/// The same, and hands the values out: with "possible", `labels` are complete, and else as they were. The variables
+/// of `order`, which names all that are open, get their values in that order; of each, the first one is kept with
+/// which the rest can be completed.
+Completion complete(const Plant& plant, Prediction& labels, const std::vector<VariableIndex>& order,
+                    const ValueOrder& values, std::uint64_t mostRetreats = completionRetreats);
 
 } // namespace monitor

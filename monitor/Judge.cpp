@@ -1,71 +1,16 @@
 #include "monitor/Judge.h"
 
 #include "monitor/Completion.h"
+#include "monitor/StepLabels.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <map>
-#include <optional>
 
 namespace monitor {
 
 namespace {
-
-// The labels that the modes and the observations give, and how likely these are given those.
-struct Labelling {
-    Prediction labels;
-    double logLikelihood = 0.0;
-};
-
-// Observations are taken in their order: each that is left open counts 1/n and is propagated before the next.
-// Nothing when the modes contradict one of them.
-std::optional<Labelling> label(const StepFrame& frame, const Deviations& modes)
-{
-    Labelling result{Prediction(frame.plant)};
-    Prediction& labels = result.labels;
-    if (!assumeStep(labels, frame, modes)) {
-        return std::nullopt;
-    }
-    for (const AtomIndex observed : frame.observations) {
-        if (labels.isTrue(observed)) {
-            continue;
-        }
-        const PlantVariable& variable = frame.plant.variable(frame.plant.variableOf(observed));
-        const auto open = std::count_if(variable.values.begin(), variable.values.end(),
-                                        [&](AtomIndex value) { return !labels.isKnown(value); });
-        if (!labels.assume(observed) || !labels.propagate()) {
-            return std::nullopt;
-        }
-        result.logLikelihood -= std::log(static_cast<double>(open));
-    }
-    return result;
-}
-
-// A candidate whose modes all options have, before it is normalised; nothing for modes that cannot be had.
-std::optional<Candidate> weigh(const StepFrame& frame, const Deviations& modes, double logLikelihood)
-{
-    Candidate candidate;
-    candidate.modes = modes;
-    candidate.logProbability = logLikelihood;
-    std::map<VariableIndex, AtomIndex> changed;
-    for (const AtomIndex mode : modes) {
-        changed.emplace(frame.plant.variableOf(mode), mode);
-    }
-    for (const ModeStep& step : frame.modes) {
-        const auto deviation = changed.find(step.variable);
-        const ModeOption* option =
-            step.option(deviation == changed.end() ? step.predicted : deviation->second);
-        if (!option) {
-            return std::nullopt;
-        }
-        candidate.logProbability += std::log(option->probability);
-        if (deviation != changed.end() && option->fault) {
-            ++candidate.faults;
-        }
-    }
-    return candidate;
-}
 
 // Drops the candidates that contain another one.
 void keepMinimal(std::vector<Candidate>& candidates)
@@ -125,17 +70,55 @@ void rank(const Plant& plant, std::vector<Candidate>& candidates)
 
 } // namespace
 
+std::optional<Candidate> weigh(const StepFrame& frame, const Deviations& modes, double logLikelihood)
+{
+    Candidate candidate;
+    candidate.modes = modes;
+    candidate.logProbability = logLikelihood;
+    std::map<VariableIndex, AtomIndex> changed;
+    for (const AtomIndex mode : modes) {
+        changed.emplace(frame.plant.variableOf(mode), mode);
+    }
+    for (const ModeStep& step : frame.modes) {
+        const auto deviation = changed.find(step.variable);
+        const ModeOption* option =
+            step.option(deviation == changed.end() ? step.predicted : deviation->second);
+        if (!option) {
+            return std::nullopt;
+        }
+        candidate.logProbability += std::log(option->probability);
+        if (deviation != changed.end() && option->fault) {
+            ++candidate.faults;
+        }
+    }
+    return candidate;
+}
+
+std::vector<AtomIndex> assumptionsOf(const StepFrame& frame, const Deviations& deviations)
+{
+    std::vector<AtomIndex> assumptions = frame.commands;
+    for (const ModeStep& step : frame.modes) {
+        const auto deviation =
+            std::find_if(deviations.begin(), deviations.end(), [&](AtomIndex value) {
+                return frame.plant.variableOf(value) == step.variable;
+            });
+        assumptions.push_back(deviation == deviations.end() ? step.predicted : *deviation);
+    }
+    return assumptions;
+}
+
 Judgement judge(const StepFrame& frame, const std::set<Deviations>& found)
 {
     Judgement judgement;
     for (const Deviations& modes : found) {
-        auto labelling = label(frame, modes);
-        if (!labelling) {
+        StepLabels labels(frame.plant);
+        labels.take(assumptionsOf(frame, modes), frame.observations);
+        if (!labels.consistent() || !labels.contradicted().empty()) {
             continue;
         }
-        const Completion completion = completionOf(frame.plant, std::move(labelling->labels));
+        const Completion completion = completionOf(frame.plant, labels.prediction());
         judgement.sure = judgement.sure && completion != Completion::unsettled;
-        auto candidate = weigh(frame, modes, labelling->logLikelihood);
+        auto candidate = weigh(frame, modes, labels.logLikelihood());
         if (candidate && completion == Completion::possible) {
             judgement.candidates.push_back(std::move(*candidate));
         }

@@ -7,14 +7,15 @@
 namespace monitor {
 
 Prediction::Prediction(const Plant& plant)
-    : plant_(plant), labels_(plant.atomCount(), Label::unknown), reasons_(plant.atomCount(), assumed)
+    : plant_(&plant), labels_(plant.atomCount(), Label::unknown),
+      reasons_(plant.atomCount(), assumed)
 {
     trail_.reserve(plant.atomCount());
 }
 
 bool Prediction::assume(AtomIndex value)
 {
-    const PlantVariable& variable = plant_.variable(plant_.variableOf(value));
+    const PlantVariable& variable = plant_->variable(plant_->variableOf(value));
     for (const AtomIndex atom : variable.values) {
         if (label(atom) == (atom == value ? Label::isFalse : Label::isTrue)) {
             return false;
@@ -30,11 +31,11 @@ bool Prediction::assume(AtomIndex value)
 
 bool Prediction::propagate()
 {
-    if (next_ == 0 && !visitAll(plant_.unitClauses())) {
+    if (next_ == 0 && !visitAll(plant_->unitClauses())) {
         return false;
     }
     for (; next_ < trail_.size(); ++next_) {
-        if (!visitAll(plant_.clausesOf(trail_[next_]))) {
+        if (!visitAll(plant_->clausesOf(trail_[next_]))) {
             return false;
         }
     }
@@ -56,7 +57,7 @@ bool Prediction::visitAll(const std::vector<ClauseIndex>& clauses)
 bool Prediction::visit(ClauseIndex clause)
 {
     const PlantLiteral* open = nullptr;
-    for (const PlantLiteral& literal : plant_.clause(clause)) {
+    for (const PlantLiteral& literal : plant_->clause(clause)) {
         const Label value = label(literal.atom);
         if (value == Label::unknown) {
             if (open) {
@@ -72,6 +73,54 @@ bool Prediction::visit(ClauseIndex clause)
     }
     set(open->atom, open->negated ? Label::isFalse : Label::isTrue, clause);
     return true;
+}
+
+bool Prediction::reassume(const std::vector<AtomIndex>& values)
+{
+    std::vector<AtomIndex> changed = values;
+    std::erase_if(changed, [this](AtomIndex value) { return isTrue(value); });
+    if (changed.empty()) {
+        return true;
+    }
+    const std::vector<AtomIndex> retracted = retract(changed);
+    for (const AtomIndex value : changed) {
+        assume(value);
+    }
+    // What stays may give a label that was taken back, by another clause.
+    for (const AtomIndex atom : retracted) {
+        if (!isKnown(atom) && !visitAll(plant_->clausesOf(atom))) {
+            return false;
+        }
+    }
+    return propagate();
+}
+
+// Takes back the labels of the values' variables, and all that rests on them. Reasons lead from earlier labels to
+// later ones, never in a circle, so what is left is still justified.
+std::vector<AtomIndex> Prediction::retract(const std::vector<AtomIndex>& values)
+{
+    std::vector<AtomIndex> retracted;
+    const auto takeBack = [&](AtomIndex atom) {
+        labels_[static_cast<std::size_t>(atom)] = Label::unknown;
+        retracted.push_back(atom);
+    };
+    for (const AtomIndex value : values) {
+        const std::vector<AtomIndex>& atoms = plant_->variable(plant_->variableOf(value)).values;
+        std::for_each(atoms.begin(), atoms.end(), takeBack);
+    }
+    for (std::size_t i = 0; i < retracted.size(); ++i) {
+        for (const ClauseIndex clause : plant_->clausesOf(retracted[i])) {
+            for (const PlantLiteral& literal : plant_->clause(clause)) {
+                if (isKnown(literal.atom) &&
+                    reasons_[static_cast<std::size_t>(literal.atom)] == clause) {
+                    takeBack(literal.atom);
+                }
+            }
+        }
+    }
+    std::erase_if(trail_, [this](AtomIndex atom) { return !isKnown(atom); });
+    next_ = trail_.size();
+    return retracted;
 }
 
 void Prediction::set(AtomIndex atom, Label label, ClauseIndex reason)
@@ -144,10 +193,10 @@ constexpr std::size_t mostModes = 4096;
 
 void Prediction::preferSmallEnvironments()
 {
-    std::vector<std::size_t> modeNumber(plant_.variables().size());
+    std::vector<std::size_t> modeNumber(plant_->variables().size());
     std::size_t modes = 0;
     for (std::size_t i = 0; i < modeNumber.size(); ++i) {
-        modeNumber[i] = plant_.variables()[i].isMode ? modes++ : 0;
+        modeNumber[i] = plant_->variables()[i].isMode ? modes++ : 0;
     }
     if (modes > mostModes) {
         return;
@@ -157,21 +206,21 @@ void Prediction::preferSmallEnvironments()
     std::vector<bool> done(labels_.size(), false);
     for (const AtomIndex atom : trail_) {
         const auto own = static_cast<std::size_t>(atom);
-        const VariableIndex variable = plant_.variableOf(atom);
+        const VariableIndex variable = plant_->variableOf(atom);
         if (reasons_[own] == assumed) {
-            if (plant_.variable(variable).isMode) {
+            if (plant_->variable(variable).isMode) {
                 environments.insert(own, modeNumber[static_cast<std::size_t>(variable)]);
             }
             done[own] = true;
             continue;
         }
         int smallest = std::numeric_limits<int>::max();
-        for (const ClauseIndex clause : plant_.clausesOf(atom)) {
+        for (const ClauseIndex clause : plant_->clausesOf(atom)) {
             if (!gives(clause, atom, done)) {
                 continue;
             }
             environments.clear(trial);
-            for (const PlantLiteral& literal : plant_.clause(clause)) {
+            for (const PlantLiteral& literal : plant_->clause(clause)) {
                 if (literal.atom != atom) {
                     environments.unite(trial, static_cast<std::size_t>(literal.atom));
                 }
@@ -189,7 +238,7 @@ void Prediction::preferSmallEnvironments()
 // Whether the clause alone gives the atom its label, from literals that are false and `done`.
 bool Prediction::gives(ClauseIndex clause, AtomIndex atom, const std::vector<bool>& done) const
 {
-    const std::vector<PlantLiteral>& literals = plant_.clause(clause);
+    const std::vector<PlantLiteral>& literals = plant_->clause(clause);
     return std::all_of(literals.begin(), literals.end(), [&](const PlantLiteral& literal) {
         const bool holds = isTrue(literal.atom) != literal.negated;
         return literal.atom == atom ? holds : !holds && done[static_cast<std::size_t>(literal.atom)];
@@ -199,7 +248,7 @@ bool Prediction::gives(ClauseIndex clause, AtomIndex atom, const std::vector<boo
 std::vector<VariableIndex> Prediction::environment(const std::vector<AtomIndex>& atoms) const
 {
     std::vector<VariableIndex> modes;
-    std::vector<bool> seen(plant_.atomCount(), false);
+    std::vector<bool> seen(plant_->atomCount(), false);
     std::vector<AtomIndex> open;
     const auto reach = [&](AtomIndex atom) {
         if (!seen[static_cast<std::size_t>(atom)] && isKnown(atom)) {
@@ -213,12 +262,12 @@ std::vector<VariableIndex> Prediction::environment(const std::vector<AtomIndex>&
         open.pop_back();
         const ClauseIndex reason = reasons_[static_cast<std::size_t>(atom)];
         if (reason == assumed) {
-            if (plant_.variable(plant_.variableOf(atom)).isMode) {
-                modes.push_back(plant_.variableOf(atom));
+            if (plant_->variable(plant_->variableOf(atom)).isMode) {
+                modes.push_back(plant_->variableOf(atom));
             }
             continue;
         }
-        for (const PlantLiteral& literal : plant_.clause(reason)) {
+        for (const PlantLiteral& literal : plant_->clause(reason)) {
             reach(literal.atom);
         }
     }
@@ -229,15 +278,15 @@ std::vector<VariableIndex> Prediction::environment(const std::vector<AtomIndex>&
 
 std::vector<bool> Prediction::dependents(const std::vector<bool>& markedVariables) const
 {
-    std::vector<bool> dependent(plant_.atomCount(), false);
+    std::vector<bool> dependent(plant_->atomCount(), false);
     for (const AtomIndex atom : trail_) {
         const ClauseIndex reason = reasons_[static_cast<std::size_t>(atom)];
         if (reason == assumed) {
             dependent[static_cast<std::size_t>(atom)] =
-                markedVariables[static_cast<std::size_t>(plant_.variableOf(atom))];
+                markedVariables[static_cast<std::size_t>(plant_->variableOf(atom))];
             continue;
         }
-        const std::vector<PlantLiteral>& literals = plant_.clause(reason);
+        const std::vector<PlantLiteral>& literals = plant_->clause(reason);
         dependent[static_cast<std::size_t>(atom)] =
             std::any_of(literals.begin(), literals.end(), [&](const PlantLiteral& literal) {
                 return literal.atom != atom && dependent[static_cast<std::size_t>(literal.atom)];

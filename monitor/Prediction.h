@@ -30,6 +30,12 @@ public:
     /// each of its atoms.
     bool propagate();
 
+    /// Gives variables that were assumed other values: takes back what rested on the old ones, assumes the new ones,
+    /// and draws all conclusions. The labels are those of a prediction that assumes all of this afresh, the reasons may
+    /// be others. False as for propagate(). Requires that all conclusions are drawn, none violated a clause, and each
+    /// value's variable was assumed. Visits the clauses of what changes; one pass over the labels if anything does.
+    bool reassume(const std::vector<AtomIndex>& values);
+
     Label label(AtomIndex atom) const { return labels_[static_cast<std::size_t>(atom)]; }
     bool isTrue(AtomIndex atom) const { return label(atom) == Label::isTrue; }
     bool isKnown(AtomIndex atom) const { return label(atom) != Label::unknown; }
@@ -57,11 +63,12 @@ public:
 
 private:
     void set(AtomIndex atom, Label label, ClauseIndex reason);
+    std::vector<AtomIndex> retract(const std::vector<AtomIndex>& values);
     bool visitAll(const std::vector<ClauseIndex>& clauses);
     bool visit(ClauseIndex clause);
     bool gives(ClauseIndex clause, AtomIndex atom, const std::vector<bool>& done) const;
 
-    const Plant& plant_;
+    const Plant* plant_;
     std::vector<Label> labels_;
     std::vector<ClauseIndex> reasons_;
     std::vector<AtomIndex> trail_; ///< in the order of labelling: reasons come before what they give

@@ -1,8 +1,8 @@
 #include "report/DiagnosisJson.h"
 
+#include "report/Numbers.h"
+
 #include <algorithm>
-#include <cstdlib>
-#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 namespace report {
@@ -10,11 +10,6 @@ namespace report {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-double sixDigits(double value)
-{
-    return std::strtod(fmt::format("{:.6g}", value).c_str(), nullptr);
-}
 
 Json explanationJson(const Explanation& explanation)
 {

@@ -70,6 +70,49 @@ TEST_F(CompletionTest, LeavesTheGivenLabelsAsTheyAre)
     EXPECT_FALSE(labels.isKnown(active->index("a.x=0")));
 }
 
+TEST_F(CompletionTest, HandsOutTheFirstValuesWithWhichTheRestIsPossible)
+{
+    model_.condition("a.x", {"0", "1", "2"});
+    model_.condition("a.y", {"0", "1", "2"});
+    model_.law("!a.x=2 | a.y=0");
+    model_.law("!a.x=2 | a.y=1");
+    const auto active = model_.activate();
+    Prediction labels(*active->plant);
+    ASSERT_TRUE(labels.propagate());
+    const auto variable = [&](const std::string& id) {
+        return active->plant->variableOf(active->index(id));
+    };
+    const auto fromTheLast = [&](monitor::VariableIndex one) {
+        const std::vector<monitor::AtomIndex>& values = active->plant->variable(one).values;
+        return std::vector<monitor::AtomIndex>(values.rbegin(), values.rend());
+    };
+    EXPECT_EQ(complete(*active->plant, labels, {variable("a.y=0"), variable("a.x=0")}, fromTheLast),
+              Completion::possible);
+    EXPECT_TRUE(labels.isTrue(active->index("a.y=2")));
+    EXPECT_TRUE(labels.isTrue(active->index("a.x=1")));
+    EXPECT_TRUE(labels.complete());
+}
+
+TEST_F(CompletionTest, HandsOutTheLabelsAsTheyWereWhereThereIsNone)
+{
+    model_.condition("a.z", {"0", "1"});
+    model_.condition("a.x", {"0", "1"});
+    model_.condition("a.y", {"0", "1"});
+    for (const std::string law :
+         {"a.x=0 | a.y=0", "a.x=0 | a.y=1", "a.x=1 | a.y=0", "a.x=1 | a.y=1"}) {
+        model_.law(law);
+    }
+    const auto active = model_.activate();
+    Prediction labels(*active->plant);
+    ASSERT_TRUE(labels.assume(active->index("a.z=1")) && labels.propagate());
+    const std::size_t before = labels.mark();
+    const auto variable = active->plant->variableOf(active->index("a.x=0"));
+    const auto all = [&](monitor::VariableIndex one) { return active->plant->variable(one).values; };
+    EXPECT_EQ(complete(*active->plant, labels, {variable}, all), Completion::impossible);
+    EXPECT_EQ(labels.mark(), before);
+    EXPECT_TRUE(labels.isTrue(active->index("a.z=1")));
+}
+
 TEST(RandomCompletions, ArePossibleWhereTryingEverythingFindsOne)
 {
     const MutedTrace muted;

@@ -1,0 +1,36 @@
+// Where an answer goes: standard output, or a file that can be continued after a crash.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace app {
+
+class AnswerFile {
+public:
+    /// Standard output without a path. A file is made, or emptied; with `keepBytes` it is continued behind so many bytes of
+    /// it, and what follows them is dropped. Throws Failure when that is not possible.
+    explicit AnswerFile(const std::optional<std::string>& path,
+                        std::optional<std::uint64_t> keepBytes = {});
+    ~AnswerFile();
+    AnswerFile(const AnswerFile&) = delete;
+    AnswerFile& operator=(const AnswerFile&) = delete;
+
+    /// Writes at once. Throws Failure.
+    void write(std::string_view text);
+    /// Comes back when all that was written is on the disk. Nothing for standard output.
+    void sync();
+    /// That were written to the file, with those of the run that is continued.
+    std::uint64_t bytes() const { return bytes_; }
+
+private:
+    [[noreturn]] void fail(const char* what) const;
+
+    std::string path_; ///< empty: standard output
+    int file_ = -1;
+    std::uint64_t bytes_ = 0;
+};
+
+} // namespace app

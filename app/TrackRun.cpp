@@ -1,0 +1,124 @@
+#include "app/TrackRun.h"
+
+#include "app/Arguments.h"
+#include "app/Interruption.h"
+#include "app/Output.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <limits>
+
+namespace app {
+
+namespace {
+
+constexpr std::uint64_t mostFaults = 1000;
+constexpr std::uint64_t mostSteps = 100000;
+
+const std::string& telemetryOf(const std::string& verb, const TrackOptions& options)
+{
+    if (options.telemetry.empty()) {
+        throw Failure(fmt::format("no telemetry is given\n"
+                                  "  expected: the name of a file, or - for standard input\n"
+                                  "  hint: itms {} --help shows an example\n",
+                                  verb));
+    }
+    return options.telemetry;
+}
+
+monitor::TrackSettings settingsOf(const TrackOptions& options)
+{
+    monitor::TrackSettings settings;
+    settings.maxFaults = options.maxRank;
+    settings.keep = options.keep;
+    settings.lookBack = options.lookBack;
+    if (options.maxRecords > 0) settings.limits.maxRecords = options.maxRecords;
+    if (options.maxSeconds > 0.0) settings.limits.maxSeconds = options.maxSeconds;
+    return settings;
+}
+
+} // namespace
+
+const char* const trackHelp =
+    R"(  MODEL                     a model file, .itms, or one that itms export wrote
+  TELEMETRY                 commands and observations: JSON Lines or CSV; - for
+                            standard input
+  -I, --import FOLDER       look for imported model files there, too
+  --skip-bad                report lines that are in error, and go on
+
+How to search:
+  --max-rank N              up to N faults along the whole way (default 3)
+  --keep N                  keep the N most probable hypotheses (default 8)
+  --look-back N             go back up to N steps for faults that show late
+                            (default 10)
+  --max-records N           stop searching a step after so many records
+                            (default 100000; 0: no limit)
+  --max-seconds S           ... after so many seconds (default 0: no limit)
+)";
+
+void addTrackOptions(CLI::App& verb, TrackOptions& options)
+{
+    addModelOptions(verb, options.model);
+    verb.add_option("telemetry", options.telemetry);
+    verb.add_flag("--skip-bad", options.skipBad);
+    verb.add_option("--max-rank", options.maxRank)->check(wholeNumber(0, mostFaults));
+    verb.add_option("--keep", options.keep)->check(wholeNumber(1, mostSteps));
+    verb.add_option("--look-back", options.lookBack)->check(wholeNumber(0, mostSteps));
+    verb.add_option("--max-records", options.maxRecords)
+        ->check(wholeNumber(0, std::numeric_limits<std::uint64_t>::max()));
+    verb.add_option("--max-seconds", options.maxSeconds)
+        ->check(number(0.0, std::numeric_limits<double>::infinity(), false));
+    verb.add_flag("-q,--quiet", options.quiet);
+}
+
+TrackRun::TrackRun(const std::string& verb, const TrackOptions& options, bool trace)
+    : model_(verb, options.model, options.quiet, trace), skipBad_(options.skipBad),
+      reader_(telemetryOf(verb, options), *model_.read().model, model_.bindings(),
+              {.skipBad = options.skipBad}),
+      tracker_(model_.engine(), model_.plant(), settingsOf(options))
+{
+}
+
+bool TrackRun::next()
+{
+    while (!interruption()) {
+        auto next = reader_.next();
+        if (const auto* mistake = std::get_if<telemetry::Mistake>(&next)) {
+            if (!skipBad_ || mistake->endsReading) throw FileFailure(mistake->error.format());
+            complain(mistake->error.format());
+            ++linesLeftOut_;
+            continue;
+        }
+        auto* step = std::get_if<telemetry::Step>(&next);
+        if (!step) return false;
+        step_ = std::move(*step);
+        input_ = trackInput(model_.plant(), model_.bindings(), step_);
+        tracker_.advance(input_);
+        return true;
+    }
+    return false;
+}
+
+monitor::TrackInput trackInput(const monitor::Plant& plant, const language::Bindings& bindings,
+                               const telemetry::Step& step)
+{
+    monitor::TrackInput input;
+    input.step = step.number;
+    input.t = step.t;
+    for (const Atom* command : step.commands) {
+        input.values.commands.push_back(plant.indexOf(command));
+    }
+    for (const telemetry::Observation& observation : step.observations) {
+        input.values.observations.push_back(plant.indexOf(observation.value));
+    }
+    for (const Atom* given : step.givenCommands) {
+        const auto lost = bindings.lost.find(given->stateVar);
+        const Atom* fallback = given->stateVar->atomLinks->front();
+        if (lost != bindings.lost.end() && given != fallback && lost->second > 0.0) {
+            input.lossy.push_back({plant.indexOf(given), plant.indexOf(fallback), lost->second});
+        }
+    }
+    return input;
+}
+
+} // namespace app

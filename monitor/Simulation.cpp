@@ -1,0 +1,114 @@
+#include "monitor/Simulation.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace monitor {
+
+SimulatedRun simulate(const Plant& plant, const language::Bindings& bindings,
+                      const std::vector<SimulationInput>& inputs, const SimulatorSettings& settings)
+{
+    Simulator simulator(plant, bindings, settings);
+    SimulatedRun run;
+    for (const SimulationInput& input : inputs) {
+        auto result = simulator.step(input);
+        if (auto* problem = std::get_if<SimulationProblem>(&result)) {
+            run.problem = std::move(*problem);
+            break;
+        }
+        run.steps.push_back(std::move(std::get<SimulatedStep>(result)));
+    }
+    return run;
+}
+
+std::optional<std::size_t> firstDifference(const SimulatedRun& a, const SimulatedRun& b)
+{
+    const std::size_t both = std::min(a.steps.size(), b.steps.size());
+    for (std::size_t step = 0; step < both; ++step) {
+        if (a.steps[step].observations != b.steps[step].observations) {
+            return step;
+        }
+    }
+    return std::nullopt;
+}
+
+bool distinguishableFromNominal(const Plant& plant, const language::Bindings& bindings,
+                                const std::vector<SimulationInput>& inputs,
+                                const SimulatorSettings& settings)
+{
+    std::vector<SimulationInput> nominal = inputs;
+    for (SimulationInput& input : nominal) {
+        input.injections.clear();
+    }
+    return firstDifference(simulate(plant, bindings, inputs, settings),
+                           simulate(plant, bindings, nominal, settings))
+        .has_value();
+}
+
+CommandSource::CommandSource(const Plant& plant, std::uint64_t seed, double probability)
+    : plant_(plant), chance_(seed), probability_(probability)
+{
+}
+
+std::vector<AtomIndex> CommandSource::next()
+{
+    std::vector<AtomIndex> commands;
+    for (const PlantVariable& variable : plant_.variables()) {
+        if (variable.isCommand && variable.values.size() > 1 && chance_.happens(probability_)) {
+            commands.push_back(variable.values[1 + chance_.below(variable.values.size() - 1)]);
+        }
+    }
+    return commands;
+}
+
+std::vector<SimulationInput> randomCommands(const Plant& plant, std::size_t steps,
+                                            std::uint64_t seed, double probability)
+{
+    CommandSource source(plant, seed, probability);
+    std::vector<SimulationInput> inputs(steps);
+    for (SimulationInput& input : inputs) {
+        input.commands = source.next();
+    }
+    return inputs;
+}
+
+std::size_t injectRandomFaults(const Plant& plant, const language::Bindings& bindings,
+                               std::vector<SimulationInput>& inputs, std::size_t count,
+                               std::uint64_t seed)
+{
+    Chance chance(seed);
+    std::vector<std::size_t> order(inputs.size());
+    std::iota(order.begin(), order.end(), 0U);
+    order = chance.shuffled(std::move(order));
+    std::vector<bool> drawn(inputs.size(), false);
+    std::for_each_n(order.begin(), std::min(count, order.size()),
+                    [&](std::size_t step) { drawn[step] = true; });
+
+    Simulator simulator(plant, bindings);
+    std::size_t owed = 0; // of steps at which there was no fault
+    std::size_t injected = 0;
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        owed += drawn[i] ? 1 : 0;
+        const std::vector<AtomIndex> faults =
+            owed > 0 ? chance.shuffled(simulator.possibleFaults(inputs[i].commands))
+                     : std::vector<AtomIndex>();
+        const bool done = std::any_of(faults.begin(), faults.end(), [&](AtomIndex fault) {
+            SimulationInput with = inputs[i];
+            with.injections.push_back(fault);
+            if (std::holds_alternative<SimulationProblem>(simulator.step(with))) {
+                return false;
+            }
+            inputs[i] = std::move(with);
+            return true;
+        });
+        if (done) {
+            --owed;
+            ++injected;
+        } else if (std::holds_alternative<SimulationProblem>(simulator.step(inputs[i]))) {
+            break;
+        }
+    }
+    return injected;
+}
+
+} // namespace monitor

@@ -1,0 +1,126 @@
+// A plant that a model stands in for: commands and faults in, readings out.
+//
+//     Simulator simulator(plant, bindings);
+//     const SimulatedStep opened = std::get<SimulatedStep>(simulator.step({{requestOpen}, {}, {}}));
+//     const auto stuck = simulator.step({{}, {}, {stuckClosed}});
+//
+// A step: commands that are not given have their default, the first value. A mode variable has the value injected, or
+// else the one predicted (monitor/ModeSteps.h). Conditions follow by propagation. What is still open takes the value
+// given for it, and at last any value with which all laws hold: the one that it had, if it can keep it, and else
+// its first possible one.
+//
+// With a seed the plant lives by the model's probabilities: modes take transitions as probable as they are, commands
+// are lost, and what is open is drawn from the values that it can have, one as probable as the other. Modes that
+// contradict one another by a law are drawn anew, so that they have their probability among those that can be
+// together. Inputs keep their value: the observed variables that are open while nothing is broken.
+//
+// Laws have no direction, so the order in which open variables get values matters: after `outflow = inflow` begins to hold,
+// the one that comes first takes the other along. First come those that were open in the step before as well, then
+// those that no single mode value determines (an inflow, not the outflow that is zero of a valve that is closed), then
+// the observed ones in the order of their bindings.
+#pragma once
+
+#include "language/Bindings.h"
+#include "monitor/Chance.h"
+#include "monitor/ModeSteps.h"
+
+#include <optional>
+#include <variant>
+#include <vector>
+
+namespace monitor {
+
+/// What comes from outside in a step. Values are atoms of the plant, at most one of each variable in each list.
+struct SimulationInput {
+    std::vector<AtomIndex> commands;
+    std::vector<AtomIndex> observations; ///< of inputs; of a variable that follows from others it is ignored
+    std::vector<AtomIndex> injections; ///< mode values that are set, however improbable
+};
+
+enum class ModeCause {
+    predicted, ///< a nominal transition, or one that leaves nothing to staying
+    drawn,     ///< another one, by its probability
+    injected,
+};
+
+/// A mode variable that changed its value, or did not where a change was predicted.
+struct ModeChange {
+    VariableIndex variable;
+    AtomIndex before;
+    AtomIndex after;
+    ModeCause cause;
+
+    friend bool operator==(const ModeChange&, const ModeChange&) = default;
+};
+
+struct SimulatedStep {
+    std::vector<AtomIndex> values;   ///< of every variable, by its index
+    std::vector<AtomIndex> commands; ///< as given, or the default: a value of every command variable
+    std::vector<VariableIndex> lost; ///< commands that did not arrive: their variable has the default
+    std::vector<ModeChange> changes;     ///< by rising index of the variable
+    std::vector<AtomIndex> observations; ///< of the observed variables, in the order of their bindings
+    std::vector<AtomIndex> ignored; ///< given observations that do not hold: something else follows
+
+    friend bool operator==(const SimulatedStep&, const SimulatedStep&) = default;
+};
+
+/// Why a step cannot be.
+struct SimulationProblem {
+    enum class Kind {
+        unreachable,   ///< no transition that is possible now leads to an injected value
+        contradiction, ///< modes and commands cannot be together by the laws
+        unsettled, ///< neither values for what is open nor a contradiction was found in reasonable time
+    };
+    Kind kind;
+    AtomIndex injected =
+        -1; ///< unreachable: the value; `values` are those that its variable can have
+    std::vector<AtomIndex> values; ///< contradiction: the modes on which it rests, as far as known
+};
+
+struct SimulatorSettings {
+    std::optional<std::uint64_t> seed;       ///< none: everything goes as predicted
+    std::vector<VariableIndex> alsoObserved; ///< besides those with a binding, and after them; none twice
+};
+
+class Simulator {
+public:
+    /// In the initial state (monitor/Step.h, initialLabels). The plant outlives it. Linear in the plant.
+    Simulator(const Plant& plant, const language::Bindings& bindings,
+              const SimulatorSettings& settings = {});
+
+    /// Goes a step on. With a problem the state stays as it was. Linear in the plant, if no value that was given to
+    /// an open variable has to be taken back; there is a bound on how many are.
+    std::variant<SimulatedStep, SimulationProblem> step(const SimulationInput& input);
+
+    /// Labels after the last step. Before the first, the initial ones: modes, and conditions as far as known.
+    const Prediction& labels() const { return *labels_; }
+    /// The observed variables: those bound as observations, then those of the settings.
+    const std::vector<VariableIndex>& observed() const { return observed_; }
+    /// The faults, of all mode variables, that a step with these commands could bring. Linear in the plant.
+    std::vector<AtomIndex> possibleFaults(const std::vector<AtomIndex>& commands) const;
+
+private:
+    struct Trial;
+
+    std::vector<AtomIndex> allCommands(const std::vector<AtomIndex>& given) const;
+    std::optional<SimulationProblem> tryStep(const SimulationInput& input, Trial& trial);
+    void loseCommands(Trial& trial);
+    std::optional<SimulationProblem> moveModes(const SimulationInput& input, Trial& trial);
+    AtomIndex draw(const ModeStep& step);
+    std::optional<SimulationProblem> fill(const SimulationInput& input, Trial& trial);
+    std::vector<AtomIndex> valuesToTry(VariableIndex variable, std::optional<AtomIndex> wanted);
+    SimulatedStep accept(Trial& trial);
+    void findOrder();
+    void findInputs();
+
+    const Plant& plant_;
+    std::optional<Chance> chance_;
+    std::vector<VariableIndex> observed_;
+    std::vector<double> lost_;         ///< by variable
+    std::vector<VariableIndex> order_; ///< in which open variables get values
+    std::vector<bool> isInput_;        ///< by variable
+    std::vector<bool> wasOpen_;        ///< by variable: nothing determined it in the last step
+    std::optional<Prediction> labels_; ///< always there
+};
+
+} // namespace monitor

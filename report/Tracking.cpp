@@ -1,0 +1,77 @@
+#include "report/Tracking.h"
+
+#include <algorithm>
+
+namespace report {
+
+namespace {
+
+std::vector<std::string> identifiers(const monitor::Plant& plant,
+                                     const std::vector<monitor::AtomIndex>& atoms)
+{
+    std::vector<std::string> ids;
+    ids.reserve(atoms.size());
+    for (const monitor::AtomIndex atom : atoms) {
+        ids.push_back(plant.atom(atom)->id);
+    }
+    return ids;
+}
+
+TrackedExplanation explanation(const monitor::Plant& plant, const monitor::Hypothesis& hypothesis)
+{
+    TrackedExplanation result;
+    result.faults = hypothesis.faults;
+    for (const auto& [variable, since] : hypothesis.since) {
+        result.modes.push_back({variableName(*plant.variable(variable).variable),
+                                plant.atom(since.value)->value, since.step});
+    }
+    std::sort(result.modes.begin(), result.modes.end(),
+              [](const DeviatingMode& a, const DeviatingMode& b) { return a.variable < b.variable; });
+    result.lost = identifiers(plant, hypothesis.lost);
+    result.unexplained = identifiers(plant, hypothesis.unexplained);
+    return result;
+}
+
+} // namespace
+
+std::string variableName(const StateVar& variable)
+{
+    return variable.comp->name + "." + variable.name;
+}
+
+StepReport stepReport(const monitor::Plant& plant, const monitor::TrackAnswer& answer)
+{
+    StepReport report;
+    report.step = answer.step;
+    report.t = answer.t;
+    report.status = answer.status;
+    report.complete = answer.complete;
+    report.limit = answer.limit;
+    report.dropped = answer.dropped;
+    report.wentBack = answer.wentBack;
+    report.work = answer.work;
+    for (std::size_t i = 0; i < answer.hypotheses.size(); ++i) {
+        TrackedExplanation one = explanation(plant, *answer.hypotheses[i]);
+        one.probability = answer.probabilities[i];
+        for (const DeviatingMode& mode : one.modes) {
+            report.marginals[mode.variable][mode.value] += one.probability;
+        }
+        report.explanations.push_back(std::move(one));
+    }
+    return report;
+}
+
+std::size_t shownCount(const StepReport& report, const Shown& shown)
+{
+    constexpr double rounding = 1e-12;
+    const std::size_t all = report.explanations.size();
+    const std::size_t most = shown.most == 0 ? all : std::min(shown.most, all);
+    double mass = 0.0;
+    std::size_t count = 0;
+    while (count < most && (count == 0 || mass < shown.mass - rounding)) {
+        mass += report.explanations[count++].probability;
+    }
+    return count;
+}
+
+} // namespace report

@@ -1,0 +1,62 @@
+// What is believed of a plant after a step, ready to be rendered.
+#pragma once
+
+#include "monitor/Tracker.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace report {
+
+/// A mode variable that is not as it is in a plant without faults: `valveB.position`, `stuckClosed`.
+struct DeviatingMode {
+    std::string variable;
+    std::string value;
+    std::size_t since = 0; ///< the step at which it took the value; 0: it began with it
+};
+
+/// One of the kept hypotheses.
+struct TrackedExplanation {
+    double probability = 0.0; ///< over the kept hypotheses, 0..1
+    int faults = 0;           ///< that it takes, along the whole way; a lost command counts as one
+    std::vector<DeviatingMode> modes; ///< by name of the variable
+    std::vector<std::string> lost;    ///< commands of this step that did not arrive, VARIABLE=VALUE
+    std::vector<std::string> unexplained; ///< observations of this step, VARIABLE=VALUE
+};
+
+/// For each variable that deviates in a hypothesis, the probability of each value with which it does.
+using Marginals = std::map<std::string, std::map<std::string, double>>;
+
+struct StepReport {
+    std::size_t step = 0;
+    double t = 0.0;            ///< seconds
+    std::optional<double> gap; ///< seconds since the step before, where that is longer than usual
+    monitor::TrackStatus status = monitor::TrackStatus::nominal;
+    bool complete = true;
+    SearchLimit limit = SearchLimit::none;
+    std::vector<TrackedExplanation> explanations; ///< most probable first
+    std::size_t dropped = 0;                      ///< hypotheses beyond those that are kept
+    bool wentBack = false;
+    Marginals marginals;
+    std::vector<std::string> held; ///< observations that stand in for missing readings
+    SearchWork work;
+};
+
+/// What of an answer is shown.
+struct Shown {
+    std::size_t most = 5; ///< explanations; 0: all
+    double mass = 0.99; ///< no more than those that have so much of the probability together, 0..1
+};
+
+/// `COMPONENT.VARIABLE`.
+std::string variableName(const StateVar& variable);
+
+/// The report of an answer; gap and held readings, which the answer does not know, are left to the caller.
+StepReport stepReport(const monitor::Plant& plant, const monitor::TrackAnswer& answer);
+
+/// How many of the explanations are shown.
+std::size_t shownCount(const StepReport& report, const Shown& shown);
+
+} // namespace report

@@ -1,0 +1,68 @@
+#include "report/TrackingJson.h"
+
+#include "report/Numbers.h"
+
+#include <nlohmann/json.hpp>
+
+namespace report {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json explanationJson(const TrackedExplanation& explanation)
+{
+    Json modes = Json::object();
+    Json since = Json::object();
+    for (const DeviatingMode& mode : explanation.modes) {
+        modes[mode.variable] = mode.value;
+        since[mode.variable] = mode.since;
+    }
+    return {{"p", sixDigits(explanation.probability)},
+            {"rank", explanation.faults},
+            {"modes", std::move(modes)},
+            {"since", std::move(since)},
+            {"lost", explanation.lost},
+            {"unexplained", explanation.unexplained}};
+}
+
+Json marginalsJson(const Marginals& marginals)
+{
+    Json variables = Json::object();
+    for (const auto& [variable, values] : marginals) {
+        for (const auto& [value, probability] : values) {
+            variables[variable][value] = sixDigits(probability);
+        }
+    }
+    return variables;
+}
+
+} // namespace
+
+std::string stepJson(const StepReport& report, const Shown& shown)
+{
+    Json candidates = Json::array();
+    for (std::size_t i = 0; i < shownCount(report, shown); ++i) {
+        candidates.push_back(explanationJson(report.explanations[i]));
+    }
+    Json record;
+    record["v"] = 1;
+    record["step"] = report.step;
+    record["t"] = report.t;
+    record["status"] = monitor::name(report.status);
+    record["complete"] = report.complete;
+    const std::string limit = monitor::name(report.limit);
+    record["limit"] = limit.empty() ? Json(nullptr) : Json(limit);
+    record["gap"] = report.gap ? Json(*report.gap) : Json(nullptr);
+    record["held"] = report.held;
+    record["kept"] = report.explanations.size();
+    record["dropped"] = report.dropped;
+    record["candidates"] = std::move(candidates);
+    record["marginals"] = marginalsJson(report.marginals);
+    record["work"] = {{"records", report.work.records},
+                      {"flips", report.work.flips},
+                      {"components", report.work.components}};
+    return record.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+} // namespace report

@@ -1,0 +1,155 @@
+#include "report/TrackingTable.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+namespace report {
+
+namespace {
+
+constexpr std::size_t stepColumns = 8;
+constexpr std::size_t timeColumns = 12;
+constexpr std::size_t statusColumns = 12;
+constexpr std::size_t probabilityColumns = 8;
+
+std::string time(double t)
+{
+    return fmt::format("{:.10g}", t);
+}
+
+std::string withSince(const DeviatingMode& mode)
+{
+    const std::string since =
+        mode.since == 0 ? std::string("from the beginning")
+                        : fmt::format("since{}step{}{}", unbreakable, unbreakable, mode.since);
+    return fmt::format("{}{}={}{} {}", mode.variable, unbreakable, unbreakable, mode.value, since);
+}
+
+std::string inWords(const TrackedExplanation& explanation)
+{
+    std::vector<std::string> items;
+    for (const DeviatingMode& mode : explanation.modes) {
+        items.push_back(withSince(mode));
+    }
+    for (const std::string& command : explanation.lost) {
+        items.push_back(command + " did not arrive");
+    }
+    std::string text =
+        items.empty() ? "nothing is wrong" : fmt::format("{}", fmt::join(items, "; "));
+    if (!explanation.unexplained.empty()) {
+        text += "; does not explain " + listed(explanation.unexplained);
+    }
+    return text;
+}
+
+// What must differ for a step to be worth its lines.
+std::string essence(const StepReport& report, std::size_t shown)
+{
+    std::string text = monitor::name(report.status);
+    text += report.complete ? "" : " incomplete";
+    std::vector<std::string> explanations;
+    for (std::size_t i = 0; i < shown; ++i) {
+        explanations.push_back(inWords(report.explanations[i]));
+    }
+    std::sort(explanations.begin(), explanations.end());
+    return fmt::format("{}\n{}", text, fmt::join(explanations, "\n"));
+}
+
+} // namespace
+
+std::string TrackingTable::heading() const
+{
+    return colours_.faint(right("step", stepColumns) + right("t", timeColumns) + "  " +
+                          left("status", statusColumns) + right("p", probabilityColumns) +
+                          "  explanation") +
+           "\n";
+}
+
+std::string TrackingTable::rows(const StepReport& report)
+{
+    ++memory_.total;
+    ++memory_.counts[monitor::name(report.status)];
+    memory_.incomplete += report.complete ? 0 : 1;
+    memory_.dropped += report.dropped > 0 ? 1 : 0;
+    const std::size_t shown = shownCount(report, shown_);
+    std::string now = essence(report, shown);
+    const bool changed = now != memory_.last || report.gap;
+    memory_.last = std::move(now);
+    if (!changed && !everyStep_) {
+        return "";
+    }
+    const std::string indent(stepColumns + timeColumns + 2, ' ');
+    std::string text;
+    if (report.gap) {
+        text +=
+            indent + colours_.faint(fmt::format("{} s without a step", time(*report.gap))) + "\n";
+    }
+    std::string head = right(std::to_string(report.step), stepColumns) +
+                       right(time(report.t), timeColumns) + "  " + status(report.status);
+    for (std::size_t i = 0; i < shown; ++i) {
+        text += row(head, report.explanations[i]);
+        head = indent + std::string(statusColumns, ' ');
+    }
+    const std::string under = indent + std::string(statusColumns + probabilityColumns + 2, ' ');
+    if (shown < report.explanations.size()) {
+        text += under +
+                colours_.faint(fmt::format("and {} more", report.explanations.size() - shown)) +
+                "\n";
+    }
+    if (!report.complete) {
+        const std::string limit = monitor::name(report.limit);
+        text += under + colours_.yellow("not complete") +
+                (limit.empty() ? "" : fmt::format(" (limit: {})", limit)) + "\n";
+    }
+    return text;
+}
+
+std::string TrackingTable::status(monitor::TrackStatus status) const
+{
+    const std::string text = left(monitor::name(status), statusColumns);
+    switch (status) {
+    case monitor::TrackStatus::nominal: return colours_.green(text);
+    case monitor::TrackStatus::stale: return colours_.faint(text);
+    case monitor::TrackStatus::ambiguous: return colours_.yellow(text);
+    case monitor::TrackStatus::faulty:
+    case monitor::TrackStatus::inconsistent: break;
+    }
+    return colours_.red(text);
+}
+
+// The text goes on below itself where it is too long for the line; colours would count in its width, so the head is put in
+// front afterwards.
+std::string TrackingTable::row(const std::string& head, const TrackedExplanation& explanation) const
+{
+    constexpr std::size_t columns =
+        stepColumns + timeColumns + 2 + statusColumns + probabilityColumns + 2;
+    std::string text = wrapped(std::string(columns, ' '), inWords(explanation));
+    const std::string probability = right(percent(explanation.probability), probabilityColumns);
+    return head + probability + "  " + text.substr(columns);
+}
+
+std::string TrackingTable::summary(std::size_t linesLeftOut) const
+{
+    std::string text = counted(memory_.total, "step");
+    std::string separator = ": ";
+    for (const auto& [status, count] : memory_.counts) {
+        text += fmt::format("{}{} {}", separator, grouped(count), status);
+        separator = ", ";
+    }
+    text += ".";
+    if (memory_.incomplete > 0) {
+        text +=
+            fmt::format(" At {} the search was not complete.", counted(memory_.incomplete, "step"));
+    }
+    if (memory_.dropped > 0) {
+        text += fmt::format(" At {} there were more explanations than are kept.",
+                            counted(memory_.dropped, "step"));
+    }
+    if (linesLeftOut > 0) {
+        text += fmt::format(" {} in error {} left out.", counted(linesLeftOut, "line"),
+                            linesLeftOut == 1 ? "was" : "were");
+    }
+    return "\n" + wrapped("", text);
+}
+
+} // namespace report
