@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 namespace monitor {
 
@@ -80,7 +81,7 @@ public:
         answer_.step = input_.step;
         answer_.t = input_.t;
         succeed();
-        if (found_.empty() || !predicted_) {
+        if (found_.empty() || predicted_ < 0.5 - 1e-9) {
             goBack();
         }
         const bool explained = !found_.empty();
@@ -103,7 +104,8 @@ private:
         for (const HypothesisPointer& parent : tracker_.memory_.hypotheses) {
             Hypothesis made = tracker_.successors_.predicted(*parent, input_);
             if (tracker_.successors_.explains(made)) {
-                predicted_ = true;
+                predicted_ += std::exp(parent->logWeight);
+                predictedModes_.insert(made.modes);
                 found_.push_back({std::move(made), 0, {}});
                 continue;
             }
@@ -138,6 +140,9 @@ private:
     {
         note(result.complete, result.limit, result.work);
         for (Replay& replay : result.found) {
+            if (predictedModes_.contains(replay.way.back().modes)) {
+                continue; // may be how this hypothesis came about, which counts already
+            }
             Hypothesis last = std::move(replay.way.back());
             replay.way.pop_back();
             found_.push_back({std::move(last), replay.begin, std::move(replay.way)});
@@ -283,7 +288,9 @@ private:
     const TrackInput& input_;
     TrackAnswer& answer_;
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-    bool predicted_ = false; ///< at least one kept hypothesis predicts the step
+    double predicted_ =
+        0.0; ///< what the kept hypotheses that predict the step had of the probability before it
+    std::set<std::vector<AtomIndex>> predictedModes_;
     std::vector<Found> found_;
     std::vector<double> best_; ///< the weight of the most probable way of each of `found_`
     std::vector<Found*> order_;

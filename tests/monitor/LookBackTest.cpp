@@ -99,6 +99,30 @@ TEST_F(LookBackTest, RanksTheCheaperEarlierFaultAboveACostlyOneThatIsAlwaysPossi
     EXPECT_NEAR(tracker_->answer().probabilities[1], exact(reference, "v.position=unknown"), 1e-12);
 }
 
+// A lamp flickered: by itself, or because the valve is in a mode in which anything may happen. That this unlikely mode
+// goes on to predict everything must not keep the valve's earlier fault from being found.
+TEST_F(LookBackTest, IsDoneEvenIfAnUnlikelyHypothesisPredictsTheStep)
+{
+    addSilentValve("v", {"unknown!"});
+    model_.fault("v.position=closed", "v.position=unknown", 1.0 / 1024);
+    opens("v", 1023.0 / 1024);
+    model_.mode("g.mode", {"ok", "glitch!"});
+    model_.condition("g.out", {"0", "1"});
+    model_.law("!g.mode=ok | v.position=unknown | g.out=0");
+    model_.law("!g.mode=glitch | v.position=unknown | g.out=1");
+    model_.fault("g.mode=ok", "g.mode=glitch", 1.0 / 64);
+    model_.nominal("g.mode=glitch", "g.mode=ok", 1.0);
+    step({"g.out=1"}, {"v.request=none"});
+    for (int i = 0; i < 3; ++i) {
+        step({"v.flow=0", "g.out=0"}, {"v.request=none"});
+    }
+    EXPECT_THAT(texts(), ElementsAre("", "v.position=unknown@1"));
+    step({"v.flow=0", "g.out=0"}, {"v.request=open"});
+    EXPECT_TRUE(tracker_->answer().wentBack);
+    EXPECT_EQ(texts().front(), "v.position=stuck@2");
+    EXPECT_GT(tracker_->answer().probabilities.front(), 0.9);
+}
+
 TEST_F(LookBackTest, FindsTwoFaultsThatShowOneAfterTheOther)
 {
     for (const std::string name : {"a", "b"}) {
