@@ -67,7 +67,7 @@ private:
         result_.bindings.stepSeconds = step;
         LawBuilder laws(plant, builder_, report_, options_.expansion.lawClauses);
         TransitionBuilder transitions(plant, builder_, report_, step, options_.expansion.lawClauses);
-        BindingBuilder channels(plant, types_, files_, report_);
+        BindingBuilder channels(plant, files_, report_);
         plant.forEach([&](Instance& instance) {
             plant.forEachMember(instance, Elaboration::Wanted::lawsAndBindings,
                                 [&](const syntax::Member& member, Environment& here) {
