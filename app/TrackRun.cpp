@@ -111,13 +111,11 @@ monitor::TrackInput trackInput(const monitor::Plant& plant, const language::Bind
     for (const telemetry::Observation& observation : step.observations) {
         input.values.observations.push_back(plant.indexOf(observation.value));
     }
-    for (const Atom* given : step.givenCommands) {
-        const auto lost = bindings.lost.find(given->stateVar);
-        const Atom* fallback = given->stateVar->atomLinks->front();
-        if (lost != bindings.lost.end() && given != fallback && lost->second > 0.0) {
-            input.lossy.push_back({plant.indexOf(given), plant.indexOf(fallback), lost->second});
-        }
+    std::vector<monitor::AtomIndex> given;
+    for (const Atom* command : step.givenCommands) {
+        given.push_back(plant.indexOf(command));
     }
+    input.lossy = monitor::lossyCommands(plant, bindings, given);
     return input;
 }
 

@@ -1,6 +1,8 @@
 #include "monitor/Simulation.h"
 
 #include <algorithm>
+#include <cmath>
+#include <functional>
 #include <numeric>
 
 namespace monitor {
@@ -72,6 +74,26 @@ std::vector<SimulationInput> randomCommands(const Plant& plant, std::size_t step
     return inputs;
 }
 
+namespace {
+
+// The first is drawn by its probability among all, each next one among those that are left (P. S. Efraimidis and P. G.
+// Spirakis, "Weighted random sampling with a reservoir", Information Processing Letters 97 (2006)).
+std::vector<AtomIndex> drawnOrder(const std::vector<ModeOption>& options, Chance& chance)
+{
+    std::vector<std::pair<double, AtomIndex>> keys;
+    for (const ModeOption& option : options) {
+        keys.emplace_back(std::log(1.0 - chance.fraction()) / option.probability, option.value);
+    }
+    std::sort(keys.begin(), keys.end(), std::greater<>());
+    std::vector<AtomIndex> order;
+    for (const auto& [key, value] : keys) {
+        order.push_back(value);
+    }
+    return order;
+}
+
+} // namespace
+
 std::size_t injectRandomFaults(const Plant& plant, const language::Bindings& bindings,
                                std::vector<SimulationInput>& inputs, std::size_t count,
                                std::uint64_t seed)
@@ -90,7 +112,7 @@ std::size_t injectRandomFaults(const Plant& plant, const language::Bindings& bin
     for (std::size_t i = 0; i < inputs.size(); ++i) {
         owed += drawn[i] ? 1 : 0;
         const std::vector<AtomIndex> faults =
-            owed > 0 ? chance.shuffled(simulator.possibleFaults(inputs[i].commands))
+            owed > 0 ? drawnOrder(simulator.possibleFaults(inputs[i].commands), chance)
                      : std::vector<AtomIndex>();
         const bool done = std::any_of(faults.begin(), faults.end(), [&](AtomIndex fault) {
             SimulationInput with = inputs[i];

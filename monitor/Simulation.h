@@ -55,7 +55,7 @@ std::vector<SimulationInput> randomCommands(const Plant& plant, std::size_t step
                                             double probability = usualCommandProbability);
 
 /// Adds injections of faults to the inputs, at most one a step: at steps drawn at random, of the faults that are possible
-/// then. Returns how many, `count` if the inputs have that many steps at which there is one and no step is a problem. Costs
+/// then, by their probabilities in proportion to one another. Returns how many, `count` if the inputs have that many steps at which there is one and no step is a problem. Costs
 /// a simulated run, and one step for each fault that is tried.
 std::size_t injectRandomFaults(const Plant& plant, const language::Bindings& bindings,
                                std::vector<SimulationInput>& inputs, std::size_t count,

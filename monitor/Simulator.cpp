@@ -192,13 +192,13 @@ std::vector<AtomIndex> Simulator::allCommands(const std::vector<AtomIndex>& give
     return commands;
 }
 
-std::vector<AtomIndex> Simulator::possibleFaults(const std::vector<AtomIndex>& commands) const
+std::vector<ModeOption> Simulator::possibleFaults(const std::vector<AtomIndex>& commands) const
 {
-    std::vector<AtomIndex> faults;
+    std::vector<ModeOption> faults;
     for (const ModeStep& step : modeSteps(plant_, *labels_, allCommands(commands))) {
         for (const ModeOption& option : step.options) {
             if (option.fault) {
-                faults.push_back(option.value);
+                faults.push_back(option);
             }
         }
     }

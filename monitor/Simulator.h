@@ -99,8 +99,9 @@ public:
     const Prediction& labels() const { return *labels_; }
     /// The observed variables: those bound as observations, then those of the settings.
     const std::vector<VariableIndex>& observed() const { return observed_; }
-    /// The faults, of all mode variables, that a step with these commands could bring. Linear in the plant.
-    std::vector<AtomIndex> possibleFaults(const std::vector<AtomIndex>& commands) const;
+    /// The faults, of all mode variables, that a step with these commands could bring, and how probable each is. Linear in
+    /// the plant.
+    std::vector<ModeOption> possibleFaults(const std::vector<AtomIndex>& commands) const;
 
 private:
     struct Trial;

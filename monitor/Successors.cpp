@@ -155,7 +155,8 @@ SuccessorSearch Successors::search(const Hypothesis& parent, const TrackInput& i
                 continue;
             }
             const StepFrame tried = frame(parent, input, lost);
-            FaultSearch search(engine_, tried, remaining(limits, result.work, start));
+            FaultSearch search(engine_, tried, remaining(limits, result.work, start),
+                               recordsBeforeSplit);
             search.run(static_cast<int>(budget - count));
             const Judgement judgement = judge(tried, search.found());
             add(result.work, search.work());
@@ -179,6 +180,21 @@ SuccessorSearch Successors::search(const Hypothesis& parent, const TrackInput& i
         result.complete = false;
     }
     return result;
+}
+
+std::vector<LossyCommand> lossyCommands(const Plant& plant, const language::Bindings& bindings,
+                                        const std::vector<AtomIndex>& given)
+{
+    std::vector<LossyCommand> lossy;
+    for (const AtomIndex command : given) {
+        const PlantVariable& variable = plant.variable(plant.variableOf(command));
+        const auto lost = bindings.lost.find(variable.variable);
+        const AtomIndex fallback = variable.values.front();
+        if (lost != bindings.lost.end() && lost->second > 0.0 && command != fallback) {
+            lossy.push_back({command, fallback, lost->second});
+        }
+    }
+    return lossy;
 }
 
 Hypothesis initialHypothesis(const Plant& plant)

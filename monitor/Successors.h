@@ -10,6 +10,7 @@
 // recognition", Proceedings of the IEEE 77 (1989)), whose states are the modes.
 #pragma once
 
+#include "language/Bindings.h"
 #include "monitor/Budget.h"
 #include "monitor/Hypothesis.h"
 #include "monitor/Step.h"
@@ -30,6 +31,11 @@ struct SuccessorSearch {
 
 class Successors {
 public:
+    /// Records after which a search by the engine is taken apart (monitor/FaultSearch.h); the answer is the same with any
+    /// number. Along time there are several hypotheses to search from, most of them with faults already, and conflicts of
+    /// few modes: the engine's searches that end at all end early.
+    static constexpr std::uint64_t recordsBeforeSplit = 100;
+
     /// Engine and plant outlive it.
     Successors(itms& engine, const Plant& plant) : engine_(engine), plant_(plant) {}
 
@@ -62,6 +68,10 @@ private:
     itms& engine_;
     const Plant& plant_;
 };
+
+/// Those among the given commands that may be lost, and are not what their variable has without a command anyway.
+std::vector<LossyCommand> lossyCommands(const Plant& plant, const language::Bindings& bindings,
+                                        const std::vector<AtomIndex>& given);
 
 /// The hypothesis before the first step: initial modes, and initial conditions where there are any.
 Hypothesis initialHypothesis(const Plant& plant);

@@ -29,11 +29,12 @@ public:
         input.t = line.at("t").get<double>();
         std::size_t used = 0;
         Names commands;
+        std::vector<AtomIndex> given;
         for (const ChannelBinding& binding : plant_.bindings().channels) {
             const bool isCommand = binding.kind == ChannelBinding::Kind::command;
-            const auto& given = line.at(isCommand ? "commands" : "observations");
-            const auto found = given.find(binding.channel);
-            if (found == given.end()) continue;
+            const auto& group = line.at(isCommand ? "commands" : "observations");
+            const auto found = group.find(binding.channel);
+            if (found == group.end()) continue;
             ++used;
             Atom*& last = last_[binding.variable];
             last = found->is_number() ? binding.read(found->get<double>(), last)
@@ -45,17 +46,12 @@ public:
                 continue;
             }
             commands.push_back(last->id);
-            const auto lost = plant_.bindings().lost.find(binding.variable);
-            if (lost != plant_.bindings().lost.end() && lost->second > 0.0) {
-                input.lossy.push_back(
-                    {plant_.active().plant->indexOf(last),
-                     plant_.active().plant->indexOf(binding.variable->atomLinks->front()),
-                     lost->second});
-            }
+            given.push_back(plant_.active().plant->indexOf(last));
         }
         EXPECT_EQ(used, line.at("commands").size() + line.at("observations").size())
             << "a channel is not known";
         input.values.commands = plant_.commands(commands);
+        input.lossy = monitor::lossyCommands(*plant_.active().plant, plant_.bindings(), given);
         return input;
     }
 

@@ -128,11 +128,13 @@ bool isExplained(const monitor::StepAnswer& answer, const std::vector<AtomIndex>
         });
 }
 
-// From the true state before it, the monitor explains what a step shows by what was injected, or by less.
+// From the true state before it, the monitor explains what a step shows by what was injected, or by less; or it says that
+// its search was not complete, which is rare.
 TEST(SimulatedRuns, AreExplainedByTheirFaults)
 {
     const MutedTrace muted;
     int withFault = 0;
+    int notComplete = 0;
     for (std::uint64_t seed = 0; seed < 150; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Random random(seed);
@@ -153,11 +155,13 @@ TEST(SimulatedRuns, AreExplainedByTheirFaults)
             const int faults = static_cast<int>(input.injections.size());
             const monitor::StepAnswer answer =
                 solver.solve(before, {step->commands, step->observations}, {.maxFaults = faults});
-            EXPECT_TRUE(isExplained(answer, input.injections));
+            EXPECT_TRUE(isExplained(answer, input.injections) || !answer.complete);
+            notComplete += answer.complete ? 0 : 1;
             withFault += faults > 0 && answer.status != monitor::StepStatus::nominal ? 1 : 0;
         }
     }
     EXPECT_GT(withFault, 30);
+    EXPECT_LT(notComplete, 10);
 }
 
 TEST(SimulatedRuns, AreTheSameForTheSameSeed)
