@@ -156,9 +156,11 @@ private:
         for (const auto& [name, value] : now.items()) {
             const nlohmann::json& then = content.at("settings").at(name);
             if (then != value) {
-                throw FileFailure(fmt::format("{}: was made with --{} {}\n  expected: the options "
+                throw FileFailure(fmt::format("{}: was made with {} {}\n  expected: the options "
                                               "of the run that is resumed; here it is {}\n",
-                                              *options_.checkpoint, name, then.dump(), value.dump()));
+                                              *options_.checkpoint,
+                                              name.size() == 1 ? "-" + name : "--" + name,
+                                              then.dump(), value.dump()));
             }
         }
     }
