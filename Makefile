@@ -8,7 +8,7 @@ FUZZ_SECONDS ?= 60
 .DEFAULT_GOAL := help
 
 help:
-	@echo 'make demo             install what is missing, build, and diagnose a circuit'
+	@echo 'make demo             install what is missing, build, and follow a pumping station'
 	@echo 'make test             build and run the tests, plainly and under the sanitizers'
 	@echo 'make fuzz             build the fuzzer of model files, and run it for $(FUZZ_SECONDS) s'
 	@echo 'make bench            build and run the benchmarks'

@@ -5,8 +5,10 @@
 #
 # A fenced block that follows the line `<!-- file: PATH -->` is the whole of that file. One that follows
 # `<!-- run: COMMAND -->` is what COMMAND prints (stdout, then stderr), run at the root of the project with the
-# folder of the built programs in PATH. Every difference is shown. With ITMS_REGENERATE=1 the blocks of commands
-# are written anew instead.
+# folder of the built programs in PATH. One that follows `<!-- session -->` is what a terminal shows: lines that begin with
+# `$ ` are commands (a `\` at the end of a line continues it), and below each stands what it prints. All sessions of a
+# page are one shell: variables and functions of one are there in the next. Every difference is shown. With
+# ITMS_REGENERATE=1 the blocks of commands are written anew instead.
 set -euo pipefail
 
 page=$1
@@ -17,7 +19,7 @@ trap 'rm -rf "$work"' EXIT
 
 # Takes the page apart: block-N.want is the text of block N, block-N.how its comment line.
 awk -v work="$work" '
-    /^<!-- (file|run): .* -->$/ { how = $0; next }
+    /^<!-- ((file|run): .*|session) -->$/ { how = $0; next }
     /^```/ && inside { inside = 0; how = ""; next }
     /^```/ && how != "" { n++; inside = 1; print how > (work "/block-" n ".how"); printf "" > (work "/block-" n ".want"); next }
     inside { print > (work "/block-" n ".want") }
@@ -26,12 +28,39 @@ awk -v work="$work" '
     END { print n + 0 > (work "/count") }
 ' "$page"
 
+# Reads a session, writes the shell commands that play it.
+player() {
+    local line command=""
+    while IFS= read -r line; do
+        if [ -n "$command" ]; then
+            command+=$'\n'$line
+        elif [[ $line == '$ '* ]]; then
+            command=${line#'$ '}
+        else
+            continue
+        fi
+        [[ $line == *\\ ]] && continue
+        printf 'printf "%%s\\n" %q\neval %q\n' "\$ $command" "$command"
+        command=""
+    done
+}
+
 count=$(cat "$work/count")
+for ((n = 1; n <= count; n++)); do
+    if grep -qxF '<!-- session -->' "$work/block-$n.how"; then
+        printf 'exec >%q 2>&1\n' "$work/block-$n.got"
+        player <"$work/block-$n.want"
+    fi
+done >"$work/sessions.sh"
+bash "$work/sessions.sh" </dev/null || true
+
 failed=0
 for ((n = 1; n <= count; n++)); do
-    how=$(sed -E 's/^<!-- (file|run): (.*) -->$/\1 \2/' "$work/block-$n.how")
+    how=$(sed -E 's/^<!-- (file|run|session):? ?(.*) -->$/\1 \2/' "$work/block-$n.how")
     what=${how#* }
-    if [ "${how%% *}" = file ]; then
+    if [ "${how%% *}" = session ]; then
+        what="session $n"
+    elif [ "${how%% *}" = file ]; then
         cp "$what" "$work/block-$n.got"
     else
         { bash -c "$what" 2>"$work/stderr" || true; cat "$work/stderr"; } >"$work/block-$n.got"
@@ -43,7 +72,7 @@ done
 
 if [ "${ITMS_REGENERATE:-}" = 1 ] && [ "$failed" = 1 ]; then
     awk -v work="$work" '
-        /^<!-- (file|run): .* -->$/ { how = $0; print; next }
+        /^<!-- ((file|run): .*|session) -->$/ { how = $0; print; next }
         /^```/ && inside { inside = 0; how = ""; print; next }
         /^```/ && how != "" {
             n++; inside = 1; print

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# Runs schema.py with the first Python that has jsonschema.
+# Runs SCHEMA_schema.py with the first Python that has jsonschema.
 #
-#     schema.sh PROGRAM
+#     schema.sh SCHEMA PROGRAM    SCHEMA: model or step
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 cd "$here/../.."
 for python in python3 /usr/bin/python3; do
     if "$python" -c 'from jsonschema import Draft202012Validator' 2>/dev/null; then
-        exec "$python" "$here/schema.py" "$1"
+        exec "$python" "$here/$1_schema.py" "$2"
     fi
 done
 echo 'schema.sh: there is no Python with jsonschema; scripts/install-packages.sh installs python3-jsonschema' >&2

@@ -1,6 +1,6 @@
 """Holds docs/model.schema.json against models.
 
-    schema.py PROGRAM    run at the root of the project
+    model_schema.py PROGRAM    run at the root of the project
 
 What the program exports satisfies the schema, and so do the documents that are read elsewhere in the tests; files of
 tests/language/errors/json that are wrong in their form, and not only in what they say, do not.
