@@ -42,7 +42,7 @@ AdviceReport adviceReport(const monitor::Plant& plant, const language::Bindings&
 /// One line of JSON with up to `shown` measurements, 0 for all; docs/output.md describes the fields.
 std::string adviceJson(const AdviceReport& report, std::size_t shown);
 
-/// The same for people.
+/// The same for people. Measurements that tell just the same are one.
 std::string adviceText(const AdviceReport& report, std::size_t shown, Colours colours);
 
 } // namespace report

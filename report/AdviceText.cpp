@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <map>
 
 namespace report {
 
@@ -10,13 +11,14 @@ namespace {
 
 constexpr std::size_t numberColumns = 4;
 constexpr std::size_t probabilityColumns = 9;
-constexpr std::size_t nameColumns = 40;
+constexpr std::size_t nameColumns = 34;
 constexpr std::size_t bitsColumns = 10;
-constexpr std::size_t mostRemaining = 3; ///< explanations shown of an outcome
+constexpr std::size_t mostRemaining = 2; ///< explanations shown of an outcome
 
 std::string bitsText(double bits)
 {
-    return fmt::format("{:.3f}", bits);
+    constexpr double smallest = 0.0005;
+    return bits > 0.0 && bits < smallest ? "<0.001" : fmt::format("{:.3f}", bits);
 }
 
 std::string explanations(const AdviceReport& report, Colours colours)
@@ -46,10 +48,47 @@ std::string remaining(const OutcomeReport& outcome)
     return text;
 }
 
-std::string measurement(const MeasurementReport& report, double bitsNow, Colours colours)
+std::string nameOf(const MeasurementReport& report)
 {
-    const std::string name =
-        report.channel ? fmt::format("{} ({})", report.variable, *report.channel) : report.variable;
+    return report.channel ? fmt::format("{} ({})", report.variable, *report.channel)
+                          : report.variable;
+}
+
+// What the outcomes would leave of the explanations, whatever the values are called.
+std::vector<std::string> meaning(const MeasurementReport& report)
+{
+    std::vector<std::string> outcomes;
+    for (const OutcomeReport& outcome : report.outcomes) {
+        std::string text = fmt::format("{:.9f}", outcome.probability);
+        for (const RemainingExplanation& one : outcome.remaining) {
+            text += fmt::format(" {}:{:.9f}", one.number, one.probability);
+        }
+        outcomes.push_back(std::move(text));
+    }
+    std::sort(outcomes.begin(), outcomes.end());
+    return outcomes;
+}
+
+// Measurements that tell just the same, in the order of the first of each.
+using Group = std::vector<const MeasurementReport*>;
+std::vector<Group> groups(const std::vector<MeasurementReport>& measurements)
+{
+    std::vector<Group> groups;
+    std::map<std::vector<std::string>, std::size_t> known;
+    for (const MeasurementReport& measurement : measurements) {
+        const auto [entry, isNew] = known.emplace(meaning(measurement), groups.size());
+        if (isNew) {
+            groups.emplace_back();
+        }
+        groups[entry->second].push_back(&measurement);
+    }
+    return groups;
+}
+
+std::string measurement(const Group& group, double bitsNow, Colours colours)
+{
+    const MeasurementReport& report = *group.front();
+    const std::string name = nameOf(report);
     std::string text = "  " + colours.bold(left(name, nameColumns)) +
                        right(bitsText(report.bits), bitsColumns) +
                        right(bitsText(std::max(0.0, bitsNow - report.bits)), bitsColumns) + "\n";
@@ -58,6 +97,13 @@ std::string measurement(const MeasurementReport& report, double bitsNow, Colours
         const std::size_t columns = nameColumns - 4 - probabilityColumns;
         text += "      " + left(outcome.value, columns) + right(probability, probabilityColumns) +
                 right(bitsText(outcome.bits), bitsColumns) + "    " + remaining(outcome) + "\n";
+    }
+    if (group.size() > 1) {
+        std::vector<std::string> others;
+        for (std::size_t i = 1; i < group.size(); ++i) {
+            others.push_back(nameOf(*group[i]));
+        }
+        text += wrapped("      the same: ", fmt::format("{}", fmt::join(others, ", ")));
     }
     return text;
 }
@@ -90,8 +136,8 @@ std::string adviceText(const AdviceReport& report, std::size_t shown, Colours co
                                               "explanations apart; {} bits of doubt stay.",
                                               bitsText(report.bits)));
     }
-    const std::size_t all = report.measurements.size();
-    const std::size_t count = shown == 0 ? all : std::min(shown, all);
+    const std::vector<Group> all = groups(report.measurements);
+    const std::size_t count = shown == 0 ? all.size() : std::min(shown, all.size());
     text +=
         wrapped("", fmt::format("The explanations leave {} bits of doubt. Best to measure next:",
                                 bitsText(report.bits))) +
@@ -100,10 +146,10 @@ std::string adviceText(const AdviceReport& report, std::size_t shown, Colours co
                       right("gained", bitsColumns)) +
         "\n";
     for (std::size_t i = 0; i < count; ++i) {
-        text += measurement(report.measurements[i], report.bits, colours);
+        text += measurement(all[i], report.bits, colours);
     }
-    if (count < all) {
-        text += colours.faint(fmt::format("  and {} more", all - count)) + "\n";
+    if (count < all.size()) {
+        text += colours.faint(fmt::format("  and {} more", all.size() - count)) + "\n";
     }
     if (report.useless > 0) {
         text += "\n" + wrapped("", fmt::format("{} would tell nothing.",

@@ -64,12 +64,12 @@ TEST(AdviceText, ReadsFromTheExplanationsToTheMeasurements)
 
 The explanations leave 1.000 bits of doubt. Best to measure next:
 
-  measure                                  bits left    gained
-  pump.flow (FT-1)                             0.000     1.000
-      zero                          50.0 %     0.000    #2 100 %
-      some                          50.0 %     0.000    #1 100 %
-  pump.noise                                   0.500     0.500
-      loud                           100 %     0.500    #1 75.0 %, #2 25.0 %
+  measure                            bits left    gained
+  pump.flow (FT-1)                       0.000     1.000
+      zero                    50.0 %     0.000    #2 100 %
+      some                    50.0 %     0.000    #1 100 %
+  pump.noise                             0.500     0.500
+      loud                     100 %     0.500    #1 75.0 %, #2 25.0 %
 
 7 other variables would tell nothing.
 )");
@@ -78,6 +78,28 @@ The explanations leave 1.000 bits of doubt. Best to measure next:
 TEST(AdviceText, SaysHowManyMeasurementsAreNotShown)
 {
     EXPECT_NE(report::adviceText(advice(), 1, report::Colours(false)).find("  and 1 more\n"),
+              std::string::npos);
+}
+
+TEST(AdviceText, ShowsMeasurementsThatTellTheSameAsOne)
+{
+    report::AdviceReport report = advice();
+    report::MeasurementReport same = report.measurements.front();
+    same.variable = "pump.valve";
+    same.channel.reset();
+    same.outcomes = {{"shut", 0.5, 0.0, {{1, 1.0}}}, {"open", 0.5, 0.0, {{2, 1.0}}}};
+    report.measurements.push_back(same);
+    const std::string text = report::adviceText(report, 1, report::Colours(false));
+    EXPECT_NE(text.find("#1 100 %\n      the same: pump.valve\n  and 1 more\n"), std::string::npos)
+        << text;
+}
+
+TEST(AdviceText, NeverShowsSomeDoubtAsNone)
+{
+    report::AdviceReport report = advice();
+    report.bits = 0.0001;
+    EXPECT_NE(report::adviceText(report, 1, report::Colours(false))
+                  .find("The explanations leave <0.001 bits of doubt."),
               std::string::npos);
 }
 
