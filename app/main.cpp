@@ -1,9 +1,12 @@
 // The program itms: finds the verb, lets it do its work, and turns what comes of it into an exit status.
+#include "app/Advise.h"
 #include "app/Arguments.h"
 #include "app/Check.h"
 #include "app/Diagnose.h"
 #include "app/Fmt.h"
 #include "app/Output.h"
+#include "app/Query.h"
+#include "app/Trace.h"
 #include "language/SourceError.h"
 
 #include <algorithm>
@@ -21,9 +24,12 @@ constexpr const char* helpText = R"(Usage: itms VERB [options] FILES
 Tracks what a system is doing and explains what went wrong.
 
 Verbs:
+  advise         tells which variable to measure next
   check          reports all that is wrong with model files, or their size
   diagnose       finds the faulty gates of a circuit from its inputs and outputs
   fmt            lays model files out in the one way
+  query          tells at which steps a formula holds
+  trace          prints the engine's own trace of a step
 
 Options:
   -h, --help     print this; after a verb, all about the verb
@@ -75,13 +81,19 @@ ExitStatus run(int argc, char** argv, std::string& name)
     program.formatter_fn(
         [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return helpText; });
     program.set_version_flag("--version", "itms " ITMS_VERSION);
+    app::AdviseOptions advise;
     app::CheckOptions check;
     app::DiagnoseOptions diagnose;
     app::FmtOptions fmt;
+    app::QueryOptions query;
+    app::TraceOptions trace;
     const std::vector<Verb> verbs{
+        {app::addAdvise(program, advise), [&advise] { return app::advise(advise); }},
         {app::addCheck(program, check), [&check] { return app::check(check); }},
         {app::addDiagnose(program, diagnose), [&diagnose] { return app::diagnose(diagnose); }},
         {app::addFmt(program, fmt), [&fmt] { return app::fmt(fmt); }},
+        {app::addQuery(program, query), [&query] { return app::query(query); }},
+        {app::addTrace(program, trace), [&trace] { return app::trace(trace); }},
     };
     const auto chosen = [&verbs] {
         return std::find_if(verbs.begin(), verbs.end(),
