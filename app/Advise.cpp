@@ -27,8 +27,8 @@ What to ask:
 
 What to print:
   -n N                      the N best measurements (default 5; 0: all)
-  --format table|json       table: for people, the default on a terminal; json:
-                            one JSON record, default otherwise
+  --format table|jsonl|json table: for people, the default on a terminal; jsonl
+                            and json: one JSON record, default otherwise
   --color always|never|auto colours in the table (default auto: as NO_COLOR,
                             CLICOLOR_FORCE, CLICOLOR say, else on a terminal)
   -q, --quiet               no warnings on standard error
@@ -70,7 +70,7 @@ CLI::App* addAdvise(CLI::App& program, AdviseOptions& options)
     verb->add_flag("--modes", options.modes);
     verb->add_option("-n", options.shown)
         ->check(wholeNumber(0, std::numeric_limits<std::uint32_t>::max()));
-    verb->add_option("--format", options.format)->check(oneOf({"table", "json"}));
+    verb->add_option("--format", options.format)->check(oneOf({"table", "jsonl", "json"}));
     verb->add_option("--color", options.colour)->check(oneOf({"always", "never", "auto"}));
     return verb;
 }

@@ -4,6 +4,8 @@
 #include "app/Output.h"
 
 #include <fmt/format.h>
+#include <iostream>
+#include <streambuf>
 
 namespace app {
 
@@ -30,14 +32,39 @@ Exit status: 0 done; 2 an error in the command line, the model or the telemetry;
 130 interrupted.
 
 Example:
-  itms trace examples/water/station.itms examples/water/stuck-valve.jsonl --step 3
+  itms trace examples/water/station.itms examples/water/stuck-valve.jsonl --step 11
 )";
 
-// Counts on what a failed stream does not do: to write.
-void unmuteTrace()
-{
-    std::cout.clear();
-}
+// Hands on what the engine writes, and knows whether that was anything. While it lives, std::cout writes here.
+class TraceBuffer : public std::streambuf {
+public:
+    TraceBuffer() : target_(std::cout.rdbuf()) {}
+    ~TraceBuffer() override { std::cout.rdbuf(target_); }
+    TraceBuffer(const TraceBuffer&) = delete;
+    TraceBuffer& operator=(const TraceBuffer&) = delete;
+
+    // Also ends the failed state in which the trace is muted.
+    void open() { std::cout.rdbuf(this); }
+    bool empty() const { return empty_; }
+
+protected:
+    int_type overflow(int_type character) override
+    {
+        if (traits_type::eq_int_type(character, traits_type::eof())) return target_->pubsync();
+        empty_ = false;
+        return target_->sputc(traits_type::to_char_type(character));
+    }
+    std::streamsize xsputn(const char* text, std::streamsize count) override
+    {
+        empty_ = empty_ && count == 0;
+        return target_->sputn(text, count);
+    }
+    int sync() override { return target_->pubsync(); }
+
+private:
+    std::streambuf* target_;
+    bool empty_ = true;
+};
 
 void checkWritten()
 {
@@ -70,14 +97,15 @@ ExitStatus trace(const TraceOptions& options)
     TrackRun track("trace", options.track, options.setup);
     if (options.setup) checkWritten();
     muteTrace();
-    track.takeUntil(options.step, unmuteTrace);
+    TraceBuffer buffer;
+    track.takeUntil(options.step, [&buffer] { buffer.open(); });
     if (interruption()) return ExitStatus::interrupted;
     checkWritten();
     const monitor::TrackAnswer& answer = track.answer();
     const bool explained = answer.complete && answer.status != monitor::TrackStatus::inconsistent;
-    if (answer.work.records == 0 && !options.track.quiet) {
-        complain(fmt::format("itms trace: step {} was not searched{}\n", answer.step,
-                             explained ? ": it is as expected" : ""));
+    if (buffer.empty() && !options.track.quiet) {
+        complain(fmt::format("itms trace: the engine did not search step {}{}\n", answer.step,
+                             answer.work.records == 0 && explained ? ": it is as expected" : ""));
     }
     return explained ? ExitStatus::done : ExitStatus::unexplained;
 }

@@ -53,6 +53,7 @@ public:
     const monitor::TrackAnswer& answer() const { return tracker_.answer(); }
 
     ModelFile& model() { return model_; }
+    itms& engine() { return model_.engine(); }
     const monitor::Plant& plant() const { return model_.plant(); }
     monitor::Tracker& tracker() { return tracker_; }
     telemetry::StepReader& reader() { return reader_; }
