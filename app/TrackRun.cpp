@@ -3,6 +3,7 @@
 #include "app/Arguments.h"
 #include "app/Interruption.h"
 #include "app/Output.h"
+#include "report/Text.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -114,9 +115,10 @@ void TrackRun::takeUntil(std::optional<std::size_t> wanted, const std::function<
         taken = step_.number;
     }
     if (interruption() || (taken > 0 && (!wanted || taken == *wanted))) return;
-    const std::string end = taken == 0 ? "the telemetry has no steps"
-                                       : fmt::format("the telemetry ends with step {}", taken);
-    throw Failure(wanted ? fmt::format("step {}: {}\n", *wanted, end) : end + "\n");
+    if (taken == 0) throw Failure("the telemetry has no steps\n  expected: one at least\n");
+    throw Failure(fmt::format("there is no step {}: the telemetry has {}\n"
+                              "  expected: --step 1 to --step {}\n",
+                              *wanted, report::counted(taken, "step"), taken));
 }
 
 monitor::TrackInput trackInput(const monitor::Plant& plant, const language::Bindings& bindings,
