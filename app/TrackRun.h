@@ -52,7 +52,7 @@ public:
     const monitor::TrackInput& input() const { return input_; }
     const monitor::TrackAnswer& answer() const { return tracker_.answer(); }
 
-    ModelFile& model() { return model_; }
+    const ModelFile& model() const { return model_; }
     itms& engine() { return model_.engine(); }
     const monitor::Plant& plant() const { return model_.plant(); }
     monitor::Tracker& tracker() { return tracker_; }

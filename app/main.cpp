@@ -3,11 +3,15 @@
 #include "app/Arguments.h"
 #include "app/Check.h"
 #include "app/Diagnose.h"
+#include "app/Export.h"
 #include "app/Fmt.h"
 #include "app/Output.h"
 #include "app/Query.h"
+#include "app/Run.h"
+#include "app/Simulate.h"
 #include "app/Trace.h"
 #include "language/SourceError.h"
+#include "telemetry/LineReader.h"
 
 #include <algorithm>
 #include <csignal>
@@ -27,8 +31,11 @@ Verbs:
   advise         tells which variable to measure next
   check          reports all that is wrong with model files, or their size
   diagnose       finds the faulty gates of a circuit from its inputs and outputs
+  export         writes a model as data for other programs
   fmt            lays model files out in the one way
   query          tells at which steps a formula holds
+  run            the diagnosis of a plant step by step, from its telemetry
+  simulate       stands in for a modelled plant: commands in, telemetry out
   trace          prints the engine's own trace of a step
 
 Options:
@@ -84,15 +91,21 @@ ExitStatus run(int argc, char** argv, std::string& name)
     app::AdviseOptions advise;
     app::CheckOptions check;
     app::DiagnoseOptions diagnose;
+    app::ExportOptions exported;
     app::FmtOptions fmt;
     app::QueryOptions query;
+    app::RunOptions runOptions;
+    app::SimulateOptions simulate;
     app::TraceOptions trace;
     const std::vector<Verb> verbs{
         {app::addAdvise(program, advise), [&advise] { return app::advise(advise); }},
         {app::addCheck(program, check), [&check] { return app::check(check); }},
         {app::addDiagnose(program, diagnose), [&diagnose] { return app::diagnose(diagnose); }},
+        {app::addExport(program, exported), [&exported] { return app::exportModel(exported); }},
         {app::addFmt(program, fmt), [&fmt] { return app::fmt(fmt); }},
         {app::addQuery(program, query), [&query] { return app::query(query); }},
+        {app::addRun(program, runOptions), [&runOptions] { return app::run(runOptions); }},
+        {app::addSimulate(program, simulate), [&simulate] { return app::simulate(simulate); }},
         {app::addTrace(program, trace), [&trace] { return app::trace(trace); }},
     };
     const auto chosen = [&verbs] {
@@ -135,6 +148,8 @@ int main(int argc, char** argv)
     try {
         return static_cast<int>(run(argc, argv, name));
     } catch (const app::FileFailure& failure) {
+        app::complain(failure.what());
+    } catch (const telemetry::ReadFailure& failure) {
         app::complain(failure.what());
     } catch (const app::Failure& failure) {
         app::complain(fmt::format("{}: {}", name, failure.what()));

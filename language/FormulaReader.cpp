@@ -2,7 +2,7 @@
 
 #include "language/FormulaTranslator.h"
 #include "language/Parser.h"
-#include "language/PlantNames.h"
+#include "language/PlantPaths.h"
 #include "language/Types.h"
 
 #include <algorithm>
@@ -30,7 +30,7 @@ std::vector<std::string_view> valuesOf(const StateVar& variable)
 // Finds what is wrong with the names of a formula.
 class NameChecks {
 public:
-    NameChecks(const PlantNames& names, Report& report) : names_(names), report_(report) {}
+    NameChecks(const PlantPaths& names, Report& report) : names_(names), report_(report) {}
 
     void check(const syntax::Formula& formula)
     {
@@ -105,7 +105,7 @@ private:
                           listed(valuesOf(right)));
     }
 
-    const PlantNames& names_;
+    const PlantPaths& names_;
     Report& report_;
 };
 
@@ -116,7 +116,7 @@ LawFormula negationOf(LawFormula formula)
     return LawFormula::make(LawFormula::Kind::negation, std::move(operands));
 }
 
-std::optional<FormulaClauses> clausesOf(const syntax::Formula& formula, const PlantNames& names,
+std::optional<FormulaClauses> clausesOf(const syntax::Formula& formula, const PlantPaths& names,
                                         Report& report)
 {
     const auto find = [&](const syntax::Path& path) { return names.find(path, report); };
@@ -148,7 +148,7 @@ ReadFormula readFormula(const std::string& text, const Model& model, const std::
     if (!parsed.formula) return read;
     constexpr std::size_t mostErrors = 100;
     Report report(sources, mostErrors);
-    const PlantNames names(model, system);
+    const PlantPaths names(model, system);
     NameChecks(names, report).check(*parsed.formula);
     if (!report.failed()) read.formula = clausesOf(*parsed.formula, names, report);
     read.errors = report.errors();

@@ -1,168 +1,140 @@
 #include "language/PlantNames.h"
 
-#include "language/ModelBuilder.h"
-#include "language/Numbers.h"
-
-#include <algorithm>
+#include "language/Types.h"
 
 namespace language {
 
 namespace {
 
-bool hasName(const syntax::Expression& expression)
+std::string hintOf(const JsonNode& node, std::string_view name,
+                   const std::vector<std::string_view>& known)
 {
-    return expression.kind == syntax::Expression::Kind::name ||
-           std::any_of(expression.operands.begin(), expression.operands.end(), hasName);
+    return node.worthAHint() ? didYouMean(name, known) : "";
+}
+
+Atom* valueNamed(const JsonNode& node, const StateVar& variable, std::string_view name)
+{
+    for (Atom* atom : *variable.atomLinks) {
+        if (atom->value == name) return atom;
+    }
+    std::vector<std::string_view> values;
+    for (const Atom* atom : *variable.atomLinks) {
+        values.push_back(atom->value);
+    }
+    node.error(language::quoted(name) + " is not a value of " +
+                   language::quoted(variable.comp->name + "." + variable.name),
+               listed(values), hintOf(node, name, values));
+    return nullptr;
 }
 
 } // namespace
 
-StateVar* variableNamed(const Comp* component, const std::string& name)
+void PlantNames::add(Comp* component, std::size_t index)
 {
-    if (!component) return nullptr;
-    const auto& variables = *component->stateVars;
-    const auto found = std::find_if(variables.begin(), variables.end(),
-                                    [&](const StateVar* other) { return other->name == name; });
-    return found == variables.end() ? nullptr : *found;
+    components_.insert({component->name, {component, index, false, {}}});
+    names_.push_back(component->name);
 }
 
-PlantNames::PlantNames(const Model& model, const std::string& system) : system_(system)
+std::optional<std::size_t> PlantNames::indexOf(std::string_view component) const
 {
-    for (const auto& component : model.components()) {
-        if (component->name == system) {
-            root_.component = component.get();
-            continue;
-        }
-        Part* part = &root_;
-        for (std::size_t begin = 0; begin != std::string::npos;) {
-            const std::size_t end = component->name.find('/', begin);
-            part = &makePart(*part, component->name.substr(begin, end - begin));
-            begin = end == std::string::npos ? end : end + 1;
-        }
-        part->component = component.get();
+    const auto found = components_.find(component);
+    if (found == components_.end()) return std::nullopt;
+    return found->second.index;
+}
+
+void PlantNames::add(StateVar* variable)
+{
+    components_.at(variable->comp->name).variables.insert({variable->name, variable});
+}
+
+void PlantNames::noteUnread(const Comp* component)
+{
+    if (component) {
+        components_.at(component->name).unread = true;
+    } else {
+        unread_ = true;
     }
 }
 
-PlantNames::Part& PlantNames::makePart(Part& parent, const std::string& name)
+Comp* PlantNames::component(const JsonNode& node) const
 {
-    const auto [entry, isNew] = parent.parts.try_emplace(name);
-    if (isNew) {
-        entry->second = std::make_unique<Part>();
-        const std::size_t bracket = name.find('[');
-        const std::string base = name.substr(0, bracket);
-        if (bracket == std::string::npos || ++parent.counts[base] == 1) {
-            parent.names.push_back(base);
-        }
-    }
-    return *entry->second;
+    const auto name = node.text();
+    const Entry* found = name ? entryNamed(node, *name) : nullptr;
+    return found ? found->component : nullptr;
 }
 
-StateVar* PlantNames::find(const syntax::Path& path, Report& report) const
+StateVar* PlantNames::variable(const JsonNode& node) const
 {
-    const Part* here = &root_;
-    std::size_t i = 0;
-    const syntax::Segment& front = path.segments.front();
-    if (path.segments.size() > 1 && !front.index && front.name.text == system_ &&
-        !root_.parts.contains(system_)) {
-        i = 1;
-    }
-    std::string owner;
-    for (; i + 1 < path.segments.size(); ++i) {
-        const syntax::Segment& segment = path.segments[i];
-        if (variableNamed(here->component, segment.name.text)) {
-            report.error(segment.name.range,
-                         quoted(segment.name.text) + " is a variable, and has no parts");
-            return nullptr;
-        }
-        here = step(*here, segment, owner, report);
-        if (!here) return nullptr;
-        owner = segment.name.text;
-    }
-    const syntax::Segment& last = path.segments.back();
-    StateVar* variable = variableNamed(here->component, last.name.text);
-    if (variable && last.index) {
-        report.error(last.name.range, quoted(last.name.text) + " is a variable, not an array");
+    const auto name = node.text();
+    return name ? variableNamed(node, *name) : nullptr;
+}
+
+Atom* PlantNames::atom(const JsonNode& node) const
+{
+    const auto name = node.text();
+    return name ? atomNamed(node, *name) : nullptr;
+}
+
+Atom* PlantNames::literal(const JsonNode& node, bool& negated) const
+{
+    const auto text = node.text();
+    if (!text) return nullptr;
+    std::string_view name = *text;
+    negated = name.starts_with('!');
+    if (negated) name.remove_prefix(1);
+    return atomNamed(node, name);
+}
+
+Atom* PlantNames::value(const JsonNode& node, const StateVar& variable)
+{
+    const auto name = node.text();
+    return name ? valueNamed(node, variable, *name) : nullptr;
+}
+
+Atom* PlantNames::atomNamed(const JsonNode& node, std::string_view name) const
+{
+    const std::size_t equals = name.find('=');
+    if (equals == std::string_view::npos) {
+        node.error("found " + language::quoted(name), "COMPONENT.VARIABLE=VALUE");
         return nullptr;
     }
-    if (variable) return variable;
-    if (const Part* part = step(*here, last, owner, report)) {
-        report.error(path.range, quoted(last.name.text) + " is a part, not a variable",
-                     "a variable of it: " + last.name.text + ". and " + listed(namesIn(*part)));
+    const StateVar* variable = variableNamed(node, name.substr(0, equals));
+    return variable ? valueNamed(node, *variable, name.substr(equals + 1)) : nullptr;
+}
+
+StateVar* PlantNames::variableNamed(const JsonNode& node, std::string_view name) const
+{
+    const std::size_t dot = name.find('.');
+    if (dot == std::string_view::npos) {
+        node.error("found " + language::quoted(name), "COMPONENT.VARIABLE");
+        return nullptr;
     }
+    const Entry* owner = entryNamed(node, name.substr(0, dot));
+    if (!owner) return nullptr;
+    const std::string_view wanted = name.substr(dot + 1);
+    const auto found = owner->variables.find(wanted);
+    if (found != owner->variables.end()) return found->second;
+    if (owner->unread) return nullptr;
+    std::vector<std::string_view> known;
+    for (const StateVar* variable : *owner->component->stateVars) {
+        known.push_back(variable->name);
+    }
+    node.error(language::quoted(wanted) + " is not a variable of " +
+                   language::quoted(owner->component->name),
+               known.empty() ? "" : listed(known), hintOf(node, wanted, known));
     return nullptr;
 }
 
-const PlantNames::Part* PlantNames::step(const Part& from, const syntax::Segment& segment,
-                                         const std::string& owner, Report& report) const
+const PlantNames::Entry* PlantNames::entryNamed(const JsonNode& node, std::string_view name) const
 {
-    const std::string& name = segment.name.text;
-    const auto array = from.counts.find(name);
-    if (array != from.counts.end() && !segment.index) {
-        report.error(segment.name.range, quoted(name) + " is an array of parts",
-                     "one of them: " + name + "[0], ...");
-        return nullptr;
+    const auto found = components_.find(name);
+    if (found != components_.end()) return &found->second;
+    if (!unread_) {
+        node.error("no component is called " + language::quoted(name),
+                   names_.empty() ? "" : "a component: " + listed(names_),
+                   hintOf(node, name, names_));
     }
-    if (array != from.counts.end()) return element(from, segment, array->second, report);
-    const auto part = from.parts.find(name);
-    if (part == from.parts.end()) {
-        reportUnknown(from, segment, owner, report);
-        return nullptr;
-    }
-    if (segment.index) {
-        report.error(segment.name.range, quoted(name) + " is not an array of parts",
-                     name + " without an index");
-        return nullptr;
-    }
-    return part->second.get();
-}
-
-const PlantNames::Part* PlantNames::element(const Part& from, const syntax::Segment& segment,
-                                            std::size_t count, Report& report) const
-{
-    if (hasName(*segment.index)) {
-        report.error(segment.index->range, "an index that is not a number",
-                     "a number: constants and the indices of loops are not known here");
-        return nullptr;
-    }
-    const Types none;
-    const auto index =
-        evaluateWhole(*segment.index, {none, {}}, report, 0, static_cast<long>(count) - 1,
-                      "the index of " + quoted(segment.name.text));
-    if (!index) return nullptr;
-    return from.parts.at(segment.name.text + "[" + std::to_string(*index) + "]").get();
-}
-
-void PlantNames::reportUnknown(const Part& from, const syntax::Segment& segment,
-                               const std::string& owner, Report& report) const
-{
-    const std::string& name = segment.name.text;
-    const std::vector<std::string_view> known = namesIn(from);
-    std::string hint = didYouMean(name, known);
-    if (hint.empty() && from.component) {
-        for (const StateVar* variable : *from.component->stateVars) {
-            if (value(variable, name)) {
-                hint = "it is a value of " + quoted(variable->name) + ": write " + variable->name +
-                       " = " + name;
-                break;
-            }
-        }
-    }
-    report.error(segment.name.range,
-                 owner.empty() ? quoted(name) + " is not known in " + quoted(system_)
-                               : quoted(owner) + " has no variable or part " + quoted(name),
-                 "a variable or part: " + listed(known), hint);
-}
-
-std::vector<std::string_view> PlantNames::namesIn(const Part& part)
-{
-    std::vector<std::string_view> names;
-    if (part.component) {
-        for (const StateVar* variable : *part.component->stateVars) {
-            names.emplace_back(variable->name);
-        }
-    }
-    names.insert(names.end(), part.names.begin(), part.names.end());
-    return names;
+    return nullptr;
 }
 
 } // namespace language

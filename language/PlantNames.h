@@ -1,54 +1,51 @@
-// The names of a built model as a tree: the system, its parts, their parts, and the variables of each.
+// The names of a plant's components, variables and values, as JSON models refer to them.
 #pragma once
 
+#include "language/JsonNode.h"
 #include "language/Model.h"
-#include "language/Report.h"
 
-#include <memory>
-#include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
+#include <unordered_set>
 
 namespace language {
 
-/// Finds variables by their paths. The model outlives it.
+/// Finds what texts name: `valve`, `valve.position`, `valve.position=open`. What is unknown is reported with the nearest name,
+/// unless a part of the plant that could not be read may have had it.
 class PlantNames {
 public:
-    /// Linear in the names of the components.
-    PlantNames(const Model& model, const std::string& system);
+    /// The component's name must be new; `index` is its number in the list.
+    void add(Comp* component, std::size_t index);
+    void add(StateVar* variable);
+    /// Something of the component, or in the whole plant when null, was reported and left out.
+    void noteUnread(const Comp* component);
 
-    /// The variable of a path as seen from the system, whose name may stand in front; indices are numbers. Null when there
-    /// is none, which is reported.
-    StateVar* find(const syntax::Path& path, Report& report) const;
+    /// The number that the component of this name was given.
+    std::optional<std::size_t> indexOf(std::string_view component) const;
 
-    /// What a path may begin with: the system's own variables, then its parts; an array once.
-    std::vector<std::string_view> first() const { return namesIn(root_); }
+    Comp* component(const JsonNode& node) const;
+    StateVar* variable(const JsonNode& node) const;
+    Atom* atom(const JsonNode& node) const;
+    /// An atom, with `!` before it when it is negated. True in `negated` then.
+    Atom* literal(const JsonNode& node, bool& negated) const;
+    /// The value of a variable by its own text.
+    static Atom* value(const JsonNode& node, const StateVar& variable);
 
 private:
-    struct Part {
-        const Comp* component = nullptr; ///< null: nothing but parts in it
-        std::vector<std::string> names;  ///< of its parts, in the model's order; of an array once
-        std::unordered_map<std::string, std::unique_ptr<Part>>
-            parts; ///< by name, of an array by name and index: `cell[3]`
-        std::unordered_map<std::string, std::size_t> counts; ///< of its arrays, by name
+    struct Entry {
+        Comp* component = nullptr;
+        std::size_t index = 0;
+        bool unread = false;
+        std::unordered_map<std::string_view, StateVar*> variables;
     };
 
-    Part& makePart(Part& parent, const std::string& name);
-    // `owner` is the name of the part `from`, empty for the system.
-    const Part* step(const Part& from, const syntax::Segment& segment, const std::string& owner,
-                     Report& report) const;
-    const Part* element(const Part& from, const syntax::Segment& segment, std::size_t count,
-                        Report& report) const;
-    void reportUnknown(const Part& from, const syntax::Segment& segment, const std::string& owner,
-                       Report& report) const;
-    static std::vector<std::string_view> namesIn(const Part& part);
+    Atom* atomNamed(const JsonNode& node, std::string_view name) const;
+    StateVar* variableNamed(const JsonNode& node, std::string_view name) const;
+    const Entry* entryNamed(const JsonNode& node, std::string_view name) const;
 
-    std::string system_;
-    Part root_;
+    std::unordered_map<std::string_view, Entry> components_;
+    std::vector<std::string_view> names_; ///< of components, in their order
+    bool unread_ = false;
 };
-
-/// The variable with that name, or null.
-StateVar* variableNamed(const Comp* component, const std::string& name);
 
 } // namespace language
