@@ -81,6 +81,15 @@ TEST_F(FormulaReader, TakesNamesAsTheProgramPrintsThem)
     EXPECT_EQ(clauses("Station.pressure=low"), "Station.pressure=low");
 }
 
+TEST_F(FormulaReader, FindsTheSystemsVariablesByTheNameOfTheirComponentWhereTheSystemHasNone)
+{
+    const auto read = language::readFormula("Station.pressure = low", *model_.model, "");
+    ASSERT_TRUE(read.formula) << read.errors.front().format();
+    EXPECT_EQ(read.formula->clauses.front().front().atom->id, "Station.pressure=low");
+    EXPECT_EQ(language::readFormula("presure = low", *model_.model, "").errors.front().message,
+              "'presure' is not known in the model");
+}
+
 TEST_F(FormulaReader, ComputesAnIndex)
 {
     EXPECT_EQ(clauses("branch.pair[4 / 2 - 1].outflow = zero"), "branch/pair[1].outflow=zero");
