@@ -3,6 +3,7 @@
 #include "app/Arguments.h"
 #include "app/Interruption.h"
 #include "app/Output.h"
+#include "report/Text.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -14,6 +15,7 @@ namespace {
 
 constexpr std::uint64_t mostFaults = 1000;
 constexpr std::uint64_t mostSteps = 100000;
+constexpr std::uint64_t mostStepNumber = std::uint64_t{1} << 53;
 
 const std::string& telemetryOf(const std::string& verb, const TrackOptions& options)
 {
@@ -71,6 +73,11 @@ void addTrackOptions(CLI::App& verb, TrackOptions& options)
     verb.add_flag("-q,--quiet", options.quiet);
 }
 
+void addStepOption(CLI::App& verb, std::optional<std::size_t>& step)
+{
+    verb.add_option("--step", step)->check(wholeNumber(1, mostStepNumber));
+}
+
 TrackRun::TrackRun(const std::string& verb, const TrackOptions& options, bool trace)
     : model_(verb, options.model, options.quiet, trace), skipBad_(options.skipBad),
       reader_(telemetryOf(verb, options), *model_.read().model, model_.bindings(),
@@ -97,6 +104,21 @@ bool TrackRun::next()
         return true;
     }
     return false;
+}
+
+void TrackRun::takeUntil(std::optional<std::size_t> wanted, const std::function<void()>& before)
+{
+    std::size_t taken = 0;
+    while (!wanted || taken < *wanted) {
+        if (wanted && taken + 1 == *wanted && before) before();
+        if (!next()) break;
+        taken = step_.number;
+    }
+    if (interruption() || (taken > 0 && (!wanted || taken == *wanted))) return;
+    if (taken == 0) throw Failure("the telemetry has no steps\n  expected: one at least\n");
+    throw Failure(fmt::format("there is no step {}: the telemetry has {}\n"
+                              "  expected: --step 1 to --step {}\n",
+                              *wanted, report::counted(taken, "step"), taken));
 }
 
 monitor::TrackInput trackInput(const monitor::Plant& plant, const language::Bindings& bindings,

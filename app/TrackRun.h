@@ -5,6 +5,9 @@
 #include "monitor/Tracker.h"
 #include "telemetry/StepReader.h"
 
+#include <functional>
+#include <optional>
+
 namespace app {
 
 /// What the command line says about model, telemetry and how to search.
@@ -24,6 +27,9 @@ struct TrackOptions {
 /// Enters the arguments `model` and `telemetry` and the options that all these verbs have.
 void addTrackOptions(CLI::App& verb, TrackOptions& options);
 
+/// Enters --step, for the verbs that are about one step.
+void addStepOption(CLI::App& verb, std::optional<std::size_t>& step);
+
 /// The lines of the verbs' help about them.
 extern const char* const trackHelp;
 
@@ -37,12 +43,17 @@ public:
     /// with `skipBad` it is reported on standard error, counted and passed over.
     bool next();
 
+    /// Takes steps up to that one, or up to the last. `before` is called before it is taken. Throws Failure when the telemetry
+    /// has no such step, or none at all, unless a signal has come.
+    void takeUntil(std::optional<std::size_t> wanted, const std::function<void()>& before = {});
+
     /// The step that was taken last, and what is believed after it.
     const telemetry::Step& step() const { return step_; }
     const monitor::TrackInput& input() const { return input_; }
     const monitor::TrackAnswer& answer() const { return tracker_.answer(); }
 
     const ModelFile& model() const { return model_; }
+    itms& engine() { return model_.engine(); }
     const monitor::Plant& plant() const { return model_.plant(); }
     monitor::Tracker& tracker() { return tracker_; }
     telemetry::StepReader& reader() { return reader_; }

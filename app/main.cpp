@@ -1,12 +1,15 @@
 // The program itms: finds the verb, lets it do its work, and turns what comes of it into an exit status.
+#include "app/Advise.h"
 #include "app/Arguments.h"
 #include "app/Check.h"
 #include "app/Diagnose.h"
 #include "app/Export.h"
 #include "app/Fmt.h"
 #include "app/Output.h"
+#include "app/Query.h"
 #include "app/Run.h"
 #include "app/Simulate.h"
+#include "app/Trace.h"
 #include "language/SourceError.h"
 #include "telemetry/LineReader.h"
 
@@ -25,12 +28,15 @@ constexpr const char* helpText = R"(Usage: itms VERB [options] FILES
 Tracks what a system is doing and explains what went wrong.
 
 Verbs:
+  advise         tells which variable to measure next
   check          reports all that is wrong with model files, or their size
   diagnose       finds the faulty gates of a circuit from its inputs and outputs
   export         writes a model as data for other programs
   fmt            lays model files out in the one way
+  query          tells at which steps a formula holds
   run            the diagnosis of a plant step by step, from its telemetry
   simulate       stands in for a modelled plant: commands in, telemetry out
+  trace          prints the engine's own trace of a step
 
 Options:
   -h, --help     print this; after a verb, all about the verb
@@ -82,19 +88,25 @@ ExitStatus run(int argc, char** argv, std::string& name)
     program.formatter_fn(
         [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return helpText; });
     program.set_version_flag("--version", "itms " ITMS_VERSION);
+    app::AdviseOptions advise;
     app::CheckOptions check;
     app::DiagnoseOptions diagnose;
     app::ExportOptions exported;
     app::FmtOptions fmt;
+    app::QueryOptions query;
     app::RunOptions runOptions;
     app::SimulateOptions simulate;
+    app::TraceOptions trace;
     const std::vector<Verb> verbs{
+        {app::addAdvise(program, advise), [&advise] { return app::advise(advise); }},
         {app::addCheck(program, check), [&check] { return app::check(check); }},
         {app::addDiagnose(program, diagnose), [&diagnose] { return app::diagnose(diagnose); }},
         {app::addExport(program, exported), [&exported] { return app::exportModel(exported); }},
         {app::addFmt(program, fmt), [&fmt] { return app::fmt(fmt); }},
+        {app::addQuery(program, query), [&query] { return app::query(query); }},
         {app::addRun(program, runOptions), [&runOptions] { return app::run(runOptions); }},
         {app::addSimulate(program, simulate), [&simulate] { return app::simulate(simulate); }},
+        {app::addTrace(program, trace), [&trace] { return app::trace(trace); }},
     };
     const auto chosen = [&verbs] {
         return std::find_if(verbs.begin(), verbs.end(),

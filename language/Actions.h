@@ -39,6 +39,10 @@ inline void give(Formula&& formula, Formula& outer)
 {
     outer.operands.push_back(std::move(formula));
 }
+inline void give(Formula&& formula, std::optional<Formula>& alone)
+{
+    alone = std::move(formula);
+}
 inline void give(Formula&& formula, Law& law)
 {
     law.formula = std::move(formula);

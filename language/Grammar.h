@@ -82,6 +82,8 @@ struct formula
           opt<sor<if_must<implies_sign, disjunction>, if_must<equivalent_sign, disjunction>>>,
           no_second_arrow> {};
 
+struct lone_formula : seq<formula, must<eof>> {};
+
 // ---- variables
 
 struct mode_word : token<TokenKind::modeWord> {};

@@ -1,10 +1,9 @@
-// Formulas of the syntax tree as formulas over a plant's atoms, and laws as clauses of the model.
+// Laws of the syntax tree as clauses of the model.
 #pragma once
 
 #include "language/Elaboration.h"
-#include "language/NormalForm.h"
+#include "language/FormulaTranslator.h"
 
-#include <optional>
 #include <vector>
 
 namespace language {
@@ -13,32 +12,6 @@ namespace language {
 struct LawOrigin {
     syntax::Range range;
     const Instance* instance = nullptr;
-};
-
-/// Translates one formula that TypeChecks has found sound, in the scope of an instance.
-class FormulaTranslator {
-public:
-    FormulaTranslator(Elaboration& plant, Report& report) : plant_(plant), report_(report) {}
-
-    /// Nothing when an index is out of range, or the formula becomes too large (reported). With `negative`, it is made
-    /// for its negation to become clauses: equality of variables has a short form for either.
-    std::optional<LawFormula> translate(const syntax::Formula& formula, Instance& within,
-                                        const Environment& environment, bool negative = false);
-
-private:
-    std::optional<LawFormula> comparison(const syntax::Formula& formula, Instance& within,
-                                         const Environment& environment, bool negative);
-    std::optional<LawFormula> connective(const syntax::Formula& formula, Instance& within,
-                                         const Environment& environment, bool negative);
-    std::optional<LawFormula> equivalence(const syntax::Formula& formula, Instance& within,
-                                          const Environment& environment, bool negative);
-
-    bool comparesVariables(const syntax::Formula& formula, Instance& within,
-                           const Environment& environment);
-
-    Elaboration& plant_;
-    Report& report_;
-    std::size_t size_ = 0; ///< nodes of the formula so far
 };
 
 class LawBuilder {

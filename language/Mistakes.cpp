@@ -214,8 +214,10 @@ std::string advice(const TokenInput& in, const Token* begin, const Token* at,
 
 } // namespace
 
-Mistakes::Mistakes(const SourceText& source, const syntax::Limits& limits, const TokenList& list)
-    : source_(source), limits_(limits), openComment_(list.openComment), errors_(list.errors)
+Mistakes::Mistakes(const SourceText& source, const syntax::Limits& limits, const TokenList& list,
+                   std::string_view whole)
+    : source_(source), limits_(limits), openComment_(list.openComment), whole_(whole),
+      errors_(list.errors)
 {
 }
 
@@ -258,7 +260,7 @@ void Mistakes::report(const TokenInput& in, const Token* begin, std::size_t bloc
         if (endReported_) return; // a file that breaks off
         const Token& brace = *in.openBraces.back();
         const std::string where = at->kind == TokenKind::end
-                                      ? "the end of the file"
+                                      ? "the end of " + whole_
                                       : inQuotes(in, *at) + " in line " + std::to_string(at->line);
         add(rangeOf(brace), "a '{' without its '}'", {},
             "a '}' is missing before " + where + ", or earlier");
@@ -269,11 +271,11 @@ void Mistakes::report(const TokenInput& in, const Token* begin, std::size_t bloc
     if (at != begin && (at->firstOnLine || at->kind == TokenKind::end)) {
         const Token& last = at[-1];
         endReported_ = at->kind == TokenKind::end;
-        const char* what = at->kind == TokenKind::end ? "unexpected end of the file"
-                                                      : "unexpected end of the line";
+        const std::string what =
+            "unexpected end of " + (at->kind == TokenKind::end ? whole_ : "the line");
         add(source_.range(last.offset + last.length, 1), what + context, expected, {});
     } else if (at->kind == TokenKind::end) {
-        add(rangeOf(*at), "unexpected end of the file" + context, expected, {});
+        add(rangeOf(*at), "unexpected end of " + whole_ + context, expected, {});
     } else if (isWord(at->kind) && isExpected(expectations, TokenKind::name)) {
         add(rangeOf(*at), inQuotes(in, *at) + " is a word of the language", expected,
             "choose another name");

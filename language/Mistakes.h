@@ -14,7 +14,9 @@ struct TooManyMistakes {};
 /// Reports one mistake for a statement and passes over the statement. At bytes that are no token it reports nothing more.
 class Mistakes : public Recovery {
 public:
-    Mistakes(const SourceText& source, const syntax::Limits& limits, const TokenList& list);
+    /// `whole` is what messages call the text.
+    Mistakes(const SourceText& source, const syntax::Limits& limits, const TokenList& list,
+             std::string_view whole = "the file");
 
     void recover(TokenInput& in, const Token* begin, std::size_t blocks,
                  const Mistake& mistake) override;
@@ -31,6 +33,7 @@ private:
     const SourceText& source_;
     const syntax::Limits& limits_;
     bool openComment_;
+    std::string whole_;
     bool endReported_ = false; ///< a statement that the end of the file cuts off
     std::vector<SourceError> errors_;
 };

@@ -40,6 +40,17 @@ bool fits(const SourceText& source, const Limits& limits, std::vector<SourceErro
     return false;
 }
 
+// Outside of an index a formula divides nothing.
+void joinPathsBySlashes(std::vector<Token>& tokens)
+{
+    std::size_t brackets = 0;
+    for (Token& token : tokens) {
+        if (token.kind == TokenKind::openBracket) ++brackets;
+        if (token.kind == TokenKind::closeBracket && brackets > 0) --brackets;
+        if (token.kind == TokenKind::slash && brackets == 0) token.kind = TokenKind::dot;
+    }
+}
+
 } // namespace
 
 Text readText(const TokenInput::Span& span)
@@ -91,6 +102,29 @@ ParsedFile parse(const SourceText& source, const Limits& limits)
     } catch (const TooManyMistakes&) {
     }
     parsed.errors = mistakes.take();
+    return parsed;
+}
+
+ParsedFormula parseFormula(const SourceText& source, const Limits& limits)
+{
+    ParsedFormula parsed;
+    if (!fits(source, limits, parsed.errors)) return parsed;
+    TokenList list = tokenize(source, limits.nameLength, limits.errors);
+    if (list.tokens.size() == 1 && list.errors.empty()) {
+        parsed.errors.push_back(source.error(source.range(0, 1), "the formula is empty",
+                                             "such as valve.position = open"));
+        return parsed;
+    }
+    joinPathsBySlashes(list.tokens);
+    Mistakes mistakes(source, limits, list, "the formula");
+    TokenInput in(source, list.tokens, limits, mistakes);
+    try {
+        tao::pegtl::parse<grammar::recovering<grammar::lone_formula>, Action, Control>(
+            in, parsed.formula);
+    } catch (const TooManyMistakes&) {
+    }
+    parsed.errors = mistakes.take();
+    if (!parsed.errors.empty()) parsed.formula.reset();
     return parsed;
 }
 

@@ -12,6 +12,7 @@
 #include "language/SourceText.h"
 #include "language/Syntax.h"
 
+#include <optional>
 #include <vector>
 
 namespace language {
@@ -23,5 +24,14 @@ struct ParsedFile {
 
 /// Reads a model file. Never throws but std::bad_alloc, whatever the bytes.
 ParsedFile parse(const SourceText& source, const syntax::Limits& limits = {});
+
+struct ParsedFormula {
+    std::optional<syntax::Formula> formula; ///< null when there are errors
+    std::vector<SourceError> errors;
+};
+
+/// Reads a formula by itself. The names of a path may be joined by `/` as well as by `.`, since that is how the names of
+/// components are printed.
+ParsedFormula parseFormula(const SourceText& source, const syntax::Limits& limits = {});
 
 } // namespace language

@@ -65,6 +65,7 @@ private:
         if (!plant.run()) return;
         const double step = plant.stepSeconds();
         result_.bindings.stepSeconds = step;
+        result_.system = types_.system->name;
         LawBuilder laws(plant, builder_, report_, options_.expansion.lawClauses);
         TransitionBuilder transitions(plant, builder_, report_, step, options_.expansion.lawClauses);
         BindingBuilder channels(plant, files_, report_);

@@ -51,7 +51,8 @@ struct LawPlace {
 
 struct ReadResult {
     std::unique_ptr<Model> model; ///< null when there are errors, or nothing but components
-    Bindings bindings;            ///< of the model
+    std::string system; ///< its name, which the system's own variables have for that of a component
+    Bindings bindings;  ///< of the model
     std::vector<SourceError> errors;
     std::vector<SourceError> warnings;
     ModelSize size;

@@ -83,8 +83,9 @@ void TransitionBuilder::gather(const syntax::Transition& transition, Instance& i
 std::optional<std::vector<TransitionBuilder::Conjunction>> TransitionBuilder::alternativesOf(
     const syntax::Transition& transition, Instance& instance, const Environment& environment)
 {
-    FormulaTranslator translator(plant_, report_);
-    auto guard = translator.translate(*transition.guard, instance, environment, true);
+    FormulaTranslator translator(
+        [&](const syntax::Path& path) { return plant_.find(instance, path, environment); }, report_);
+    auto guard = translator.translate(*transition.guard, true);
     if (!guard) return std::nullopt;
     std::vector<LawFormula> operand;
     operand.push_back(std::move(*guard));

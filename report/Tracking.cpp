@@ -1,6 +1,9 @@
 #include "report/Tracking.h"
 
+#include "report/Text.h"
+
 #include <algorithm>
+#include <fmt/format.h>
 
 namespace report {
 
@@ -32,6 +35,14 @@ TrackedExplanation explanation(const monitor::Plant& plant, const monitor::Hypot
     return result;
 }
 
+std::string withSince(const DeviatingMode& mode)
+{
+    const std::string since =
+        mode.since == 0 ? std::string("from the beginning")
+                        : fmt::format("since{}step{}{}", unbreakable, unbreakable, mode.since);
+    return fmt::format("{}{}={}{} {}", mode.variable, unbreakable, unbreakable, mode.value, since);
+}
+
 } // namespace
 
 std::string variableName(const StateVar& variable)
@@ -59,6 +70,23 @@ StepReport stepReport(const monitor::Plant& plant, const monitor::TrackAnswer& a
         report.explanations.push_back(std::move(one));
     }
     return report;
+}
+
+std::string inWords(const TrackedExplanation& explanation)
+{
+    std::vector<std::string> items;
+    for (const DeviatingMode& mode : explanation.modes) {
+        items.push_back(withSince(mode));
+    }
+    for (const std::string& command : explanation.lost) {
+        items.push_back(command + " did not arrive");
+    }
+    std::string text =
+        items.empty() ? "nothing is wrong" : fmt::format("{}", fmt::join(items, "; "));
+    if (!explanation.unexplained.empty()) {
+        text += "; does not explain " + listed(explanation.unexplained);
+    }
+    return text;
 }
 
 std::size_t shownCount(const StepReport& report, const Shown& shown)

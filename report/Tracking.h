@@ -56,6 +56,10 @@ std::string variableName(const StateVar& variable);
 /// The report of an answer; gap and held readings, which the answer does not know, are left to the caller.
 StepReport stepReport(const monitor::Plant& plant, const monitor::TrackAnswer& answer);
 
+/// "valveB.position = stuckClosed since step 3; ...", or "nothing is wrong". Where no line is to be broken there are
+/// unbreakable spaces (report/Text.h).
+std::string inWords(const TrackedExplanation& explanation);
+
 /// How many of the explanations are shown.
 std::size_t shownCount(const StepReport& report, const Shown& shown);
 

@@ -10,6 +10,19 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+Json marginalsJson(const Marginals& marginals)
+{
+    Json variables = Json::object();
+    for (const auto& [variable, values] : marginals) {
+        for (const auto& [value, probability] : values) {
+            variables[variable][value] = sixDigits(probability);
+        }
+    }
+    return variables;
+}
+
+} // namespace
+
 Json explanationJson(const TrackedExplanation& explanation)
 {
     Json modes = Json::object();
@@ -25,19 +38,6 @@ Json explanationJson(const TrackedExplanation& explanation)
             {"lost", explanation.lost},
             {"unexplained", explanation.unexplained}};
 }
-
-Json marginalsJson(const Marginals& marginals)
-{
-    Json variables = Json::object();
-    for (const auto& [variable, values] : marginals) {
-        for (const auto& [value, probability] : values) {
-            variables[variable][value] = sixDigits(probability);
-        }
-    }
-    return variables;
-}
-
-} // namespace
 
 std::string stepJson(const StepReport& report, const Shown& shown)
 {

@@ -17,31 +17,6 @@ std::string time(double t)
     return fmt::format("{:.10g}", t);
 }
 
-std::string withSince(const DeviatingMode& mode)
-{
-    const std::string since =
-        mode.since == 0 ? std::string("from the beginning")
-                        : fmt::format("since{}step{}{}", unbreakable, unbreakable, mode.since);
-    return fmt::format("{}{}={}{} {}", mode.variable, unbreakable, unbreakable, mode.value, since);
-}
-
-std::string inWords(const TrackedExplanation& explanation)
-{
-    std::vector<std::string> items;
-    for (const DeviatingMode& mode : explanation.modes) {
-        items.push_back(withSince(mode));
-    }
-    for (const std::string& command : explanation.lost) {
-        items.push_back(command + " did not arrive");
-    }
-    std::string text =
-        items.empty() ? "nothing is wrong" : fmt::format("{}", fmt::join(items, "; "));
-    if (!explanation.unexplained.empty()) {
-        text += "; does not explain " + listed(explanation.unexplained);
-    }
-    return text;
-}
-
 // What must differ for a step to be worth its lines: of the explanations, the first one, and which others there are.
 std::string essence(const StepReport& report, std::size_t shown)
 {
