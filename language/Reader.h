@@ -47,6 +47,7 @@ struct LawPlace {
     std::uint32_t file = 0; ///< index in ReadResult::files
     std::uint32_t line = 0;
     std::uint32_t column = 0;
+    std::uint32_t text = 0; ///< index in ReadResult::lawTexts
 };
 
 struct ReadResult {
@@ -57,6 +58,8 @@ struct ReadResult {
     ModelSize size;
     std::vector<std::string> files;  ///< that were read, the main one first
     std::vector<LawPlace> lawPlaces; ///< of each of the model's laws(), in their order
+    /// The statements of the laws as they were written, in one line, each once: instances and turns of a loop share it.
+    std::vector<std::string> lawTexts;
 };
 
 /// Reads the model in a file. Its base name is the path without the suffix, so that its implicates are read from the file
