@@ -2,6 +2,7 @@
 #include "app/Arguments.h"
 #include "app/Check.h"
 #include "app/Diagnose.h"
+#include "app/Explain.h"
 #include "app/Fmt.h"
 #include "app/Output.h"
 #include "language/SourceError.h"
@@ -23,6 +24,7 @@ Tracks what a system is doing and explains what went wrong.
 Verbs:
   check          reports all that is wrong with model files, or their size
   diagnose       finds the faulty gates of a circuit from its inputs and outputs
+  explain        tells why a step's candidates are believed: conflicts and laws
   fmt            lays model files out in the one way
 
 Options:
@@ -77,10 +79,12 @@ ExitStatus run(int argc, char** argv, std::string& name)
     program.set_version_flag("--version", "itms " ITMS_VERSION);
     app::CheckOptions check;
     app::DiagnoseOptions diagnose;
+    app::ExplainOptions explain;
     app::FmtOptions fmt;
     const std::vector<Verb> verbs{
         {app::addCheck(program, check), [&check] { return app::check(check); }},
         {app::addDiagnose(program, diagnose), [&diagnose] { return app::diagnose(diagnose); }},
+        {app::addExplain(program, explain), [&explain] { return app::explain(explain); }},
         {app::addFmt(program, fmt), [&fmt] { return app::fmt(fmt); }},
     };
     const auto chosen = [&verbs] {
