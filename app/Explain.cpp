@@ -94,7 +94,7 @@ ExitStatus explain(const ExplainOptions& options)
 {
     catchInterruptions();
     TrackRun track("explain", options.track);
-    monitor::ConflictHistory history({options.all ? 0 : stepsRemembered});
+    monitor::ConflictHistory history(options.all ? 0 : stepsRemembered);
     Pace pace(options.track.quiet);
     std::size_t steps = 0;
     while (steps < options.step.value_or(mostSteps) && track.next()) {
@@ -106,10 +106,9 @@ ExitStatus explain(const ExplainOptions& options)
     if (interruption()) return ExitStatus::interrupted;
     if (steps == 0 || steps < options.step.value_or(0)) refuseStep(options.step, steps);
 
-    const monitor::Successors successors(track.model().engine(), track.plant());
     const report::StepExplanation explanation =
-        explainStep({track.plant(), track.model().read(), successors, history, track.answer()},
-                    {options.shown, options.mass});
+        report::explainStep({track.plant(), track.model().read(), history, track.answer()},
+                            {options.shown, options.mass});
     const report::Colours colours(wantsColour(colourChoice(options)));
     print(wantsText(options) ? explanationText(explanation, colours) : explanationJson(explanation));
     const bool explained = explanation.report.status != monitor::TrackStatus::inconsistent;

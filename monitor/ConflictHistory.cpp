@@ -11,14 +11,14 @@ void ConflictHistory::add(const TrackInput& input, const TrackAnswer& answer)
         others = others || index > 0;
     }
     stepsOfOthers_ += others ? 1 : 0;
-    if (settings_.mostSteps == 0) {
+    if (mostSteps_ == 0) {
         return;
     }
-    if (ofBest_.size() > settings_.mostSteps) {
+    if (ofBest_.size() > mostSteps_) {
         ofBest_.pop_front();
         ++leftOut_;
     }
-    if (stepsOfOthers_ > settings_.mostSteps) {
+    if (stepsOfOthers_ > mostSteps_) {
         const std::size_t oldest = ofOthers_.front().input.step;
         while (ofOthers_.front().input.step == oldest) {
             ofOthers_.pop_front();
@@ -27,10 +27,9 @@ void ConflictHistory::add(const TrackInput& input, const TrackAnswer& answer)
     }
 }
 
-std::vector<CheckedConflict> conflictsOf(const Successors& successors, const Plant& plant,
-                                         const Contradiction& contradiction)
+std::vector<CheckedConflict> conflictsOf(const Plant& plant, const Contradiction& contradiction)
 {
-    const StepFrame frame = successors.frame(*contradiction.believed, contradiction.input, {});
+    const StepFrame frame = frameAfter(plant, *contradiction.believed, contradiction.input, {});
     std::vector<CheckedConflict> checked;
     for (DerivedConflict& conflict : deriveConflicts(Scenario(frame, {}))) {
         const ConflictClaim claim = claimOf(plant, conflict);

@@ -1,8 +1,8 @@
 // The steps at which what was believed turned out wrong, as far as they are remembered.
 //
-//     ConflictHistory history({.mostSteps = 10});
+//     ConflictHistory history;
 //     while (more) { tracker.advance(input); history.add(input, tracker.answer()); }
-//     for (const Contradiction& one : history.ofBest()) deriveConflicts(successors, one);
+//     for (const Contradiction& one : history.ofBest()) conflictsOf(plant, one);
 //
 // A hypothesis that a step contradicts is gone afterwards, and with it the reason why others took its place. Conflicts are
 // derived when they are asked for: what is kept of a step is the hypothesis and the step's input.
@@ -32,12 +32,8 @@ struct CheckedConflict {
 
 class ConflictHistory {
 public:
-    struct Settings {
-        std::size_t mostSteps =
-            10; ///< that are remembered, the last ones; 0: all. Each holds its hypotheses in memory
-    };
-
-    explicit ConflictHistory(const Settings& settings) : settings_(settings) {}
+    /// Remembers the last `mostSteps` steps, 0 for all. Each holds its hypotheses in memory.
+    explicit ConflictHistory(std::size_t mostSteps = 10) : mostSteps_(mostSteps) {}
 
     /// Takes note of a step.
     void add(const TrackInput& input, const TrackAnswer& answer);
@@ -50,7 +46,7 @@ public:
     std::size_t leftOut() const { return leftOut_; }
 
 private:
-    Settings settings_;
+    std::size_t mostSteps_;
     std::deque<Contradiction> ofBest_;
     std::deque<Contradiction> ofOthers_;
     std::size_t stepsOfOthers_ = 0;
@@ -58,8 +54,7 @@ private:
 };
 
 /// The conflicts of a contradiction, each checked.
-std::vector<CheckedConflict> conflictsOf(const Successors& successors, const Plant& plant,
-                                         const Contradiction& contradiction);
+std::vector<CheckedConflict> conflictsOf(const Plant& plant, const Contradiction& contradiction);
 
 /// What a conflict claims, by the model's objects.
 ConflictClaim claimOf(const Plant& plant, const DerivedConflict& conflict);

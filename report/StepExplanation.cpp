@@ -41,7 +41,7 @@ private:
     std::vector<Known*> derive(const Contradiction& contradiction, bool listed)
     {
         std::vector<Known*> derived;
-        for (auto& conflict : conflictsOf(run_.successors, run_.plant, contradiction)) {
+        for (auto& conflict : conflictsOf(run_.plant, contradiction)) {
             known_.push_back({&contradiction, std::move(conflict), listed});
             derived.push_back(&known_.back());
         }

@@ -43,7 +43,6 @@ struct StepExplanation {
 struct ExplainedRun {
     const monitor::Plant& plant;
     const language::ReadResult& model;
-    const monitor::Successors& successors;
     const monitor::ConflictHistory& history;
     const monitor::TrackAnswer& answer;
 };

@@ -129,7 +129,9 @@ std::string mode(const ExplainedMode& mode)
     } else {
         text += ", from " + mode.before;
     }
-    return text + (mode.commands.empty() ? "" : " by " + equations(mode.commands));
+    return text + (mode.commands.empty()
+                       ? ""
+                       : fmt::format(" by{}", unbreakable) + equations(mode.commands));
 }
 
 std::string consequence(const AppliedLaw& law)

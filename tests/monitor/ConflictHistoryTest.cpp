@@ -15,7 +15,7 @@ protected:
     {
         active_ = model_.activate();
         Tracker tracker(active_->engine, *active_->plant, {.maxFaults = maxFaults});
-        history_.emplace(ConflictHistory::Settings{mostSteps});
+        history_.emplace(mostSteps);
         for (const Names& observations : steps) {
             TrackInput step{tracker.answer().step + 1, 0.0, input(*active_, {}, observations), {}};
             history_->add(step, tracker.advance(step));
@@ -96,8 +96,7 @@ TEST_F(ConflictHistoryTest, GivesTheConflictsWithTheWordOfTheCheck)
 {
     makeRow(2);
     follow({fine, firstBroken}, 10);
-    const monitor::Successors successors(active_->engine, *active_->plant);
-    const auto conflicts = conflictsOf(successors, *active_->plant, history_->ofBest().front());
+    const auto conflicts = conflictsOf(*active_->plant, history_->ofBest().front());
     ASSERT_EQ(conflicts.size(), 2U);
     EXPECT_EQ(active_->plant->atom(*conflicts.front().conflict.observed)->id, "f0.out=0");
     for (const monitor::CheckedConflict& one : conflicts) {

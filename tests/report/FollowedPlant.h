@@ -17,7 +17,7 @@ public:
 
     explicit FollowedPlant(const std::string& text, monitor::TrackSettings settings = {},
                            std::size_t mostSteps = 10)
-        : read_(language::readModelText("plant.itms", text)), history_({mostSteps})
+        : read_(language::readModelText("plant.itms", text)), history_(mostSteps)
     {
         if (!read_.model) throw std::runtime_error(read_.errors.front().format());
         read_.model->activate();
@@ -43,9 +43,7 @@ public:
 
     report::StepExplanation explain(const report::Shown& shown = {}) const
     {
-        const monitor::Successors successors(engine_, *plant_);
-        return report::explainStep({*plant_, read_, successors, history_, tracker_->answer()},
-                                   shown);
+        return report::explainStep({*plant_, read_, history_, tracker_->answer()}, shown);
     }
 
 private:
@@ -70,7 +68,7 @@ private:
 
     MutedTrace muted_;
     language::ReadResult read_;
-    mutable itms engine_;
+    itms engine_;
     std::unique_ptr<monitor::Plant> plant_;
     std::unique_ptr<monitor::Tracker> tracker_;
     monitor::ConflictHistory history_;
