@@ -2,13 +2,15 @@
 
 PREFIX ?= /usr/local
 JOBS ?= 2
+FUZZ_SECONDS ?= 60
 
-.PHONY: help demo test bench format lint install clean
+.PHONY: help demo test fuzz bench format lint install clean
 .DEFAULT_GOAL := help
 
 help:
 	@echo 'make demo             install what is missing, build, and diagnose a circuit'
 	@echo 'make test             build and run the tests, plainly and under the sanitizers'
+	@echo 'make fuzz             build the fuzzer of model files, and run it for $(FUZZ_SECONDS) s'
 	@echo 'make bench            build and run the benchmarks'
 	@echo 'make format           format the C++ files'
 	@echo 'make lint             check format, includes, words, length; run clang-tidy'
@@ -29,6 +31,10 @@ test:
 	cmake --preset check
 	cmake --build --preset check -j $(JOBS)
 	ctest --preset check -j $(JOBS)
+
+fuzz:
+	@scripts/install-packages.sh --fuzz
+	JOBS=$(JOBS) scripts/fuzz.sh $(FUZZ_SECONDS)
 
 bench:
 	@scripts/install-packages.sh

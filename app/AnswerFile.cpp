@@ -24,10 +24,10 @@ AnswerFile::AnswerFile(const std::optional<std::string>& path,
     if (fstat(file_, &status) != 0) fail("cannot be continued");
     if (static_cast<std::uint64_t>(status.st_size) < *keepBytes) {
         close(file_);
-        throw FileFailure(fmt::format(
-            "{}: has {} bytes, but {} had been written when the checkpoint was made\n"
-            "  expected: the output of the run that is resumed\n",
-            path_, status.st_size, *keepBytes));
+        throw FileFailure(
+            fmt::format("{}: has {} bytes, but {} had been written when the checkpoint was made\n"
+                        "  expected: the output of the run that is resumed\n",
+                        path_, status.st_size, *keepBytes));
     }
     const auto offset = static_cast<off_t>(*keepBytes);
     if (ftruncate(file_, offset) != 0 || lseek(file_, offset, SEEK_SET) != offset)
@@ -58,7 +58,8 @@ void AnswerFile::write(std::string_view text)
 void AnswerFile::sync()
 {
     // A pipe or a device has nothing to sync.
-    if (file_ >= 0 && fsync(file_) != 0 && errno != EINVAL && errno != EROFS) fail("cannot be written");
+    if (file_ >= 0 && fsync(file_) != 0 && errno != EINVAL && errno != EROFS)
+        fail("cannot be written");
 }
 
 void AnswerFile::fail(const char* what) const

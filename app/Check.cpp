@@ -2,6 +2,7 @@
 
 #include "app/Arguments.h"
 #include "app/Output.h"
+#include "language/Implicates.h"
 #include "language/Reader.h"
 #include "report/Text.h"
 
@@ -18,9 +19,11 @@ constexpr const char* helpText =
     R"(Usage: itms check MODEL... [options]
 
 Reads model files and reports everything that is wrong with them, or how large
-the models are. A file of components alone, to be imported by others, is fine.
+the models are. The implicates of plant.itms, in plant.pi where there is such a
+file, are checked, too. A file of components alone, to be imported by others, is
+fine.
 
-  MODEL                     a model file, .itms
+  MODEL                     a model file, .itms, or a model in JSON, .json
   -I, --import FOLDER       look for imported files there, too, after the folder
                             of the file that imports them; may be repeated
   --format text|json        text: for people (default); json: the same as data
@@ -45,8 +48,31 @@ std::string sizeText(const std::string& path, const language::ReadResult& read)
         report::counted(size.transitions, "transition"));
 }
 
-std::string text(const std::string& path, const language::ReadResult& read)
+// What was read of a model, and of its file of implicates when there is one.
+struct Checked {
+    std::string path;
+    language::ReadResult read;
+    language::ImplicateFile implicates; ///< its errors and warnings stand among those of the model
+
+    bool good() const { return read.errors.empty(); }
+};
+
+Checked checked(const std::string& path, const language::ReadOptions& options)
 {
+    Checked made{path, language::readModel(path, options), {}};
+    if (!made.read.model) return made;
+    made.implicates = language::checkImplicates(*made.read.model);
+    const auto add = [](auto& list, const auto& more) {
+        list.insert(list.end(), more.begin(), more.end());
+    };
+    add(made.read.errors, made.implicates.errors);
+    add(made.read.warnings, made.implicates.warnings);
+    return made;
+}
+
+std::string text(const Checked& model)
+{
+    const language::ReadResult& read = model.read;
     std::string told;
     for (const language::SourceError& error : read.errors) {
         told += error.format();
@@ -55,8 +81,14 @@ std::string text(const std::string& path, const language::ReadResult& read)
         warning.message.insert(0, "warning: ");
         told += warning.format();
     }
-    if (read.errors.empty()) return told + sizeText(path, read);
-    return told + fmt::format("{}: {}\n", path, report::counted(read.errors.size(), "error"));
+    if (!model.good()) {
+        return told +
+               fmt::format("{}: {}\n", model.path, report::counted(read.errors.size(), "error"));
+    }
+    told += sizeText(model.path, read);
+    if (!model.implicates.found) return told;
+    return told + fmt::format("{}: implicates of {}\n", model.implicates.path,
+                              report::counted(model.implicates.heads, "atom"));
 }
 
 ordered_json json(const std::vector<language::SourceError>& errors)
@@ -73,13 +105,14 @@ ordered_json json(const std::vector<language::SourceError>& errors)
     return list;
 }
 
-ordered_json json(const std::string& path, const language::ReadResult& read)
+ordered_json json(const Checked& model)
 {
-    ordered_json made{{"file", path},
-                      {"ok", read.errors.empty()},
+    const language::ReadResult& read = model.read;
+    ordered_json made{{"file", model.path},
+                      {"ok", model.good()},
                       {"errors", json(read.errors)},
                       {"warnings", json(read.warnings)}};
-    if (!read.errors.empty()) return made;
+    if (!model.good()) return made;
     const language::ModelSize& size = read.size;
     made["size"] = {{"componentTypes", size.componentTypes},
                     {"components", size.components},
@@ -88,6 +121,9 @@ ordered_json json(const std::string& path, const language::ReadResult& read)
                     {"laws", size.laws},
                     {"clauses", size.clauses},
                     {"transitions", size.transitions}};
+    if (model.implicates.found) {
+        made["implicates"] = {{"file", model.implicates.path}, {"atoms", model.implicates.heads}};
+    }
     return made;
 }
 
@@ -119,12 +155,12 @@ ExitStatus check(const CheckOptions& options)
     bool failed = false;
     ordered_json models = ordered_json::array();
     for (const std::string& path : options.models) {
-        const language::ReadResult read = language::readModel(path, reading);
-        failed = failed || !read.errors.empty();
+        const Checked model = checked(path, reading);
+        failed = failed || !model.good();
         if (options.format == "json") {
-            models.push_back(json(path, read));
+            models.push_back(json(model));
         } else {
-            print(text(path, read));
+            print(text(model));
         }
     }
     if (options.format == "json") {

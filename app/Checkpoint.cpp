@@ -26,10 +26,10 @@ constexpr int version = 1;
 
 [[noreturn]] void refuse(const std::string& path, const std::string& what)
 {
-    throw FileFailure(fmt::format(
-        "{}: {}\n  expected: a checkpoint that itms run --checkpoint wrote\n"
-        "  hint: the file is left as it is; without --resume the run begins anew\n",
-        path, what));
+    throw FileFailure(
+        fmt::format("{}: {}\n  expected: a checkpoint that itms run --checkpoint wrote\n"
+                    "  hint: the file is left as it is; without --resume the run begins anew\n",
+                    path, what));
 }
 
 // Closes the file in any case.

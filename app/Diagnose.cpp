@@ -8,6 +8,7 @@
 #include "netlist/BenchReader.h"
 #include "report/DiagnosisJson.h"
 #include "report/DiagnosisTable.h"
+#include "telemetry/LineReader.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -222,7 +223,7 @@ public:
     }
 
     // All problems of a file; a line in error ends the run, or is left out.
-    void solveAll(LineReader& reader, const netlist::Circuit& circuit)
+    void solveAll(telemetry::LineReader& reader, const netlist::Circuit& circuit)
     {
         std::string_view line;
         while (!interruption() && reader.next(line)) {
@@ -310,7 +311,7 @@ ExitStatus diagnose(const DiagnoseOptions& options)
     if (!options.trace) muteTrace();
     catchInterruptions();
     if (options.problems) {
-        LineReader reader(*options.problems);
+        telemetry::LineReader reader(*options.problems);
         Run run(options, circuit);
         run.solveAll(reader, circuit);
         return run.finish();

@@ -9,7 +9,23 @@ namespace app {
 
 namespace {
 
-// Reads the model and makes it the active one.
+[[noreturn]] void fail(const std::string& path, const std::vector<language::SourceError>& errors)
+{
+    std::string text;
+    for (const language::SourceError& error : errors) {
+        text += error.format();
+    }
+    throw FileFailure(text + fmt::format("{}: {}\n", path, report::counted(errors.size(), "error")));
+}
+
+void warn(std::vector<language::SourceError> warnings)
+{
+    for (language::SourceError& warning : warnings) {
+        warning.message.insert(0, "warning: ");
+        complain(warning.format());
+    }
+}
+
 language::ReadResult openModel(const std::string& verb, const ModelOptions& options, bool quiet,
                                bool trace)
 {
@@ -21,22 +37,9 @@ language::ReadResult openModel(const std::string& verb, const ModelOptions& opti
     language::ReadOptions reading;
     reading.searchPath = options.importFolders;
     language::ReadResult read = language::readModel(options.path, reading);
-    if (!read.errors.empty()) {
-        std::string text;
-        for (const language::SourceError& error : read.errors) {
-            text += error.format();
-        }
-        throw FileFailure(text + fmt::format("{}: {}\n", options.path,
-                                             report::counted(read.errors.size(), "error")));
-    }
-    if (!quiet) {
-        for (language::SourceError warning : read.warnings) {
-            warning.message.insert(0, "warning: ");
-            complain(warning.format());
-        }
-    }
+    if (!read.errors.empty()) fail(options.path, read.errors);
+    if (!quiet) warn(read.warnings);
     if (!trace) muteTrace();
-    read.model->activate();
     return read;
 }
 
@@ -51,8 +54,11 @@ void addModelOptions(CLI::App& verb, ModelOptions& options)
 }
 
 ModelFile::ModelFile(const std::string& verb, const ModelOptions& options, bool quiet, bool trace)
-    : read_(openModel(verb, options, quiet, trace))
+    : path_(options.path), read_(openModel(verb, options, quiet, trace)), active_(*read_.model)
 {
+    const language::ImplicateFile& implicates = active_.implicates();
+    if (!implicates.errors.empty()) fail(implicates.path, implicates.errors);
+    if (!quiet) warn(implicates.warnings);
 }
 
 } // namespace app

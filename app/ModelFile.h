@@ -1,7 +1,7 @@
 // A model file as the verbs open it: read, checked, active, with an engine set up over it.
 #pragma once
 
-#include "engine/itms.h"
+#include "language/ActiveModel.h"
 #include "language/Reader.h"
 #include "monitor/Plant.h"
 
@@ -25,24 +25,22 @@ class ModelFile {
 public:
     /// Throws Failure when no file is named, its hint naming the verb's help, and FileFailure with all that is
     /// wrong in the files. Warnings go to standard error unless `quiet`. Mutes the engine's trace before the set-up
-    /// unless `trace`. Linear in the model.
+    /// unless `trace`. Reads the implicates beside the model, in which errors are errors, too. Linear in the model.
     ModelFile(const std::string& verb, const ModelOptions& options, bool quiet, bool trace = false);
 
-    const std::string& path() const { return read_.files.front(); }
+    /// As it was named.
+    const std::string& path() const { return path_; }
     /// Everything that was read; the model is there, and there are no errors.
     const language::ReadResult& read() const { return read_; }
     const language::Bindings& bindings() const { return read_.bindings; }
     const monitor::Plant& plant() const { return plant_; }
-    itms& engine() { return engine_; }
+    itms& engine() { return active_.engine(); }
 
 private:
-    struct ReadyEngine : itms {
-        ReadyEngine() { rtInit(); }
-    };
-
     // In the order in which they have to happen: the active model is set up, and then gets its numbers.
+    std::string path_;
     language::ReadResult read_;
-    ReadyEngine engine_;
+    language::ActiveModel active_;
     monitor::Plant plant_;
 };
 

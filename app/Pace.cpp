@@ -12,8 +12,8 @@ void Pace::step(double doneShare)
     nextShow_ = now + std::chrono::milliseconds(500);
     const double seconds = std::chrono::duration<double>(now - start_).count();
     if (seconds < 1.0) return;
-    std::string text = fmt::format("{} steps, {:.0f} a second", steps_,
-                                   static_cast<double>(steps_) / seconds);
+    std::string text =
+        fmt::format("{} steps, {:.0f} a second", steps_, static_cast<double>(steps_) / seconds);
     if (doneShare > 0.0)
         text += fmt::format(", {:.0f} s left", seconds * (1.0 - doneShare) / doneShare);
     progress_.show(text);

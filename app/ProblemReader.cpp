@@ -1,15 +1,11 @@
-// The JSON is read event by event, so that a signal given twice is seen and every complaint has its place: after a key, the
-// parser has taken exactly the characters up to the closing quote, and the iterator that it reads through knows how many.
+// The JSON is read event by event, so that a signal given twice is seen and every complaint has its place.
 #include "app/ProblemReader.h"
 
-#include "app/Output.h"
 #include "language/NearestName.h"
+#include "telemetry/JsonText.h"
 
-#include <cerrno>
 #include <fmt/format.h>
-#include <iterator>
 #include <nlohmann/json.hpp>
-#include <system_error>
 
 namespace app {
 
@@ -19,32 +15,6 @@ using Json = nlohmann::json;
 
 constexpr const char* wholeProblem =
     R"({"id": "p1", "inputs": {"a": 0, ...}, "observed": {"y": 1, ...}})";
-
-// An iterator that writes down where it stands.
-class CountingIterator {
-public:
-    using iterator_category = std::input_iterator_tag;
-    using value_type = char;
-    using difference_type = std::ptrdiff_t;
-    using pointer = const char*;
-    using reference = const char&;
-
-    CountingIterator(const char* at, std::size_t* count) : at_(at), count_(count) {}
-
-    reference operator*() const { return *at_; }
-    CountingIterator& operator++()
-    {
-        ++at_;
-        ++*count_;
-        return *this;
-    }
-    bool operator==(const CountingIterator& other) const { return at_ == other.at_; }
-    bool operator!=(const CountingIterator& other) const { return at_ != other.at_; }
-
-private:
-    const char* at_;
-    std::size_t* count_;
-};
 
 // Takes the events of one line.
 class Handler : public nlohmann::json_sax<Json> {
@@ -132,19 +102,9 @@ private:
 bool Handler::key(string_t& name)
 {
     if (depth_ > 2 || (depth_ == 2 && !atSignal())) return true;
-    // From the closing quote back to the opening one: the first that no odd run of backslashes precedes.
-    const std::size_t end = taken_;
-    std::size_t begin = end - 1;
-    for (bool escaped = true; begin > 0 && escaped;) {
-        begin = line_.rfind('"', begin - 1);
-        std::size_t backslashes = 0;
-        while (backslashes < begin && line_[begin - backslashes - 1] == '\\') {
-            ++backslashes;
-        }
-        escaped = backslashes % 2 == 1;
-    }
-    keyOffset_ = begin;
-    keyLength_ = end - begin;
+    const telemetry::Extent key = telemetry::textBefore(line_, taken_);
+    keyOffset_ = key.offset;
+    keyLength_ = key.length;
     if (depth_ == 2) {
         signal_ = name;
         return true;
@@ -162,7 +122,7 @@ bool Handler::key(string_t& name)
         return complainOfKey(
             {fmt::format("'{}' stands twice in the problem", name), "each key once", ""});
     }
-    seen = begin + 1;
+    seen = keyOffset_ + 1;
     return true;
 }
 
@@ -205,19 +165,9 @@ bool Handler::open(const std::string& found)
 bool Handler::parse_error(std::size_t position, const std::string& /*lastToken*/,
                           const nlohmann::detail::exception& error)
 {
-    // "... at line 1, column 9: syntax error while parsing value - invalid literal; last read: 'x'; expected ..."
-    const std::string_view whole = error.what();
-    const std::size_t dash = whole.find(" - ");
-    std::string_view found = dash == std::string_view::npos ? whole : whole.substr(dash + 3);
-    std::string expected;
-    const std::size_t semicolon = found.find("; expected ");
-    if (semicolon != std::string_view::npos) {
-        expected = found.substr(semicolon + 11);
-        found = found.substr(0, semicolon);
-    }
-    found = found.substr(0, found.find("; last read: "));
+    const telemetry::SyntaxMistake mistake = telemetry::syntaxMistake(error.what());
     return complain(std::min(position == 0 ? 0 : position - 1, line_.size()), 1,
-                    {fmt::format("this is not JSON: {}", found), expected,
+                    {fmt::format("this is not JSON: {}", mistake.found), mistake.expected,
                      fmt::format("a problem is one line: {}", wholeProblem)});
 }
 
@@ -266,39 +216,9 @@ std::variant<Problem, language::SourceError> readProblem(std::string_view line,
 {
     std::size_t taken = 0;
     Handler handler(line, circuit, taken);
-    Json::sax_parse(CountingIterator(line.data(), &taken),
-                    CountingIterator(line.data() + line.size(), &taken), &handler);
+    Json::sax_parse(telemetry::CountingIterator(line.data(), &taken),
+                    telemetry::CountingIterator(line.data() + line.size(), &taken), &handler);
     return handler.result();
-}
-
-LineReader::LineReader(const std::string& path)
-    : name_(path == "-" ? "standard input" : path),
-      file_(path == "-" ? stdin : std::fopen(path.c_str(), "re"))
-{
-    if (!file_) {
-        throw FileFailure(
-            fmt::format("{}: cannot be read: {}\n", name_, std::generic_category().message(errno)));
-    }
-}
-
-bool LineReader::next(std::string_view& line)
-{
-    char* text = buffer_.release();
-    const ssize_t length = getline(&text, &capacity_, file_.get());
-    buffer_.reset(text);
-    if (length < 0) {
-        if (std::ferror(file_.get()) != 0 && errno != EINTR) {
-            throw FileFailure(fmt::format("{}: cannot be read: {}\n", name_,
-                                          std::generic_category().message(errno)));
-        }
-        return false;
-    }
-    line = {text, static_cast<std::size_t>(length)};
-    while (!line.empty() && (line.back() == '\n' || line.back() == '\r')) {
-        line.remove_suffix(1);
-    }
-    ++lineNumber_;
-    return true;
 }
 
 } // namespace app

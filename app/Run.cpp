@@ -87,12 +87,9 @@ void checkUsage(const RunOptions& options)
 // What has to be the same for a run to go on as if it had never stopped.
 nlohmann::json settingsJson(const RunOptions& options)
 {
-    return {{"max-rank", options.track.maxRank},
-            {"keep", options.track.keep},
-            {"look-back", options.track.lookBack},
-            {"max-records", options.track.maxRecords},
-            {"max-seconds", options.track.maxSeconds},
-            {"skip-bad", options.track.skipBad}};
+    return {{"max-rank", options.track.maxRank},       {"keep", options.track.keep},
+            {"look-back", options.track.lookBack},     {"max-records", options.track.maxRecords},
+            {"max-seconds", options.track.maxSeconds}, {"skip-bad", options.track.skipBad}};
 }
 
 class Run {
@@ -100,8 +97,7 @@ public:
     explicit Run(const RunOptions& options)
         : options_(options), track_("run", options.track),
           fingerprint_(monitor::fingerprint(track_.plant(), track_.model().bindings())),
-          asTable_(wantsTable(options)),
-          shown_{options.shown, options.mass},
+          asTable_(wantsTable(options)), shown_{options.shown, options.mass},
           table_(report::Colours(wantsColour(colourChoice(options))), shown_, options.everyStep),
           pace_(options.track.quiet)
     {
@@ -162,8 +158,7 @@ private:
             if (then != value) {
                 throw FileFailure(fmt::format("{}: was made with --{} {}\n  expected: the options "
                                               "of the run that is resumed; here it is {}\n",
-                                              *options_.checkpoint, name, then.dump(),
-                                              value.dump()));
+                                              *options_.checkpoint, name, then.dump(), value.dump()));
             }
         }
     }
@@ -272,8 +267,7 @@ CLI::App* addRun(CLI::App& program, RunOptions& options)
     verb->add_option("--color", options.colour)->check(oneOf({"always", "never", "auto"}));
     verb->add_option("--fail-on", options.failOn)->check(oneOf({"fault"}));
     verb->add_option("--checkpoint", options.checkpoint);
-    verb->add_option("--checkpoint-every", options.checkpointEvery)
-        ->check(wholeNumber(1, mostSteps));
+    verb->add_option("--checkpoint-every", options.checkpointEvery)->check(wholeNumber(1, mostSteps));
     verb->add_flag("--resume", options.resume);
     return verb;
 }

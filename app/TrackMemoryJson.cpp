@@ -30,9 +30,12 @@ Json hypothesisJson(const Hypothesis& hypothesis, const Plant& plant)
         since.push_back({variable, entry.value, entry.step, entry.t});
     }
     const monitor::StepLabels& labels = hypothesis.labels;
-    Json json{{"modes", hypothesis.modes},   {"weight", hypothesis.logWeight},
-              {"step", hypothesis.logStep},  {"faults", hypothesis.faults},
-              {"since", std::move(since)},   {"lost", hypothesis.lost},
+    Json json{{"modes", hypothesis.modes},
+              {"weight", hypothesis.logWeight},
+              {"step", hypothesis.logStep},
+              {"faults", hypothesis.faults},
+              {"since", std::move(since)},
+              {"lost", hypothesis.lost},
               {"unexplained", hypothesis.unexplained}};
     if (labels.consistent()) {
         json["assumptions"] = labels.assumptions();
@@ -92,18 +95,13 @@ monitor::StepLabels labelsFromJson(const Json& json, const Plant& plant)
 HypothesisPointer hypothesisFromJson(const Json& json, const Plant& plant)
 {
     const Numbers numbers(plant);
-    Hypothesis made{labelsFromJson(json, plant),
-                    numbers.atoms(json.at("modes")),
-                    json.at("weight").get<double>(),
-                    json.at("step").get<double>(),
-                    json.at("faults").get<int>(),
-                    {},
-                    numbers.atoms(json.at("lost")),
-                    numbers.atoms(json.at("unexplained"))};
+    Hypothesis made{labelsFromJson(json, plant),     numbers.atoms(json.at("modes")),
+                    json.at("weight").get<double>(), json.at("step").get<double>(),
+                    json.at("faults").get<int>(),    {},
+                    numbers.atoms(json.at("lost")),  numbers.atoms(json.at("unexplained"))};
     for (const Json& entry : json.at("since")) {
-        made.since[numbers.variable(entry.at(0))] = {numbers.atom(entry.at(1)),
-                                                     entry.at(2).get<std::size_t>(),
-                                                     entry.at(3).get<double>()};
+        made.since[numbers.variable(entry.at(0))] = {
+            numbers.atom(entry.at(1)), entry.at(2).get<std::size_t>(), entry.at(3).get<double>()};
     }
     return std::make_shared<const Hypothesis>(std::move(made));
 }
@@ -204,8 +202,8 @@ telemetry::ReaderState readerFromJson(const Json& json)
     state.steps = json.at("steps").get<std::size_t>();
     if (!json.at("t").is_null()) state.t = json.at("t").get<double>();
     for (const Json& one : json.at("last")) {
-        state.last.push_back({one.at(0).get<std::string>(), one.at(1).get<std::string>(),
-                              one.at(2).get<double>()});
+        state.last.push_back(
+            {one.at(0).get<std::string>(), one.at(1).get<std::string>(), one.at(2).get<double>()});
     }
     return state;
 }

@@ -42,7 +42,7 @@ public:
     const monitor::TrackInput& input() const { return input_; }
     const monitor::TrackAnswer& answer() const { return tracker_.answer(); }
 
-    ModelFile& model() { return model_; }
+    const ModelFile& model() const { return model_; }
     const monitor::Plant& plant() const { return model_.plant(); }
     monitor::Tracker& tracker() { return tracker_; }
     telemetry::StepReader& reader() { return reader_; }

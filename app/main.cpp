@@ -3,9 +3,13 @@
 #include "app/Check.h"
 #include "app/Diagnose.h"
 #include "app/Explain.h"
+#include "app/Export.h"
 #include "app/Fmt.h"
 #include "app/Output.h"
+#include "app/Run.h"
+#include "app/Simulate.h"
 #include "language/SourceError.h"
+#include "telemetry/LineReader.h"
 
 #include <algorithm>
 #include <csignal>
@@ -25,7 +29,10 @@ Verbs:
   check          reports all that is wrong with model files, or their size
   diagnose       finds the faulty gates of a circuit from its inputs and outputs
   explain        tells why a step's candidates are believed: conflicts and laws
+  export         writes a model as data for other programs
   fmt            lays model files out in the one way
+  run            the diagnosis of a plant step by step, from its telemetry
+  simulate       stands in for a modelled plant: commands in, telemetry out
 
 Options:
   -h, --help     print this; after a verb, all about the verb
@@ -80,12 +87,18 @@ ExitStatus run(int argc, char** argv, std::string& name)
     app::CheckOptions check;
     app::DiagnoseOptions diagnose;
     app::ExplainOptions explain;
+    app::ExportOptions exported;
     app::FmtOptions fmt;
+    app::RunOptions runOptions;
+    app::SimulateOptions simulate;
     const std::vector<Verb> verbs{
         {app::addCheck(program, check), [&check] { return app::check(check); }},
         {app::addDiagnose(program, diagnose), [&diagnose] { return app::diagnose(diagnose); }},
         {app::addExplain(program, explain), [&explain] { return app::explain(explain); }},
+        {app::addExport(program, exported), [&exported] { return app::exportModel(exported); }},
         {app::addFmt(program, fmt), [&fmt] { return app::fmt(fmt); }},
+        {app::addRun(program, runOptions), [&runOptions] { return app::run(runOptions); }},
+        {app::addSimulate(program, simulate), [&simulate] { return app::simulate(simulate); }},
     };
     const auto chosen = [&verbs] {
         return std::find_if(verbs.begin(), verbs.end(),
@@ -127,6 +140,8 @@ int main(int argc, char** argv)
     try {
         return static_cast<int>(run(argc, argv, name));
     } catch (const app::FileFailure& failure) {
+        app::complain(failure.what());
+    } catch (const telemetry::ReadFailure& failure) {
         app::complain(failure.what());
     } catch (const app::Failure& failure) {
         app::complain(fmt::format("{}: {}", name, failure.what()));

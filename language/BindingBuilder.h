@@ -12,8 +12,8 @@ namespace language {
 
 class BindingBuilder {
 public:
-    BindingBuilder(Elaboration& plant, Types& types, const SourceFiles& files, Report& report)
-        : plant_(plant), types_(types), files_(files), report_(report)
+    BindingBuilder(Elaboration& plant, const SourceFiles& files, Report& report)
+        : plant_(plant), files_(files), report_(report)
     {
     }
 
@@ -32,7 +32,6 @@ private:
     std::optional<double> seconds(const syntax::Duration& duration, const Environment& environment);
 
     Elaboration& plant_;
-    Types& types_;
     const SourceFiles& files_;
     Report& report_;
     std::unordered_map<const StateVar*, syntax::Range> bound_;

@@ -11,6 +11,7 @@ namespace {
 constexpr std::size_t mostConflicts = 2000;
 constexpr std::size_t mostTold = 10;
 constexpr std::size_t mostMinimized = 200;
+constexpr std::size_t mostNamed = 6;
 
 bool sameLaw(const LawOrigin& a, const LawOrigin& b)
 {
@@ -18,11 +19,45 @@ bool sameLaw(const LawOrigin& a, const LawOrigin& b)
            a.range.column == b.range.column;
 }
 
+void tell(const Contradiction& found, const std::vector<LawOrigin>& origins, Report& report)
+{
+    std::vector<LawOrigin> laws;
+    for (const std::size_t law : found.laws) {
+        if (std::none_of(laws.begin(), laws.end(),
+                         [&](const LawOrigin& known) { return sameLaw(known, origins[law]); })) {
+            laws.push_back(origins[law]);
+        }
+    }
+    if (laws.empty()) return;
+    std::stable_sort(laws.begin(), laws.end(), [](const LawOrigin& a, const LawOrigin& b) {
+        return std::tie(a.range.file, a.range.line, a.range.column) <
+               std::tie(b.range.file, b.range.line, b.range.column);
+    });
+    const LawOrigin& last = laws.back();
+    std::string others;
+    for (std::size_t i = 0; i + 1 < laws.size() && i < mostNamed; ++i) {
+        others += (i == 0                 ? ""
+                   : i + 2 == laws.size() ? " and "
+                                          : ", ") +
+                  report.where(laws[i].range, last.range);
+    }
+    if (laws.size() > mostNamed + 1) others += ", ...";
+    const std::string where =
+        last.instance->path.empty() ? "" : " in " + quoted(last.instance->path);
+    const bool ofModes = !found.modes.empty();
+    report.error(last.range,
+                 "nothing satisfies this law" + where +
+                     (others.empty()     ? ""
+                      : laws.size() == 2 ? " together with the law at " + others
+                                         : " together with the laws at " + others) +
+                     (ofModes ? " while " + namesOf(found.modes) : ""),
+                 "laws that can hold together" + std::string(ofModes ? " in the initial modes" : ""));
+}
+
 } // namespace
 
-Contradictions::Contradictions(const Model& model, const std::vector<LawOrigin>& origins,
-                               Report& report)
-    : model_(model), origins_(origins), report_(report)
+Contradictions::Contradictions(const Model& model, SameLaw sameLaw)
+    : model_(model), sameLaw_(std::move(sameLaw))
 {
     for (const auto& atom : model.atoms()) {
         numbers_.insert({atom.get(), numbers_.size()});
@@ -37,7 +72,7 @@ Contradictions::Contradictions(const Model& model, const std::vector<LawOrigin>&
     }
 }
 
-void Contradictions::find()
+void Contradictions::find(const std::function<void(const Contradiction&)>& tell) const
 {
     Origins all(model_.laws().size() + initials_.size());
     std::iota(all.begin(), all.end(), std::size_t{0});
@@ -45,13 +80,13 @@ void Contradictions::find()
         const auto core = conflict(all, mostConflicts);
         if (!core) return;
         const Origins least = minimal(*core);
-        tell(least);
+        tell(contradiction(least));
         // Without the law that was told of, in all instances, there may be others.
         const auto last = std::find_if(least.rbegin(), least.rend(),
                                        [&](std::size_t origin) { return !isMode(origin); });
         if (last == least.rend()) return;
         std::erase_if(all, [&](std::size_t origin) {
-            return !isMode(origin) && sameLaw(origins_[origin], origins_[*last]);
+            return !isMode(origin) && (origin == *last || sameLaw_(origin, *last));
         });
     }
 }
@@ -107,44 +142,34 @@ Contradictions::Origins Contradictions::minimal(Origins core) const
     return core;
 }
 
-void Contradictions::tell(const Origins& core)
+Contradiction Contradictions::contradiction(const Origins& core) const
 {
-    constexpr std::size_t mostNamed = 6;
-    std::vector<LawOrigin> laws;
-    std::string modes;
-    std::size_t modeCount = 0;
+    Contradiction found;
     for (const std::size_t origin : core) {
         if (isMode(origin)) {
-            if (++modeCount > mostNamed) continue;
-            modes += (modes.empty() ? "" : ", ") + initials_[origin - model_.laws().size()]->id;
-        } else if (std::none_of(laws.begin(), laws.end(), [&](const LawOrigin& law) {
-                       return sameLaw(law, origins_[origin]);
-                   })) {
-            laws.push_back(origins_[origin]);
+            found.modes.push_back(initials_[origin - model_.laws().size()]);
+        } else {
+            found.laws.push_back(origin);
         }
     }
-    if (laws.empty()) return;
-    std::stable_sort(laws.begin(), laws.end(), [](const LawOrigin& a, const LawOrigin& b) {
-        return std::tie(a.range.file, a.range.line, a.range.column) <
-               std::tie(b.range.file, b.range.line, b.range.column);
-    });
-    const LawOrigin& last = laws.back();
-    std::string others;
-    for (std::size_t i = 0; i + 1 < laws.size() && i < mostNamed; ++i) {
-        others += (i > 0 ? ", " : "") + report_.where(laws[i].range, last.range);
+    return found;
+}
+
+std::string namesOf(const std::vector<const Atom*>& modes)
+{
+    std::string names;
+    for (std::size_t i = 0; i < modes.size() && i < mostNamed; ++i) {
+        names += (i > 0 ? ", " : "") + modes[i]->id;
     }
-    if (laws.size() > mostNamed + 1) others += ", ...";
-    if (modeCount > mostNamed) modes += ", ...";
-    const std::string where =
-        last.instance->path.empty() ? "" : " in " + quoted(last.instance->path);
-    report_.error(last.range,
-                  "nothing satisfies this law" + where +
-                      (others.empty()     ? ""
-                       : laws.size() == 2 ? " together with the law of " + others
-                                          : " together with the laws of " + others) +
-                      (modes.empty() ? "" : " while " + modes),
-                  "laws that can hold together" +
-                      std::string(modes.empty() ? "" : " in the initial modes"));
+    return modes.size() > mostNamed ? names + ", ..." : names;
+}
+
+void reportContradictions(const Model& model, const std::vector<LawOrigin>& origins, Report& report)
+{
+    const auto same = [&](std::size_t a, std::size_t b) { return sameLaw(origins[a], origins[b]); };
+    Contradictions(model, same).find([&](const Contradiction& found) {
+        tell(found, origins, report);
+    });
 }
 
 } // namespace language

@@ -8,17 +8,29 @@
 #include "language/LawBuilder.h"
 #include "language/Satisfiability.h"
 
+#include <functional>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 namespace language {
 
+/// What cannot hold together. Both lists are in the order of the model.
+struct Contradiction {
+    std::vector<std::size_t> laws;  ///< indices in Model::laws
+    std::vector<const Atom*> modes; ///< initial ones that are needed for it
+};
+
 class Contradictions {
 public:
-    Contradictions(const Model& model, const std::vector<LawOrigin>& origins, Report& report);
+    /// Whether two laws of the model, by their indices, were written as one.
+    using SameLaw = std::function<bool(std::size_t, std::size_t)>;
 
-    void find();
+    Contradictions(const Model& model, SameLaw sameLaw);
+
+    /// Calls `tell` for each contradiction, ten at most: after one, its last law is left out, with all that were written as one
+    /// with it.
+    void find(const std::function<void(const Contradiction&)>& tell) const;
 
 private:
     static constexpr std::size_t domain = static_cast<std::size_t>(-1);
@@ -26,15 +38,20 @@ private:
 
     std::optional<Origins> conflict(const Origins& within, std::size_t mostConflicts) const;
     Origins minimal(Origins core) const;
-    void tell(const Origins& core);
+    Contradiction contradiction(const Origins& core) const;
     bool isMode(std::size_t origin) const { return origin >= model_.laws().size(); }
 
     const Model& model_;
-    const std::vector<LawOrigin>& origins_;
-    Report& report_;
+    SameLaw sameLaw_;
     std::vector<const StateVar*> variables_;
     std::vector<Atom*> initials_; ///< of modes
     std::unordered_map<const Atom*, std::size_t> numbers_;
 };
+
+/// Reports the contradictions among laws with these origins.
+void reportContradictions(const Model& model, const std::vector<LawOrigin>& origins, Report& report);
+
+/// `a, b, c`: of the modes, as many as are worth naming.
+std::string namesOf(const std::vector<const Atom*>& modes);
 
 } // namespace language

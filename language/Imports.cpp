@@ -1,12 +1,9 @@
 #include "language/Imports.h"
 
+#include "language/FileText.h"
+
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <optional>
-#include <sstream>
 #include <system_error>
 
 namespace language {
@@ -16,30 +13,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::size_t deepestImport = 100;
-
-// The contents, or why there are none.
-struct Contents {
-    std::optional<std::string> text;
-    std::string failure;
-};
-
-Contents contentsOf(const std::string& path, std::size_t mostBytes)
-{
-    std::error_code error;
-    if (fs::is_directory(path, error)) return {std::nullopt, "Is a directory"};
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    if (!file) return {std::nullopt, errno != 0 ? std::strerror(errno) : "cannot be opened"};
-    // One byte more than may be, so that the parser can tell.
-    std::string text;
-    std::string block(std::size_t{1} << 16U, '\0');
-    while (file && text.size() <= mostBytes) {
-        file.read(block.data(), static_cast<std::streamsize>(block.size()));
-        text.append(block, 0, static_cast<std::size_t>(file.gcount()));
-    }
-    if (file.bad()) return {std::nullopt, "cannot be read to its end"};
-    return {std::move(text), {}};
-}
 
 std::string identityOf(const std::string& path)
 {
@@ -52,7 +25,7 @@ std::string identityOf(const std::string& path)
 
 void ImportReader::read(const std::string& path)
 {
-    Contents contents = contentsOf(path, limits_.fileBytes);
+    FileText contents = readFileText(path, limits_.fileBytes);
     if (!contents.text) {
         SourceError error;
         error.file = path;
@@ -131,7 +104,7 @@ void ImportReader::followImport(const syntax::Import& import, std::uint32_t impo
                           {}, "move what both need into a file of its own");
             return;
         }
-        Contents contents = contentsOf(path, limits_.fileBytes);
+        FileText contents = readFileText(path, limits_.fileBytes);
         if (contents.text) {
             if (open_.size() >= deepestImport) {
                 report_.error(import.path.range, "imports are nested deeper than " +

@@ -117,6 +117,8 @@ Clause* ModelBuilder::law(Comp* owner, const std::vector<Literal>& literals)
     }
     Clause* clause = addClause(kept);
     model_->laws_.push_back(clause);
+    model_->lawOwners_.push_back(owner);
+    model_->lawLiterals_.add(kept);
     if (owner) {
         for (const Literal& literal : kept) {
             import(owner, literal.atom->getVarComp());
@@ -197,6 +199,7 @@ Transition* ModelBuilder::transition(Atom* from, Atom* to,
     std::vector<std::pair<bool, Atom*>> precondition{{true, from}};
     precondition.insert(precondition.end(), guard.begin(), guard.end());
     made->guard = formula(precondition);
+    model_->preconditions_.add(precondition);
     made->formula = formula({{true, to}});
     for (const auto& [polarity, atom] : precondition) {
         atom->addRefTransPre(made);

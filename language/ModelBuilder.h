@@ -30,12 +30,6 @@ struct ValueDeclaration {
     bool fault = false;
 };
 
-/// A literal of a law: `negated` true for "not the atom".
-struct Literal {
-    bool negated;
-    Atom* atom;
-};
-
 /// Builds one model. Components, variables and laws keep the order in which they are made.
 class ModelBuilder {
 public:

@@ -2,7 +2,9 @@
 
 #include "language/BindingBuilder.h"
 #include "language/Contradictions.h"
+#include "language/FileText.h"
 #include "language/LawBuilder.h"
+#include "language/ModelJson.h"
 #include "language/TransitionBuilder.h"
 #include "language/TypeChecks.h"
 #include "language/Usage.h"
@@ -88,7 +90,7 @@ private:
         result_.bindings.stepSeconds = step;
         LawBuilder laws(plant, builder_, report_, options_.expansion.lawClauses);
         TransitionBuilder transitions(plant, builder_, report_, step, options_.expansion.lawClauses);
-        BindingBuilder channels(plant, types_, files_, report_);
+        BindingBuilder channels(plant, files_, report_);
         plant.forEach([&](Instance& instance) {
             plant.forEachMember(instance, Elaboration::Wanted::lawsAndBindings,
                                 [&](const syntax::Member& member, Environment& here) {
@@ -108,7 +110,7 @@ private:
                           "parts, or variables of its own");
         }
         if (report_.failed()) return;
-        Contradictions(*result_.model, laws.origins(), report_).find();
+        reportContradictions(*result_.model, laws.origins(), report_);
         if (report_.failed()) return;
         result_.warnings = warnings();
         measure(laws, transitions);
@@ -151,10 +153,30 @@ private:
     ReadResult result_;
 };
 
+ReadResult readJsonFile(const std::string& path, const ReadOptions& options)
+{
+    FileText file = readFileText(path, options.syntax.fileBytes);
+    SourceError error;
+    error.file = path;
+    if (!file.text) {
+        error.message = "cannot be read: " + file.failure;
+    } else if (file.text->size() > options.syntax.fileBytes) {
+        error.message = "the file is too large";
+        error.expected = "at most " + std::to_string(options.syntax.fileBytes) + " bytes";
+    } else {
+        return readModelJson(path, std::move(*file.text), options);
+    }
+    ReadResult failed;
+    failed.files = {path};
+    failed.errors.push_back(std::move(error));
+    return failed;
+}
+
 } // namespace
 
 ReadResult readModel(const std::string& path, const ReadOptions& options)
 {
+    if (isJsonPath(path)) return readJsonFile(path, options);
     Reading reading(path, options);
     reading.imports().read(path);
     return reading.finish();
@@ -162,6 +184,7 @@ ReadResult readModel(const std::string& path, const ReadOptions& options)
 
 ReadResult readModelText(const std::string& path, std::string text, const ReadOptions& options)
 {
+    if (isJsonPath(path)) return readModelJson(path, std::move(text), options);
     Reading reading(path, options);
     reading.imports().read(path, std::move(text));
     return reading.finish();

@@ -45,7 +45,7 @@ struct ModelSize {
 /// Where a law of the model was written.
 struct LawPlace {
     std::uint32_t file = 0; ///< index in ReadResult::files
-    std::uint32_t line = 0;
+    std::uint32_t line = 0; ///< 0: nowhere, a program made it
     std::uint32_t column = 0;
     std::uint32_t text = 0; ///< index in ReadResult::lawTexts
 };
@@ -56,13 +56,14 @@ struct ReadResult {
     std::vector<SourceError> errors;
     std::vector<SourceError> warnings;
     ModelSize size;
-    std::vector<std::string> files;  ///< that were read, the main one first
+    /// That were read, the main one first; of a JSON model those that it names as its own sources.
+    std::vector<std::string> files;
     std::vector<LawPlace> lawPlaces; ///< of each of the model's laws(), in their order
     /// The statements of the laws as they were written, in one line, each once: instances and turns of a loop share it.
     std::vector<std::string> lawTexts;
 };
 
-/// Reads the model in a file. Its base name is the path without the suffix, so that its implicates are read from the file
+/// Reads the model in a file; one whose name ends with `.json` is read as JSON (ModelJson.h). Its base name is the path without the suffix, so that its implicates are read from the file
 /// beside it. Throws nothing but std::bad_alloc. Linear in the size of the text and of the plant.
 ReadResult readModel(const std::string& path, const ReadOptions& options = {});
 

@@ -29,6 +29,8 @@ public:
     void take(std::uint32_t file, SourceError error);
 
     bool failed() const { return errorCount_ > 0; }
+    /// Further errors would only be counted.
+    bool full() const { return errorCount_ >= limit_; }
 
     /// `fluids.itms:12`, or `line 12` where the other place is in the same file as `seenFrom`.
     std::string where(const syntax::Range& range, const syntax::Range& seenFrom) const;

@@ -1,5 +1,6 @@
 #include "language/TransitionBuilder.h"
 
+#include "language/LikeliestSet.h"
 #include "language/Words.h"
 
 #include <algorithm>
@@ -10,65 +11,6 @@ namespace language {
 namespace {
 
 using syntax::TransitionKind;
-
-constexpr double tolerance = 1e-9;
-
-// The most probable of the sets of changes that are possible at once, as far as the guards tell: a branch for each
-// change and each alternative of its guard.
-template <typename Change> class LikeliestSet {
-public:
-    explicit LikeliestSet(std::vector<Change*> changes) : changes_(std::move(changes)) {}
-
-    std::vector<Change*> find()
-    {
-        choose(0, 0);
-        return best_;
-    }
-
-private:
-    using Literals = std::vector<std::pair<bool, Atom*>>;
-
-    void choose(std::size_t next, double sum)
-    {
-        if (sum > bestSum_ + tolerance) {
-            bestSum_ = sum;
-            best_ = chosen_;
-        }
-        if (next == changes_.size() || ++work_ > 20000) return;
-        Change* change = changes_[next];
-        for (const Literals& alternative : change->alternatives) {
-            const std::size_t size = guard_.size();
-            guard_.insert(guard_.end(), alternative.begin(), alternative.end());
-            if (possible()) {
-                chosen_.push_back(change);
-                choose(next + 1, sum + *change->probability);
-                chosen_.pop_back();
-            }
-            guard_.resize(size);
-        }
-        if (!change->always()) choose(next + 1, sum);
-    }
-
-    bool possible() const
-    {
-        return std::all_of(guard_.begin(), guard_.end(), [&](const auto& literal) {
-            const auto& values = *literal.second->stateVar->atomLinks;
-            return std::any_of(values.begin(), values.end(), [&](const Atom* value) {
-                return std::all_of(guard_.begin(), guard_.end(), [&](const auto& other) {
-                    return other.second->stateVar != value->stateVar ||
-                           (other.second == value) == other.first;
-                });
-            });
-        });
-    }
-
-    std::vector<Change*> changes_;
-    std::vector<Change*> chosen_;
-    std::vector<Change*> best_;
-    Literals guard_;
-    double bestSum_ = 0;
-    std::size_t work_ = 0;
-};
 
 const char* word(TransitionKind kind)
 {
@@ -221,7 +163,7 @@ void TransitionBuilder::checkSum(const std::vector<Change*>& leaving)
                     std::to_string(change->syntax->range.line) + ")";
             last = change;
         }
-        if (sum <= 1 + tolerance) continue;
+        if (sum <= 1 + probabilityTolerance) continue;
         report_.error(last->syntax->range,
                       "the transitions from " + quoted(last->from->value) +
                           " that are possible at once add up to " + shown(sum),

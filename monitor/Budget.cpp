@@ -10,6 +10,9 @@ SearchLimits remaining(SearchLimits limits, const SearchWork& work,
     if (limits.maxRecords != SearchLimits::unlimited) {
         limits.maxRecords -= std::min(limits.maxRecords, work.records);
     }
+    if (limits.maxCandidates != SearchLimits::unlimited) {
+        limits.maxCandidates -= std::min(limits.maxCandidates, work.candidates);
+    }
     if (limits.maxSeconds != std::numeric_limits<double>::infinity()) {
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
         limits.maxSeconds = std::max(0.0, limits.maxSeconds - elapsed.count());

@@ -41,7 +41,8 @@ std::vector<AtomIndex> guardAtoms(const Plant& plant, VariableIndex index)
     return atoms;
 }
 
-// The mode variables on which the present contradictions rest, directly or through what earlier transitions depended on.
+// The mode variables on which the present contradictions rest, directly or through what the transitions of this step and
+// of earlier ones depended on.
 std::vector<bool> relevantVariables(const Successors& successors, const Plant& plant,
                                     const std::deque<PastStep>& past,
                                     const std::vector<HypothesisPointer>& now,
@@ -67,12 +68,14 @@ std::vector<bool> relevantVariables(const Successors& successors, const Plant& p
         if (atoms.empty()) {
             continue;
         }
+        const auto reachThrough = [&](const HypothesisPointer& hypothesis) {
+            const StepLabels labels = hypothesis->labels.afresh();
+            const auto modes = labels.prediction().environment(atoms);
+            std::for_each(modes.begin(), modes.end(), reach);
+        };
+        std::for_each(now.begin(), now.end(), reachThrough);
         for (const PastStep& step : past) {
-            for (const HypothesisPointer& hypothesis : step.before) {
-                const StepLabels labels = hypothesis->labels.afresh();
-                const auto modes = labels.prediction().environment(atoms);
-                std::for_each(modes.begin(), modes.end(), reach);
-            }
+            std::for_each(step.before.begin(), step.before.end(), reachThrough);
         }
     }
     return relevant;
@@ -106,8 +109,10 @@ private:
                 addAlternatives(step, *parent, relevant, all);
             }
         }
-        std::stable_sort(all.begin(), all.end(), [](const Alternative& a, const Alternative& b) {
-            return std::round(a.estimate * 1e9) > std::round(b.estimate * 1e9);
+        // Nearly equal ones stay in the order in which they are: the latest first.
+        const auto rough = [](const Alternative& one) { return std::round(one.estimate * 100.0); };
+        std::stable_sort(all.begin(), all.end(), [&](const Alternative& a, const Alternative& b) {
+            return rough(a) > rough(b);
         });
         return all;
     }
@@ -133,7 +138,7 @@ private:
         for (const LossyCommand& command : input.lossy) {
             if (budget >= 1) {
                 const double change =
-                    logProbability(command.probability) - logProbability(1.0 - command.probability);
+                    std::log(command.probability) - std::log(1.0 - command.probability);
                 all.push_back({step, &parent, {}, {command}, parent.logWeight + change});
             }
         }
@@ -168,6 +173,7 @@ private:
             made.logWeight -= scale;
             way.push_back(std::move(made));
         }
+        ++result_.work.candidates;
         result_.found.push_back({begin, std::move(way)});
     }
 
@@ -177,7 +183,12 @@ private:
         SuccessorSearch search =
             successors_.search(way.back(), input, settings_.maxFaults - way.back().faults,
                                remaining(settings_.limits, result_.work, start_));
+        search.work.candidates = 0; // those that can be followed to the present count
         add(result_.work, search.work);
+        result_.complete = result_.complete && search.complete;
+        if (search.limit != SearchLimit::none) {
+            result_.limit = search.limit;
+        }
         for (Hypothesis& found : search.found) {
             if (exhausted()) {
                 return;
@@ -196,11 +207,13 @@ private:
             result_.limit = SearchLimit::stopped;
         } else if (left.maxRecords == 0) {
             result_.limit = SearchLimit::records;
+        } else if (left.maxCandidates == 0) {
+            result_.limit = SearchLimit::candidates;
         } else if (left.maxSeconds <= 0.0) {
             result_.limit = SearchLimit::seconds;
         }
         result_.complete = result_.complete && result_.limit == SearchLimit::none;
-        return !result_.complete;
+        return result_.limit != SearchLimit::none;
     }
 
     Successors& successors_;

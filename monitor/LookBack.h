@@ -1,9 +1,10 @@
 // Going back: faults that happened at earlier steps and show only now.
 //
 // A valve that got stuck while nothing was asked of it agrees with every reading until it is told to move. The monitor keeps
-// the last steps, and what was believed before each of them. When no hypothesis predicts a step, each deviation that would
-// have gone unnoticed at one of these steps is an alternative: it is taken up there, and the steps since are replayed with
-// it. The most probable alternatives come first.
+// the last steps, and what was believed before each of them. When a step is not predicted, each deviation that would have
+// gone unnoticed at one of these steps is an alternative: it is taken up there, and the steps since are replayed with it.
+// The most probable alternatives come first. An alternative is one deviation or one lost command: two silent faults are
+// found when they show one after the other, not when both show at the same step for the first time.
 #pragma once
 
 #include "monitor/Successors.h"
@@ -29,9 +30,10 @@ struct Replay {
 
 struct LookBackResult {
     std::vector<Replay> found;
-    bool complete = true; ///< all alternatives were tried
+    bool complete =
+        true; ///< all alternatives were tried, and what was searched on the way was searched to its end
     SearchLimit limit = SearchLimit::none;
-    SearchWork work; ///< every replayed step is a record
+    SearchWork work; ///< every replayed step is a record, every way that is found a candidate
 };
 
 struct LookBackSettings {

@@ -52,6 +52,29 @@ std::vector<AtomIndex> modesOfViolated(const Plant& plant, const Prediction& lab
     return values;
 }
 
+// Gives the variable the first value that is possible, if one is, and tells whether some value determines one of the
+// observed variables that are open.
+bool settle(const Plant& plant, VariableIndex variable, const std::vector<VariableIndex>& observed,
+            Prediction& labels)
+{
+    const auto isKnown = [&](VariableIndex one) {
+        return labels.valueOf(plant.variable(one)).has_value();
+    };
+    const std::vector<AtomIndex>& values = plant.variable(variable).values;
+    const std::size_t mark = labels.mark();
+    bool measured = false;
+    for (auto value = values.rbegin(); value != values.rend(); ++value) {
+        labels.undo(mark);
+        if (labels.assume(*value) && labels.propagate()) {
+            measured = measured || std::any_of(observed.begin(), observed.end(), isKnown);
+        }
+    }
+    if (labels.violated() >= 0) {
+        labels.undo(mark);
+    }
+    return measured;
+}
+
 // For each variable, whether a law `mode value -> value` determines it.
 std::vector<bool> determinedByAMode(const Plant& plant)
 {
@@ -98,12 +121,13 @@ Simulator::Simulator(const Plant& plant, const language::Bindings& bindings,
             observed_.push_back(indexOf(plant, binding.variable));
         }
     }
-    observed_.insert(observed_.end(), settings.alsoObserved.begin(), settings.alsoObserved.end());
     for (const auto& [variable, probability] : bindings.lost) {
         lost_[static_cast<std::size_t>(indexOf(plant, variable))] = probability;
     }
     findOrder();
     findInputs();
+    // Last: what is printed besides does not change what happens.
+    observed_.insert(observed_.end(), settings.alsoObserved.begin(), settings.alsoObserved.end());
 }
 
 void Simulator::findOrder()
@@ -123,7 +147,7 @@ void Simulator::findOrder()
                      [&](VariableIndex a, VariableIndex b) { return key(a) < key(b); });
 }
 
-// Takes the observed variables in their order, each with some value, and sees what is open when its turn comes.
+// Takes the variables in their order, each with some value, and sees which are open when their turn comes.
 void Simulator::findInputs()
 {
     Prediction labels(plant_);
@@ -137,24 +161,19 @@ void Simulator::findInputs()
     if (!labels.propagate()) {
         return;
     }
-    std::vector<bool> isObserved(plant_.variables().size(), false);
-    for (const VariableIndex variable : observed_) {
-        isObserved[static_cast<std::size_t>(variable)] = true;
-    }
+    std::vector<VariableIndex> openObserved = observed_;
     for (const VariableIndex variable : order_) {
-        const PlantVariable& candidate = plant_.variable(variable);
-        if (!isObserved[static_cast<std::size_t>(variable)] || labels.valueOf(candidate)) {
-            continue;
-        }
-        isInput_[static_cast<std::size_t>(variable)] = true;
-        const std::size_t mark = labels.mark();
-        for (const AtomIndex value : candidate.values) {
-            if (labels.assume(value) && labels.propagate()) {
-                break;
-            }
-            labels.undo(mark);
+        std::erase_if(openObserved, [&](VariableIndex observed) {
+            return labels.valueOf(plant_.variable(observed)).has_value();
+        });
+        if (!labels.valueOf(plant_.variable(variable))) {
+            isInput_[static_cast<std::size_t>(variable)] =
+                settle(plant_, variable, openObserved, labels);
         }
     }
+    std::stable_partition(order_.begin(), order_.end(), [this](VariableIndex variable) {
+        return static_cast<bool>(isInput_[static_cast<std::size_t>(variable)]);
+    });
 }
 
 std::vector<AtomIndex> Simulator::allCommands(const std::vector<AtomIndex>& givenCommands) const
@@ -277,17 +296,17 @@ AtomIndex Simulator::draw(const ModeStep& step)
 
 std::optional<SimulationProblem> Simulator::fill(const SimulationInput& input, Trial& trial)
 {
-    std::vector<VariableIndex> order;
     std::vector<std::optional<AtomIndex>> wanted(plant_.variables().size());
     for (const AtomIndex value : input.observations) {
-        order.push_back(plant_.variableOf(value));
-        wanted[static_cast<std::size_t>(order.back())] = value;
+        wanted[static_cast<std::size_t>(plant_.variableOf(value))] = value;
     }
-    for (const bool wasOpen : {true, false}) {
-        std::copy_if(order_.begin(), order_.end(), std::back_inserter(order), [&](VariableIndex one) {
-            return wasOpen_[static_cast<std::size_t>(one)] == wasOpen;
-        });
-    }
+    std::vector<VariableIndex> order = order_;
+    std::stable_partition(order.begin(), order.end(), [&](VariableIndex variable) {
+        return static_cast<bool>(wasOpen_[static_cast<std::size_t>(variable)]);
+    });
+    std::stable_partition(order.begin(), order.end(), [&](VariableIndex variable) {
+        return wanted[static_cast<std::size_t>(variable)].has_value();
+    });
     const auto values = [&](VariableIndex variable) {
         return valuesToTry(variable, wanted[static_cast<std::size_t>(variable)]);
     };

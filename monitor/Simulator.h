@@ -12,12 +12,13 @@
 // With a seed the plant lives by the model's probabilities: modes take transitions as probable as they are, commands
 // are lost, and what is open is drawn from the values that it can have, one as probable as the other. Modes that
 // contradict one another by a law are drawn anew, so that they have their probability among those that can be
-// together. Inputs keep their value: the observed variables that are open while nothing is broken.
+// together. Inputs keep their value: variables that are open while nothing is broken, and measured, which means that they
+// are bound to a channel or determine one that is.
 //
 // Laws have no direction, so the order in which open variables get values matters: after `outflow = inflow` begins to hold,
-// the one that comes first takes the other along. First come those that were open in the step before as well, then
-// those that no single mode value determines (an inflow, not the outflow that is zero of a valve that is closed), then
-// the observed ones in the order of their bindings.
+// the one that comes first takes the other along. First come those that are given, then those that were open in the
+// step before as well, then inputs, then those that no single mode value determines (an inflow, not the outflow, which a
+// closed valve makes zero), then those bound to a channel, in the order of the bindings.
 #pragma once
 
 #include "language/Bindings.h"
@@ -78,13 +79,15 @@ struct SimulationProblem {
 };
 
 struct SimulatorSettings {
-    std::optional<std::uint64_t> seed;       ///< none: everything goes as predicted
-    std::vector<VariableIndex> alsoObserved; ///< besides those with a binding, and after them; none twice
+    std::optional<std::uint64_t> seed; ///< none: everything goes as predicted
+    std::vector<VariableIndex>
+        alsoObserved; ///< besides those with a binding, and after them; none twice. Changes nothing in the plant
 };
 
 class Simulator {
 public:
-    /// In the initial state (monitor/Step.h, initialLabels). The plant outlives it. Linear in the plant.
+    /// In the initial state (monitor/Step.h, initialLabels). The plant outlives it. Linear in the plant, and in the
+    /// open variables times the observed ones that are open with them.
     Simulator(const Plant& plant, const language::Bindings& bindings,
               const SimulatorSettings& settings = {});
 

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace monitor {
 
@@ -23,22 +22,26 @@ double logArrivals(const TrackInput& input, const std::vector<LossyCommand>& los
 {
     double sum = 0.0;
     for (const LossyCommand& command : input.lossy) {
-        sum += logProbability(contains(lost, command) ? command.probability
-                                                      : 1.0 - command.probability);
+        sum += std::log(contains(lost, command) ? command.probability : 1.0 - command.probability);
     }
     return sum;
 }
 
-// A value is remembered from the step at which it came unexpectedly, until the variable changes as expected.
-void updateSince(Hypothesis& made, const Plant& plant, const ModeStep& step, AtomIndex value,
+// A value is remembered from the step at which it came unexpectedly, until the variable changes as expected. That it is
+// still there against what is expected makes it no newer.
+void updateSince(Hypothesis& made, const Plant& plant, const ModeStep& expected, AtomIndex value,
                  const TrackInput& input)
 {
-    if (value != step.predicted) {
-        made.since[step.variable] = {value, input.step, input.t};
-    } else if (value != step.before) {
-        made.since.erase(step.variable);
+    const auto known = made.since.find(expected.variable);
+    if (known != made.since.end() && known->second.value == value) {
+        return;
+    }
+    if (value != expected.predicted) {
+        made.since[expected.variable] = {value, input.step, input.t};
+    } else if (value != expected.before) {
+        made.since.erase(expected.variable);
         if (plant.atom(value)->fail) {
-            made.since[step.variable] = {value, input.step, input.t};
+            made.since[expected.variable] = {value, input.step, input.t};
         }
     }
 }
@@ -79,11 +82,6 @@ bool isSmaller(const Explained& one, const Explained& other)
 
 } // namespace
 
-double logProbability(double probability)
-{
-    return std::log(std::max(probability, std::numeric_limits<double>::min()));
-}
-
 StepFrame frameAfter(const Plant& plant, const Hypothesis& parent, const TrackInput& input,
                      const std::vector<LossyCommand>& lost)
 {
@@ -116,8 +114,10 @@ std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const Track
     for (const LossyCommand& command : lost) {
         made.lost.push_back(command.given);
     }
-    for (std::size_t i = 0; i < frame.modes.size(); ++i) {
-        updateSince(made, plant_, frame.modes[i], made.modes[i], input);
+    const std::vector<ModeStep> expected =
+        lost.empty() ? frame.modes : this->frame(parent, input, {}).modes;
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        updateSince(made, plant_, expected[i], made.modes[i], input);
     }
     return made;
 }
@@ -130,7 +130,7 @@ Hypothesis Successors::predicted(const Hypothesis& parent, const TrackInput& inp
 bool Successors::explains(const Hypothesis& predicted) const
 {
     const Prediction& labels = predicted.labels.prediction();
-    return predicted.explains() &&
+    return predicted.explains() && std::isfinite(predicted.logStep) &&
            (labels.complete() || completionOf(plant_, labels) == Completion::possible);
 }
 
@@ -151,6 +151,9 @@ SuccessorSearch Successors::search(const Hypothesis& parent, const TrackInput& i
     const auto budget = static_cast<std::size_t>(std::max(0, faultBudget));
     for (std::size_t count = 0; count <= std::min(budget, mostLostAtOnce); ++count) {
         for (const std::vector<LossyCommand>& lost : lostSets(input.lossy, count)) {
+            if (!std::isfinite(logArrivals(input, lost))) {
+                continue;
+            }
             const StepFrame tried = frame(parent, input, lost);
             FaultSearch search(engine_, tried, remaining(limits, result.work, start));
             search.run(static_cast<int>(budget - count));
@@ -171,6 +174,9 @@ SuccessorSearch Successors::search(const Hypothesis& parent, const TrackInput& i
                 }
             }
         }
+    }
+    if (result.found.empty() && std::min(budget, input.lossy.size()) > mostLostAtOnce) {
+        result.complete = false;
     }
     return result;
 }

@@ -21,7 +21,9 @@ namespace monitor {
 /// The explanations of a step that one hypothesis leads to.
 struct SuccessorSearch {
     std::vector<Hypothesis> found; ///< most probable first within the same lost commands
-    bool complete = true;          ///< no other explanation within the bound is as small
+    /// No other explanation within the bound is as small. False as well where nothing was found, and with more than two
+    /// lost commands something might have been: so many at once are not tried.
+    bool complete = true;
     SearchLimit limit = SearchLimit::none;
     SearchWork work;
 };
@@ -39,7 +41,8 @@ public:
     /// contradicts that is listed as unexplained, and does not count in the likelihood.
     Hypothesis predicted(const Hypothesis& parent, const TrackInput& input) const;
 
-    /// Whether what is predicted explains the step: nothing contradicts it, and what it leaves open can have values.
+    /// Whether what is predicted explains the step: nothing contradicts it, what it leaves open can have values, and it is
+    /// not impossible (as where a command arrives that never does).
     bool explains(const Hypothesis& predicted) const;
 
     /// The step with other modes than expected. Nothing when they cannot be had, or do not explain the observations.
@@ -66,9 +69,6 @@ private:
     itms& engine_;
     const Plant& plant_;
 };
-
-/// Natural logarithm; finite for what is said to be impossible, too, since it may be what is left when it happened.
-double logProbability(double probability);
 
 /// The hypothesis before the first step: initial modes, and initial conditions where there are any.
 Hypothesis initialHypothesis(const Plant& plant);

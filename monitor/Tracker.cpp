@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 namespace monitor {
 
@@ -26,14 +27,30 @@ double rounded(double logWeight)
     return std::round(logWeight * 1e9);
 }
 
-std::vector<std::string> names(const Plant& plant, const Hypothesis& hypothesis)
+std::vector<std::string> names(const Plant& plant, const std::vector<AtomIndex>& atoms)
 {
     std::vector<std::string> names;
-    for (const auto& [variable, since] : hypothesis.since) {
-        names.push_back(plant.atom(since.value)->id);
+    for (const AtomIndex atom : atoms) {
+        names.push_back(plant.atom(atom)->id);
     }
     std::sort(names.begin(), names.end());
     return names;
+}
+
+// By the names of what differs, where that is the same by those of the modes.
+bool isBeforeByName(const Plant& plant, const Hypothesis& a, const Hypothesis& b)
+{
+    const auto differing = [&](const Hypothesis& hypothesis) {
+        std::vector<AtomIndex> atoms = hypothesis.lost;
+        for (const auto& [variable, since] : hypothesis.since) {
+            atoms.push_back(since.value);
+        }
+        return names(plant, atoms);
+    };
+    const auto namesOfA = differing(a);
+    const auto namesOfB = differing(b);
+    return namesOfA != namesOfB ? namesOfA < namesOfB
+                                : names(plant, a.modes) < names(plant, b.modes);
 }
 
 } // namespace
@@ -65,7 +82,7 @@ public:
         answer_.t = input_.t;
         answer_.before = tracker_.memory_.hypotheses;
         succeed();
-        if (found_.empty() || !predicted_) {
+        if (found_.empty() || predicted_ < 0.5 - 1e-9) {
             goBack();
         }
         const bool explained = !found_.empty();
@@ -89,7 +106,8 @@ private:
             const HypothesisPointer& parent = answer_.before[i];
             Hypothesis made = tracker_.successors_.predicted(*parent, input_);
             if (tracker_.successors_.explains(made)) {
-                predicted_ = true;
+                predicted_ += std::exp(parent->logWeight);
+                predictedModes_.insert(made.modes);
                 found_.push_back({std::move(made), 0, {}});
                 continue;
             }
@@ -125,16 +143,23 @@ private:
     {
         note(result.complete, result.limit, result.work);
         for (Replay& replay : result.found) {
+            if (predictedModes_.contains(replay.way.back().modes)) {
+                continue; // may be how this hypothesis came about, which counts already
+            }
             Hypothesis last = std::move(replay.way.back());
             replay.way.pop_back();
             found_.push_back({std::move(last), replay.begin, std::move(replay.way)});
         }
     }
 
-    // Nothing explains the step: the predictions stand, without what contradicts them.
+    // Nothing explains the step, so every hypothesis is contradicted: the predictions stand, without what contradicts them.
     void goOn()
     {
-        for (Hypothesis& hypothesis : contradicted_) {
+        for (std::size_t i = 0; i < contradicted_.size(); ++i) {
+            Hypothesis& hypothesis = contradicted_[i];
+            if (!std::isfinite(hypothesis.logWeight)) {
+                hypothesis.logWeight = tracker_.memory_.hypotheses[i]->logWeight;
+            }
             if (!hypothesis.labels.consistent()) {
                 Prediction modes(tracker_.plant_);
                 for (const AtomIndex mode : hypothesis.modes) {
@@ -147,7 +172,8 @@ private:
         }
     }
 
-    // One hypothesis for the same modes; the most probable way stays, of equal ones the first.
+    // One hypothesis for the same modes; the most probable way stays, of nearly equal ones the first: that is the one in
+    // which the fault is youngest. It may be older, but nothing tells.
     void merge()
     {
         std::map<std::vector<AtomIndex>, std::size_t> known;
@@ -162,7 +188,8 @@ private:
             const std::size_t index = entry->second;
             const double own = found.hypothesis.logWeight;
             const double sum = logOfSum(merged[index].hypothesis.logWeight, own);
-            if (rounded(own) > rounded(best_[index])) {
+            constexpr double nearly = 0.01;
+            if (own > best_[index] + nearly) {
                 best_[index] = own;
                 merged[index] = std::move(found);
             }
@@ -182,10 +209,7 @@ private:
             if (left != right) {
                 return left > right;
             }
-            const auto namesOfA = names(tracker_.plant_, a->hypothesis);
-            const auto namesOfB = names(tracker_.plant_, b->hypothesis);
-            return namesOfA != namesOfB ? namesOfA < namesOfB
-                                        : a->hypothesis.modes < b->hypothesis.modes;
+            return isBeforeByName(tracker_.plant_, a->hypothesis, b->hypothesis);
         });
         if (order_.size() > tracker_.settings_.keep) {
             answer_.dropped = order_.size() - tracker_.settings_.keep;
@@ -267,7 +291,9 @@ private:
     const TrackInput& input_;
     TrackAnswer& answer_;
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-    bool predicted_ = false; ///< at least one kept hypothesis predicts the step
+    double predicted_ =
+        0.0; ///< what the kept hypotheses that predict the step had of the probability before it
+    std::set<std::vector<AtomIndex>> predictedModes_;
     std::vector<Found> found_;
     std::vector<double> best_; ///< the weight of the most probable way of each of `found_`
     std::vector<Found*> order_;

@@ -4,8 +4,10 @@
 //     while (more) { const TrackAnswer& answer = tracker.advance(input); ... }
 //
 // Every kept hypothesis is predicted; one that contradicts the observations is replaced by its smallest explanations
-// (monitor/Successors.h). When none predicts the step, earlier steps are gone back to as well (monitor/LookBack.h). Ways
-// that lead to the same modes are one hypothesis, whose probabilities add up. The most probable ones go on.
+// (monitor/Successors.h). When those that predict the step had less than half of the probability before it, earlier steps
+// are gone back to as well (monitor/LookBack.h): that some unlikely hypothesis predicts anything does not keep better
+// explanations from being looked for. Ways that lead to the same modes are one hypothesis, whose probabilities add up. The
+// most probable ones go on.
 #pragma once
 
 #include "monitor/LookBack.h"

@@ -42,7 +42,7 @@ std::string inWords(const TrackedExplanation& explanation)
     return text;
 }
 
-// What must differ for a step to be worth its lines.
+// What must differ for a step to be worth its lines: of the explanations, the first one, and which others there are.
 std::string essence(const StepReport& report, std::size_t shown)
 {
     std::string text = monitor::name(report.status);
@@ -51,7 +51,9 @@ std::string essence(const StepReport& report, std::size_t shown)
     for (std::size_t i = 0; i < shown; ++i) {
         explanations.push_back(inWords(report.explanations[i]));
     }
-    std::sort(explanations.begin(), explanations.end());
+    if (!explanations.empty()) {
+        std::sort(explanations.begin() + 1, explanations.end());
+    }
     return fmt::format("{}\n{}", text, fmt::join(explanations, "\n"));
 }
 

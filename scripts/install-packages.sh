@@ -3,6 +3,7 @@
 #
 #   scripts/install-packages.sh          what a build with its tests needs
 #   scripts/install-packages.sh --all    and what the checks of the source need
+#   scripts/install-packages.sh --fuzz   ... what the fuzzers need
 #   ... --check                          installs nothing: lists what is missing, status 1 if anything is
 set -euo pipefail
 
@@ -10,17 +11,20 @@ build=(
     cmake g++ make ninja-build pkg-config
     libcli11-dev libfmt-dev nlohmann-json3-dev tao-pegtl-dev
     libbenchmark-dev libgmock-dev libgtest-dev
+    python3-jsonschema
 )
 checks=(clang-format clang-tidy)
+fuzz=(clang libclang-rt-dev)
 
 wanted=("${build[@]}")
 only_check=no
 for argument in "$@"; do
     case "$argument" in
-    --all) wanted=("${build[@]}" "${checks[@]}") ;;
+    --all) wanted+=("${checks[@]}") ;;
+    --fuzz) wanted+=("${fuzz[@]}") ;;
     --check) only_check=yes ;;
     *)
-        echo "install-packages.sh: unknown option $argument (--all, --check)" >&2
+        echo "install-packages.sh: unknown option $argument (--all, --fuzz, --check)" >&2
         exit 2
         ;;
     esac

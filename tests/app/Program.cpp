@@ -131,6 +131,20 @@ ProgramRun runUntilSignal(const std::vector<std::string>& arguments, const std::
     return start(arguments, {input, {}, false}, signal);
 }
 
+bool runAndKill(const std::vector<std::string>& arguments, double seconds)
+{
+    const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
+    const pid_t child = fork();
+    if (child == 0) become(arguments, {}, nothing, nothing, nothing);
+    close(nothing);
+    std::this_thread::sleep_for(std::chrono::duration<double>(seconds));
+    kill(child, SIGKILL);
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFSIGNALED(status);
+}
+
 std::vector<std::string> projectLines(const std::string& path)
 {
     std::ifstream file(std::string(ITMS_ROOT "/") + path);

@@ -27,5 +27,9 @@ ProgramRun runProgram(const std::vector<std::string>& arguments, const ProgramSe
 ProgramRun runUntilSignal(const std::vector<std::string>& arguments, const std::string& input,
                           int signal);
 
+/// Runs itms without input, its output thrown away, and kills it (-9) after so many seconds. True when it had not ended
+/// before.
+bool runAndKill(const std::vector<std::string>& arguments, double seconds);
+
 /// The lines of a file of the project, without their ends.
 std::vector<std::string> projectLines(const std::string& path);

@@ -5,6 +5,7 @@
 //     ITMS_REGENERATE=1 build/check/bin/itms_tests_app --gtest_filter='Sessions*'
 #include "tests/app/Program.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -33,6 +34,17 @@ std::string shell(const std::string& command)
     return text;
 }
 
+// The names of the files in tests/app/sessions.
+std::vector<std::string> sessions()
+{
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(ITMS_ROOT "/tests/app/sessions")) {
+        names.push_back(entry.path().stem().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
 class Sessions : public testing::TestWithParam<std::string> {};
 
 } // namespace
@@ -58,7 +70,5 @@ TEST_P(Sessions, ComeOutAgain)
     EXPECT_EQ(got, wanted) << path;
 }
 
-INSTANTIATE_TEST_SUITE_P(, Sessions,
-                         testing::Values("check", "usage", "options", "readings", "problems",
-                                         "tables", "records", "status", "colours", "fmt"),
+INSTANTIATE_TEST_SUITE_P(, Sessions, testing::ValuesIn(sessions()),
                          [](const auto& given) { return given.param; });

@@ -1,4 +1,4 @@
-// The examples in docs/language.md are read. One that a ```text block follows is wrong in the way that the block says.
+// The examples in docs/language.md are read, those of model files and those in JSON. One that a ```text block follows is wrong in the way that the block says.
 #include "language/Reader.h"
 
 #include <fstream>
@@ -10,6 +10,7 @@ namespace {
 
 struct Example {
     std::size_t line = 0;
+    std::string name;
     std::string text;
     std::optional<std::string> told;
 };
@@ -29,8 +30,8 @@ std::vector<Example> examples()
             block = nullptr;
         } else if (block) {
             *block += line + "\n";
-        } else if (line == "```itms") {
-            found.push_back({number, {}, {}});
+        } else if (line == "```itms" || line == "```json") {
+            found.push_back({number, "example." + line.substr(3), {}, {}});
             block = &found.back().text;
         } else if (line == "```text" && justEnded) {
             block = &found.back().told.emplace();
@@ -48,7 +49,7 @@ TEST(Documentation, HasExamplesThatAreReadAsItSays)
         language::ReadOptions options;
         options.systemNeeded = false;
         const language::ReadResult result =
-            language::readModelText("example.itms", example.text, options);
+            language::readModelText(example.name, example.text, options);
         std::string told;
         for (const language::SourceError& error : result.errors) {
             told += error.format();
@@ -56,7 +57,7 @@ TEST(Documentation, HasExamplesThatAreReadAsItSays)
         EXPECT_EQ(told, example.told.value_or("")) << "docs/language.md, line " << example.line;
         wrong += example.told ? 1 : 0;
     }
-    EXPECT_GE(examples().size(), 3U);
+    EXPECT_GE(examples().size(), 4U);
     EXPECT_GE(wrong, 1U);
 }
 

@@ -117,6 +117,49 @@ TEST(SimulatedRuns, EndOnlyWhereNoValuesAgreeWithTheLaws)
     EXPECT_GT(ended, 0);
 }
 
+// Whether one of the candidates has no mode that did not really deviate.
+bool isExplained(const monitor::StepAnswer& answer, const std::vector<AtomIndex>& truth)
+{
+    return std::any_of(
+        answer.candidates.begin(), answer.candidates.end(), [&](const monitor::Candidate& candidate) {
+            return std::all_of(candidate.modes.begin(), candidate.modes.end(), [&](AtomIndex mode) {
+                return std::count(truth.begin(), truth.end(), mode) > 0;
+            });
+        });
+}
+
+// From the true state before it, the monitor explains what a step shows by what was injected, or by less.
+TEST(SimulatedRuns, AreExplainedByTheirFaults)
+{
+    const MutedTrace muted;
+    int withFault = 0;
+    for (std::uint64_t seed = 0; seed < 150; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Random random(seed);
+        ActivePlant active(
+            randomModel(random, seed % 2 == 0 ? PlantKind::mixed : PlantKind::circuit));
+        const language::Bindings bindings = observingAllBut("c0");
+        auto inputs = monitor::randomCommands(*active.plant, 4, seed);
+        injectRandomFaults(*active.plant, bindings, inputs, 2, seed);
+        monitor::Simulator simulator(*active.plant, bindings);
+        monitor::StepSolver solver(active.engine, *active.plant);
+        for (const SimulationInput& input : inputs) {
+            const monitor::Prediction before = simulator.labels();
+            const auto result = simulator.step(input);
+            const auto* step = std::get_if<SimulatedStep>(&result);
+            if (!step) {
+                break;
+            }
+            const int faults = static_cast<int>(input.injections.size());
+            const monitor::StepAnswer answer =
+                solver.solve(before, {step->commands, step->observations}, {.maxFaults = faults});
+            EXPECT_TRUE(isExplained(answer, input.injections));
+            withFault += faults > 0 && answer.status != monitor::StepStatus::nominal ? 1 : 0;
+        }
+    }
+    EXPECT_GT(withFault, 30);
+}
+
 TEST(SimulatedRuns, AreTheSameForTheSameSeed)
 {
     const MutedTrace muted;

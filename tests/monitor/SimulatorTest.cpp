@@ -248,6 +248,41 @@ TEST_F(SimulatorTest, InputsKeepTheirValueWhereAllElseIsDrawn)
     }
 }
 
+TEST_F(SimulatorTest, WhatAnObservedVariableShowsIsAnInputAsWell)
+{
+    // The sensor shows the level. When it is stuck, nothing tells the level any more, which stays what it is.
+    model_.condition("tank.level", {"low", "high"});
+    model_.condition("tank.colour", {"red", "blue"}); // nothing shows it
+    model_.mode("sensor.mode", {"ok", "stuck!"});
+    model_.condition("sensor.reading", {"zero", "low", "high"});
+    model_.law("!sensor.mode=ok | !tank.level=low | sensor.reading=low");
+    model_.law("!sensor.mode=ok | !tank.level=high | sensor.reading=high");
+    model_.law("!sensor.mode=stuck | sensor.reading=zero");
+    model_.fault("sensor.mode=ok", "sensor.mode=stuck", 1.0 / 1024);
+    observe("sensor.reading");
+    simulator(5);
+    EXPECT_THAT(ids(step({{}, {"tank.level=high"}, {}}).observations),
+                ElementsAre("sensor.reading=high"));
+    step({{}, {}, {"sensor.mode=stuck"}});
+    int red = 0;
+    for (int i = 0; i < 40; ++i) {
+        const Texts values = ids(step().values);
+        EXPECT_THAT(values, Contains("tank.level=high"));
+        red += std::count(values.begin(), values.end(), "tank.colour=red") > 0 ? 1 : 0;
+    }
+    EXPECT_GT(red, 5);
+    EXPECT_LT(red, 35);
+}
+
+TEST_F(SimulatorTest, OfGivenValuesThoseOfInputsCount)
+{
+    makeValve();
+    step({{"v.request=open"}, {"v.in=positive"}, {}});
+    const SimulatedStep contradictory = step({{}, {"v.out=zero", "v.in=positive"}, {}});
+    EXPECT_THAT(ids(contradictory.ignored), ElementsAre("v.out=zero"));
+    EXPECT_THAT(ids(contradictory.values), Contains("v.in=positive"));
+}
+
 TEST_F(SimulatorTest, AGivenValueOfWhatFollowsFromOthersIsIgnored)
 {
     makeValve();
@@ -350,6 +385,21 @@ TEST_F(SimulatorTest, FurtherVariablesAreObservedAfterTheBoundOnes)
         std::make_unique<Simulator>(*active_->plant, bindings_, SimulatorSettings{{}, {position}});
     EXPECT_THAT(ids(step().observations),
                 ElementsAre("v.out=zero", "v.in=zero", "v.position=closed"));
+}
+
+TEST_F(SimulatorTest, ObservingMoreChangesNothing)
+{
+    makeValve();
+    bindings_.channels.resize(1); // v.out
+    active_ = model_.activate();
+    const auto inflow = active_->plant->variableOf(active_->index("v.in=zero"));
+    const auto inputs = monitor::randomCommands(*active_->plant, 50, 2);
+    const auto plain = simulate(*active_->plant, bindings_, inputs, {2, {}});
+    const auto observed = simulate(*active_->plant, bindings_, inputs, {2, {inflow}});
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        EXPECT_EQ(plain.steps[i].values, observed.steps[i].values);
+    }
+    EXPECT_EQ(observed.steps.front().observations.size(), 2U);
 }
 
 TEST_F(SimulatorTest, NamesTheFaultsThatTheNextStepCouldBring)

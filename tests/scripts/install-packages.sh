@@ -29,7 +29,7 @@ chmod +x "$tree"/bin/*
 export TREE="$tree" PATH="$tree/bin:$PATH"
 echo 0 >"$tree/user"
 everything='cmake g++ make ninja-build pkg-config libcli11-dev libfmt-dev nlohmann-json3-dev tao-pegtl-dev
-libbenchmark-dev libgmock-dev libgtest-dev clang-format clang-tidy'
+libbenchmark-dev libgmock-dev libgtest-dev python3-jsonschema clang-format clang-tidy'
 # shellcheck disable=SC2086
 printf 'installed %s\n' $everything >"$tree/packages"
 
@@ -42,6 +42,7 @@ expect 1 '' test -e "$tree/asked"
 sed -i -e 's/installed libfmt-dev/config-files libfmt-dev/' -e '/g++/d' -e '/clang-/d' "$tree/packages"
 expect 1 $'g++\nlibfmt-dev' "$install" --check
 expect 1 $'g++\nlibfmt-dev\nclang-format\nclang-tidy' "$install" --all --check
+expect 1 $'g++\nlibfmt-dev\nclang\nlibclang-rt-dev' "$install" --fuzz --check
 expect 1 '' test -e "$tree/asked"
 expect 0 'install-packages.sh: installing g++ libfmt-dev' "$install"
 expect 0 'apt-get update -q
@@ -54,5 +55,5 @@ expect 0 'install-packages.sh: installing g++ libfmt-dev' "$install"
 expect 0 'sudo apt-get update -q
 sudo apt-get install -q -y --no-install-recommends g++ libfmt-dev' cat "$tree/asked"
 
-expect 2 'install-packages.sh: unknown option --chek (--all, --check)' "$install" --chek
+expect 2 'install-packages.sh: unknown option --chek (--all, --fuzz, --check)' "$install" --chek
 finish

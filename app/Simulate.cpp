@@ -1,0 +1,329 @@
+#include "app/Simulate.h"
+
+#include "app/Arguments.h"
+#include "app/Interruption.h"
+#include "app/Output.h"
+#include "app/SimulationSource.h"
+#include "app/StepValue.h"
+#include "app/Truth.h"
+#include "monitor/Completion.h"
+#include "report/Text.h"
+#include "telemetry/Writer.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <limits>
+#include <memory>
+#include <unordered_set>
+
+namespace app {
+
+namespace {
+
+constexpr const char* helpText =
+    R"(Usage: itms simulate MODEL [COMMANDS] [options]
+
+Stands in for a plant: follows commands as the model says, breaks what it is told
+to break, and prints the telemetry, a JSON record a step. The steps count from 1;
+before the first, everything is in its initial state.
+
+  MODEL                     a model file, .itms
+  COMMANDS                  telemetry whose commands are given to the plant, with
+                            the values that it has of inputs; - for standard
+                            input. Without it, commands are drawn
+  -I, --import FOLDER       look for imported files there, too; may be repeated
+  --skip-bad                report lines that are in error, and go on
+
+Without COMMANDS:
+  --steps N                 how many (default 20)
+  --commands random|none    random: each command is given at one step in five
+                            (default); none: all are silent
+  --seed N                  of the random commands (default 1)
+
+What happens:
+  --fault VARIABLE=VALUE@STEP
+                            a mode has this value at this step; may be repeated
+  --input VARIABLE=VALUE[@STEP]
+                            an input has this value from this step on (default:
+                            the first); may be repeated
+  --random SEED             draw faults, lost commands and what nothing determines
+                            by the model's probabilities. Otherwise everything
+                            goes as predicted, and nothing breaks by itself
+
+What to print:
+  --observe VARIABLE        observe this variable as well; may be repeated
+  --truth FILE              write what really happens, a JSON record a step: the
+                            modes, their changes, the commands that were lost
+  -q, --quiet               no warnings on standard error
+  -h, --help                print this
+
+Exit status: 0 done; 2 an error in the command line, the model or the commands,
+a fault that cannot happen when it is asked for, or modes that cannot be
+together; 130 interrupted.
+
+Example:
+  itms simulate examples/models/valve.itms --steps 8 --seed 22 \
+      --input valve.inflow=positive --fault valve.position=stuckClosed@6
+)";
+
+constexpr std::uint64_t mostSteps = 1'000'000'000;
+
+void checkUsage(const SimulateOptions& options)
+{
+    const auto refuse = [](const std::string& message) {
+        throw Failure(message + "\n  hint: itms simulate --help shows an example\n");
+    };
+    if (options.telemetry) {
+        if (options.steps || options.commands || options.seed) {
+            refuse(std::string(options.steps      ? "--steps"
+                               : options.commands ? "--commands"
+                                                  : "--seed") +
+                   " goes without a file of commands");
+        }
+    } else if (options.skipBad) {
+        refuse("--skip-bad goes with a file of commands");
+    }
+    if (options.seed && options.commands == "none") refuse("--seed goes with --commands random");
+    if (options.truth == "-") {
+        throw Failure("--truth: standard output is for the telemetry\n"
+                      "  expected: the name of a file\n");
+    }
+}
+
+std::unique_ptr<SimulationSource> makeSource(const SimulateOptions& options, const ModelFile& model)
+{
+    if (options.telemetry)
+        return std::make_unique<TelemetrySteps>(model, *options.telemetry, options.skipBad);
+    std::optional<std::uint64_t> seed;
+    if (options.commands != "none") seed = options.seed.value_or(1);
+    return std::make_unique<DrawnSteps>(model, options.steps.value_or(20), seed);
+}
+
+// The variables of --observe that have no channel, each once.
+std::vector<monitor::VariableIndex> alsoObserved(const SimulateOptions& options,
+                                                 const telemetry::Names& names,
+                                                 const monitor::Plant& plant)
+{
+    std::vector<monitor::VariableIndex> observed;
+    for (const std::string& text : options.observed) {
+        const std::uint32_t index = names.find(text);
+        if (index == telemetry::Names::none || names[index].observed.empty())
+            refuseValue("--observe", names.unknown(text, telemetry::Side::observation));
+        for (const std::uint32_t number : names[index].observed) {
+            const telemetry::Variable& variable = names.variables()[number];
+            const monitor::VariableIndex found =
+                plant.variableOf(plant.indexOf(variable.variable->atomLinks->front()));
+            if (!variable.binding &&
+                std::find(observed.begin(), observed.end(), found) == observed.end())
+                observed.push_back(found);
+        }
+    }
+    return observed;
+}
+
+// Commands whose reading is held when it is missing: they have to be written when they are silent again.
+std::unordered_set<const StateVar*> heldCommands(const language::Bindings& bindings)
+{
+    std::unordered_set<const StateVar*> held;
+    for (const language::ChannelBinding& binding : bindings.channels) {
+        if (binding.kind == language::ChannelBinding::Kind::command && binding.holdSeconds)
+            held.insert(binding.variable);
+    }
+    return held;
+}
+
+// Takes step after step from the source to standard output.
+class Run {
+public:
+    Run(const SimulateOptions& options, const ModelFile& model)
+        : quiet_(options.quiet), plant_(model.plant()),
+          names_(*model.read().model, model.bindings()), source_(makeSource(options, model)),
+          faults_(readStepValues("--fault", Expected::mode, options.faults, names_)),
+          inputs_(readStepValues("--input", Expected::input, options.inputs, names_)),
+          simulator_(plant_, model.bindings(),
+                     {options.random, alsoObserved(options, names_, plant_)}),
+          writer_(model.bindings()), held_(heldCommands(model.bindings()))
+    {
+        if (source_->length()) refuseAfter(*source_->length());
+        if (options.truth) truth_.emplace(*options.truth, plant_, *model.read().model);
+        if (simulator_.observed().empty() && !quiet_) {
+            complain(fmt::format("{}: warning: nothing is observed: no variable has a channel\n"
+                                 "  hint: --observe names variables to observe\n",
+                                 model.path()));
+        }
+    }
+
+    ExitStatus run()
+    {
+        while (const auto given = source_->next()) {
+            ++step_;
+            const monitor::SimulatedStep simulated = simulate(given->input);
+            print(writer_.line(given->t, commandsToWrite(simulated), atoms(simulated.observations)));
+            if (truth_) truth_->write(step_, given->t, simulated);
+        }
+        if (interruption()) return ExitStatus::interrupted;
+        if (source_->leftOut() > 0 && !quiet_) {
+            complain(fmt::format("itms simulate: {} left out\n",
+                                 report::counted(source_->leftOut(), "bad line")));
+        }
+        refuseAfter(step_);
+        return ExitStatus::done;
+    }
+
+private:
+    // What the command line asks for at a step after the last.
+    void refuseAfter(std::size_t last) const
+    {
+        for (const auto& [option, values] : {std::pair("--fault", &faults_), {"--input", &inputs_}}) {
+            if (values->empty() || values->back().step <= last) continue;
+            throw Failure(
+                fmt::format("{}: {} is after the last step\n  expected: a step from 1 to {}\n",
+                            option, language::quoted(values->back().text), last));
+        }
+    }
+
+    // What is given from outside, with what the command line adds to it: its inputs take the place of others.
+    monitor::SimulatedStep simulate(monitor::SimulationInput input)
+    {
+        // By rising step: a later value of the same input comes later, and replaces the one before.
+        for (const StepValue& wanted : inputs_) {
+            if (wanted.step > step_) break;
+            std::erase_if(input.observations, [&](monitor::AtomIndex value) {
+                return plant_.atom(value)->stateVar == wanted.value->stateVar;
+            });
+            input.observations.push_back(plant_.indexOf(wanted.value));
+        }
+        for (const StepValue& fault : faults_) {
+            if (fault.step == step_) input.injections.push_back(plant_.indexOf(fault.value));
+        }
+        auto result = simulator_.step(input);
+        if (const auto* problem = std::get_if<monitor::SimulationProblem>(&result)) fail(*problem);
+        warnOfIgnored(std::get<monitor::SimulatedStep>(result));
+        return std::move(std::get<monitor::SimulatedStep>(result));
+    }
+
+    // Says once of each --input that the variable has another value, although it is given.
+    void warnOfIgnored(const monitor::SimulatedStep& simulated)
+    {
+        for (const StepValue& wanted : inputs_) {
+            if (quiet_ || wanted.step > step_ || warned_.contains(wanted.value) ||
+                std::find(simulated.ignored.begin(), simulated.ignored.end(),
+                          plant_.indexOf(wanted.value)) == simulated.ignored.end())
+                continue;
+            warned_.insert(wanted.value);
+            const monitor::VariableIndex variable = plant_.variableOf(plant_.indexOf(wanted.value));
+            complain(fmt::format(
+                "itms simulate: warning: step {}: {} is not what was given, '{}', but '{}', which "
+                "follows "
+                "from the rest\n",
+                step_, language::quoted(nameOf(*wanted.value->stateVar)), wanted.value->value,
+                plant_.atom(simulated.values[static_cast<std::size_t>(variable)])->value));
+        }
+    }
+
+    [[noreturn]] void fail(const monitor::SimulationProblem& problem) const
+    {
+        using Kind = monitor::SimulationProblem::Kind;
+        std::string list;
+        for (const monitor::AtomIndex value : problem.values) {
+            const Atom* atom = plant_.atom(value);
+            list += (list.empty() ? "" : ", ") +
+                    (problem.kind == Kind::unreachable ? atom->value : atom->id);
+        }
+        if (problem.kind == Kind::unreachable) {
+            const Atom* injected = plant_.atom(problem.injected);
+            refuseValue("--fault",
+                        {telemetry::Complaint::About::value,
+                         fmt::format("no transition leads '{}' to '{}' at step {}",
+                                     nameOf(*injected->stateVar), injected->value, step_),
+                         list, "what it can be depends on its value before and on the commands"});
+        }
+        if (problem.kind == Kind::unsettled) {
+            throw Failure(
+                fmt::format("step {}: no values were found for what the modes leave open, "
+                            "with {} of them taken back\n",
+                            step_, report::grouped(monitor::completionRetreats)));
+        }
+        throw Failure(
+            list.empty()
+                ? fmt::format("step {}: the laws leave no values for what the modes do not "
+                              "determine\n",
+                              step_)
+                : fmt::format("step {}: by the laws, these cannot be together: {}\n", step_, list));
+    }
+
+    std::vector<Atom*> atoms(const std::vector<monitor::AtomIndex>& indices) const
+    {
+        std::vector<Atom*> result;
+        for (const monitor::AtomIndex index : indices) {
+            result.push_back(plant_.atom(index));
+        }
+        return result;
+    }
+
+    // Those that are not silent, in the order of the names. One that is missing is silent, unless it is held.
+    std::vector<Atom*> commandsToWrite(const monitor::SimulatedStep& simulated) const
+    {
+        std::unordered_map<const StateVar*, Atom*> given;
+        for (Atom* command : atoms(simulated.commands)) {
+            given.emplace(command->stateVar, command);
+        }
+        std::vector<Atom*> result;
+        for (std::size_t i = names_.observedCount(); i < names_.variables().size(); ++i) {
+            const StateVar* variable = names_.variables()[i].variable;
+            Atom* command = given.at(variable);
+            if (command != variable->atomLinks->front() || held_.contains(variable))
+                result.push_back(command);
+        }
+        return result;
+    }
+
+    bool quiet_;
+    const monitor::Plant& plant_;
+    telemetry::Names names_;
+    std::unique_ptr<SimulationSource> source_;
+    std::vector<StepValue> faults_;
+    std::vector<StepValue> inputs_;
+    monitor::Simulator simulator_;
+    telemetry::StepWriter writer_;
+    std::unordered_set<const StateVar*> held_;
+    std::optional<TruthFile> truth_;
+    std::unordered_set<const Atom*> warned_; // of these inputs
+    std::size_t step_ = 0;
+};
+
+} // namespace
+
+CLI::App* addSimulate(CLI::App& program, SimulateOptions& options)
+{
+    CLI::App* verb = program.add_subcommand("simulate");
+    verb->allow_extras();
+    verb->formatter_fn(
+        [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return helpText; });
+    const auto takeAll = CLI::MultiOptionPolicy::TakeAll;
+    const auto anyNumber = wholeNumber(0, std::numeric_limits<std::uint64_t>::max());
+    addModelOptions(*verb, options.model);
+    verb->add_option("commandsFile", options.telemetry);
+    verb->add_flag("--skip-bad", options.skipBad);
+    verb->add_option("--steps", options.steps)->check(wholeNumber(1, mostSteps));
+    verb->add_option("--commands", options.commands)->check(oneOf({"random", "none"}));
+    verb->add_option("--seed", options.seed)->check(anyNumber);
+    verb->add_option("--fault", options.faults)->expected(1)->multi_option_policy(takeAll);
+    verb->add_option("--input", options.inputs)->expected(1)->multi_option_policy(takeAll);
+    verb->add_option("--random", options.random)->check(anyNumber);
+    verb->add_option("--observe", options.observed)->expected(1)->multi_option_policy(takeAll);
+    verb->add_option("--truth", options.truth);
+    verb->add_flag("-q,--quiet", options.quiet);
+    return verb;
+}
+
+ExitStatus simulate(const SimulateOptions& options)
+{
+    checkUsage(options);
+    const ModelFile model("simulate", options.model, options.quiet);
+    catchInterruptions();
+    Run run(options, model);
+    return run.run();
+}
+
+} // namespace app

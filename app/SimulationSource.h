@@ -1,0 +1,67 @@
+// Where the steps of a simulated run come from: telemetry, or commands drawn at random.
+#pragma once
+
+#include "app/ModelFile.h"
+#include "monitor/Simulation.h"
+#include "telemetry/StepReader.h"
+
+#include <optional>
+#include <string>
+
+namespace app {
+
+/// What is given for a step before any fault.
+struct SourceStep {
+    double t = 0; ///< seconds
+    monitor::SimulationInput input;
+};
+
+class SimulationSource {
+public:
+    SimulationSource() = default;
+    virtual ~SimulationSource() = default;
+    SimulationSource(const SimulationSource&) = delete;
+    SimulationSource& operator=(const SimulationSource&) = delete;
+
+    /// The next step; none at the end, or after an interruption. Throws FileFailure for a mistake in
+    /// the input, and telemetry::ReadFailure.
+    virtual std::optional<SourceStep> next() = 0;
+    /// How many steps there are, where that is known before.
+    virtual std::optional<std::size_t> length() const { return std::nullopt; }
+    /// Lines in error that were left out.
+    virtual std::size_t leftOut() const { return 0; }
+};
+
+/// Steps one step length apart. Without a seed all commands are silent.
+class DrawnSteps : public SimulationSource {
+public:
+    /// The model outlives this.
+    DrawnSteps(const ModelFile& model, std::size_t steps, std::optional<std::uint64_t> seed);
+
+    std::optional<SourceStep> next() override;
+    std::optional<std::size_t> length() const override { return steps_; }
+
+private:
+    double stepSeconds_;
+    std::size_t steps_;
+    std::size_t done_ = 0;
+    std::optional<monitor::CommandSource> commands_;
+};
+
+/// Commands and observations of a file, or of standard input as they come.
+class TelemetrySteps : public SimulationSource {
+public:
+    /// The model outlives this. With `skipBad`, lines in error are told on standard error and left out. Throws
+    /// telemetry::ReadFailure when the file cannot be opened.
+    TelemetrySteps(const ModelFile& model, const std::string& path, bool skipBad);
+
+    std::optional<SourceStep> next() override;
+    std::size_t leftOut() const override { return leftOut_; }
+
+private:
+    const monitor::Plant& plant_;
+    telemetry::StepReader reader_;
+    std::size_t leftOut_ = 0;
+};
+
+} // namespace app

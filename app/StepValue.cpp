@@ -1,0 +1,140 @@
+#include "app/StepValue.h"
+
+#include "app/Output.h"
+#include "language/ModelBuilder.h"
+#include "language/NearestName.h"
+
+#include <algorithm>
+#include <charconv>
+#include <fmt/format.h>
+#include <optional>
+
+namespace app {
+
+namespace {
+
+using language::quoted;
+using telemetry::Complaint;
+using telemetry::Names;
+using telemetry::Variable;
+
+Complaint complaint(std::string message, std::string expected, std::string hint = "")
+{
+    return {Complaint::About::name, std::move(message), std::move(expected), std::move(hint)};
+}
+
+std::optional<std::size_t> stepNumber(std::string_view text)
+{
+    std::size_t step = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, step);
+    if (error != std::errc() || stop != end || step == 0) return std::nullopt;
+    return step;
+}
+
+// Why the name is not one of a mode variable.
+Complaint noMode(const std::string& name, const Names& names)
+{
+    std::vector<std::string_view> modes;
+    for (const Variable& variable : names.variables()) {
+        if (variable.name == name) {
+            return complaint(quoted(name) + (variable.variable->type == "Command"
+                                                 ? " is a command, no mode"
+                                                 : " is a condition, no mode"),
+                             "a mode variable: what breaks is the mode of a component");
+        }
+        if (variable.variable->type == "Mode") modes.push_back(variable.name);
+    }
+    return complaint("no mode variable is called " + quoted(name), "COMPONENT.VARIABLE",
+                     telemetry::didYouMean(language::nearestName(name, modes)));
+}
+
+const Variable& findVariable(const std::string& option, Expected expected, const std::string& name,
+                             const Names& names)
+{
+    const std::uint32_t index = names.find(name);
+    const bool isMode = expected == Expected::mode;
+    if (index == Names::none || names[index].observed.empty()) {
+        refuseValue(option, isMode ? noMode(name, names)
+                                   : names.unknown(name, telemetry::Side::observation));
+    }
+    const Variable& variable = names.variables()[names[index].observed.front()];
+    if (isMode && variable.variable->type != "Mode") refuseValue(option, noMode(name, names));
+    if (!isMode && variable.variable->type == "Mode") {
+        refuseValue(option, complaint(quoted(name) + " is a mode, no input",
+                                      "a variable that nothing in the plant determines",
+                                      "--fault sets modes"));
+    }
+    return variable;
+}
+
+} // namespace
+
+void refuseValue(const std::string& option, const Complaint& complaint)
+{
+    std::string text = option + ": " + complaint.message + "\n";
+    if (!complaint.expected.empty()) text += "  expected: " + complaint.expected + "\n";
+    if (!complaint.hint.empty()) text += "  hint: " + complaint.hint + "\n";
+    throw Failure(text);
+}
+
+StepValue readStepValue(const std::string& option, Expected expected, const std::string& text,
+                        const Names& names)
+{
+    const bool isMode = expected == Expected::mode;
+    const std::size_t equals = text.find('=');
+    const std::size_t at = text.rfind('@');
+    const bool hasStep = at != std::string::npos && equals != std::string::npos && at > equals;
+    if (equals == std::string::npos || (isMode && !hasStep)) {
+        refuseValue(option, complaint("found " + quoted(text),
+                                      isMode ? "VARIABLE=VALUE@STEP"
+                                             : "VARIABLE=VALUE, or VARIABLE=VALUE@STEP"));
+    }
+    StepValue result{text, nullptr, 1};
+    if (hasStep) {
+        const auto step = stepNumber(std::string_view(text).substr(at + 1));
+        if (!step) {
+            refuseValue(option, complaint(fmt::format("the step is {}", quoted(text.substr(at + 1))),
+                                          "a whole number, 1 for the first step"));
+        }
+        result.step = *step;
+    }
+    const Variable& variable = findVariable(option, expected, text.substr(0, equals), names);
+    const std::string value = text.substr(equals + 1, hasStep ? at - equals - 1 : std::string::npos);
+    result.value = language::value(variable.variable, value);
+    if (!result.value) {
+        std::vector<std::string_view> known;
+        std::string list;
+        for (const Atom* atom : *variable.variable->atomLinks) {
+            known.push_back(atom->value);
+            list += (list.empty() ? "" : ", ") + atom->value;
+        }
+        refuseValue(option,
+                    complaint(fmt::format("{} is not a value of '{}'", quoted(value), variable.name),
+                              list, telemetry::didYouMean(language::nearestName(value, known))));
+    }
+    return result;
+}
+
+std::vector<StepValue> readStepValues(const std::string& option, Expected expected,
+                                      const std::vector<std::string>& texts, const Names& names)
+{
+    std::vector<StepValue> values;
+    for (const std::string& text : texts) {
+        values.push_back(readStepValue(option, expected, text, names));
+        const StepValue& added = values.back();
+        const auto first = std::find_if(values.begin(), values.end(), [&](const StepValue& other) {
+            return other.step == added.step && other.value->stateVar == added.value->stateVar;
+        });
+        if (first != values.end() - 1) {
+            refuseValue(option, complaint(fmt::format("{} and {} are for the same step",
+                                                      quoted(first->text), quoted(text)),
+                                          "one value of a variable at a step"));
+        }
+    }
+    std::stable_sort(values.begin(), values.end(),
+                     [](const StepValue& a, const StepValue& b) { return a.step < b.step; });
+    return values;
+}
+
+} // namespace app

@@ -1,0 +1,32 @@
+// What really happened in a simulated plant: a JSON record a step, for judging a diagnosis by it.
+#pragma once
+
+#include "language/Model.h"
+#include "monitor/Simulator.h"
+
+#include <fstream>
+#include <string>
+
+namespace app {
+
+/// Writes `{"v": 1, "step": 3, "t": 3.0, "modes": {VARIABLE: VALUE, ...}, "changes": [{"variable": ..., "before": ..., "after": ...,
+/// "cause": "injected"}], "lost": [COMMAND, ...]}`. All modes are there, in the model's order.
+class TruthFile {
+public:
+    /// Throws Failure when the file cannot be opened. Plant and model outlive this.
+    TruthFile(std::string path, const monitor::Plant& plant, const language::Model& model);
+
+    /// Throws Failure when it cannot be written. Linear in the modes.
+    void write(std::size_t step, double t, const monitor::SimulatedStep& simulated);
+
+private:
+    std::string path_;
+    const monitor::Plant& plant_;
+    std::vector<monitor::VariableIndex> modes_;
+    std::ofstream file_;
+};
+
+/// COMPONENT.VARIABLE.
+std::string nameOf(const StateVar& variable);
+
+} // namespace app

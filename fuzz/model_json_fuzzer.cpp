@@ -1,0 +1,48 @@
+// Feeds the reader of JSON models with any bytes. Whatever they are, it must come back with a model or with errors that can be
+// shown; a model that it accepts must be written as one that is read again, and written with the same bytes.
+#include "language/ModelJson.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+void require(bool condition, const char* what)
+{
+    if (condition) return;
+    std::fprintf(stderr, "does not hold: %s\n", what);
+    std::abort();
+}
+
+void checkErrors(const std::vector<language::SourceError>& errors)
+{
+    require(errors.size() <= language::ReadOptions().mostErrors + 1,
+            "the number of errors is bounded");
+    for (const language::SourceError& error : errors) {
+        require(!error.message.empty(), "an error has a message");
+        const std::string shown = error.format();
+        for (std::string_view rest = shown; !rest.empty();) {
+            const std::size_t length = language::utf8Length(rest);
+            require(length > 0, "an error is shown as UTF-8");
+            rest.remove_prefix(length);
+        }
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const language::ReadResult read =
+        language::readModelText("fuzz.json", std::string(reinterpret_cast<const char*>(data), size));
+    require((read.model != nullptr) == read.errors.empty(), "there is a model or an error");
+    checkErrors(read.errors);
+    if (!read.model) return 0;
+
+    const std::string written = language::modelJson(read);
+    const language::ReadResult again = language::readModelText("fuzz.json", written);
+    require(again.model != nullptr, "what is written can be read");
+    require(language::modelJson(again) == written, "and is written again as it is");
+    return 0;
+}

@@ -1,0 +1,196 @@
+#include "telemetry/CsvRecords.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+namespace telemetry {
+
+namespace {
+
+constexpr std::string_view blanks = " \t";
+
+} // namespace
+
+void CsvRecords::takeBack(std::string_view line)
+{
+    window_.assign(line);
+    window_ += '\n';
+    next_ = 0;
+    linesDone_ = lines_.lineNumber() - 1;
+}
+
+bool CsvRecords::skipTo(std::size_t count)
+{
+    while (linesDone_ < count) {
+        beginRecord();
+        if (!takeLine()) return false;
+    }
+    return true;
+}
+
+void CsvRecords::beginRecord()
+{
+    if (next_ == window_.size()) {
+        window_.clear();
+        next_ = 0;
+        tooLong_ = std::string::npos;
+    }
+    recordBegin_ = next_;
+}
+
+// Makes the next line the current one: one of the window, or else of the file.
+bool CsvRecords::takeLine()
+{
+    if (next_ == window_.size()) {
+        std::string_view line;
+        if (!lines_.next(line)) return false;
+        if (lines_.tooLong()) tooLong_ = next_;
+        window_ += line;
+        window_ += '\n';
+    }
+    at_ = next_;
+    lineEnd_ = window_.find('\n', at_);
+    next_ = lineEnd_ + 1;
+    ++linesDone_;
+    return true;
+}
+
+bool CsvRecords::isBlank() const
+{
+    return window_.find_first_not_of(blanks, at_) == lineEnd_;
+}
+
+CsvRecords::Got CsvRecords::next()
+{
+    do {
+        beginRecord();
+        if (!takeLine()) return lines_.interrupted() ? Got::interrupted : Got::end;
+    } while (isBlank());
+    firstLine_ = linesDone_;
+    return readCells();
+}
+
+CsvRecords::Got CsvRecords::readCells()
+{
+    std::size_t count = 0;
+    if (at_ == tooLong_) return stop();
+    while (true) {
+        if (count == cells_.size()) cells_.emplace_back();
+        Cell& cell = cells_[count++];
+        if (window_[at_] == '"') {
+            const Got got = readQuoted(cell);
+            if (got != Got::record) return got;
+        } else {
+            const std::size_t end = std::min(lineEnd_, taken().find_first_of(",\"", at_));
+            if (end < lineEnd_ && window_[end] == '"') {
+                return refuse({Complaint::About::value, "a quote within a cell",
+                               "a cell that is in quotes as a whole",
+                               "a quote in it is written twice: \"a \"\"b\"\"\""},
+                              end, 1);
+            }
+            std::size_t begin = std::min(window_.find_first_not_of(blanks, at_), end);
+            std::size_t last = end;
+            while (last > begin && blanks.find(window_[last - 1]) != std::string_view::npos) {
+                --last;
+            }
+            cell.text.assign(window_, begin, last - begin);
+            cell.offset = begin - recordBegin_;
+            cell.length = last - begin;
+            at_ = end;
+        }
+        if (at_ == lineEnd_) break;
+        ++at_;
+    }
+    cells_.resize(count);
+    return Got::record;
+}
+
+// From the opening quote to the comma or the end of the line after the closing one.
+CsvRecords::Got CsvRecords::readQuoted(Cell& cell)
+{
+    const std::size_t begin = at_;
+    cell.text.clear();
+    ++at_;
+    while (true) {
+        const std::size_t quote = std::min(taken().find('"', at_), lineEnd_);
+        cell.text.append(window_, at_, quote - at_);
+        if (quote < lineEnd_) {
+            at_ = quote + 1;
+            if (window_[at_] != '"') break;
+            cell.text += '"';
+            ++at_;
+            continue;
+        }
+        cell.text += '\n';
+        if (!takeLine()) {
+            if (lines_.interrupted()) {
+                rewind(0);
+                return Got::interrupted;
+            }
+            return refuse({Complaint::About::value, "this quote is not closed",
+                           "a closing quote before the end of the input", ""},
+                          begin, 1);
+        }
+        if (at_ == tooLong_ || next_ - recordBegin_ > mostBytes_) {
+            return refuse({Complaint::About::value,
+                           fmt::format("this quote is not closed within {} bytes", mostBytes_),
+                           "a closing quote", ""},
+                          begin, 1);
+        }
+    }
+    cell.offset = begin - recordBegin_;
+    cell.length = at_ - begin;
+    at_ = std::min(window_.find_first_not_of(blanks, at_), lineEnd_);
+    if (at_ < lineEnd_ && window_[at_] != ',') {
+        return refuse({Complaint::About::value, "text after a closing quote",
+                       "a comma, or the end of the line",
+                       "a quote in a cell is written twice: \"a \"\"b\"\"\""},
+                      at_, 1);
+    }
+    return Got::record;
+}
+
+// The record ends with its first line.
+CsvRecords::Got CsvRecords::refuse(const Complaint& complaint, std::size_t offset,
+                                   std::size_t length)
+{
+    mistake_ = errorIn(complaint, offset, length);
+    rewind(1);
+    return Got::mistake;
+}
+
+CsvRecords::Got CsvRecords::stop()
+{
+    return refuse({Complaint::About::value,
+                   fmt::format("this line has more than {} bytes", mostBytes_), "shorter lines", ""},
+                  recordBegin_, 1);
+}
+
+// Goes back to where that many lines of the record are done with.
+void CsvRecords::rewind(std::size_t lines)
+{
+    next_ = lines == 0 ? recordBegin_ : window_.find('\n', recordBegin_) + 1;
+    linesDone_ = firstLine_ - 1 + lines;
+}
+
+language::SourceError CsvRecords::errorIn(const Complaint& complaint, std::size_t offset,
+                                          std::size_t length) const
+{
+    const std::string_view window = window_;
+    const std::size_t newline = offset == 0 ? std::string::npos : window.rfind('\n', offset - 1);
+    const std::size_t begin = newline == std::string::npos ? 0 : newline + 1;
+    const std::size_t end = window.find('\n', offset);
+    const auto before = std::count(window.begin() + static_cast<std::ptrdiff_t>(recordBegin_),
+                                   window.begin() + static_cast<std::ptrdiff_t>(offset), '\n');
+    return errorAt(complaint, window.substr(begin, end - begin),
+                   firstLine_ + static_cast<std::size_t>(before), offset - begin, length);
+}
+
+language::SourceError CsvRecords::errorAtCell(const Complaint& complaint, std::size_t cell) const
+{
+    if (cell >= cells_.size()) return errorIn(complaint, lineEnd_, 1);
+    return errorIn(complaint, recordBegin_ + cells_[cell].offset,
+                   std::max<std::size_t>(cells_[cell].length, 1));
+}
+
+} // namespace telemetry

@@ -1,0 +1,74 @@
+// Records of comma-separated values (RFC 4180): cells in quotes may have commas, line ends, and quotes written twice. Blanks
+// around cells do not count, unless in quotes; blank lines are passed over.
+//
+// After a mistake in the quotes reading goes on with the next line, not with the next record: a quote that is not closed would
+// otherwise take with it all up to the next quote.
+#pragma once
+
+#include "language/SourceError.h"
+#include "telemetry/Complaint.h"
+#include "telemetry/LineReader.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace telemetry {
+
+class CsvRecords {
+public:
+    struct Cell {
+        std::string text;       ///< without quotes
+        std::size_t offset = 0; ///< of the cell in the record's text
+        std::size_t length = 0; ///< with its quotes
+    };
+    enum class Got { record, mistake, end, interrupted };
+
+    /// The reader outlives this. A record may have `mostBytes` bytes.
+    CsvRecords(LineReader& lines, std::size_t mostBytes) : lines_(lines), mostBytes_(mostBytes) {}
+
+    /// Takes back the line that the reader gave last.
+    void takeBack(std::string_view line);
+    /// Passes over lines until `count` of them are done with; false when there are not so many (yet).
+    bool skipTo(std::size_t count);
+
+    /// Goes on to the next record. Linear in its length.
+    Got next();
+    const std::vector<Cell>& cells() const { return cells_; }
+    /// What is wrong with the record, after Got::mistake. The name of the file is left to the caller.
+    const language::SourceError& mistake() const { return mistake_; }
+    /// An error about a cell of the record; past the last one, about the end of the record.
+    language::SourceError errorAtCell(const Complaint& complaint, std::size_t cell) const;
+
+    std::size_t firstLine() const { return firstLine_; } ///< of the record
+    std::size_t linesDone() const { return linesDone_; } ///< up to the end of the record
+
+private:
+    void beginRecord();
+    bool takeLine();
+    std::string_view taken() const { return std::string_view(window_).substr(0, lineEnd_); }
+    bool isBlank() const;
+    Got readCells();
+    Got readQuoted(Cell& cell);
+    Got refuse(const Complaint& complaint, std::size_t offset, std::size_t length);
+    Got stop();
+    void rewind(std::size_t lines);
+    language::SourceError errorIn(const Complaint& complaint, std::size_t offset,
+                                  std::size_t length) const;
+
+    LineReader& lines_;
+    std::size_t mostBytes_;
+    // Lines that were read, each with LF behind it: those of the record, and after a mistake those to be read again.
+    std::string window_;
+    std::size_t recordBegin_ = 0;             // offsets in the window
+    std::size_t lineEnd_ = 0;                 // of the line taken last, without LF
+    std::size_t at_ = 0;                      // the next character
+    std::size_t next_ = 0;                    // the next line
+    std::size_t tooLong_ = std::string::npos; // a line of which the rest is missing
+    std::size_t firstLine_ = 0;
+    std::size_t linesDone_ = 0;
+    std::vector<Cell> cells_;
+    language::SourceError mistake_;
+};
+
+} // namespace telemetry

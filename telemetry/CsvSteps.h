@@ -1,0 +1,71 @@
+// Steps from comma-separated values, in one of two shapes that the header tells apart:
+//
+//     t,XV-A,FT-101              t,name,value
+//     0,open,0.02                0,XV-A,open
+//     1,,0.06                    0,FT-101,0.02
+//                                1,FT-101,0.06
+//
+// wide, a row a step, and long, the rows of one time a step. A name that is a command's gives a command, any other is observed; an empty
+// cell says nothing. A row with a mistake is left out; in the long shape the other rows of its time stand.
+#pragma once
+
+#include "telemetry/CsvRecords.h"
+#include "telemetry/StepBuilder.h"
+
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace telemetry {
+
+class CsvSteps {
+public:
+    /// The reader and the builder outlive this.
+    /// `line` is the last one that the reader gave, and the first one of the header.
+    CsvSteps(LineReader& lines, StepBuilder& builder, std::size_t mostBytes, std::string_view line)
+        : records_(lines, mostBytes), builder_(builder)
+    {
+        records_.takeBack(line);
+    }
+
+    /// At the end (`interrupted`: for now), nothing.
+    struct None {
+        bool interrupted = false;
+    };
+
+    /// Reads the header, before all else. Interrupted, it is to be called again; after an error nothing is to be called.
+    std::variant<std::monostate, language::SourceError, None> readHeader();
+    /// Passes over lines until `count` of them are done with; false when there are not so many (yet).
+    bool skipTo(std::size_t count);
+    /// The name of the file in errors is left to the caller.
+    std::variant<Step, language::SourceError, None> next();
+    /// Lines of the input that are done with, with the last step.
+    std::size_t linesDone() const { return linesDone_; }
+
+private:
+    struct Column {
+        std::string text;
+        std::uint32_t name = Names::none; ///< none: the time
+        Side side = Side::observation;
+    };
+    using Result = std::variant<Step, language::SourceError, None>;
+    using Problem = std::optional<language::SourceError>;
+
+    Problem readColumns();
+    Problem readTime(std::size_t cell, double& t) const;
+    Problem find(const std::string& name, std::size_t cell, Column& column) const;
+    Problem checkTime(std::size_t cell, double t, std::optional<double> before) const;
+    Result wideRow();
+    Problem longRow(std::optional<Step>& step);
+
+    CsvRecords records_;
+    StepBuilder& builder_;
+    bool isLong_ = false;
+    std::vector<Column> columns_;     // of the wide shape
+    std::size_t timeColumn_ = 0;      // of the wide shape
+    std::optional<double> draftTime_; // of the long shape, while there is a draft
+    std::size_t linesDone_ = 0;
+};
+
+} // namespace telemetry

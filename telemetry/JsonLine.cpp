@@ -1,0 +1,252 @@
+#include "telemetry/JsonLine.h"
+
+#include "language/NearestName.h"
+#include "telemetry/JsonText.h"
+
+#include <cmath>
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+namespace telemetry {
+
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr const char* wholeStep =
+    R"({"t": 12.5, "commands": {"XV-A": "open"}, "observations": {"FT-101": 0.02}})";
+
+enum class Key { none, time, commands, observations };
+
+// Takes the events of one line.
+class Handler : public nlohmann::json_sax<Json> {
+public:
+    Handler(StepBuilder& builder, std::vector<std::size_t>* seen, std::size_t stamp,
+            std::string_view line, std::size_t lineNumber, const std::size_t& taken)
+        : builder_(builder), seen_(seen), stamp_(stamp), line_(line), lineNumber_(lineNumber),
+          taken_(taken)
+    {
+    }
+
+    bool null() override
+    {
+        return depth_ == 2 || (depth_ == 1 && key_ != Key::time) || misplaced("null");
+    }
+    bool boolean(bool given) override
+    {
+        const std::string_view text = given ? "true" : "false";
+        return depth_ == 2 ? reading({Reading::Kind::text, 0, text}) : misplaced(text);
+    }
+    bool number_integer(number_integer_t given) override
+    {
+        return number(static_cast<double>(given), std::to_string(given));
+    }
+    bool number_unsigned(number_unsigned_t given) override
+    {
+        return number(static_cast<double>(given), std::to_string(given));
+    }
+    bool number_float(number_float_t given, const string_t& text) override
+    {
+        return number(given, text);
+    }
+    bool string(string_t& text) override
+    {
+        return depth_ == 2 ? reading({Reading::Kind::text, 0, text})
+                           : misplaced("the text " + language::quoted(text));
+    }
+    bool binary(binary_t& /*value*/) override { return misplaced("binary data"); }
+    bool start_array(std::size_t /*size*/) override { return misplaced("an array"); }
+    bool end_array() override { return true; }
+    bool start_object(std::size_t /*size*/) override
+    {
+        if (depth_ == 2 || (depth_ == 1 && key_ == Key::time)) return misplaced("an object");
+        ++depth_;
+        return true;
+    }
+    bool end_object() override
+    {
+        --depth_;
+        return true;
+    }
+    bool key(string_t& name) override
+    {
+        keyEnd_ = taken_;
+        return depth_ == 1 ? outerKey(name) : innerKey(name);
+    }
+    bool parse_error(std::size_t position, const std::string& lastToken,
+                     const nlohmann::detail::exception& error) override;
+
+    std::variant<Step, language::SourceError> result();
+
+private:
+    bool outerKey(const std::string& name);
+    bool innerKey(const std::string& name);
+    bool number(double number, std::string_view text);
+    bool reading(const Reading& reading);
+    bool misplaced(std::string_view found);
+    bool complain(const Complaint& complaint)
+    {
+        return complain(complaint, complaint.about == Complaint::About::name
+                                       ? textBefore(line_, keyEnd_)
+                                       : valueAfter(line_, keyEnd_));
+    }
+    bool complain(const Complaint& complaint, Extent extent)
+    {
+        error_ = errorAt(complaint, line_, lineNumber_, extent.offset, extent.length);
+        return false;
+    }
+    bool repeated(const std::string& name)
+    {
+        return complain({Complaint::About::name,
+                         fmt::format("{} stands twice in this step", language::quoted(name)),
+                         "each name once", ""});
+    }
+
+    StepBuilder& builder_;
+    std::vector<std::size_t>* seen_;
+    std::size_t stamp_;
+    std::string_view line_;
+    std::size_t lineNumber_;
+    const std::size_t& taken_;
+    int depth_ = 0;
+    Key key_ = Key::none;
+    bool has_[4] = {};
+    std::string name_;
+    std::uint32_t nameIndex_ = Names::none;
+    std::size_t keyEnd_ = 0;
+    std::optional<double> time_;
+    std::size_t timeKeyEnd_ = 0;
+    std::optional<language::SourceError> error_;
+};
+
+bool Handler::outerKey(const std::string& name)
+{
+    key_ = name == "t"              ? Key::time
+           : name == "commands"     ? Key::commands
+           : name == "observations" ? Key::observations
+                                    : Key::none;
+    if (key_ == Key::none) {
+        // A name that is far from all three may be one of the plant.
+        std::string hint =
+            didYouMean(language::nearestName(name, {"t", "commands", "observations"}));
+        const std::uint32_t index = builder_.names().find(name);
+        if (hint.empty() && index != Names::none) {
+            hint =
+                fmt::format("it belongs in '{}'",
+                            builder_.names()[index].observed.empty() ? "commands" : "observations");
+        }
+        return complain({Complaint::About::name,
+                         fmt::format("{} is no key of a step", language::quoted(name)),
+                         "'t', 'commands' or 'observations'", hint});
+    }
+    bool& before = has_[static_cast<std::size_t>(key_)];
+    if (before) return repeated(name);
+    before = true;
+    return true;
+}
+
+bool Handler::innerKey(const std::string& name)
+{
+    const Side side = key_ == Key::commands ? Side::command : Side::observation;
+    nameIndex_ = builder_.names().find(name);
+    if (nameIndex_ == Names::none || builder_.names()[nameIndex_].on(side).empty())
+        return complain(builder_.names().unknown(name, side));
+    std::size_t& before = seen_[static_cast<std::size_t>(side)][nameIndex_];
+    if (before == stamp_) return repeated(name);
+    before = stamp_;
+    name_ = name;
+    return true;
+}
+
+bool Handler::number(double number, std::string_view text)
+{
+    if (depth_ == 2) return reading({Reading::Kind::number, number, text});
+    if (depth_ != 1 || key_ != Key::time) return misplaced(text);
+    time_ = number;
+    timeKeyEnd_ = keyEnd_;
+    return true;
+}
+
+bool Handler::reading(const Reading& reading)
+{
+    const Side side = key_ == Key::commands ? Side::command : Side::observation;
+    const auto complaint = builder_.add(nameIndex_, name_, side, reading);
+    return !complaint || complain(*complaint);
+}
+
+// A value that cannot stand where it does.
+bool Handler::misplaced(std::string_view found)
+{
+    const auto about = Complaint::About::value;
+    if (depth_ == 0) {
+        const std::size_t begin = std::min(line_.find_first_not_of(" \t"), line_.size());
+        return complain({about, fmt::format("found {} where a step begins", found), wholeStep, ""},
+                        {begin, 1});
+    }
+    if (depth_ == 2) {
+        return complain({about, fmt::format("the value of {} is {}", language::quoted(name_), found),
+                         "a number or a text", "leave out what was not observed, or write null"});
+    }
+    if (key_ == Key::time)
+        return complain({about, fmt::format("the time is {}", found), "a number of seconds", ""});
+    return complain({about,
+                     fmt::format("the value of '{}' is {}",
+                                 key_ == Key::commands ? "commands" : "observations", found),
+                     R"(an object of names and values, such as {"FT-101": 0.02})", ""});
+}
+
+bool Handler::parse_error(std::size_t position, const std::string& /*lastToken*/,
+                          const nlohmann::detail::exception& error)
+{
+    constexpr int outOfRange = 406;
+    if (error.id == outOfRange)
+        return complain({Complaint::About::value, "this number is too large", "a finite number", ""});
+    const SyntaxMistake mistake = syntaxMistake(error.what());
+    const std::size_t offset = std::min(position == 0 ? 0 : position - 1, line_.size());
+    return complain({Complaint::About::value, fmt::format("this is not JSON: {}", mistake.found),
+                     mistake.expected, fmt::format("a step is one line: {}", wholeStep)},
+                    {offset, 1});
+}
+
+std::variant<Step, language::SourceError> Handler::result()
+{
+    if (!error_) {
+        const auto before = builder_.time();
+        const double t = time_ ? *time_ : before ? *before + builder_.stepSeconds() : 0;
+        if (!std::isfinite(t) || !builder_.timeIsLater(t)) {
+            const Extent extent = time_ ? valueAfter(line_, timeKeyEnd_) : Extent{0, 1};
+            const std::string same = time_ ? "" : ", one step length after the step before";
+            complain(
+                {Complaint::About::value, fmt::format("the time is {}{}", t, same),
+                 fmt::format("a time later than that of the step before, {}", before.value_or(0)),
+                 ""},
+                extent);
+        }
+        if (!error_) return builder_.finish(t);
+    }
+    return std::move(*error_);
+}
+
+} // namespace
+
+JsonLineParser::JsonLineParser(StepBuilder& builder) : builder_(builder)
+{
+    for (auto& seen : seen_) {
+        seen.resize(builder.names().size());
+    }
+}
+
+std::variant<Step, language::SourceError> JsonLineParser::parse(std::string_view line,
+                                                                std::size_t lineNumber)
+{
+    builder_.begin();
+    std::size_t taken = 0;
+    Handler handler(builder_, seen_, ++lines_, line, lineNumber, taken);
+    Json::sax_parse(CountingIterator(line.data(), &taken),
+                    CountingIterator(line.data() + line.size(), &taken), &handler);
+    auto result = handler.result();
+    builder_.begin();
+    return result;
+}
+
+} // namespace telemetry

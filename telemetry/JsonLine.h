@@ -1,0 +1,32 @@
+// One step from one line of JSON:
+//
+//     {"t": 12.5, "commands": {"XV-A": "open"}, "observations": {"FT-101": 0.02, "valveB.outflow": "zero"}}
+//
+// Every key may be missing. Without `t`, a step is one of the model's step lengths after the one before; the first one is at 0.
+#pragma once
+
+#include "language/SourceError.h"
+#include "telemetry/StepBuilder.h"
+
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace telemetry {
+
+class JsonLineParser {
+public:
+    /// The builder outlives this.
+    explicit JsonLineParser(StepBuilder& builder);
+
+    /// The step of a line, or the first error in it, with which the builder remembers nothing of the line. The name of the file is left
+    /// to the caller. Linear in the line.
+    std::variant<Step, language::SourceError> parse(std::string_view line, std::size_t lineNumber);
+
+private:
+    StepBuilder& builder_;
+    std::size_t lines_ = 0;
+    std::vector<std::size_t> seen_[2]; // by side and name: the line that had it as a key
+};
+
+} // namespace telemetry

@@ -1,0 +1,128 @@
+#include "telemetry/Names.h"
+
+#include "language/NearestName.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <unordered_set>
+
+namespace telemetry {
+
+language::SourceError errorAt(const Complaint& complaint, std::string_view line,
+                              std::size_t lineNumber, std::size_t offset, std::size_t length)
+{
+    language::SourceError error;
+    error.place = {lineNumber, offset + 1};
+    error.message = complaint.message;
+    error.expected = complaint.expected;
+    error.hint = complaint.hint;
+    error.quote(line, length);
+    return error;
+}
+
+std::string didYouMean(const std::string& name)
+{
+    return name.empty() ? "" : fmt::format("did you mean '{}'?", name);
+}
+
+Names::Names(const language::Model& model, const language::Bindings& bindings)
+{
+    std::unordered_map<const StateVar*, const language::ChannelBinding*> bound;
+    for (const language::ChannelBinding& binding : bindings.channels) {
+        bound.emplace(binding.variable, &binding);
+        if (binding.kind == language::ChannelBinding::Kind::observation)
+            addVariable(binding.variable, &binding);
+    }
+    std::vector<StateVar*> commands;
+    for (const auto& component : model.components()) {
+        std::unordered_set<const StateVar*> commanded;
+        if (component->commandVars)
+            commanded.insert(component->commandVars->begin(), component->commandVars->end());
+        for (StateVar* variable : *component->stateVars) {
+            if (commanded.contains(variable)) {
+                commands.push_back(variable);
+            } else if (!bound.contains(variable)) {
+                addVariable(variable, nullptr);
+            }
+        }
+    }
+    observedCount_ = variables_.size();
+    for (StateVar* variable : commands) {
+        const auto found = bound.find(variable);
+        addVariable(variable, found == bound.end() ? nullptr : found->second);
+    }
+    for (std::uint32_t i = 0; i < variables_.size(); ++i) {
+        if (variables_[i].binding) addName(variables_[i].binding->channel, i, true);
+    }
+    for (std::uint32_t i = 0; i < variables_.size(); ++i) {
+        addName(variables_[i].name, i, false);
+        std::string dotted = variables_[i].name;
+        std::replace(dotted.begin(), dotted.end(), '/', '.');
+        if (dotted != variables_[i].name) addName(dotted, i, false);
+    }
+}
+
+void Names::addVariable(StateVar* variable, const language::ChannelBinding* binding)
+{
+    variables_.push_back({variable, variable->comp->name + "." + variable->name, binding});
+}
+
+void Names::addName(const std::string& name, std::uint32_t variable, bool isChannel)
+{
+    const auto [entry, isNew] = indices_.emplace(name, static_cast<std::uint32_t>(names_.size()));
+    if (isNew) {
+        names_.emplace_back().isChannel = isChannel;
+        texts_.push_back(entry->first);
+    }
+    Name& known = names_[entry->second];
+    if (known.isChannel != isChannel) return;
+    (variable < observedCount_ ? known.observed : known.commanded).push_back(variable);
+}
+
+std::uint32_t Names::find(std::string_view name) const
+{
+    const auto found = indices_.find(name);
+    return found == indices_.end() ? none : found->second;
+}
+
+std::string Names::nearest(std::string_view name, bool observed, bool commanded) const
+{
+    std::vector<std::string_view> known;
+    for (std::size_t i = 0; i < names_.size(); ++i) {
+        if ((observed && !names_[i].observed.empty()) || (commanded && !names_[i].commanded.empty()))
+            known.push_back(texts_[i]);
+    }
+    return language::nearestName(name, known);
+}
+
+Complaint Names::unknown(std::string_view name, Side side) const
+{
+    const bool command = side == Side::command;
+    if (find(name) != none) {
+        return {Complaint::About::name,
+                language::quoted(name) + (command ? " is observed, it is not a command"
+                                                  : " is a command, it is not observed"),
+                "", fmt::format("it belongs in '{}'", command ? "observations" : "commands")};
+    }
+    return {Complaint::About::name,
+            fmt::format("{} {} is not known", command ? "command" : "observation",
+                        language::quoted(name)),
+            "a channel, or COMPONENT.VARIABLE", didYouMean(nearest(name, !command, command))};
+}
+
+Complaint Names::unknown(std::string_view name) const
+{
+    const std::uint32_t index = find(name);
+    if (index != none) {
+        return {Complaint::About::name,
+                fmt::format("{} is a channel of an observation and of a command",
+                            language::quoted(name)),
+                "COMPONENT.VARIABLE, which says which of them is meant",
+                fmt::format("'{}' or '{}'", variables_[names_[index].observed.front()].name,
+                            variables_[names_[index].commanded.front()].name)};
+    }
+    return {Complaint::About::name, fmt::format("{} is not known", language::quoted(name)),
+            "a channel, or COMPONENT.VARIABLE", didYouMean(nearest(name, true, true))};
+}
+
+} // namespace telemetry

@@ -1,0 +1,82 @@
+// The names under which telemetry speaks of a plant's variables: channels, and COMPONENT.VARIABLE.
+#pragma once
+
+#include "language/Bindings.h"
+#include "language/Model.h"
+#include "telemetry/Complaint.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace telemetry {
+
+enum class Side { observation, command };
+
+/// A variable of the model.
+struct Variable {
+    StateVar* variable = nullptr;
+    std::string name; ///< COMPONENT.VARIABLE
+    const language::ChannelBinding* binding = nullptr;
+};
+
+/// What a name stands for. One channel may be bound to several variables.
+struct Name {
+    std::vector<std::uint32_t> observed; ///< indices of variables
+    std::vector<std::uint32_t> commanded;
+    bool isChannel = false;
+
+    const std::vector<std::uint32_t>& on(Side side) const
+    {
+        return side == Side::observation ? observed : commanded;
+    }
+};
+
+/// All names of a model. A name that is a channel means the channel, even if there is a variable of this name. A variable of a
+/// part of a part has two names, `branch/valve.position` and `branch.valve.position`.
+class Names {
+public:
+    /// The model and the bindings outlive this, and the bindings are not changed. Linear in the variables.
+    Names(const language::Model& model, const language::Bindings& bindings);
+
+    /// First those that are observed, the bound ones in the order of the bindings and then the others in the model's order; then the
+    /// commands in the model's order.
+    const std::vector<Variable>& variables() const { return variables_; }
+    /// How many of them are not commands.
+    std::size_t observedCount() const { return observedCount_; }
+
+    /// The index of a name, or `none`. Constant time.
+    std::uint32_t find(std::string_view name) const;
+    const Name& operator[](std::uint32_t index) const { return names_[index]; }
+    std::size_t size() const { return names_.size(); }
+    static constexpr std::uint32_t none = UINT32_MAX;
+
+    /// Why a name does not stand for anything on that side. Linear in the names.
+    Complaint unknown(std::string_view name, Side side) const;
+    /// The same where both sides are meant.
+    Complaint unknown(std::string_view name) const;
+
+private:
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view text) const
+        {
+            return std::hash<std::string_view>()(text);
+        }
+    };
+
+    void addVariable(StateVar* variable, const language::ChannelBinding* binding);
+    void addName(const std::string& name, std::uint32_t variable, bool isChannel);
+    std::string nearest(std::string_view name, bool observed, bool commanded) const;
+
+    std::vector<Variable> variables_;
+    std::size_t observedCount_ = 0;
+    std::vector<Name> names_;
+    std::vector<std::string_view> texts_; // of the names
+    std::unordered_map<std::string, std::uint32_t, Hash, std::equal_to<>> indices_;
+};
+
+} // namespace telemetry

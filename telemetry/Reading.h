@@ -1,0 +1,32 @@
+// One reading as the input has it, and the value of a variable that it stands for.
+#pragma once
+
+#include "telemetry/Complaint.h"
+#include "telemetry/Names.h"
+
+#include <optional>
+#include <string_view>
+
+namespace telemetry {
+
+/// A reading. A cell of a table is a text that may be a number.
+struct Reading {
+    enum class Kind { number, text, cell };
+
+    Kind kind = Kind::number;
+    double number = 0;
+    std::string_view text; ///< as written, for a number too
+};
+
+/// A decimal number, `-1.5e-3`, in all of the text. One that is too large is infinite, and so are `inf` and `nan` what
+/// they say; hexadecimal ones are none.
+std::optional<double> parseNumber(std::string_view text);
+
+/// The value, or null where the reading has no meaning. `last` is the value before, for the hysteresis; `byChannel`: the variable was
+/// named by its channel, so a text that the channel maps is not the name of a value. Linear in the values.
+Atom* valueOf(const Variable& variable, bool byChannel, const Reading& reading, const Atom* last);
+
+/// Why the reading has no meaning; `name` is what the input calls the variable.
+Complaint notAValue(const Variable& variable, std::string_view name, const Reading& reading);
+
+} // namespace telemetry

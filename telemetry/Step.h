@@ -1,0 +1,32 @@
+// What happened in a plant at one time: the commands given and the values observed.
+#pragma once
+
+#include "model/Atom.h"
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+namespace telemetry {
+
+/// A variable was seen to have a value.
+struct Observation {
+    Atom* value = nullptr;
+    bool held = false; ///< the last reading stands for a missing one (`hold` in the model)
+};
+
+/// One step. The atoms are the model's.
+struct Step {
+    std::size_t number = 0; ///< from 1
+    double t = 0;           ///< seconds; more than that of the step before
+    /// One value of every command variable, in the model's order of components and variables: the one that is given, or a
+    /// held one, or else the first of its values.
+    std::vector<Atom*> commands;
+    std::vector<Atom*> givenCommands; ///< those that the input gave in this step, in the same order
+    /// At most one for each variable: first those bound to a channel, in the order of the bindings, then others in the model's order.
+    std::vector<Observation> observations;
+    /// The seconds since the step before, when they are more than 1.5 of the model's step lengths.
+    std::optional<double> gap;
+};
+
+} // namespace telemetry

@@ -1,0 +1,70 @@
+// Readings gathered to a step, and what is remembered from one step to the next: the time, and the last value of each channel.
+//
+//     builder.begin();
+//     if (auto complaint = builder.add(name, Side::observation, reading)) ...   // the reading is not taken
+//     if (builder.timeIsLater(t)) Step step = builder.finish(t);
+//
+// Nothing is remembered of a draft that is not finished.
+#pragma once
+
+#include "telemetry/Names.h"
+#include "telemetry/ReaderState.h"
+#include "telemetry/Reading.h"
+#include "telemetry/Step.h"
+
+#include <optional>
+#include <vector>
+
+namespace telemetry {
+
+class StepBuilder {
+public:
+    /// The model and the bindings outlive this, and the bindings are not changed.
+    StepBuilder(const language::Model& model, const language::Bindings& bindings);
+
+    const Names& names() const { return names_; }
+    /// Begins a draft without readings. Linear in those of the one before.
+    void begin();
+    /// Adds a reading of what the name stands for on that side, all of it or, with a complaint, nothing. `text` is the name
+    /// as the input has it.
+    std::optional<Complaint> add(std::uint32_t name, std::string_view text, Side side,
+                                 const Reading& reading);
+    /// The complaint that a reading would bring in a draft without readings.
+    std::optional<Complaint> check(std::uint32_t name, std::string_view text, Side side,
+                                   const Reading& reading) const;
+    /// Whether a step may have that time, finite and in seconds.
+    bool timeIsLater(double t) const { return !time_ || t > *time_; }
+    /// The step of the draft, and begins a new one. Linear in the commands of the model, the channels that are held, and
+    /// the readings (times their logarithm).
+    Step finish(double t);
+
+    std::optional<double> time() const { return time_; } ///< of the last step, in seconds
+    double stepSeconds() const { return stepSeconds_; }
+
+    /// All but `lines`. Linear in the channels.
+    ReaderState state() const;
+    /// Throws std::invalid_argument when the state has a variable or value that the model has not, or one that is not bound.
+    void restore(const ReaderState& state);
+
+private:
+    struct Last {
+        Atom* value = nullptr;
+        double t = 0;
+    };
+
+    bool stillHolds(std::uint32_t variable, double t) const;
+
+    Names names_;
+    double stepSeconds_;
+    std::vector<Atom*> defaults_;     // of the commands
+    std::vector<std::uint32_t> held_; // variables whose channel is held
+    std::vector<Last> last_;          // by variable; of those without a channel it is not used
+    std::optional<double> time_;
+    std::size_t steps_ = 0;
+
+    std::vector<Atom*> draft_;           // by variable, null: no reading
+    std::vector<std::uint32_t> drafted_; // the variables with a reading
+    std::vector<Atom*> values_;          // of the reading that is being added
+};
+
+} // namespace telemetry

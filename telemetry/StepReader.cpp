@@ -1,0 +1,160 @@
+#include "telemetry/StepReader.h"
+
+#include <fmt/format.h>
+
+namespace telemetry {
+
+namespace {
+
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+bool isBlank(std::string_view line)
+{
+    return line.find_first_not_of(" \t\r") == std::string_view::npos;
+}
+
+} // namespace
+
+StepReader::StepReader(const std::string& path, const language::Model& model,
+                       const language::Bindings& bindings, const ReadSettings& settings)
+    : settings_(settings), lines_(path, settings.mostBytes), builder_(model, bindings),
+      json_(builder_)
+{
+}
+
+StepReader::Next StepReader::mistake(language::SourceError error, bool endsReading)
+{
+    error.file = lines_.name();
+    ended_ = endsReading || !settings_.skipBad;
+    return Mistake{std::move(error), ended_};
+}
+
+// Looks at the first line. Nothing to return: it is known what the input is.
+std::optional<StepReader::Next> StepReader::begin()
+{
+    if (table_) return readHeader();
+    std::string_view line;
+    do {
+        if (!lines_.next(line)) return End{lines_.interrupted()};
+        if (lines_.lineNumber() == 1 && line.starts_with(byteOrderMark))
+            line.remove_prefix(byteOrderMark.size());
+    } while (isBlank(line));
+    if (line[line.find_first_not_of(" \t")] == '{') {
+        first_ = line;
+        firstLine_ = lines_.lineNumber();
+        begun_ = true;
+        return std::nullopt;
+    }
+    if (lines_.tooLong()) return tooLong(line, true);
+    if (const std::size_t bracket = line.find_first_not_of(" \t"); line[bracket] == '[') {
+        return mistake(
+            errorAt({Complaint::About::value, "found an array where a step or a header begins",
+                     "JSON, a step a line, or a table with a header",
+                     "write each step on a line of its own, without brackets around them"},
+                    line, lines_.lineNumber(), bracket, 1),
+            true);
+    }
+    table_.emplace(lines_, builder_, settings_.mostBytes, line);
+    return readHeader();
+}
+
+std::optional<StepReader::Next> StepReader::readHeader()
+{
+    auto result = table_->readHeader();
+    if (const auto* none = std::get_if<CsvSteps::None>(&result)) return End{none->interrupted};
+    if (auto* error = std::get_if<language::SourceError>(&result))
+        return mistake(std::move(*error), true);
+    begun_ = true;
+    return std::nullopt;
+}
+
+StepReader::Next StepReader::tooLong(std::string_view line, bool endsReading)
+{
+    const Complaint complaint{Complaint::About::value,
+                              fmt::format("this line has more than {} bytes", settings_.mostBytes),
+                              "shorter lines", ""};
+    return mistake(errorAt(complaint, line, lines_.lineNumber(), 0, 1), endsReading);
+}
+
+// Passes over what was done with before the state that was restored.
+std::optional<StepReader::Next> StepReader::skip()
+{
+    bool skipped = true;
+    if (table_) {
+        skipped = table_->skipTo(skipTo_);
+    } else {
+        std::string_view line;
+        if (firstLine_ <= skipTo_) firstLine_ = 0;
+        while (skipped && lines_.lineNumber() < skipTo_) {
+            skipped = lines_.next(line);
+        }
+    }
+    if (!skipped && lines_.interrupted()) return End{true};
+    const std::size_t wanted = skipTo_;
+    skipTo_ = 0;
+    if (skipped) return std::nullopt;
+    language::SourceError error;
+    error.message = fmt::format("the input ends after {} lines, and {} of it were read before",
+                                lines_.lineNumber(), wanted);
+    return mistake(std::move(error), true);
+}
+
+StepReader::Next StepReader::next()
+{
+    if (ended_) return End{};
+    if (!begun_) {
+        if (auto result = begin()) return std::move(*result);
+    }
+    if (skipTo_ > 0) {
+        if (auto result = skip()) return std::move(*result);
+    }
+    if (!table_) return nextLine();
+    auto result = table_->next();
+    if (auto* step = std::get_if<Step>(&result)) return std::move(*step);
+    if (auto* error = std::get_if<language::SourceError>(&result))
+        return mistake(std::move(*error), false);
+    return End{std::get<CsvSteps::None>(result).interrupted};
+}
+
+StepReader::Next StepReader::nextLine()
+{
+    std::string_view line = first_;
+    if (firstLine_ > 0) {
+        firstLine_ = 0;
+        return parseLine(line);
+    }
+    do {
+        if (!lines_.next(line)) return End{lines_.interrupted()};
+    } while (isBlank(line));
+    return parseLine(line);
+}
+
+StepReader::Next StepReader::parseLine(std::string_view line)
+{
+    if (lines_.tooLong()) return tooLong(line, false);
+    auto result = json_.parse(line, lines_.lineNumber());
+    if (auto* step = std::get_if<Step>(&result)) return std::move(*step);
+    return mistake(std::move(std::get<language::SourceError>(result)), false);
+}
+
+ReaderState StepReader::state() const
+{
+    ReaderState state = builder_.state();
+    if (!begun_ || skipTo_ > 0) {
+        state.lines = restoredLines_;
+    } else if (table_) {
+        state.lines = table_->linesDone();
+    } else {
+        state.lines = lines_.lineNumber() - (firstLine_ > 0 ? 1 : 0);
+    }
+    return state;
+}
+
+void StepReader::restore(const ReaderState& state, Input input)
+{
+    builder_.restore(state);
+    skipTo_ = input == Input::same ? state.lines : 0;
+    restoredLines_ = skipTo_;
+}
+
+} // namespace telemetry

@@ -1,0 +1,194 @@
+#include "telemetry/Writer.h"
+
+#include "model/Comp.h"
+#include "telemetry/Reading.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <numeric>
+
+namespace telemetry {
+
+namespace {
+
+using language::ChannelBinding;
+using language::ReadingTable;
+using language::ThresholdTable;
+using Candidate = std::variant<double, std::string>;
+
+std::string jsonText(const std::string& text)
+{
+    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+std::string jsonReading(const Candidate& candidate)
+{
+    const double* number = std::get_if<double>(&candidate);
+    return number ? fmt::format("{}", *number) : jsonText(std::get<std::string>(candidate));
+}
+
+// The number, and before it one with fewer digits.
+void addNumber(double number, std::vector<Candidate>& candidates)
+{
+    if (const auto shorter = parseNumber(fmt::format("{:.6g}", number)))
+        candidates.emplace_back(*shorter);
+    candidates.emplace_back(number);
+}
+
+// Numbers well within the interval of each value.
+void addNumbers(const ThresholdTable& table, std::vector<Candidate>& candidates)
+{
+    const std::vector<ThresholdTable::Limit>& limits = table.limits;
+    if (limits.empty()) return;
+    const auto distance = [&](double limit, double toNeighbour) {
+        const double margin = toNeighbour > 0 ? toNeighbour / 2 : std::abs(limit) / 2;
+        return table.hysteresis + (margin > 0 ? margin : 1);
+    };
+    const double first = limits.front().number;
+    const double last = limits.back().number;
+    const bool single = limits.size() == 1;
+    addNumber(first - distance(first, single ? 0 : limits[1].number - first), candidates);
+    for (std::size_t i = 1; i < limits.size(); ++i) {
+        addNumber(std::midpoint(limits[i - 1].number, limits[i].number), candidates);
+    }
+    const double beforeLast = single ? last : limits[limits.size() - 2].number;
+    addNumber(last + distance(last, last - beforeLast), candidates);
+}
+
+// What could be read as a value of the binding's variable: numbers first, then mapped texts, then names.
+void addCandidates(const ChannelBinding& binding, std::vector<Candidate>& candidates)
+{
+    if (const auto* thresholds = std::get_if<ThresholdTable>(&binding.translation))
+        addNumbers(*thresholds, candidates);
+    double beyond = 0;
+    if (const auto* table = std::get_if<ReadingTable>(&binding.translation)) {
+        for (const auto& [reading, atom] : table->readings) {
+            candidates.push_back(reading);
+            if (const double* number = std::get_if<double>(&reading))
+                beyond = std::max(beyond, std::floor(*number) + 1);
+        }
+    }
+    for (const Atom* atom : *binding.variable->atomLinks) {
+        candidates.emplace_back(atom->value);
+    }
+    // For a value that only `otherwise` leads to.
+    if (std::holds_alternative<ReadingTable>(binding.translation)) candidates.emplace_back(beyond);
+}
+
+bool isReadAs(const ChannelBinding& binding, const Candidate& candidate, const Atom* atom)
+{
+    if (const auto* text = std::get_if<std::string>(&candidate)) return binding.read(*text) == atom;
+    const double number = std::get<double>(candidate);
+    if (!std::isfinite(number) || binding.read(number, nullptr) != atom) return false;
+    const std::vector<Atom*>& values = *binding.variable->atomLinks;
+    return std::all_of(values.begin(), values.end(),
+                       [&](const Atom* last) { return binding.read(number, last) == atom; });
+}
+
+std::string variableName(const StateVar& variable)
+{
+    return variable.comp->name + "." + variable.name;
+}
+
+} // namespace
+
+StepWriter::StepWriter(const language::Bindings& bindings)
+{
+    std::map<std::pair<std::string, Binding::Kind>, std::size_t> known;
+    for (const Binding& binding : bindings.channels) {
+        const auto [entry, isNew] =
+            known.try_emplace({binding.channel, binding.kind}, channels_.size());
+        if (isNew) channels_.push_back({binding.channel, {}});
+        channels_[entry->second].bindings.push_back(&binding);
+        bound_.try_emplace(binding.variable, entry->second, &binding);
+    }
+}
+
+// The channel's reading that means the atom, as JSON; empty when there is none.
+const std::string& StepWriter::reading(const Binding& binding, const Atom* atom)
+{
+    const auto [entry, isNew] = readings_.try_emplace(atom);
+    if (isNew) {
+        Channel alone{binding.channel, {&binding}};
+        entry->second = sharedReading(alone, {atom});
+    }
+    return entry->second;
+}
+
+std::string StepWriter::sharedReading(const Channel& channel,
+                                      const std::vector<const Atom*>& atoms) const
+{
+    std::vector<Candidate> candidates;
+    for (const Binding* binding : channel.bindings) {
+        addCandidates(*binding, candidates);
+    }
+    for (const Candidate& candidate : candidates) {
+        bool fits = true;
+        for (std::size_t i = 0; i < atoms.size() && fits; ++i) {
+            fits = isReadAs(*channel.bindings[i], candidate, atoms[i]);
+        }
+        if (fits) return jsonReading(candidate);
+    }
+    return {};
+}
+
+// A channel of several variables is written once where one reading says all of their values; otherwise each variable is
+// written under its own name.
+std::string StepWriter::object(const std::vector<Atom*>& atoms)
+{
+    std::unordered_map<const StateVar*, const Atom*> given;
+    for (const Atom* atom : atoms) {
+        given.emplace(atom->stateVar, atom);
+    }
+    std::unordered_map<std::size_t, std::string> shared;
+    std::string text;
+    const auto add = [&text](const std::string& name, const std::string& reading) {
+        text += (text.empty() ? "" : ", ") + jsonText(name) + ": " + reading;
+    };
+    for (const Atom* atom : atoms) {
+        const auto found = bound_.find(atom->stateVar);
+        std::string written;
+        if (found != bound_.end()) {
+            const auto [index, binding] = found->second;
+            const Channel& channel = channels_[index];
+            if (channel.bindings.size() == 1) {
+                written = reading(*binding, atom);
+            } else if (const auto [entry, isFirst] = shared.try_emplace(index); isFirst) {
+                std::vector<const Atom*> all;
+                for (const Binding* each : channel.bindings) {
+                    const auto value = given.find(each->variable);
+                    if (value != given.end()) all.push_back(value->second);
+                }
+                if (all.size() == channel.bindings.size())
+                    entry->second = sharedReading(channel, all);
+                written = entry->second;
+            } else if (!entry->second.empty()) {
+                continue;
+            }
+            if (!written.empty()) {
+                add(channel.name, written);
+                continue;
+            }
+        }
+        add(variableName(*atom->stateVar), jsonText(atom->value));
+    }
+    return "{" + text + "}";
+}
+
+std::string StepWriter::line(double t, const std::vector<Atom*>& commands,
+                             const std::vector<Atom*>& observations)
+{
+    return fmt::format("{{\"t\": {}, \"commands\": {}, \"observations\": {}}}\n", t,
+                       object(commands), object(observations));
+}
+
+std::string stepLine(double t, const std::vector<Atom*>& commands,
+                     const std::vector<Atom*>& observations, const language::Bindings& bindings)
+{
+    return StepWriter(bindings).line(t, commands, observations);
+}
+
+} // namespace telemetry

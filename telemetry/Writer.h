@@ -1,0 +1,49 @@
+// Steps as text, in the form that StepReader reads: the telemetry of a plant that is simulated.
+#pragma once
+
+#include "language/Bindings.h"
+#include "model/Atom.h"
+
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace telemetry {
+
+/// Writes steps as JSON Lines. A variable that is bound to a channel is written under the channel's name, as a number where numbers are
+/// read as its values: the middle between two thresholds, and beyond the outermost ones far enough for the reading to be this value
+/// whatever the last one was. Reading what was written gives the atoms that it was written from, unless the name of a variable is
+/// also the channel of another one.
+class StepWriter {
+public:
+    /// The bindings outlive this, and are not changed. Linear in their number.
+    explicit StepWriter(const language::Bindings& bindings);
+
+    /// One line, ended by a newline. `t` is finite, in seconds; at most one atom of each variable, in the order in which they are to stand.
+    std::string line(double t, const std::vector<Atom*>& commands,
+                     const std::vector<Atom*>& observations);
+
+private:
+    using Binding = language::ChannelBinding;
+
+    struct Channel {
+        std::string name;
+        std::vector<const Binding*> bindings;
+    };
+
+    std::string object(const std::vector<Atom*>& atoms);
+    const std::string& reading(const Binding& binding, const Atom* atom);
+    std::string sharedReading(const Channel& channel, const std::vector<const Atom*>& atoms) const;
+
+    std::vector<Channel> channels_;
+    std::unordered_map<const StateVar*, std::pair<std::size_t, const Binding*>> bound_;
+    std::unordered_map<const Atom*, std::string>
+        readings_; // of the channels of one variable, as far as written
+};
+
+/// StepWriter::line for a single step.
+std::string stepLine(double t, const std::vector<Atom*>& commands,
+                     const std::vector<Atom*>& observations, const language::Bindings& bindings);
+
+} // namespace telemetry

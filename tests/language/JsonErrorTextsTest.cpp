@@ -1,0 +1,92 @@
+// Each file in errors/json/ is a model in JSON that is none; the text beside it is all that is said about it.
+//
+//     ITMS_REGENERATE=1 build/check/bin/itms_tests_language --gtest_filter='*JsonErrorTexts*'
+//
+// writes the texts anew, to be read before they are committed.
+#include "language/Reader.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const char* const folder = "tests/language/errors/json";
+
+std::string contents(const fs::path& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+std::vector<fs::path> filesOf(const std::string& suffix)
+{
+    std::vector<fs::path> files;
+    for (const auto& entry : fs::directory_iterator(fs::path(ITMS_ROOT) / folder)) {
+        if (entry.path().extension() == suffix) files.push_back(entry.path());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+// Read under the path from the root, which is where tests run.
+language::ReadResult readBad(const fs::path& path)
+{
+    return language::readModelText((fs::path(folder) / path.filename()).string(), contents(path));
+}
+
+std::string told(const language::ReadResult& result)
+{
+    std::string text;
+    for (const language::SourceError& error : result.errors) {
+        text += error.format();
+    }
+    return text;
+}
+
+class JsonErrorTexts : public testing::TestWithParam<fs::path> {};
+
+TEST_P(JsonErrorTexts, AreAsExpected)
+{
+    const language::ReadResult result = readBad(GetParam());
+    const fs::path expected = fs::path(GetParam()).replace_extension(".txt");
+    if (std::getenv("ITMS_REGENERATE")) {
+        std::ofstream(expected, std::ios::binary) << told(result);
+    }
+    EXPECT_FALSE(result.errors.empty());
+    EXPECT_EQ(contents(expected), told(result));
+}
+
+TEST_P(JsonErrorTexts, ComeWithoutAModel)
+{
+    const language::ReadResult result = readBad(GetParam());
+    EXPECT_FALSE(result.model);
+    EXPECT_TRUE(result.bindings.channels.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, JsonErrorTexts, testing::ValuesIn(filesOf(".json")),
+                         [](const auto& tested) {
+                             std::string name = tested.param.stem().string();
+                             std::replace(name.begin(), name.end(), '-', '_');
+                             return name;
+                         });
+
+TEST(JsonErrorTexts, EachHasItsFile)
+{
+    EXPECT_GE(filesOf(".json").size(), 60U);
+    EXPECT_EQ(filesOf(".txt").size(), filesOf(".json").size());
+}
+
+TEST(JsonErrorTexts, OfOneRunAreAll)
+{
+    EXPECT_EQ(readBad(fs::path(ITMS_ROOT) / folder / "several-mistakes.json").errors.size(), 6U);
+}
+
+} // namespace

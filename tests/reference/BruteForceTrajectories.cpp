@@ -1,0 +1,264 @@
+#include "tests/reference/BruteForceTrajectories.h"
+
+#include "model/Comp.h"
+#include "model/StateFormula.h"
+#include "model/Transition.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <memory>
+
+namespace {
+
+constexpr std::uint32_t unit = 1024; // of probabilities
+constexpr std::uint32_t parts = 12;  // of the likelihood of an observation
+
+std::uint32_t inUnits(double probability)
+{
+    const double scaled = probability * unit;
+    if (scaled != std::floor(scaled)) {
+        std::abort();
+    }
+    return static_cast<std::uint32_t>(scaled);
+}
+
+struct Chance {
+    std::uint32_t units = 0;
+    bool fault = false;
+};
+
+struct ModeChances {
+    const Atom* predicted;
+    std::map<const Atom*, Chance> values;
+};
+
+bool enabled(const Transition* transition, const AtomLabels& labels)
+{
+    const auto holds = [&](const auto& literal) {
+        const auto label = labels.find(literal.second);
+        return label != labels.end() && label->second == literal.first;
+    };
+    const SignedAtoms& guard = *transition->guard->atoms;
+    return transition->guard->op == "or" ? std::any_of(guard.begin(), guard.end(), holds)
+                                         : std::all_of(guard.begin(), guard.end(), holds);
+}
+
+ModeChances chancesOf(const StateVar* mode, const Atom* from, const AtomLabels& labels)
+{
+    ModeChances chances{from, {}};
+    const Atom* nominal = nullptr;
+    std::uint32_t leaving = 0;
+    for (const Transition* transition : *mode->comp->transitions) {
+        if (transition->stateVar != mode || transition->atom == from || transition->proba == 0.0 ||
+            !enabled(transition, labels)) {
+            continue;
+        }
+        Chance& chance = chances.values[transition->atom];
+        chance.units += inUnits(transition->proba);
+        chance.fault = transition->atom->fail;
+        leaving += inUnits(transition->proba);
+        if (!nominal && transition->name == "Nominal") {
+            nominal = transition->atom;
+        }
+    }
+    if (leaving > unit) {
+        std::abort();
+    }
+    if (leaving < unit) {
+        chances.values[from] = {unit - leaving, false};
+    } else if (!nominal) {
+        // By their order among the variable's values, of equal ones the one whose transition comes first: models of this
+        // kind have no equal ones.
+        nominal = std::max_element(
+                      chances.values.begin(), chances.values.end(),
+                      [](const auto& a, const auto& b) { return a.second.units < b.second.units; })
+                      ->first;
+    }
+    chances.predicted = nominal ? nominal : from;
+    return chances;
+}
+
+} // namespace
+
+// One way in which a step goes on.
+struct BruteForceTrajectories::Extension {
+    std::vector<const Atom*> commands;
+    std::set<const Atom*> lost;
+    Modes modes;
+    std::set<const Atom*> deviations;
+    int faults;
+    WholeNumber weight;
+    std::shared_ptr<const std::vector<ModeChances>> chances;
+};
+
+BruteForceTrajectories::BruteForceTrajectories(Which which, int maxFaults)
+    : which_(which), maxFaults_(maxFaults), variables_(allVariables("Mode"))
+{
+    State initial{{}, 0, {}, WholeNumber(1)};
+    for (const StateVar* variable : allVariables()) {
+        const bool isMode = variable->type == "Mode";
+        const Atom* value = variable->initial ? variable->initial
+                            : isMode          ? variable->atomLinks->front()
+                                              : nullptr;
+        for (const Atom* atom : *variable->atomLinks) {
+            if (value) {
+                initial.labels[atom] = atom == value;
+            }
+        }
+        if (isMode) {
+            initial.modes.push_back(value);
+        }
+    }
+    weights_[initial.modes] = initial.weight;
+    states_.push_back(std::move(initial));
+}
+
+const std::optional<BruteForceTrajectories::Outcome>& BruteForceTrajectories::outcome(
+    const std::vector<const Atom*>& given, const TrajectoryStep& step)
+{
+    const auto [entry, isNew] = outcomes_.emplace(given, std::nullopt);
+    if (!isNew) {
+        return entry->second;
+    }
+    std::vector<const Atom*> known = given;
+    std::optional<AtomLabels> labels = BruteForceDiagnosis::consequences(known);
+    std::vector<std::uint32_t> likelihoods;
+    for (const Atom* observed : step.observations) {
+        const auto label = labels ? labels->find(observed) : AtomLabels::iterator();
+        if (!labels || (label != labels->end() && !label->second)) {
+            return entry->second;
+        }
+        std::uint32_t open = 0;
+        for (const Atom* atom : *observed->stateVar->atomLinks) {
+            open += labels->count(atom) == 0 ? 1 : 0;
+        }
+        open = label == labels->end() ? open : 1;
+        if (parts % open != 0) {
+            std::abort();
+        }
+        likelihoods.push_back(parts / open);
+        known.push_back(observed);
+        labels = BruteForceDiagnosis::consequences(known);
+    }
+    if (labels && BruteForceDiagnosis::world(known)) {
+        entry->second = Outcome{std::move(*labels), std::move(likelihoods)};
+    }
+    return entry->second;
+}
+
+void BruteForceTrajectories::assign(std::size_t variable, Extension& extension, const State& from,
+                                    const TrajectoryStep& step, std::vector<Extension>& all)
+{
+    if (extension.faults > maxFaults_) {
+        return;
+    }
+    if (variable == variables_.size()) {
+        std::vector<const Atom*> given = extension.modes;
+        given.insert(given.end(), extension.commands.begin(), extension.commands.end());
+        if (const auto& result = outcome(given, step)) {
+            all.push_back(extension);
+            for (const std::uint32_t likelihood : result->likelihoods) {
+                all.back().weight *= likelihood;
+            }
+        }
+        return;
+    }
+    const ModeChances& chances = (*extension.chances)[variable];
+    for (const auto& [value, chance] : chances.values) {
+        Extension next = extension;
+        next.modes.push_back(value);
+        next.weight *= chance.units;
+        if (value != chances.predicted) {
+            next.deviations.insert(value);
+            next.faults += chance.fault ? 1 : 0;
+        }
+        assign(variable + 1, next, from, step, all);
+    }
+}
+
+std::vector<BruteForceTrajectories::Extension> BruteForceTrajectories::extensions(
+    const State& from, const TrajectoryStep& step)
+{
+    std::vector<Extension> all;
+    for (std::size_t set = 0; set < std::size_t{1} << step.lossy.size(); ++set) {
+        Extension extension{step.commands, {}, {}, {}, from.faults, from.weight, {}};
+        for (std::size_t i = 0; i < step.lossy.size(); ++i) {
+            const LossyAtom& lossy = step.lossy[i];
+            const bool isLost = ((set >> i) & 1) != 0;
+            const std::uint32_t units = inUnits(lossy.probability);
+            extension.weight *= isLost ? units : unit - units;
+            if (isLost) {
+                std::replace(extension.commands.begin(), extension.commands.end(), lossy.given,
+                             lossy.fallback);
+                extension.lost.insert(lossy.given);
+                ++extension.faults;
+            }
+        }
+        AtomLabels labels = from.labels;
+        for (const StateVar* variable : allVariables("Command")) {
+            for (const Atom* atom : *variable->atomLinks) {
+                labels.erase(atom);
+            }
+        }
+        for (const Atom* command : extension.commands) {
+            for (const Atom* atom : *command->stateVar->atomLinks) {
+                labels[atom] = atom == command;
+            }
+        }
+        std::vector<ModeChances> chances;
+        for (std::size_t i = 0; i < variables_.size(); ++i) {
+            chances.push_back(chancesOf(variables_[i], from.modes[i], labels));
+        }
+        extension.chances = std::make_shared<const std::vector<ModeChances>>(std::move(chances));
+        if (!extension.weight.isZero()) {
+            assign(0, extension, from, step, all);
+        }
+    }
+    return all;
+}
+
+void BruteForceTrajectories::advance(const TrajectoryStep& step)
+{
+    outcomes_.clear();
+    std::map<std::tuple<Modes, std::vector<const Atom*>, int>, State> reached;
+    for (const State& from : states_) {
+        const std::vector<Extension> all = extensions(from, step);
+        for (const Extension& one : all) {
+            const bool calledFor = std::none_of(all.begin(), all.end(), [&](const Extension& other) {
+                return &other != &one &&
+                       std::includes(one.lost.begin(), one.lost.end(), other.lost.begin(),
+                                     other.lost.end()) &&
+                       std::includes(one.deviations.begin(), one.deviations.end(),
+                                     other.deviations.begin(), other.deviations.end());
+            });
+            if (which_ == Which::calledFor && !calledFor) {
+                continue;
+            }
+            std::vector<const Atom*> given = one.modes;
+            given.insert(given.end(), one.commands.begin(), one.commands.end());
+            State& state = reached[{one.modes, one.commands, one.faults}];
+            state.modes = one.modes;
+            state.faults = one.faults;
+            state.labels = outcome(given, step)->labels;
+            state.weight += one.weight;
+        }
+    }
+    states_.clear();
+    weights_.clear();
+    for (auto& [key, state] : reached) {
+        weights_[state.modes] += state.weight;
+        states_.push_back(std::move(state));
+    }
+    logDenominator_ += static_cast<double>(variables_.size() + step.lossy.size()) * std::log(unit) +
+                       static_cast<double>(step.observations.size()) * std::log(parts);
+}
+
+WholeNumber BruteForceTrajectories::total() const
+{
+    WholeNumber sum;
+    for (const auto& [modes, weight] : weights_) {
+        sum += weight;
+    }
+    return sum;
+}
