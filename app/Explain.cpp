@@ -43,7 +43,8 @@ Exit status: 0 done; 2 an error in the command line, the model or the telemetry;
 130 interrupted.
 
 Example:
-  itms explain examples/water/station.itms examples/water/stuck-valve.jsonl --step 5
+  itms explain examples/water/station.itms examples/water/stuck-valve.jsonl \
+      --step 13
 )";
 
 constexpr std::size_t stepsRemembered = 10;

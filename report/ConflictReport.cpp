@@ -72,10 +72,12 @@ AppliedLaw ModelNames::law(const Clause* clause) const
     const auto number = lawNumbers_.find(clause);
     if (number != lawNumbers_.end()) {
         const language::LawPlace& place = model_.lawPlaces[number->second];
-        law.file = model_.files[place.file];
-        law.line = place.line;
-        law.column = place.column;
-        law.text = model_.lawTexts[place.text];
+        if (place.line > 0) {
+            law.file = model_.files[place.file];
+            law.line = place.line;
+            law.column = place.column;
+        }
+        if (place.text < model_.lawTexts.size()) law.text = model_.lawTexts[place.text];
     }
     return law;
 }

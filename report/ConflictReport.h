@@ -33,7 +33,7 @@ struct AppliedLaw {
     std::string file; ///< empty when the law's place is not known
     std::size_t line = 0;
     std::size_t column = 0;
-    std::string text;   ///< as it was written; the clause when its place is not known
+    std::string text;   ///< as it was written; the clause when that is not known
     std::string clause; ///< the one of its clauses that was applied: `!a.x=1 | b.y=0`
     /// What followed: a variable has the value, or, when `excluded`, has it not. Empty: every way is ruled out.
     std::string variable;

@@ -167,7 +167,9 @@ private:
         for (const auto& [variable, since] : hypothesis.since) {
             byName[variableName(*run_.plant.variable(variable).variable)] =
                 resolutions(variable, since);
-            visible += since.step > 0 && run_.plant.atom(since.value)->fail ? 1 : 0;
+            // Any other value may be left from a command that was lost then.
+            const bool fault = run_.plant.atom(since.value)->fail;
+            visible += since.step > 0 && (fault || since.step < run_.answer.step) ? 1 : 0;
         }
         for (const DeviatingMode& mode : explanation.modes) {
             result.ofModes.push_back(byName[mode.variable]);

@@ -29,7 +29,8 @@ struct CandidateReasons {
     std::vector<std::vector<std::size_t>>
         ofUnexplained;            ///< for each such observation, the conflicts that stay
     std::vector<Avoided> avoided; ///< conflicts that none of its modes resolves, as it does not come to them
-    int over = 0;                 ///< faults and lost commands of earlier steps that show no longer
+    /// Faults and lost commands of earlier steps for which nothing stands here any more.
+    int over = 0;
 };
 
 struct StepExplanation {

@@ -79,7 +79,7 @@ Json law(const AppliedLaw& law)
     return {{"file", orNull(law.file)},
             {"line", placed ? Json(law.line) : Json(nullptr)},
             {"column", placed ? Json(law.column) : Json(nullptr)},
-            {"text", placed ? Json(law.text) : Json(nullptr)},
+            {"text", law.text != law.clause ? Json(law.text) : Json(nullptr)},
             {"clause", law.clause},
             {"gives", std::move(gives)}};
 }

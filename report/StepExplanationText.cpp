@@ -91,7 +91,7 @@ std::vector<std::string> items(const CandidateReasons& reasons)
                                     ? noConflict
                                     : "resolves " + conflictNumbers(reasons.ofLost[i])));
     }
-    if (lines.empty()) lines.push_back("nothing is wrong");
+    if (lines.empty() && explanation.unexplained.empty()) lines.push_back("nothing is wrong");
     for (const Avoided& one : reasons.avoided) {
         lines.push_back(fmt::format("without {}, which conflict {} rests on",
                                     equation(one.variable, one.value), one.conflict));

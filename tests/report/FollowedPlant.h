@@ -16,8 +16,8 @@ public:
     using Names = std::vector<std::string>;
 
     explicit FollowedPlant(const std::string& text, monitor::TrackSettings settings = {},
-                           std::size_t mostSteps = 10)
-        : read_(language::readModelText("plant.itms", text)), history_(mostSteps)
+                           std::size_t mostSteps = 10, const std::string& name = "plant.itms")
+        : read_(language::readModelText(name, text)), history_(mostSteps)
     {
         if (!read_.model) throw std::runtime_error(read_.errors.front().format());
         read_.model->activate();

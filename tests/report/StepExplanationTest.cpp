@@ -180,8 +180,9 @@ TEST(StepExplanation, TellsWhatALostCommandResolves)
     const StepExplanation explanation = plant.explain();
     const CandidateReasons& first = explanation.candidates.at(0);
     EXPECT_THAT(first.explanation.lost, ElementsAre("valve.request=open"));
-    EXPECT_THAT(first.explanation.modes, IsEmpty());
     EXPECT_THAT(first.ofLost, ElementsAre(Numbers{1}));
+    EXPECT_EQ(resolvedBy(first, 0), Numbers{1});
+    EXPECT_EQ(first.over, 0);
 }
 
 TEST(StepExplanation, CountsLostCommandsOfEarlierSteps)
@@ -259,6 +260,28 @@ system S { latch: Latch }
     ASSERT_TRUE(jammed);
     EXPECT_EQ(jammed->explanation.modes.at(0).since, 1U);
     EXPECT_EQ(resolvedBy(*jammed, 0), Numbers{1});
+}
+
+// As data, laws may have places in files that are not there, and no text.
+TEST(StepExplanation, NamesLawsOfAModelThatWasReadAsDataByTheirClauses)
+{
+    const std::string components = R"("components": [{"name": "a", "variables": [
+        {"name": "m", "kind": "mode", "values": [{"name": "on"}, {"name": "off", "fault": true}],
+         "initial": "on"},
+        {"name": "v", "kind": "cond", "values": [{"name": "0"}, {"name": "1"}]}]}])";
+    const std::string law = R"({"owner": "a", "literals": ["!a.m=on", "a.v=1"])";
+    const std::string head = R"({"format": "itms-model", "v": 1, "files": ["a.itms"], )";
+    for (const std::string place : {"", R"(, "place": {"file": 0, "line": 7, "column": 3})"}) {
+        FollowedPlant plant(head + components + R"(, "laws": [)" + law + place + "}]}", {}, 10,
+                            "plant.json");
+        plant.step({}, {"a.v=0"});
+        const StepExplanation explanation = plant.explain();
+        ASSERT_EQ(explanation.conflicts.size(), 1U);
+        const AppliedLaw& applied = explanation.conflicts[0].laws.at(0);
+        EXPECT_EQ(applied.text, applied.clause);
+        EXPECT_EQ(applied.file, place.empty() ? "" : "a.itms");
+        EXPECT_EQ(applied.line, place.empty() ? 0U : 7U);
+    }
 }
 
 TEST(StepExplanation, ShowsNoMoreCandidatesThanAreAskedFor)

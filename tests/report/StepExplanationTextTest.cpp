@@ -76,7 +76,7 @@ TEST(StepExplanationText, SaysWhatIsNotExplained)
     plant.step({"valveA.request=open"},
                {"valveA.inflow=positive", "valveB.inflow=positive", "valveB.outflow=zero"});
     EXPECT_THAT(text(plant.explain()),
-                HasSubstr("           does not explain valveB.outflow = zero\n"
+                HasSubstr("    100 %  does not explain valveB.outflow = zero\n"
                           "             conflict 1 stays\n"));
 }
 
