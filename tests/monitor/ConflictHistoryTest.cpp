@@ -1,9 +1,11 @@
 #include "monitor/ConflictHistory.h"
 
+#include "tests/monitor/RandomTrack.h"
 #include "tests/monitor/StepFixture.h"
 
 namespace {
 
+using monitor::AtomIndex;
 using monitor::ConflictHistory;
 using monitor::Contradiction;
 using monitor::Tracker;
@@ -103,6 +105,76 @@ TEST_F(ConflictHistoryTest, GivesTheConflictsWithTheWordOfTheCheck)
         EXPECT_EQ(one.check, monitor::ConflictCheck::confirmed);
         EXPECT_EQ(one.everyValueCounts, true);
     }
+}
+
+// Whether the hypothesis assumes all that the conflict says cannot be.
+bool assumesAllOf(const monitor::DerivedConflict& conflict, const monitor::Hypothesis& hypothesis)
+{
+    const auto arrived = [&](AtomIndex command) {
+        return std::count(hypothesis.lost.begin(), hypothesis.lost.end(), command) == 0;
+    };
+    return std::all_of(conflict.commands.begin(), conflict.commands.end(), arrived) &&
+           std::all_of(conflict.modes.begin(), conflict.modes.end(),
+                       [&](const monitor::AssumedMode& mode) {
+                           return std::count(hypothesis.modes.begin(), hypothesis.modes.end(),
+                                             mode.value) != 0;
+                       });
+}
+
+struct Tally {
+    int conflicts = 0;
+    int ofOthers = 0;
+    int kept = 0;
+};
+
+// The conflicts of a step are confirmed, and no explanation of the step is in conflict.
+void examine(const ActivePlant& active, const Contradiction& one,
+             const monitor::TrackAnswer& answer, Tally& tally)
+{
+    const auto conflicts = conflictsOf(*active.plant, one);
+    EXPECT_FALSE(conflicts.empty());
+    for (const monitor::CheckedConflict& checked : conflicts) {
+        ++tally.conflicts;
+        tally.ofOthers += one.rank > 1 ? 1 : 0;
+        EXPECT_EQ(checked.check, monitor::ConflictCheck::confirmed);
+        EXPECT_TRUE(checked.everyValueCounts);
+        for (const monitor::HypothesisPointer& hypothesis : answer.hypotheses) {
+            if (answer.status != monitor::TrackStatus::inconsistent) {
+                EXPECT_FALSE(assumesAllOf(checked.conflict, *hypothesis));
+                ++tally.kept;
+            }
+        }
+    }
+}
+
+TEST_F(ConflictHistoryTest, OfRandomTracksIsConfirmedAndResolvedByEveryExplanation)
+{
+    Tally tally;
+    for (std::uint64_t seed = 31000; seed < 31300 && !HasFailure(); ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Random random(seed);
+        ActivePlant active(
+            randomModel(random, seed % 3 == 0 ? PlantKind::circuit : PlantKind::mixed));
+        RandomTrack track(random, {.deviating = 15, .observed = 60, .noise = 3, .lossy = 20});
+        Tracker tracker(active.engine, *active.plant, {.maxFaults = 3, .keep = 6});
+        ConflictHistory history(0);
+        std::size_t ofBest = 0;
+        std::size_t ofOthers = 0;
+        for (std::size_t step = 1; step <= 6; ++step) {
+            const TrackInput input = trackInput(active, track.next(), step);
+            const monitor::TrackAnswer& answer = tracker.advance(input);
+            history.add(input, answer);
+            for (; ofBest < history.ofBest().size(); ++ofBest) {
+                examine(active, history.ofBest()[ofBest], answer, tally);
+            }
+            for (; ofOthers < history.ofOthers().size(); ++ofOthers) {
+                examine(active, history.ofOthers()[ofOthers], answer, tally);
+            }
+        }
+    }
+    EXPECT_GT(tally.conflicts, 500);
+    EXPECT_GT(tally.ofOthers, 100);
+    EXPECT_GT(tally.kept, 500);
 }
 
 } // namespace
