@@ -3,6 +3,7 @@
 #include "app/Arguments.h"
 #include "app/Check.h"
 #include "app/Diagnose.h"
+#include "app/Explain.h"
 #include "app/Export.h"
 #include "app/Fmt.h"
 #include "app/Output.h"
@@ -31,6 +32,7 @@ Verbs:
   advise         tells which variable to measure next
   check          reports all that is wrong with model files, or their size
   diagnose       finds the faulty gates of a circuit from its inputs and outputs
+  explain        tells why a step's candidates are believed: conflicts and laws
   export         writes a model as data for other programs
   fmt            lays model files out in the one way
   query          tells at which steps a formula holds
@@ -91,6 +93,7 @@ ExitStatus run(int argc, char** argv, std::string& name)
     app::AdviseOptions advise;
     app::CheckOptions check;
     app::DiagnoseOptions diagnose;
+    app::ExplainOptions explain;
     app::ExportOptions exported;
     app::FmtOptions fmt;
     app::QueryOptions query;
@@ -101,6 +104,7 @@ ExitStatus run(int argc, char** argv, std::string& name)
         {app::addAdvise(program, advise), [&advise] { return app::advise(advise); }},
         {app::addCheck(program, check), [&check] { return app::check(check); }},
         {app::addDiagnose(program, diagnose), [&diagnose] { return app::diagnose(diagnose); }},
+        {app::addExplain(program, explain), [&explain] { return app::explain(explain); }},
         {app::addExport(program, exported), [&exported] { return app::exportModel(exported); }},
         {app::addFmt(program, fmt), [&fmt] { return app::fmt(fmt); }},
         {app::addQuery(program, query), [&query] { return app::query(query); }},

@@ -9,11 +9,33 @@
 #include "language/TypeChecks.h"
 #include "language/Usage.h"
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
+#include <map>
 
 namespace language {
 
 namespace {
+
+// The text without comments, each run of blanks and line ends as one blank. Laws have no quoted texts.
+std::string inOneLine(std::string_view text)
+{
+    std::string line;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const std::string_view rest = text.substr(i);
+        if (rest.starts_with("//")) {
+            i += std::min(rest.find_first_of("\r\n"), rest.size() - 1);
+        } else if (rest.starts_with("/*")) {
+            i += rest.find("*/", 2) + 1;
+        } else if (std::string_view(" \t\r\n").find(text[i]) == std::string_view::npos) {
+            line += text[i];
+            continue;
+        }
+        if (!line.empty() && line.back() != ' ') line += ' ';
+    }
+    return line;
+}
 
 // One reading, from the imports to the model.
 class Reading {
@@ -38,6 +60,7 @@ public:
             result_.model.reset();
             result_.bindings = {};
             result_.lawPlaces.clear();
+            result_.lawTexts.clear();
             result_.size = {};
         }
         for (const auto& text : files_.texts) {
@@ -111,8 +134,14 @@ private:
         size.laws = laws.count();
         size.clauses = result_.model->clauseCount();
         size.transitions = transitions.count();
+        std::map<std::array<std::uint32_t, 3>, std::uint32_t> known;
         for (const LawOrigin& origin : laws.origins()) {
-            result_.lawPlaces.push_back({origin.range.file, origin.range.line, origin.range.column});
+            const syntax::Range& range = origin.range;
+            const auto next = static_cast<std::uint32_t>(result_.lawTexts.size());
+            const auto [entry, isNew] =
+                known.try_emplace({range.file, range.line, range.column}, next);
+            if (isNew) result_.lawTexts.push_back(inOneLine(files_.texts[range.file]->at(range)));
+            result_.lawPlaces.push_back({range.file, range.line, range.column, entry->second});
         }
     }
 

@@ -47,6 +47,7 @@ struct LawPlace {
     std::uint32_t file = 0; ///< index in ReadResult::files
     std::uint32_t line = 0; ///< 0: nowhere, a program made it
     std::uint32_t column = 0;
+    std::uint32_t text = 0; ///< index in ReadResult::lawTexts, if the text is known
 };
 
 struct ReadResult {
@@ -59,6 +60,9 @@ struct ReadResult {
     /// That were read, the main one first; of a JSON model those that it names as its own sources.
     std::vector<std::string> files;
     std::vector<LawPlace> lawPlaces; ///< of each of the model's laws(), in their order
+    /// The statements of the laws as they were written, in one line, each once: instances and turns of a loop share it. Empty
+    /// for a model that was read as data.
+    std::vector<std::string> lawTexts;
 };
 
 /// Reads the model in a file; one whose name ends with `.json` is read as JSON (ModelJson.h). Its base name is the path without the suffix, so that its implicates are read from the file

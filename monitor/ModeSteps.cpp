@@ -80,7 +80,7 @@ AtomIndex mostProbable(const std::vector<ModeOption>& options)
 ModeStep modeStep(const Plant& plant, VariableIndex index, AtomIndex from,
                   const std::vector<Label>& labels)
 {
-    ModeStep step{index, from, from, {}};
+    ModeStep step{index, from, from, {}, nullptr};
     const Atom* fromAtom = plant.atom(from);
     double leaving = 0.0;
     bool nominalTaken = false;
@@ -94,6 +94,7 @@ ModeStep modeStep(const Plant& plant, VariableIndex index, AtomIndex from,
         leaving += transition->proba;
         if (transition->name == "Nominal" && !transition->idle && !nominalTaken) {
             step.predicted = to;
+            step.followed = transition;
             nominalTaken = true;
         }
     }

@@ -23,6 +23,7 @@ struct ModeStep {
     AtomIndex before;
     AtomIndex predicted; ///< one of the options
     std::vector<ModeOption> options;
+    const Transition* followed = nullptr; ///< the nominal transition that is predicted; null: none
 
     const ModeOption* option(AtomIndex value) const;
     /// Whether it may deviate from what is predicted without a fault.

@@ -17,6 +17,7 @@ Plant::Plant()
             addClause(clause);
         }
     }
+    firstLaw_ = static_cast<ClauseIndex>(clauses_.size());
     for (const Clause* clause : *DataManager::cls) {
         addClause(clause);
     }
@@ -44,6 +45,7 @@ void Plant::addClause(const Clause* clause)
     if (!clauseIndexOf_.emplace(clause, number).second) {
         return;
     }
+    modelClauses_.push_back(clause);
     if (clause->literals->size() <= 1) {
         unitClauses_.push_back(number);
     }

@@ -59,6 +59,13 @@ public:
     {
         return clauses_[static_cast<std::size_t>(index)];
     }
+    /// The object that the clause was made of.
+    const Clause* modelClause(ClauseIndex index) const
+    {
+        return modelClauses_[static_cast<std::size_t>(index)];
+    }
+    /// Whether it is one of the model-wide laws; the others make a variable have exactly one value.
+    bool isLaw(ClauseIndex index) const { return index >= firstLaw_; }
     const std::vector<ClauseIndex>& clausesOf(AtomIndex atom) const
     {
         return clausesOf_[static_cast<std::size_t>(atom)];
@@ -76,6 +83,8 @@ private:
     std::vector<VariableIndex> variableOf_;
     std::vector<std::vector<PlantLiteral>> clauses_;
     std::unordered_map<const Clause*, ClauseIndex> clauseIndexOf_;
+    std::vector<const Clause*> modelClauses_;
+    ClauseIndex firstLaw_ = 0;
     std::vector<std::vector<ClauseIndex>> clausesOf_;
     std::vector<ClauseIndex> unitClauses_;
 };

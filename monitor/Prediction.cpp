@@ -245,35 +245,52 @@ bool Prediction::gives(ClauseIndex clause, AtomIndex atom, const std::vector<boo
     });
 }
 
-std::vector<VariableIndex> Prediction::environment(const std::vector<AtomIndex>& atoms) const
+// The atoms on whose labels those of the given ones rest, these included, each once.
+std::vector<AtomIndex> Prediction::grounds(const std::vector<AtomIndex>& atoms) const
 {
-    std::vector<VariableIndex> modes;
+    std::vector<AtomIndex> reached;
     std::vector<bool> seen(plant_->atomCount(), false);
-    std::vector<AtomIndex> open;
     const auto reach = [&](AtomIndex atom) {
         if (!seen[static_cast<std::size_t>(atom)] && isKnown(atom)) {
             seen[static_cast<std::size_t>(atom)] = true;
-            open.push_back(atom);
+            reached.push_back(atom);
         }
     };
     std::for_each(atoms.begin(), atoms.end(), reach);
-    while (!open.empty()) {
-        const AtomIndex atom = open.back();
-        open.pop_back();
-        const ClauseIndex reason = reasons_[static_cast<std::size_t>(atom)];
-        if (reason == assumed) {
-            if (plant_->variable(plant_->variableOf(atom)).isMode) {
-                modes.push_back(plant_->variableOf(atom));
+    for (std::size_t i = 0; i < reached.size(); ++i) {
+        if (reason(reached[i]) != assumed) {
+            for (const PlantLiteral& literal : plant_->clause(reason(reached[i]))) {
+                reach(literal.atom);
             }
-            continue;
         }
-        for (const PlantLiteral& literal : plant_->clause(reason)) {
-            reach(literal.atom);
+    }
+    return reached;
+}
+
+std::vector<VariableIndex> Prediction::environment(const std::vector<AtomIndex>& atoms) const
+{
+    std::vector<VariableIndex> modes;
+    for (const AtomIndex atom : grounds(atoms)) {
+        const VariableIndex variable = plant_->variableOf(atom);
+        if (reason(atom) == assumed && plant_->variable(variable).isMode) {
+            modes.push_back(variable);
         }
     }
     std::sort(modes.begin(), modes.end());
     modes.erase(std::unique(modes.begin(), modes.end()), modes.end());
     return modes;
+}
+
+std::vector<AtomIndex> Prediction::derivation(const std::vector<AtomIndex>& atoms) const
+{
+    std::vector<bool> needed(plant_->atomCount(), false);
+    for (const AtomIndex atom : grounds(atoms)) {
+        needed[static_cast<std::size_t>(atom)] = true;
+    }
+    std::vector<AtomIndex> ordered;
+    std::copy_if(trail_.begin(), trail_.end(), std::back_inserter(ordered),
+                 [&](AtomIndex atom) { return needed[static_cast<std::size_t>(atom)]; });
+    return ordered;
 }
 
 std::vector<bool> Prediction::dependents(const std::vector<bool>& markedVariables) const

@@ -58,6 +58,11 @@ public:
 
     /// The mode variables on which the labels of the atoms rest, sorted. Linear in the atoms visited.
     std::vector<VariableIndex> environment(const std::vector<AtomIndex>& atoms) const;
+    /// The atoms on whose labels those of the given ones rest, these included, in the order of labelling: what a
+    /// reason needs comes before what it gives. One pass over the labels.
+    std::vector<AtomIndex> derivation(const std::vector<AtomIndex>& atoms) const;
+    /// The clause that gave the label of an atom that has one, or `assumed`.
+    ClauseIndex reason(AtomIndex atom) const { return reasons_[static_cast<std::size_t>(atom)]; }
     /// For every atom, whether its label rests on one of the variables marked. Linear in the plant.
     std::vector<bool> dependents(const std::vector<bool>& markedVariables) const;
 
@@ -66,6 +71,7 @@ private:
     std::vector<AtomIndex> retract(const std::vector<AtomIndex>& values);
     bool visitAll(const std::vector<ClauseIndex>& clauses);
     bool visit(ClauseIndex clause);
+    std::vector<AtomIndex> grounds(const std::vector<AtomIndex>& atoms) const;
     bool gives(ClauseIndex clause, AtomIndex atom, const std::vector<bool>& done) const;
 
     const Plant* plant_;

@@ -82,15 +82,15 @@ bool isSmaller(const Explained& one, const Explained& other)
 
 } // namespace
 
-StepFrame Successors::frame(const Hypothesis& parent, const TrackInput& input,
-                            const std::vector<LossyCommand>& lost) const
+StepFrame frameAfter(const Plant& plant, const Hypothesis& parent, const TrackInput& input,
+                     const std::vector<LossyCommand>& lost)
 {
     StepInput values = input.values;
     for (const LossyCommand& command : lost) {
         std::replace(values.commands.begin(), values.commands.end(), command.given,
                      command.fallback);
     }
-    return makeFrame(plant_, parent.labels.prediction(), values);
+    return makeFrame(plant, parent.labels.prediction(), values);
 }
 
 // Nothing when a mode cannot be had at this step.

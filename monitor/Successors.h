@@ -29,6 +29,10 @@ struct SuccessorSearch {
     SearchWork work;
 };
 
+/// What the step can do after the parent, when these commands are lost.
+StepFrame frameAfter(const Plant& plant, const Hypothesis& parent, const TrackInput& input,
+                     const std::vector<LossyCommand>& lost);
+
 class Successors {
 public:
     /// Records after which a search by the engine is taken apart (monitor/FaultSearch.h); the answer is the same with any
@@ -56,9 +60,12 @@ public:
     SuccessorSearch search(const Hypothesis& parent, const TrackInput& input, int faultBudget,
                            const SearchLimits& limits);
 
-    /// What the step can do after the parent, when these commands are lost.
+    /// What frameAfter() says of this plant.
     StepFrame frame(const Hypothesis& parent, const TrackInput& input,
-                    const std::vector<LossyCommand>& lost) const;
+                    const std::vector<LossyCommand>& lost) const
+    {
+        return frameAfter(plant_, parent, input, lost);
+    }
 
 private:
     std::optional<Hypothesis> make(const Hypothesis& parent, const TrackInput& input,

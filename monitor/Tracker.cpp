@@ -80,6 +80,7 @@ public:
         answer_ = {};
         answer_.step = input_.step;
         answer_.t = input_.t;
+        answer_.before = tracker_.memory_.hypotheses;
         succeed();
         if (found_.empty() || predicted_ < 0.5 - 1e-9) {
             goBack();
@@ -101,7 +102,8 @@ private:
     // What becomes of each kept hypothesis.
     void succeed()
     {
-        for (const HypothesisPointer& parent : tracker_.memory_.hypotheses) {
+        for (std::size_t i = 0; i < answer_.before.size(); ++i) {
+            const HypothesisPointer& parent = answer_.before[i];
             Hypothesis made = tracker_.successors_.predicted(*parent, input_);
             if (tracker_.successors_.explains(made)) {
                 predicted_ += std::exp(parent->logWeight);
@@ -109,6 +111,7 @@ private:
                 found_.push_back({std::move(made), 0, {}});
                 continue;
             }
+            answer_.contradicted.push_back(i);
             contradicted_.push_back(std::move(made));
             SuccessorSearch search = tracker_.successors_.search(
                 *parent, input_, tracker_.settings_.maxFaults - parent->faults, left());

@@ -40,6 +40,9 @@ struct TrackAnswer {
     TrackStatus status = TrackStatus::nominal;
     bool complete = true; ///< no search was cut and none left something open
     SearchLimit limit = SearchLimit::none;
+    std::vector<HypothesisPointer> before; ///< that were kept before the step
+    std::vector<std::size_t>
+        contradicted; ///< indices in `before`: what they predict does not explain the step
     std::vector<HypothesisPointer> hypotheses; ///< that are kept, most probable first
     std::vector<double> probabilities;         ///< of these; they add up to 1
     std::size_t dropped = 0;                   ///< hypotheses beyond those that are kept

@@ -1,7 +1,7 @@
 #include "report/Advice.h"
 
+#include "report/CandidateJson.h"
 #include "report/Numbers.h"
-#include "report/TrackingJson.h"
 
 #include <algorithm>
 #include <cmath>
@@ -95,7 +95,7 @@ std::string adviceJson(const AdviceReport& report, std::size_t shown)
     Json candidates = Json::array();
     for (const TrackedExplanation& explanation : report.step.explanations) {
         Json candidate{{"id", candidates.size() + 1}};
-        candidate.update(explanationJson(explanation));
+        candidate.update(candidateJson(explanation));
         candidates.push_back(std::move(candidate));
     }
     const std::size_t all = report.measurements.size();

@@ -24,12 +24,7 @@ TrackedExplanation explanation(const monitor::Plant& plant, const monitor::Hypot
 {
     TrackedExplanation result;
     result.faults = hypothesis.faults;
-    for (const auto& [variable, since] : hypothesis.since) {
-        result.modes.push_back({variableName(*plant.variable(variable).variable),
-                                plant.atom(since.value)->value, since.step});
-    }
-    std::sort(result.modes.begin(), result.modes.end(),
-              [](const DeviatingMode& a, const DeviatingMode& b) { return a.variable < b.variable; });
+    result.modes = deviatingModes(plant, hypothesis);
     result.lost = identifiers(plant, hypothesis.lost);
     result.unexplained = identifiers(plant, hypothesis.unexplained);
     return result;
@@ -48,6 +43,20 @@ std::string withSince(const DeviatingMode& mode)
 std::string variableName(const StateVar& variable)
 {
     return variable.comp->name + "." + variable.name;
+}
+
+std::vector<DeviatingMode> deviatingModes(const monitor::Plant& plant,
+                                          const monitor::Hypothesis& hypothesis)
+{
+    std::vector<DeviatingMode> modes;
+    for (const auto& [variable, since] : hypothesis.since) {
+        modes.push_back({variableName(*plant.variable(variable).variable),
+                         plant.atom(since.value)->value, since.step});
+    }
+    std::sort(modes.begin(), modes.end(), [](const DeviatingMode& a, const DeviatingMode& b) {
+        return a.variable < b.variable;
+    });
+    return modes;
 }
 
 StepReport stepReport(const monitor::Plant& plant, const monitor::TrackAnswer& answer)

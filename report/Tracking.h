@@ -53,6 +53,10 @@ struct Shown {
 /// `COMPONENT.VARIABLE`.
 std::string variableName(const StateVar& variable);
 
+/// What deviates in a hypothesis, by name of the variable.
+std::vector<DeviatingMode> deviatingModes(const monitor::Plant& plant,
+                                          const monitor::Hypothesis& hypothesis);
+
 /// The report of an answer; gap and held readings, which the answer does not know, are left to the caller.
 StepReport stepReport(const monitor::Plant& plant, const monitor::TrackAnswer& answer);
 

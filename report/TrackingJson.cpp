@@ -1,8 +1,7 @@
 #include "report/TrackingJson.h"
 
+#include "report/CandidateJson.h"
 #include "report/Numbers.h"
-
-#include <nlohmann/json.hpp>
 
 namespace report {
 
@@ -23,27 +22,11 @@ Json marginalsJson(const Marginals& marginals)
 
 } // namespace
 
-Json explanationJson(const TrackedExplanation& explanation)
-{
-    Json modes = Json::object();
-    Json since = Json::object();
-    for (const DeviatingMode& mode : explanation.modes) {
-        modes[mode.variable] = mode.value;
-        since[mode.variable] = mode.since;
-    }
-    return {{"p", sixDigits(explanation.probability)},
-            {"rank", explanation.faults},
-            {"modes", std::move(modes)},
-            {"since", std::move(since)},
-            {"lost", explanation.lost},
-            {"unexplained", explanation.unexplained}};
-}
-
 std::string stepJson(const StepReport& report, const Shown& shown)
 {
     Json candidates = Json::array();
     for (std::size_t i = 0; i < shownCount(report, shown); ++i) {
-        candidates.push_back(explanationJson(report.explanations[i]));
+        candidates.push_back(candidateJson(report.explanations[i]));
     }
     Json record;
     record["v"] = 1;

@@ -161,6 +161,18 @@ TEST(Elaboration, TellsWhereEachClauseWasWritten)
     EXPECT_EQ(result.lawPlaces.back().line, 3U);
 }
 
+TEST(Elaboration, KeepsTheTextOfALawOnceForAllItsClausesAndInstances)
+{
+    const ReadResult result = read(
+        "component C { cond v: a, b\n cond w: b, a\n law v = a // if\n\t/* then\n*/ -> w = b\n }\n"
+        "system S { c: C\n d: C\n law c.v = d.v }\n");
+    ASSERT_EQ(result.lawPlaces.size(), result.model->laws().size());
+    EXPECT_THAT(result.lawTexts, ElementsAre("law c.v = d.v", "law v = a -> w = b"));
+    for (const language::LawPlace& place : result.lawPlaces) {
+        EXPECT_EQ(place.text, place.line == 3 ? 1U : 0U);
+    }
+}
+
 TEST(Elaboration, TakesTheFirstValueOfACommandAsItsDefault)
 {
     const ReadResult result =

@@ -112,4 +112,22 @@ TEST_F(PlantTest, ListsTheClausesOfOneLiteralOrNone)
     EXPECT_EQ(active->plant->clause(active->plant->unitClauses()[1]).size(), 0u);
 }
 
+TEST_F(PlantTest, KnowsTheObjectOfEachClauseAndWhetherItIsALaw)
+{
+    HandMade model;
+    model.condition("a.x", {"0", "1"});
+    model.condition("a.y", {"0", "1"});
+    const Clause* law = model.law("!a.x=1 | a.y=1");
+    const auto active = model.activate();
+    const Plant& plant = *active->plant;
+    int laws = 0;
+    for (monitor::ClauseIndex i = 0; i < static_cast<monitor::ClauseIndex>(plant.clauseCount());
+         ++i) {
+        EXPECT_EQ(plant.modelClause(i)->literals->size(), plant.clause(i).size());
+        EXPECT_EQ(plant.isLaw(i), plant.modelClause(i) == law);
+        laws += plant.isLaw(i) ? 1 : 0;
+    }
+    EXPECT_EQ(laws, 1);
+}
+
 } // namespace

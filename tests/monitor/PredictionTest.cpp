@@ -418,4 +418,23 @@ TEST(RandomPredictions, HaveNoLargerEnvironmentsWhereSmallOnesArePreferred)
     EXPECT_GT(smaller, 0u);
 }
 
+TEST_F(PredictionTest, DerivesALabelInTheOrderInWhichTheReasonsNeedOneAnother)
+{
+    makeChain();
+    assume("b.mode=ok");
+    assume("a.mode=ok");
+    assume("in.v=1");
+    ASSERT_TRUE(labels_->propagate());
+    const std::vector<AtomIndex> atoms = labels_->derivation({active_->index("b.out=1")});
+    const auto place = [&](const std::string& id) {
+        return std::find(atoms.begin(), atoms.end(), active_->index(id)) - atoms.begin();
+    };
+    EXPECT_LT(place("in.v=1"), place("a.out=1"));
+    EXPECT_LT(place("a.mode=ok"), place("a.out=1"));
+    EXPECT_LT(place("a.out=1"), place("b.out=1"));
+    EXPECT_EQ(place("b.out=1") + 1, static_cast<std::ptrdiff_t>(atoms.size()));
+    EXPECT_EQ(labels_->reason(active_->index("a.mode=ok")), Prediction::assumed);
+    EXPECT_TRUE(active_->plant->isLaw(labels_->reason(active_->index("b.out=1"))));
+}
+
 } // namespace

@@ -1,0 +1,54 @@
+// Why the candidates of a step are believed: which conflicts each of them resolves, and what it leaves open.
+//
+// A conflict says that some modes cannot all be as they were assumed. A candidate resolves it where one of these modes
+// deviates in it, since that step or an earlier one. Listed are the conflicts of the most probable hypothesis before each
+// step; those of others are added where a candidate came from them and no listed one tells why.
+#pragma once
+
+#include "report/ConflictReport.h"
+
+namespace report {
+
+/// A conflict that a candidate resolves.
+struct Resolution {
+    std::size_t conflict = 0; ///< its number
+    std::string instead;      ///< the value that was assumed in it
+};
+
+/// A conflict that rests on a deviation which a candidate does not have.
+struct Avoided {
+    std::size_t conflict = 0;
+    std::string variable;
+    std::string value;
+};
+
+struct CandidateReasons {
+    TrackedExplanation explanation;
+    std::vector<std::vector<Resolution>> ofModes; ///< for each of the explanation's modes
+    std::vector<std::vector<std::size_t>> ofLost; ///< for each lost command, the conflicts that rest on it
+    std::vector<std::vector<std::size_t>>
+        ofUnexplained;            ///< for each such observation, the conflicts that stay
+    std::vector<Avoided> avoided; ///< conflicts that none of its modes resolves, as it does not come to them
+    /// Faults and lost commands of earlier steps for which nothing stands here any more.
+    int over = 0;
+};
+
+struct StepExplanation {
+    StepReport report;                        ///< of the step
+    std::vector<CandidateReasons> candidates; ///< as many as are shown, most probable first
+    std::vector<ExplainedConflict> conflicts; ///< by step
+    std::size_t stepsLeftOut = 0; ///< earlier steps that contradicted the most probable hypothesis
+};
+
+/// What a step is explained from. All of it outlives the call only.
+struct ExplainedRun {
+    const monitor::Plant& plant;
+    const language::ReadResult& model;
+    const monitor::ConflictHistory& history;
+    const monitor::TrackAnswer& answer;
+};
+
+/// Derives and checks the conflicts. Costs a prediction of the plant for each of them, and one pass over its laws.
+StepExplanation explainStep(const ExplainedRun& run, const Shown& shown);
+
+} // namespace report
