@@ -18,7 +18,7 @@ struct CaseRefutation {
     std::set<ClauseIndex> clauses; ///< with these, they cannot be completed
 };
 
-/// Values tried, at most; each may hold a prediction's labels up to its own depth on the stack.
+/// Values tried, at most, which bounds the depth of the recursion, too.
 constexpr std::size_t mostCasesTried = 2000;
 
 /// Requires labels that are propagated without contradiction. Nothing when values for all open variables are possible, and

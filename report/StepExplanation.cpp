@@ -28,7 +28,9 @@ public:
 
     void explain(StepExplanation& result)
     {
-        for (const Contradiction& one : run_.history.ofBest()) derive(one, true);
+        for (const Contradiction& one : run_.history.ofBest()) {
+            if (derive(one, true).empty()) result.stepsOpen.push_back(one.input.step);
+        }
         for (std::size_t i = 0; i < shown_; ++i) addOthers(*run_.answer.hypotheses[i]);
         list(result);
         for (std::size_t i = 0; i < shown_; ++i) {

@@ -37,6 +37,8 @@ struct StepExplanation {
     StepReport report;                        ///< of the step
     std::vector<CandidateReasons> candidates; ///< as many as are shown, most probable first
     std::vector<ExplainedConflict> conflicts; ///< by step
+    std::vector<std::size_t>
+        stepsOpen; ///< that contradicted it, too, and no conflict was found within its bound
     std::size_t stepsLeftOut = 0; ///< earlier steps that contradicted the most probable hypothesis
 };
 

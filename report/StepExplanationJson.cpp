@@ -141,6 +141,7 @@ std::string explanationJson(const StepExplanation& explanation)
                          {"dropped", report.dropped},
                          {"candidates", std::move(candidates)},
                          {"conflicts", std::move(conflicts)},
+                         {"open", explanation.stepsOpen},
                          {"earlier", explanation.stepsLeftOut}};
     return record.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

@@ -75,7 +75,7 @@ std::string resolution(const std::vector<Resolution>& resolutions)
 }
 
 // What the candidate says, a line or more for each item.
-std::vector<std::string> items(const CandidateReasons& reasons)
+std::vector<std::string> items(const CandidateReasons& reasons, bool explains)
 {
     const TrackedExplanation& explanation = reasons.explanation;
     std::vector<std::string> lines;
@@ -91,7 +91,7 @@ std::vector<std::string> items(const CandidateReasons& reasons)
                                     ? noConflict
                                     : "resolves " + conflictNumbers(reasons.ofLost[i])));
     }
-    if (lines.empty() && explanation.unexplained.empty()) lines.push_back("nothing is wrong");
+    if (lines.empty() && explains) lines.push_back("nothing is wrong");
     for (const Avoided& one : reasons.avoided) {
         lines.push_back(fmt::format("without {}, which conflict {} rests on",
                                     equation(one.variable, one.value), one.conflict));
@@ -110,6 +110,7 @@ std::vector<std::string> items(const CandidateReasons& reasons)
                             (reasons.ofUnexplained[i].size() == 1 ? "stays" : "stay"));
         }
     }
+    if (!explains && explanation.unexplained.empty()) lines.push_back("does not explain the step");
     return lines;
 }
 
@@ -228,12 +229,12 @@ std::string conflictText(const ExplainedConflict& conflict, const Colours& colou
            "\n" + block.text();
 }
 
-std::string candidateText(const CandidateReasons& reasons, const Colours& colours)
+std::string candidateText(const CandidateReasons& reasons, bool explains, const Colours& colours)
 {
     std::string head = right(percent(reasons.explanation.probability), probabilityColumns) + "  ";
     const std::size_t columns = width(head);
     std::string text;
-    for (const std::string& item : items(reasons)) {
+    for (const std::string& item : items(reasons, explains)) {
         const bool isReason = item.starts_with("  ");
         const std::string indent(columns + (isReason ? 2 : 0), ' ');
         const std::string lines = wrapped(indent, isReason ? item.substr(2) : item);
@@ -266,7 +267,7 @@ std::string explanationText(const StepExplanation& explanation, const Colours& c
     std::string text = colours.bold(fmt::format("Step {}, t = {:.10g}: ", report.step, report.t)) +
                        status(report.status, colours) + "\n\n";
     for (const CandidateReasons& one : explanation.candidates) {
-        text += candidateText(one, colours);
+        text += candidateText(one, report.status != monitor::TrackStatus::inconsistent, colours);
     }
     const std::string indent(probabilityColumns + 2, ' ');
     const std::size_t more = report.explanations.size() - explanation.candidates.size();
@@ -283,7 +284,15 @@ std::string explanationText(const StepExplanation& explanation, const Colours& c
                                 counted(explanation.stepsLeftOut, "step"),
                                 explanation.stepsLeftOut == 1 ? "is" : "are"));
     }
-    if (explanation.conflicts.empty() && explanation.stepsLeftOut == 0) {
+    for (const std::size_t step : explanation.stepsOpen) {
+        text +=
+            "\n" +
+            wrapped("", fmt::format("Step {} contradicts what was believed before it; why was not "
+                                    "found within the bound on cases.",
+                                    step));
+    }
+    if (explanation.conflicts.empty() && explanation.stepsOpen.empty() &&
+        explanation.stepsLeftOut == 0) {
         text += "\nNo step so far contradicted what was believed before it.\n";
     }
     for (const ExplainedConflict& one : explanation.conflicts) {

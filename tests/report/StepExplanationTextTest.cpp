@@ -8,6 +8,7 @@ namespace {
 
 using report::Colours;
 using report::StepExplanation;
+using testing::AllOf;
 using testing::HasSubstr;
 using testing::Not;
 
@@ -122,6 +123,44 @@ TEST(StepExplanationText, DoesNotHideWhatIsNotConfirmed)
     EXPECT_THAT(text(explanation), HasSubstr("check     NOT confirmed"));
     explanation.conflicts[0].check = monitor::ConflictCheck::unsettled;
     EXPECT_THAT(text(explanation), HasSubstr("check     not settled"));
+}
+
+// The laws leave x and y no values; what does not matter is open as well.
+TEST(StepExplanationText, FindsReasonsThatOnlyTryingValuesShows)
+{
+    FollowedPlant plant(R"(component Free { cond a: on, off }
+component Last {
+    cond u: zero, one
+    cond x: zero, one
+    cond y: zero, one
+    mode state { good initial broken fault }
+    law state = good & u = one -> x = one | y = one
+    law state = good & u = one -> x = one | y = zero
+    law state = good & u = one -> x = zero | y = one
+    law state = good & u = one -> x = zero | y = zero
+    fault good -> broken : 0.1
+}
+system S {
+    free[50]: Free
+    last: Last
+}
+)");
+    plant.step({}, {"last.u=one"});
+    EXPECT_THAT(
+        text(plant.explain()),
+        AllOf(HasSubstr("does not explain the step\n"), Not(HasSubstr("nothing is wrong")),
+              HasSubstr("  so        no values are possible for the variables that stay open\n"
+                        "  check     confirmed; nothing of this can be left out\n")));
+}
+
+TEST(StepExplanationText, SaysWhenNoReasonIsFound)
+{
+    StepExplanation explanation;
+    explanation.stepsOpen = {7};
+    EXPECT_THAT(text(explanation),
+                AllOf(HasSubstr("Step 7 contradicts what was believed before it; why was not found "
+                                "within the\nbound on cases.\n"),
+                      Not(HasSubstr("No step so far"))));
 }
 
 TEST(StepExplanationText, IsColouredOnlyWhenAsked)
