@@ -18,7 +18,8 @@ Names modelFiles()
     Names files;
     const std::filesystem::path folder = examplePath("");
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-        if (entry.path().extension() == ".itms") {
+        // The guide's first model has a mistake, which the reader is shown how to find.
+        if (entry.path().extension() == ".itms" && entry.path().filename() != "first-try.itms") {
             files.push_back(entry.path().lexically_relative(folder).string());
         }
     }
