@@ -26,6 +26,8 @@ function(itms_tests name)
     target_link_libraries(itms_tests_${name} PRIVATE
         ${tests_LINK} itms_test_support itms::itms GTest::gmock GTest::gtest GTest::gtest_main)
     itms_our_code(itms_tests_${name})
+    # Half the time of compiling a small test goes into these two.
+    target_precompile_headers(itms_tests_${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
     gtest_discover_tests(itms_tests_${name}
         TEST_PREFIX "${name}."
         WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}"
