@@ -151,6 +151,17 @@ TEST_P(Signals, EndTheWaitForInputWithWhatWasPrinted)
     EXPECT_EQ(run.err, "");
 }
 
+// The same for a plant that is followed live.
+TEST_P(Signals, EndARunThatWaitsForTheNextStep)
+{
+    const ProgramRun run =
+        runUntilSignal({"run", "examples/water/station.itms", "-"},
+                       "{\"t\": 0, \"observations\": {\"PT-121\": 4}}\n", GetParam());
+    EXPECT_EQ(run.status, 130);
+    EXPECT_THAT(run.out, StartsWith("{\"v\":1,\"step\":1,\"t\":0.0,\"status\":\"nominal\""));
+    EXPECT_EQ(run.err, "");
+}
+
 // The first problem is one without a fault, and answered at once. The second one takes for ever by itself: all
 // explanations of up to four faults, without a limit.
 TEST_P(Signals, EndALongSearchAndSaySo)
