@@ -1,7 +1,7 @@
 # The everyday commands. CMake does the work: see CMakePresets.json for the builds.
 
 PREFIX ?= /usr/local
-JOBS ?= 2
+JOBS ?= $(shell nproc)
 FUZZ_SECONDS ?= 60
 
 .PHONY: help demo test fuzz bench format lint install clean
