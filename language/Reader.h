@@ -1,7 +1,7 @@
 // Model files read: the front door of the model language.
 //
 //     language::ReadResult read = language::readModel("pump.itms");
-//     for (const SourceError& error : read.errors) std::cerr << error.format();
+//     for (const language::SourceError& error : read.errors) std::cerr << error.format();
 //     if (read.model) read.model->activate();
 //
 // The way of a file: text -> tree (Parser.h), imports -> trees (Imports.h), trees -> types (Types.h), checked (TypeChecks.h),

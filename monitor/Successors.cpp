@@ -114,10 +114,15 @@ std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const Track
     for (const LossyCommand& command : lost) {
         made.lost.push_back(command.given);
     }
-    const std::vector<ModeStep> expected =
-        lost.empty() ? frame.modes : this->frame(parent, input, {}).modes;
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        updateSince(made, plant_, expected[i], made.modes[i], input);
+    const auto update = [&](const std::vector<ModeStep>& expected) {
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            updateSince(made, plant_, expected[i], made.modes[i], input);
+        }
+    };
+    if (lost.empty()) {
+        update(frame.modes);
+    } else {
+        update(this->frame(parent, input, {}).modes);
     }
     return made;
 }

@@ -82,7 +82,7 @@ public:
         answer_.t = input_.t;
         answer_.before = tracker_.memory_.hypotheses;
         succeed();
-        if (found_.empty() || predicted_ < 0.5 - 1e-9) {
+        if (predicted_ < 0.5 - 1e-9) {
             goBack();
         }
         const bool explained = !found_.empty();
