@@ -4,36 +4,18 @@
 //
 // writes the texts anew, to be read before they are committed.
 #include "language/Parser.h"
+#include "tests/support/ExpectedTexts.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace {
 
 namespace fs = std::filesystem;
 
-std::string contents(const fs::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-std::vector<fs::path> badFiles()
-{
-    std::vector<fs::path> files;
-    for (const auto& entry :
-         fs::directory_iterator(fs::path(ITMS_ROOT) / "tests/language/errors/syntax")) {
-        if (entry.path().extension() == ".itms") files.push_back(entry.path());
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
+const char* const folder = "tests/language/errors/syntax";
 
 class SyntaxErrorTexts : public testing::TestWithParam<fs::path> {};
 
@@ -53,7 +35,7 @@ TEST_P(SyntaxErrorTexts, AreAsExpected)
     EXPECT_EQ(contents(expected), told);
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, SyntaxErrorTexts, testing::ValuesIn(badFiles()),
+INSTANTIATE_TEST_SUITE_P(Files, SyntaxErrorTexts, testing::ValuesIn(filesOf(folder, ".itms")),
                          [](const auto& file) {
                              std::string name = file.param.stem().string();
                              std::replace(name.begin(), name.end(), '-', '_');
@@ -62,7 +44,7 @@ INSTANTIATE_TEST_SUITE_P(Files, SyntaxErrorTexts, testing::ValuesIn(badFiles()),
 
 TEST(SyntaxErrorTexts, ThereAreAtLeastThirtyFiles)
 {
-    EXPECT_GE(badFiles().size(), 30U);
+    EXPECT_GE(filesOf(folder, ".itms").size(), 30U);
 }
 
 } // namespace

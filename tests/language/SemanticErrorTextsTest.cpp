@@ -4,37 +4,18 @@
 //
 // writes the texts anew, to be read before they are committed.
 #include "language/Reader.h"
+#include "tests/support/ExpectedTexts.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace {
 
 namespace fs = std::filesystem;
 
 const char* const folder = "tests/language/errors/semantic";
-
-std::string contents(const fs::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-std::vector<fs::path> filesOf(const std::string& suffix)
-{
-    std::vector<fs::path> files;
-    for (const auto& entry : fs::directory_iterator(fs::path(ITMS_ROOT) / folder)) {
-        if (entry.path().extension() == suffix) files.push_back(entry.path());
-    }
-    std::sort(files.begin(), files.end());
-    return files;
-}
 
 // Read under the path from the root, which is where tests run. With a lower bound on loops than usual: the file that goes
 // beyond it takes minutes under sanitizers otherwise.
@@ -75,7 +56,7 @@ TEST_P(SemanticErrorTexts, ComeWithoutAModel)
     EXPECT_TRUE(result.bindings.channels.empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, SemanticErrorTexts, testing::ValuesIn(filesOf(".itms")),
+INSTANTIATE_TEST_SUITE_P(Files, SemanticErrorTexts, testing::ValuesIn(filesOf(folder, ".itms")),
                          [](const auto& tested) {
                              std::string name = tested.param.stem().string();
                              std::replace(name.begin(), name.end(), '-', '_');
@@ -84,8 +65,8 @@ INSTANTIATE_TEST_SUITE_P(Files, SemanticErrorTexts, testing::ValuesIn(filesOf(".
 
 TEST(SemanticErrorTexts, EachHasItsFile)
 {
-    EXPECT_GE(filesOf(".itms").size(), 35U);
-    EXPECT_EQ(filesOf(".txt").size(), filesOf(".itms").size());
+    EXPECT_GE(filesOf(folder, ".itms").size(), 35U);
+    EXPECT_EQ(filesOf(folder, ".txt").size(), filesOf(folder, ".itms").size());
 }
 
 TEST(SemanticErrorTexts, OfTenMistakesAreTen)
