@@ -1,9 +1,9 @@
 #include "app/Arguments.h"
 
 #include "app/Output.h"
-#include "language/NearestName.h"
-#include "language/SourceError.h"
 #include "report/Text.h"
+#include "text/Diagnostic.h"
+#include "text/NearestName.h"
 
 #include <charconv>
 #include <cmath>
@@ -34,7 +34,7 @@ CLI::Validator validator(std::function<std::string(std::string&)> check)
 std::string didYouMean(std::string_view word, const std::vector<std::string>& known)
 {
     const std::string nearest =
-        language::nearestName(word, std::vector<std::string_view>(known.begin(), known.end()));
+        text::nearestName(word, std::vector<std::string_view>(known.begin(), known.end()));
     return nearest.empty() ? "" : fmt::format("; did you mean '{}'?", nearest);
 }
 
@@ -43,8 +43,8 @@ CLI::Validator wholeNumber(std::uint64_t least, std::uint64_t most)
     return validator([=](const std::string& text) {
         const auto value = parsed<std::uint64_t>(text);
         if (value && *value >= least && *value <= most) return std::string();
-        return fmt::format("found {}; expected a whole number from {} to {}",
-                           language::quoted(text), least, most);
+        return fmt::format("found {}; expected a whole number from {} to {}", text::quoted(text),
+                           least, most);
     });
 }
 
@@ -58,7 +58,7 @@ CLI::Validator number(double least, double most, bool open)
         const std::string range = std::isinf(most) ? fmt::format("{} or more", least)
                                   : open ? fmt::format("more than {} and less than {}", least, most)
                                          : fmt::format("from {} to {}", least, most);
-        return fmt::format("found {}; expected a number, {}", language::quoted(text), range);
+        return fmt::format("found {}; expected a number, {}", text::quoted(text), range);
     });
 }
 
@@ -70,7 +70,7 @@ CLI::Validator oneOf(std::vector<std::string> words)
         for (std::size_t i = 0; i < words.size(); ++i) {
             known += (i == 0 ? "" : i + 1 == words.size() ? " or " : ", ") + words[i];
         }
-        return fmt::format("found {}; expected {}{}", language::quoted(text), known,
+        return fmt::format("found {}; expected {}{}", text::quoted(text), known,
                            didYouMean(text, words));
     });
 }
@@ -81,7 +81,7 @@ void refuseUnknown(const CLI::App& verb)
     if (unknown.empty()) return;
     const std::string& word = unknown.front();
     if (word.size() < 2 || word.front() != '-') {
-        throw Failure(fmt::format("unexpected argument {}\n", language::quoted(word)));
+        throw Failure(fmt::format("unexpected argument {}\n", text::quoted(word)));
     }
     std::vector<std::string> known;
     for (const CLI::Option* option : verb.get_options()) {
@@ -90,7 +90,7 @@ void refuseUnknown(const CLI::App& verb)
         }
     }
     const std::string name = word.substr(0, word.find('='));
-    throw Failure(fmt::format("unknown option {}{}\n", language::quoted(name),
+    throw Failure(fmt::format("unknown option {}{}\n", text::quoted(name),
                               name.size() > 2 ? didYouMean(name, known) : ""));
 }
 

@@ -2,8 +2,8 @@
 
 #include "app/Arguments.h"
 #include "app/Output.h"
-#include "language/Implicates.h"
 #include "language/Reader.h"
+#include "plant/Implicates.h"
 #include "report/Text.h"
 
 #include <fmt/format.h>
@@ -52,7 +52,7 @@ std::string sizeText(const std::string& path, const language::ReadResult& read)
 struct Checked {
     std::string path;
     language::ReadResult read;
-    language::ImplicateFile implicates; ///< its errors and warnings stand among those of the model
+    plant::ImplicateFile implicates; ///< its errors and warnings stand among those of the model
 
     bool good() const { return read.errors.empty(); }
 };
@@ -61,7 +61,7 @@ Checked checked(const std::string& path, const language::ReadOptions& options)
 {
     Checked made{path, language::readModel(path, options), {}};
     if (!made.read.model) return made;
-    made.implicates = language::checkImplicates(*made.read.model);
+    made.implicates = plant::checkImplicates(*made.read.model);
     const auto add = [](auto& list, const auto& more) {
         list.insert(list.end(), more.begin(), more.end());
     };
@@ -74,10 +74,10 @@ std::string text(const Checked& model)
 {
     const language::ReadResult& read = model.read;
     std::string told;
-    for (const language::SourceError& error : read.errors) {
+    for (const text::Diagnostic& error : read.errors) {
         told += error.format();
     }
-    for (language::SourceError warning : read.warnings) {
+    for (text::Diagnostic warning : read.warnings) {
         warning.message.insert(0, "warning: ");
         told += warning.format();
     }
@@ -91,10 +91,10 @@ std::string text(const Checked& model)
                               report::counted(model.implicates.heads, "atom"));
 }
 
-ordered_json json(const std::vector<language::SourceError>& errors)
+ordered_json json(const std::vector<text::Diagnostic>& errors)
 {
     ordered_json list = ordered_json::array();
-    for (const language::SourceError& error : errors) {
+    for (const text::Diagnostic& error : errors) {
         list.push_back({{"file", error.file},
                         {"line", error.place.line},
                         {"column", error.place.column},

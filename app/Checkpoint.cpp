@@ -1,7 +1,7 @@
 #include "app/Checkpoint.h"
 
 #include "app/Output.h"
-#include "monitor/Fingerprint.h"
+#include "plant/Fingerprint.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -81,7 +81,7 @@ void writeCheckpoint(const std::string& path, const nlohmann::json& content)
     const nlohmann::json head{{"format", formatName},
                               {"v", version},
                               {"bytes", body.size()},
-                              {"hash", monitor::fingerprint(body)}};
+                              {"hash", plant::fingerprint(body)}};
     const std::string beside = path + ".new";
     const int file = open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (file < 0) fail(beside, "cannot be opened");
@@ -103,7 +103,7 @@ nlohmann::json readCheckpoint(const std::string& path)
     }
     const std::string body = text.substr(end + 1);
     if (head.value("bytes", std::size_t{0}) != body.size() ||
-        head.value("hash", "") != monitor::fingerprint(body)) {
+        head.value("hash", "") != plant::fingerprint(body)) {
         refuse(path, "is damaged");
     }
     auto content = nlohmann::json::parse(body, nullptr, false);

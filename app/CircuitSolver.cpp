@@ -1,6 +1,6 @@
 #include "app/CircuitSolver.h"
 
-#include "monitor/Budget.h"
+#include "monitor/step/Budget.h"
 
 #include <algorithm>
 #include <chrono>
@@ -14,10 +14,10 @@ report::ModeValue modeValue(const Atom& atom)
     return {atom.stateVar->comp->name, atom.stateVar->name, atom.value};
 }
 
-report::Explanation explanation(const monitor::Plant& plant, const monitor::Candidate& candidate)
+report::Explanation explanation(const plant::Plant& plant, const monitor::Candidate& candidate)
 {
     report::Explanation result{candidate.probability, candidate.faults, {}};
-    for (const monitor::AtomIndex mode : candidate.modes) {
+    for (const plant::AtomIndex mode : candidate.modes) {
         result.modes.push_back(modeValue(*plant.atom(mode)));
     }
     return result;

@@ -3,7 +3,7 @@
 
 #include "app/Problem.h"
 #include "engine/itms.h"
-#include "monitor/Step.h"
+#include "monitor/step/Step.h"
 #include "netlist/CircuitModel.h"
 #include "report/Diagnosis.h"
 
@@ -35,7 +35,7 @@ private:
 
     // In the order in which they have to happen.
     struct Activated {
-        explicit Activated(language::Model& model) { model.activate(); }
+        explicit Activated(plant::Model& model) { model.activate(); }
     };
     struct ReadyEngine : itms {
         ReadyEngine() { rtInit(); }
@@ -45,7 +45,7 @@ private:
     netlist::CircuitModel model_;
     Activated activated_;
     ReadyEngine engine_;
-    monitor::Plant plant_;
+    plant::Plant plant_;
     monitor::Prediction before_;
     monitor::StepSolver solver_;
 };

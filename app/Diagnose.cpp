@@ -155,16 +155,16 @@ void addReadings(ProblemBuilder& builder, Side side, const std::string& option,
         if (equals == std::string_view::npos || signal.empty()) {
             throw argumentError(option,
                                 {item.empty() ? "a signal is missing between commas, or at the end"
-                                              : "found " + language::quoted(item),
+                                              : "found " + text::quoted(item),
                                  "SIGNAL=0 or SIGNAL=1, separated by commas", ""});
         }
         const std::string_view value = trimmed(item.substr(equals + 1));
         if (value != "0" && value != "1") {
             throw argumentError(
-                option, {fmt::format("the value of {} is {}", language::quoted(signal),
-                                     language::quoted(value)),
-                         "0 or 1",
-                         side == Side::output ? "an output that was not observed is left out" : ""});
+                option,
+                {fmt::format("the value of {} is {}", text::quoted(signal), text::quoted(value)),
+                 "0 or 1",
+                 side == Side::output ? "an output that was not observed is left out" : ""});
         }
         if (const auto complaint = builder.add(side, signal, value == "1"))
             throw argumentError(option, *complaint);
@@ -211,7 +211,7 @@ public:
         const report::Diagnosis diagnosis = solver_.solve(problem, settings_, [&](int bound) {
             const std::string name = problem.id.value_or(fmt::format("problem {}", count_));
             progress_.show(
-                fmt::format("{}: searching for up to {} ...", language::quoted(name),
+                fmt::format("{}: searching for up to {} ...", text::quoted(name),
                             report::counted(static_cast<std::uint64_t>(bound), "fault")));
         });
         progress_.clear();
@@ -233,7 +233,7 @@ public:
                 solve(*problem);
                 continue;
             }
-            auto& error = std::get<language::SourceError>(read);
+            auto& error = std::get<text::Diagnostic>(read);
             error.file = reader.name();
             error.place.line = reader.lineNumber();
             if (!options_.skipBad) throw FileFailure(error.format());

@@ -1,7 +1,8 @@
 #include "app/Export.h"
 
 #include "app/Output.h"
-#include "language/ModelJson.h"
+#include "language/Reader.h"
+#include "language/json/ModelJson.h"
 
 #include <cerrno>
 #include <cstring>
@@ -73,10 +74,10 @@ ExitStatus exportModel(const ExportOptions& options)
     language::ReadOptions reading;
     reading.searchPath = options.importFolders;
     const language::ReadResult read = language::readModel(options.model, reading);
-    for (const language::SourceError& error : read.errors) {
+    for (const text::Diagnostic& error : read.errors) {
         complain(error.format());
     }
-    for (language::SourceError warning : read.warnings) {
+    for (text::Diagnostic warning : read.warnings) {
         warning.message.insert(0, "warning: ");
         complain(warning.format());
     }

@@ -2,7 +2,7 @@
 
 #include "app/Arguments.h"
 #include "app/Output.h"
-#include "language/Formatter.h"
+#include "language/syntax/Formatter.h"
 
 #include <cerrno>
 #include <cstring>
@@ -96,8 +96,8 @@ bool layOut(const std::string& name, bool check)
     const bool standard = name == "-";
     const std::string shown = standard ? "standard input" : name;
     const std::string before = standard ? readAll(std::cin, shown) : readFile(name);
-    const language::Formatted formatted = language::format(language::SourceText(shown, before));
-    for (const language::SourceError& error : formatted.errors) {
+    const language::Formatted formatted = language::format(text::SourceText(shown, before));
+    for (const text::Diagnostic& error : formatted.errors) {
         complain(error.format());
     }
     if (!formatted.errors.empty()) return false;

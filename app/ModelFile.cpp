@@ -9,18 +9,18 @@ namespace app {
 
 namespace {
 
-[[noreturn]] void fail(const std::string& path, const std::vector<language::SourceError>& errors)
+[[noreturn]] void fail(const std::string& path, const std::vector<text::Diagnostic>& errors)
 {
     std::string text;
-    for (const language::SourceError& error : errors) {
+    for (const text::Diagnostic& error : errors) {
         text += error.format();
     }
     throw FileFailure(text + fmt::format("{}: {}\n", path, report::counted(errors.size(), "error")));
 }
 
-void warn(std::vector<language::SourceError> warnings)
+void warn(std::vector<text::Diagnostic> warnings)
 {
-    for (language::SourceError& warning : warnings) {
+    for (text::Diagnostic& warning : warnings) {
         warning.message.insert(0, "warning: ");
         complain(warning.format());
     }
@@ -56,7 +56,7 @@ void addModelOptions(CLI::App& verb, ModelOptions& options)
 ModelFile::ModelFile(const std::string& verb, const ModelOptions& options, bool quiet, bool trace)
     : path_(options.path), read_(openModel(verb, options, quiet, trace)), active_(*read_.model)
 {
-    const language::ImplicateFile& implicates = active_.implicates();
+    const plant::ImplicateFile& implicates = active_.implicates();
     if (!implicates.errors.empty()) fail(implicates.path, implicates.errors);
     if (!quiet) warn(implicates.warnings);
 }

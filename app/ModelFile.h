@@ -1,9 +1,9 @@
 // A model file as the verbs open it: read, checked, active, with an engine set up over it.
 #pragma once
 
-#include "language/ActiveModel.h"
 #include "language/Reader.h"
-#include "monitor/Plant.h"
+#include "plant/ActiveModel.h"
+#include "plant/Plant.h"
 
 #include <CLI/CLI.hpp>
 #include <string>
@@ -32,16 +32,16 @@ public:
     const std::string& path() const { return path_; }
     /// Everything that was read; the model is there, and there are no errors.
     const language::ReadResult& read() const { return read_; }
-    const language::Bindings& bindings() const { return read_.bindings; }
-    const monitor::Plant& plant() const { return plant_; }
+    const plant::Bindings& bindings() const { return read_.bindings; }
+    const plant::Plant& plant() const { return plant_; }
     itms& engine() { return active_.engine(); }
 
 private:
     // In the order in which they have to happen: the active model is set up, and then gets its numbers.
     std::string path_;
     language::ReadResult read_;
-    language::ActiveModel active_;
-    monitor::Plant plant_;
+    plant::ActiveModel active_;
+    plant::Plant plant_;
 };
 
 } // namespace app

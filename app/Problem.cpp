@@ -1,8 +1,8 @@
 #include "app/Problem.h"
 
-#include "language/NearestName.h"
-#include "language/SourceError.h"
 #include "report/Text.h"
+#include "text/Diagnostic.h"
+#include "text/NearestName.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -62,22 +62,22 @@ std::optional<Complaint> ProblemBuilder::add(Side side, std::string_view signal,
         for (const SignalIndex one : own) {
             known.emplace_back(circuit_.signals[one]);
         }
-        const std::string nearest = language::nearestName(signal, known);
-        return Complaint{fmt::format("{} has no signal {}", circuit_.name, language::quoted(signal)),
+        const std::string nearest = text::nearestName(signal, known);
+        return Complaint{fmt::format("{} has no signal {}", circuit_.name, text::quoted(signal)),
                          expected,
                          nearest.empty() ? "" : fmt::format("did you mean '{}'?", nearest)};
     }
     if (!isDeclared(circuit_, side, *index)) {
         const bool other = isDeclared(circuit_, otherSide, *index);
         return Complaint{
-            fmt::format("{} is {}, not an {}", language::quoted(signal),
+            fmt::format("{} is {}, not an {}", text::quoted(signal),
                         other ? "an " + nameOf(otherSide) : "a signal inside the circuit",
                         nameOf(side)),
             expected, other ? fmt::format("give it among the {}s", nameOf(otherSide)) : ""};
     }
     std::optional<bool>& slot = values_[static_cast<std::size_t>(side)][*index];
     if (slot) {
-        return Complaint{fmt::format("{} {} is given twice", nameOf(side), language::quoted(signal)),
+        return Complaint{fmt::format("{} {} is given twice", nameOf(side), text::quoted(signal)),
                          fmt::format("each {} once", nameOf(side)), ""};
     }
     slot = value;

@@ -21,7 +21,7 @@ struct Problem {
     std::vector<Reading> outputs; ///< of one output at least
 };
 
-/// What is wrong with a value, in the parts of a language::SourceError.
+/// What is wrong with a value, in the parts of a text::Diagnostic.
 struct Complaint {
     std::string message;
     std::string expected;

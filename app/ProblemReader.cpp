@@ -1,8 +1,8 @@
 // The JSON is read event by event, so that a signal given twice is seen and every complaint has its place.
 #include "app/ProblemReader.h"
 
-#include "language/NearestName.h"
 #include "telemetry/JsonText.h"
+#include "text/NearestName.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -42,7 +42,7 @@ public:
             id_ = text;
             return true;
         }
-        return value(fmt::format("the text {}", language::quoted(text)));
+        return value(fmt::format("the text {}", text::quoted(text)));
     }
     bool binary(binary_t& /*value*/) override { return value("binary data"); }
     bool start_array(std::size_t /*size*/) override { return open("an array"); }
@@ -61,7 +61,7 @@ public:
     bool parse_error(std::size_t position, const std::string& lastToken,
                      const nlohmann::detail::exception& error) override;
 
-    std::variant<Problem, language::SourceError> result();
+    std::variant<Problem, text::Diagnostic> result();
 
 private:
     enum class Section { none, id, inputs, observed, other };
@@ -96,7 +96,7 @@ private:
     std::size_t keyLength_ = 0;
     std::vector<std::string> otherKeys_;
     std::size_t sectionOffset_[5] = {}; // of each section's key, plus 1; 0: not there
-    std::optional<language::SourceError> error_;
+    std::optional<text::Diagnostic> error_;
 };
 
 bool Handler::key(string_t& name)
@@ -141,7 +141,7 @@ bool Handler::value(const std::string& found)
     }
     if (atSignal()) {
         return complainOfKey(
-            {fmt::format("the value of {} is {}", language::quoted(signal_), found), "0 or 1",
+            {fmt::format("the value of {} is {}", text::quoted(signal_), found), "0 or 1",
              section_ == Section::observed ? "an output that was not observed is left out" : ""});
     }
     if (depth_ > 1 || section_ == Section::other) return true;
@@ -173,7 +173,7 @@ bool Handler::parse_error(std::size_t position, const std::string& /*lastToken*/
 
 bool Handler::complain(std::size_t offset, std::size_t length, const Complaint& complaint)
 {
-    language::SourceError& error = error_.emplace();
+    text::Diagnostic& error = error_.emplace();
     error.place.column = offset + 1;
     error.message = complaint.message;
     error.expected = complaint.expected;
@@ -188,7 +188,7 @@ bool Handler::require(Section section, const char* name, Side side)
     const std::size_t offset = sectionOffset_[static_cast<std::size_t>(section)];
     if (offset == 0) {
         const std::vector<std::string_view> known(otherKeys_.begin(), otherKeys_.end());
-        const std::string nearest = language::nearestName(name, known);
+        const std::string nearest = text::nearestName(name, known);
         return complain(
             0, 1,
             {fmt::format("the problem has no '{}'", name), wholeProblem,
@@ -198,7 +198,7 @@ bool Handler::require(Section section, const char* name, Side side)
     return !complaint || complain(offset - 1, std::string_view(name).size() + 2, *complaint);
 }
 
-std::variant<Problem, language::SourceError> Handler::result()
+std::variant<Problem, text::Diagnostic> Handler::result()
 {
     if (!error_ && require(Section::inputs, "inputs", Side::input)) {
         require(Section::observed, "observed", Side::output);
@@ -211,8 +211,8 @@ std::variant<Problem, language::SourceError> Handler::result()
 
 } // namespace
 
-std::variant<Problem, language::SourceError> readProblem(std::string_view line,
-                                                         const netlist::Circuit& circuit)
+std::variant<Problem, text::Diagnostic> readProblem(std::string_view line,
+                                                    const netlist::Circuit& circuit)
 {
     std::size_t taken = 0;
     Handler handler(line, circuit, taken);

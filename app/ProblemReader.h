@@ -7,7 +7,7 @@
 #pragma once
 
 #include "app/Problem.h"
-#include "language/SourceError.h"
+#include "text/Diagnostic.h"
 
 #include <string_view>
 #include <variant>
@@ -15,7 +15,7 @@
 namespace app {
 
 /// Reads one line. `place.line` of the error is left to the caller; the error has the line's text and a column.
-std::variant<Problem, language::SourceError> readProblem(std::string_view line,
-                                                         const netlist::Circuit& circuit);
+std::variant<Problem, text::Diagnostic> readProblem(std::string_view line,
+                                                    const netlist::Circuit& circuit);
 
 } // namespace app

@@ -3,7 +3,7 @@
 #include "app/Arguments.h"
 #include "app/Interruption.h"
 #include "app/Output.h"
-#include "language/FormulaReader.h"
+#include "language/meaning/FormulaReader.h"
 #include "report/Query.h"
 
 #include <fmt/format.h>
@@ -63,7 +63,7 @@ language::FormulaClauses clausesOf(const std::string& formula, const language::R
     language::ReadFormula read = language::readFormula(formula, *model.model, model.system);
     if (read.formula) return std::move(*read.formula);
     std::string text;
-    for (const language::SourceError& error : read.errors) {
+    for (const text::Diagnostic& error : read.errors) {
         text += error.format();
     }
     throw FileFailure(text);

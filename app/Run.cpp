@@ -8,7 +8,7 @@
 #include "app/Pace.h"
 #include "app/RunMemory.h"
 #include "app/TrackMemoryJson.h"
-#include "monitor/Fingerprint.h"
+#include "plant/Fingerprint.h"
 #include "report/TrackingJson.h"
 #include "report/TrackingTable.h"
 
@@ -96,7 +96,7 @@ class Run {
 public:
     explicit Run(const RunOptions& options)
         : options_(options), track_("run", options.track),
-          fingerprint_(monitor::fingerprint(track_.plant(), track_.model().bindings())),
+          fingerprint_(plant::fingerprint(track_.plant(), track_.model().bindings())),
           asTable_(wantsTable(options)), shown_{options.shown, options.mass},
           table_(report::Colours(wantsColour(colourChoice(options))), shown_, options.everyStep),
           pace_(options.track.quiet)

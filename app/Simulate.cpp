@@ -6,7 +6,7 @@
 #include "app/SimulationSource.h"
 #include "app/StepValue.h"
 #include "app/Truth.h"
-#include "monitor/Completion.h"
+#include "monitor/labels/Completion.h"
 #include "report/Text.h"
 #include "telemetry/Writer.h"
 
@@ -100,18 +100,18 @@ std::unique_ptr<SimulationSource> makeSource(const SimulateOptions& options, con
 }
 
 // The variables of --observe that have no channel, each once.
-std::vector<monitor::VariableIndex> alsoObserved(const SimulateOptions& options,
-                                                 const telemetry::Names& names,
-                                                 const monitor::Plant& plant)
+std::vector<plant::VariableIndex> alsoObserved(const SimulateOptions& options,
+                                               const telemetry::Names& names,
+                                               const plant::Plant& plant)
 {
-    std::vector<monitor::VariableIndex> observed;
+    std::vector<plant::VariableIndex> observed;
     for (const std::string& text : options.observed) {
         const std::uint32_t index = names.find(text);
         if (index == telemetry::Names::none || names[index].observed.empty())
             refuseValue("--observe", names.unknown(text, telemetry::Side::observation));
         for (const std::uint32_t number : names[index].observed) {
             const telemetry::Variable& variable = names.variables()[number];
-            const monitor::VariableIndex found =
+            const plant::VariableIndex found =
                 plant.variableOf(plant.indexOf(variable.variable->atomLinks->front()));
             if (!variable.binding &&
                 std::find(observed.begin(), observed.end(), found) == observed.end())
@@ -122,11 +122,11 @@ std::vector<monitor::VariableIndex> alsoObserved(const SimulateOptions& options,
 }
 
 // Commands whose reading is held when it is missing: they have to be written when they are silent again.
-std::unordered_set<const StateVar*> heldCommands(const language::Bindings& bindings)
+std::unordered_set<const StateVar*> heldCommands(const plant::Bindings& bindings)
 {
     std::unordered_set<const StateVar*> held;
-    for (const language::ChannelBinding& binding : bindings.channels) {
-        if (binding.kind == language::ChannelBinding::Kind::command && binding.holdSeconds)
+    for (const plant::ChannelBinding& binding : bindings.channels) {
+        if (binding.kind == plant::ChannelBinding::Kind::command && binding.holdSeconds)
             held.insert(binding.variable);
     }
     return held;
@@ -157,7 +157,7 @@ public:
     {
         while (const auto given = source_->next()) {
             ++step_;
-            const monitor::SimulatedStep simulated = simulate(given->input);
+            const simulate::SimulatedStep simulated = simulate(given->input);
             print(writer_.line(given->t, commandsToWrite(simulated), atoms(simulated.observations)));
             if (truth_) truth_->write(step_, given->t, simulated);
         }
@@ -178,17 +178,17 @@ private:
             if (values->empty() || values->back().step <= last) continue;
             throw Failure(
                 fmt::format("{}: {} is after the last step\n  expected: a step from 1 to {}\n",
-                            option, language::quoted(values->back().text), last));
+                            option, text::quoted(values->back().text), last));
         }
     }
 
     // What is given from outside, with what the command line adds to it: its inputs take the place of others.
-    monitor::SimulatedStep simulate(monitor::SimulationInput input)
+    simulate::SimulatedStep simulate(simulate::SimulationInput input)
     {
         // By rising step: a later value of the same input comes later, and replaces the one before.
         for (const StepValue& wanted : inputs_) {
             if (wanted.step > step_) break;
-            std::erase_if(input.observations, [&](monitor::AtomIndex value) {
+            std::erase_if(input.observations, [&](plant::AtomIndex value) {
                 return plant_.atom(value)->stateVar == wanted.value->stateVar;
             });
             input.observations.push_back(plant_.indexOf(wanted.value));
@@ -197,13 +197,13 @@ private:
             if (fault.step == step_) input.injections.push_back(plant_.indexOf(fault.value));
         }
         auto result = simulator_.step(input);
-        if (const auto* problem = std::get_if<monitor::SimulationProblem>(&result)) fail(*problem);
-        warnOfIgnored(std::get<monitor::SimulatedStep>(result));
-        return std::move(std::get<monitor::SimulatedStep>(result));
+        if (const auto* problem = std::get_if<simulate::SimulationProblem>(&result)) fail(*problem);
+        warnOfIgnored(std::get<simulate::SimulatedStep>(result));
+        return std::move(std::get<simulate::SimulatedStep>(result));
     }
 
     // Says once of each --input that the variable has another value, although it is given.
-    void warnOfIgnored(const monitor::SimulatedStep& simulated)
+    void warnOfIgnored(const simulate::SimulatedStep& simulated)
     {
         for (const StepValue& wanted : inputs_) {
             if (quiet_ || wanted.step > step_ || warned_.contains(wanted.value) ||
@@ -211,21 +211,21 @@ private:
                           plant_.indexOf(wanted.value)) == simulated.ignored.end())
                 continue;
             warned_.insert(wanted.value);
-            const monitor::VariableIndex variable = plant_.variableOf(plant_.indexOf(wanted.value));
+            const plant::VariableIndex variable = plant_.variableOf(plant_.indexOf(wanted.value));
             complain(fmt::format(
                 "itms simulate: warning: step {}: {} is not what was given, '{}', but '{}', which "
                 "follows "
                 "from the rest\n",
-                step_, language::quoted(nameOf(*wanted.value->stateVar)), wanted.value->value,
+                step_, text::quoted(nameOf(*wanted.value->stateVar)), wanted.value->value,
                 plant_.atom(simulated.values[static_cast<std::size_t>(variable)])->value));
         }
     }
 
-    [[noreturn]] void fail(const monitor::SimulationProblem& problem) const
+    [[noreturn]] void fail(const simulate::SimulationProblem& problem) const
     {
-        using Kind = monitor::SimulationProblem::Kind;
+        using Kind = simulate::SimulationProblem::Kind;
         std::string list;
-        for (const monitor::AtomIndex value : problem.values) {
+        for (const plant::AtomIndex value : problem.values) {
             const Atom* atom = plant_.atom(value);
             list += (list.empty() ? "" : ", ") +
                     (problem.kind == Kind::unreachable ? atom->value : atom->id);
@@ -252,17 +252,17 @@ private:
                 : fmt::format("step {}: by the laws, these cannot be together: {}\n", step_, list));
     }
 
-    std::vector<Atom*> atoms(const std::vector<monitor::AtomIndex>& indices) const
+    std::vector<Atom*> atoms(const std::vector<plant::AtomIndex>& indices) const
     {
         std::vector<Atom*> result;
-        for (const monitor::AtomIndex index : indices) {
+        for (const plant::AtomIndex index : indices) {
             result.push_back(plant_.atom(index));
         }
         return result;
     }
 
     // Those that are not silent, in the order of the names. One that is missing is silent, unless it is held.
-    std::vector<Atom*> commandsToWrite(const monitor::SimulatedStep& simulated) const
+    std::vector<Atom*> commandsToWrite(const simulate::SimulatedStep& simulated) const
     {
         std::unordered_map<const StateVar*, Atom*> given;
         for (Atom* command : atoms(simulated.commands)) {
@@ -279,12 +279,12 @@ private:
     }
 
     bool quiet_;
-    const monitor::Plant& plant_;
+    const plant::Plant& plant_;
     telemetry::Names names_;
     std::unique_ptr<SimulationSource> source_;
     std::vector<StepValue> faults_;
     std::vector<StepValue> inputs_;
-    monitor::Simulator simulator_;
+    simulate::Simulator simulator_;
     telemetry::StepWriter writer_;
     std::unordered_set<const StateVar*> held_;
     std::optional<TruthFile> truth_;

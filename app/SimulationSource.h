@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/ModelFile.h"
-#include "monitor/Simulation.h"
+#include "simulate/Simulation.h"
 #include "telemetry/StepReader.h"
 
 #include <optional>
@@ -13,7 +13,7 @@ namespace app {
 /// What is given for a step before any fault.
 struct SourceStep {
     double t = 0; ///< seconds
-    monitor::SimulationInput input;
+    simulate::SimulationInput input;
 };
 
 class SimulationSource {
@@ -45,7 +45,7 @@ private:
     double stepSeconds_;
     std::size_t steps_;
     std::size_t done_ = 0;
-    std::optional<monitor::CommandSource> commands_;
+    std::optional<simulate::CommandSource> commands_;
 };
 
 /// Commands and observations of a file, or of standard input as they come.
@@ -59,7 +59,7 @@ public:
     std::size_t leftOut() const override { return leftOut_; }
 
 private:
-    const monitor::Plant& plant_;
+    const plant::Plant& plant_;
     telemetry::StepReader reader_;
     std::size_t leftOut_ = 0;
 };

@@ -1,8 +1,8 @@
 #include "app/StepValue.h"
 
 #include "app/Output.h"
-#include "language/ModelBuilder.h"
-#include "language/NearestName.h"
+#include "plant/ModelBuilder.h"
+#include "text/NearestName.h"
 
 #include <algorithm>
 #include <charconv>
@@ -13,10 +13,10 @@ namespace app {
 
 namespace {
 
-using language::quoted;
 using telemetry::Complaint;
 using telemetry::Names;
 using telemetry::Variable;
+using text::quoted;
 
 Complaint complaint(std::string message, std::string expected, std::string hint = "")
 {
@@ -46,7 +46,7 @@ Complaint noMode(const std::string& name, const Names& names)
         if (variable.variable->type == "Mode") modes.push_back(variable.name);
     }
     return complaint("no mode variable is called " + quoted(name), "COMPONENT.VARIABLE",
-                     telemetry::didYouMean(language::nearestName(name, modes)));
+                     telemetry::didYouMean(text::nearestName(name, modes)));
 }
 
 const Variable& findVariable(const std::string& option, Expected expected, const std::string& name,
@@ -101,7 +101,7 @@ StepValue readStepValue(const std::string& option, Expected expected, const std:
     }
     const Variable& variable = findVariable(option, expected, text.substr(0, equals), names);
     const std::string value = text.substr(equals + 1, hasStep ? at - equals - 1 : std::string::npos);
-    result.value = language::value(variable.variable, value);
+    result.value = plant::value(variable.variable, value);
     if (!result.value) {
         std::vector<std::string_view> known;
         std::string list;
@@ -111,7 +111,7 @@ StepValue readStepValue(const std::string& option, Expected expected, const std:
         }
         refuseValue(option,
                     complaint(fmt::format("{} is not a value of '{}'", quoted(value), variable.name),
-                              list, telemetry::didYouMean(language::nearestName(value, known))));
+                              list, telemetry::didYouMean(text::nearestName(value, known))));
     }
     return result;
 }

@@ -8,16 +8,16 @@ namespace app {
 namespace {
 
 using Json = nlohmann::json;
-using monitor::AtomIndex;
 using monitor::Hypothesis;
 using monitor::HypothesisPointer;
-using monitor::Plant;
+using plant::AtomIndex;
+using plant::Plant;
 
 // The value of every variable that has one.
 std::vector<AtomIndex> valuesOf(const Plant& plant, const monitor::Prediction& labels)
 {
     std::vector<AtomIndex> values;
-    for (const monitor::PlantVariable& variable : plant.variables()) {
+    for (const plant::PlantVariable& variable : plant.variables()) {
         if (const auto value = labels.valueOf(variable)) values.push_back(*value);
     }
     return values;
@@ -52,7 +52,7 @@ public:
     explicit Numbers(const Plant& plant) : plant_(plant) {}
 
     AtomIndex atom(const Json& json) const { return checked(json, plant_.atomCount()); }
-    monitor::VariableIndex variable(const Json& json) const
+    plant::VariableIndex variable(const Json& json) const
     {
         return checked(json, plant_.variables().size());
     }

@@ -1,16 +1,16 @@
 // A tracker's and a reader's memory as JSON, for checkpoints. Atoms and variables stand as their numbers in the plant.
 #pragma once
 
-#include "monitor/Tracker.h"
+#include "monitor/track/Tracker.h"
 #include "telemetry/ReaderState.h"
 
 #include <nlohmann/json.hpp>
 
 namespace app {
 
-nlohmann::json memoryJson(const monitor::TrackMemory& memory, const monitor::Plant& plant);
+nlohmann::json memoryJson(const monitor::TrackMemory& memory, const plant::Plant& plant);
 /// Throws nlohmann::json::exception, or std::out_of_range for a number that the plant has not.
-monitor::TrackMemory memoryFromJson(const nlohmann::json& json, const monitor::Plant& plant);
+monitor::TrackMemory memoryFromJson(const nlohmann::json& json, const plant::Plant& plant);
 
 nlohmann::json readerJson(const telemetry::ReaderState& state);
 /// Throws nlohmann::json::exception.

@@ -121,7 +121,7 @@ void TrackRun::takeUntil(std::optional<std::size_t> wanted, const std::function<
                               *wanted, report::counted(taken, "step"), taken));
 }
 
-monitor::TrackInput trackInput(const monitor::Plant& plant, const language::Bindings& bindings,
+monitor::TrackInput trackInput(const plant::Plant& plant, const plant::Bindings& bindings,
                                const telemetry::Step& step)
 {
     monitor::TrackInput input;
@@ -133,7 +133,7 @@ monitor::TrackInput trackInput(const monitor::Plant& plant, const language::Bind
     for (const telemetry::Observation& observation : step.observations) {
         input.values.observations.push_back(plant.indexOf(observation.value));
     }
-    std::vector<monitor::AtomIndex> given;
+    std::vector<plant::AtomIndex> given;
     for (const Atom* command : step.givenCommands) {
         given.push_back(plant.indexOf(command));
     }

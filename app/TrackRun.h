@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/ModelFile.h"
-#include "monitor/Tracker.h"
+#include "monitor/track/Tracker.h"
 #include "telemetry/StepReader.h"
 
 #include <functional>
@@ -54,7 +54,7 @@ public:
 
     const ModelFile& model() const { return model_; }
     itms& engine() { return model_.engine(); }
-    const monitor::Plant& plant() const { return model_.plant(); }
+    const plant::Plant& plant() const { return model_.plant(); }
     monitor::Tracker& tracker() { return tracker_; }
     telemetry::StepReader& reader() { return reader_; }
     std::size_t linesLeftOut() const { return linesLeftOut_; }
@@ -71,7 +71,7 @@ private:
 };
 
 /// A step of telemetry as the tracker takes it.
-monitor::TrackInput trackInput(const monitor::Plant& plant, const language::Bindings& bindings,
+monitor::TrackInput trackInput(const plant::Plant& plant, const plant::Bindings& bindings,
                                const telemetry::Step& step);
 
 } // namespace app

@@ -1,7 +1,7 @@
 #include "app/Truth.h"
 
 #include "app/Output.h"
-#include "language/SourceError.h"
+#include "text/Diagnostic.h"
 
 #include <cerrno>
 #include <fmt/format.h>
@@ -14,12 +14,12 @@ namespace {
 
 using nlohmann::ordered_json;
 
-const char* name(monitor::ModeCause cause)
+const char* name(simulate::ModeCause cause)
 {
     switch (cause) {
-    case monitor::ModeCause::predicted: return "predicted";
-    case monitor::ModeCause::drawn: return "drawn";
-    case monitor::ModeCause::injected: break;
+    case simulate::ModeCause::predicted: return "predicted";
+    case simulate::ModeCause::drawn: return "drawn";
+    case simulate::ModeCause::injected: break;
     }
     return "injected";
 }
@@ -31,11 +31,11 @@ std::string nameOf(const StateVar& variable)
     return variable.comp->name + "." + variable.name;
 }
 
-TruthFile::TruthFile(std::string path, const monitor::Plant& plant, const language::Model& model)
+TruthFile::TruthFile(std::string path, const plant::Plant& plant, const plant::Model& model)
     : path_(std::move(path)), plant_(plant), file_(path_, std::ios::binary)
 {
     if (!file_) {
-        throw Failure(fmt::format("--truth: {} cannot be written: {}\n", language::quoted(path_),
+        throw Failure(fmt::format("--truth: {} cannot be written: {}\n", text::quoted(path_),
                                   std::generic_category().message(errno)));
     }
     for (const auto& component : model.components()) {
@@ -47,27 +47,27 @@ TruthFile::TruthFile(std::string path, const monitor::Plant& plant, const langua
     }
 }
 
-void TruthFile::write(std::size_t step, double t, const monitor::SimulatedStep& simulated)
+void TruthFile::write(std::size_t step, double t, const simulate::SimulatedStep& simulated)
 {
-    const auto nameAt = [&](monitor::VariableIndex variable) {
+    const auto nameAt = [&](plant::VariableIndex variable) {
         return nameOf(*plant_.variable(variable).variable);
     };
     // An ordered object of the library would be searched from its begin for every mode that is added.
     std::string modes;
-    for (const monitor::VariableIndex mode : modes_) {
+    for (const plant::VariableIndex mode : modes_) {
         const Atom* value = plant_.atom(simulated.values[static_cast<std::size_t>(mode)]);
         modes += fmt::format("{}{}:{}", modes.empty() ? "" : ",", ordered_json(nameAt(mode)).dump(),
                              ordered_json(value->value).dump());
     }
     ordered_json changes = ordered_json::array();
-    for (const monitor::ModeChange& change : simulated.changes) {
+    for (const simulate::ModeChange& change : simulated.changes) {
         changes.push_back({{"variable", nameAt(change.variable)},
                            {"before", plant_.atom(change.before)->value},
                            {"after", plant_.atom(change.after)->value},
                            {"cause", name(change.cause)}});
     }
     ordered_json lost = ordered_json::array();
-    for (const monitor::VariableIndex command : simulated.lost) {
+    for (const plant::VariableIndex command : simulated.lost) {
         lost.push_back(nameAt(command));
     }
     file_ << fmt::format(R"({{"v":1,"step":{},"t":{},"modes":{{{}}},"changes":{},"lost":{}}})",
@@ -75,7 +75,7 @@ void TruthFile::write(std::size_t step, double t, const monitor::SimulatedStep& 
           << '\n'
           << std::flush;
     if (!file_) {
-        throw Failure(fmt::format("--truth: {} cannot be written: {}\n", language::quoted(path_),
+        throw Failure(fmt::format("--truth: {} cannot be written: {}\n", text::quoted(path_),
                                   std::generic_category().message(errno)));
     }
 }

@@ -1,8 +1,8 @@
 // What really happened in a simulated plant: a JSON record a step, for judging a diagnosis by it.
 #pragma once
 
-#include "language/Model.h"
-#include "monitor/Simulator.h"
+#include "plant/Model.h"
+#include "simulate/Simulator.h"
 
 #include <fstream>
 #include <string>
@@ -14,15 +14,15 @@ namespace app {
 class TruthFile {
 public:
     /// Throws Failure when the file cannot be opened. Plant and model outlive this.
-    TruthFile(std::string path, const monitor::Plant& plant, const language::Model& model);
+    TruthFile(std::string path, const plant::Plant& plant, const plant::Model& model);
 
     /// Throws Failure when it cannot be written. Linear in the modes.
-    void write(std::size_t step, double t, const monitor::SimulatedStep& simulated);
+    void write(std::size_t step, double t, const simulate::SimulatedStep& simulated);
 
 private:
     std::string path_;
-    const monitor::Plant& plant_;
-    std::vector<monitor::VariableIndex> modes_;
+    const plant::Plant& plant_;
+    std::vector<plant::VariableIndex> modes_;
     std::ofstream file_;
 };
 

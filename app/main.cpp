@@ -11,8 +11,8 @@
 #include "app/Run.h"
 #include "app/Simulate.h"
 #include "app/Trace.h"
-#include "language/SourceError.h"
 #include "telemetry/LineReader.h"
+#include "text/Diagnostic.h"
 
 #include <algorithm>
 #include <csignal>
@@ -61,7 +61,7 @@ Example:
     }
     throw app::Failure(
         fmt::format("unknown verb {}{}\n  expected: {}\n  hint: itms --help tells what they do\n",
-                    language::quoted(word), app::didYouMean(word, verbs), list));
+                    text::quoted(word), app::didYouMean(word, verbs), list));
 }
 
 // What the parser has to say, in our words: the option, and what is wrong with it.

@@ -66,7 +66,7 @@ void expandConflict(benchmark::State& run)
         auto* record = new ItmsRes(ladder.state().release());
         for (const char* id : {"0", "1"}) {
             TrajEl* el =
-                (*record->state->elements)[language::value(ladder.output(ladder.last()), id)->getId()];
+                (*record->state->elements)[plant::value(ladder.output(ladder.last()), id)->getId()];
             el->setLabel(*id == '0' ? "true" : "false");
             (*record->already_changed)[el->getId()] = el;
         }

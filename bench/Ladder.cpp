@@ -2,12 +2,12 @@
 
 namespace bench {
 
-using language::value;
-using language::VariableKind;
+using plant::value;
+using plant::VariableKind;
 
 Ladder::Ladder(int rungs)
 {
-    language::ModelBuilder builder("ladder");
+    plant::ModelBuilder builder("ladder");
     for (int i = 0; i < rungs; ++i) {
         Comp* rung = builder.component("rung" + std::to_string(i));
         modes_.push_back(

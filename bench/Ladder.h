@@ -2,7 +2,7 @@
 #pragma once
 
 #include "engine/itms.h"
-#include "language/ModelBuilder.h"
+#include "plant/ModelBuilder.h"
 
 #include <memory>
 
@@ -25,7 +25,7 @@ public:
     int last() const { return static_cast<int>(outputs_.size()) - 1; }
 
 private:
-    std::unique_ptr<language::Model> model_;
+    std::unique_ptr<plant::Model> model_;
     std::vector<StateVar*> outputs_;
     std::vector<StateVar*> modes_;
     std::vector<Clause*> laws_;

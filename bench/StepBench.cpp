@@ -1,5 +1,5 @@
 // A whole step: circuits of growing size, and the problems of c880, from one fault to hundreds of pairs of faults.
-#include "monitor/Step.h"
+#include "monitor/step/Step.h"
 #include "netlist/BenchReader.h"
 #include "netlist/CircuitModel.h"
 
@@ -21,7 +21,7 @@ public:
     {
         model_.model->activate();
         engine_.rtInit();
-        plant_ = std::make_unique<monitor::Plant>();
+        plant_ = std::make_unique<plant::Plant>();
         std::ifstream lines(folder() + name + ".jsonl");
         for (std::string line; std::getline(lines, line);) {
             problems_.push_back(json::parse(line));
@@ -55,7 +55,7 @@ private:
     netlist::Circuit circuit_;
     netlist::CircuitModel model_;
     itms engine_;
-    std::unique_ptr<monitor::Plant> plant_;
+    std::unique_ptr<plant::Plant> plant_;
     std::vector<json> problems_;
 };
 

@@ -30,7 +30,7 @@
 //
 // The members are in one file per phase: engine/setup.cpp, transitions.cpp, implicates.cpp, evaluation.cpp,
 // supports.cpp, conflicts.cpp, retraction.cpp, propositions.cpp, propagation.cpp, expansion.cpp;
-// probability/distribution.cpp, entropy.cpp; query/formulas.cpp, printouts.cpp.
+// engine/distribution.cpp, entropy.cpp; engine/formulas.cpp, printouts.cpp.
 #pragma once
 
 #include "engine/ItmsRes.h"
@@ -208,7 +208,7 @@ public:
                                       const bool& typeRules, const double& maxRank,
                                       Trajectory* traj, const int& rank);
 
-    // ---- Probabilities (probability/distribution.cpp) -------------------------------------------------
+    // ---- Probabilities (engine/distribution.cpp) -------------------------------------------------
 
     /// Enters the probability of every transition of the state's components in `postProbs`.
     void initStateProbas(State* state);
@@ -226,7 +226,7 @@ public:
     /// True when the atom's variable belongs to the component of a formula atom or to one that it imports.
     bool checkInImportedComps(Atom* atom, SignedAtoms* formulaAtoms);
 
-    // ---- Entropies and predictions (probability/entropy.cpp) ------------------------------------------
+    // ---- Entropies and predictions (engine/entropy.cpp) ------------------------------------------
 
     /// Expected entropy (nats, not normalised over the values) of the state's distribution over transitions
     /// once the variable is known; leaves the distribution given each value in `condProbs`. May be NaN.
@@ -240,7 +240,7 @@ public:
     /// The number of `observed` atoms that `atom` predicts, over the number observed (NaN when that is 0).
     double probaCondObsAtom(Atom* atom, std::vector<Atom*>* observed);
 
-    // ---- Queries and printouts (query/formulas.cpp, printouts.cpp) --------------------------------------
+    // ---- Queries and printouts (engine/formulas.cpp, printouts.cpp) --------------------------------------
 
     /// Whether the formula holds at a step: its entries with key true must hold, those with key false must not.
     /// A formula without an atom map, or with another connective than "and", "" or "or", is false.

@@ -1,8 +1,8 @@
 // Feeds the reader of model files with any bytes. Whatever they are, it must come back with a tree or with errors that can be
 // shown; what it accepts must be laid out as a text that says the same, and laying that out again must change nothing.
-#include "language/Formatter.h"
-#include "language/Parser.h"
-#include "language/SyntaxText.h"
+#include "language/syntax/Formatter.h"
+#include "language/syntax/Parser.h"
+#include "language/syntax/SyntaxText.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -17,12 +17,12 @@ void require(bool condition, const char* what)
     std::abort();
 }
 
-void checkErrors(const std::vector<language::SourceError>& errors,
-                 const language::SourceText& source, const language::syntax::Limits& limits)
+void checkErrors(const std::vector<text::Diagnostic>& errors, const text::SourceText& source,
+                 const language::syntax::Limits& limits)
 {
     require(errors.size() <= limits.errors + 1, "the number of errors is bounded");
     for (std::size_t i = 0; i < errors.size(); ++i) {
-        const language::SourceError& error = errors[i];
+        const text::Diagnostic& error = errors[i];
         require(!error.message.empty(), "an error has a message");
         require(error.place.line <= source.lineCount(), "an error is in a line of the text");
         require(error.place.column <= source.line(error.place.line).size() + 1,
@@ -31,7 +31,7 @@ void checkErrors(const std::vector<language::SourceError>& errors,
                 "errors are in the order of their places");
         const std::string shown = error.format();
         for (std::string_view rest = shown; !rest.empty();) {
-            const std::size_t length = language::utf8Length(rest);
+            const std::size_t length = text::utf8Length(rest);
             require(length > 0, "an error is shown as UTF-8");
             rest.remove_prefix(length);
         }
@@ -42,8 +42,8 @@ void checkErrors(const std::vector<language::SourceError>& errors,
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const language::SourceText source("fuzz.itms",
-                                      std::string(reinterpret_cast<const char*>(data), size));
+    const text::SourceText source("fuzz.itms",
+                                  std::string(reinterpret_cast<const char*>(data), size));
     const language::syntax::Limits limits;
     const language::ParsedFile parsed = language::parse(source, limits);
     checkErrors(parsed.errors, source, limits);
@@ -51,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(formatted.errors.size() == parsed.errors.size(), "the formatter finds the same errors");
     if (!parsed.errors.empty()) return 0;
 
-    const language::SourceText laidOut("formatted.itms", formatted.text);
+    const text::SourceText laidOut("formatted.itms", formatted.text);
     const language::ParsedFile again = language::parse(laidOut, limits);
     require(again.errors.empty(), "what is laid out can be read");
     require(language::syntaxText(again.file) == language::syntaxText(parsed.file),

@@ -26,7 +26,7 @@ void require(bool condition, const char* what)
     std::abort();
 }
 
-const language::ReadResult& plant()
+const language::ReadResult& model()
 {
     static const language::ReadResult read = language::readModelText("plant.itms", R"(
 component Valve {
@@ -82,14 +82,14 @@ bool same(const Step& a, const Step& b)
     return equal;
 }
 
-void checkError(const language::SourceError& error, std::size_t size)
+void checkError(const text::Diagnostic& error, std::size_t size)
 {
     require(!error.message.empty(), "a mistake has a message");
     require(error.place.line >= 1 && error.place.line <= size + 1, "a mistake is in a line");
     require(error.place.column >= 1 && error.place.column <= size + 1, "and in a column");
     const std::string shown = error.format();
     for (std::string_view rest = shown; !rest.empty();) {
-        const std::size_t length = language::utf8Length(rest);
+        const std::size_t length = text::utf8Length(rest);
         require(length > 0, "a mistake is shown as UTF-8");
         rest.remove_prefix(length);
     }
@@ -123,7 +123,7 @@ Taken readAll(StepReader& reader, std::size_t size)
 
 void checkWritten(const std::vector<Step>& steps)
 {
-    telemetry::StepWriter writer(plant().bindings);
+    telemetry::StepWriter writer(model().bindings);
     std::string text;
     for (const Step& step : steps) {
         std::vector<Atom*> seen;
@@ -133,7 +133,7 @@ void checkWritten(const std::vector<Step>& steps)
         text += writer.line(step.t, step.givenCommands, seen);
     }
     const Text file(text.data(), text.size());
-    StepReader reader(file.path, *plant().model, plant().bindings);
+    StepReader reader(file.path, *model().model, model().bindings);
     for (const Step& step : steps) {
         const auto next = reader.next();
         const Step* read = std::get_if<Step>(&next);
@@ -146,11 +146,11 @@ void checkWritten(const std::vector<Step>& steps)
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     const Text text(data, size);
-    StepReader reader(text.path, *plant().model, plant().bindings, settings);
+    StepReader reader(text.path, *model().model, model().bindings, settings);
     const Taken taken = readAll(reader, size);
     if (taken.steps.empty()) return 0;
     const std::size_t middle = taken.steps.size() / 2;
-    StepReader second(text.path, *plant().model, plant().bindings, settings);
+    StepReader second(text.path, *model().model, model().bindings, settings);
     second.restore(taken.states[middle]);
     for (std::size_t i = middle + 1; i < taken.steps.size();) {
         const auto next = second.next();

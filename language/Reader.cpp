@@ -1,13 +1,13 @@
 #include "language/Reader.h"
 
-#include "language/BindingBuilder.h"
-#include "language/Contradictions.h"
-#include "language/FileText.h"
-#include "language/LawBuilder.h"
-#include "language/ModelJson.h"
-#include "language/TransitionBuilder.h"
-#include "language/TypeChecks.h"
-#include "language/Usage.h"
+#include "language/json/ModelJson.h"
+#include "language/meaning/BindingBuilder.h"
+#include "language/meaning/Contradictions.h"
+#include "language/meaning/LawBuilder.h"
+#include "language/meaning/TransitionBuilder.h"
+#include "language/meaning/TypeChecks.h"
+#include "language/meaning/Usage.h"
+#include "text/FileText.h"
 
 #include <algorithm>
 #include <array>
@@ -117,7 +117,7 @@ private:
         measure(laws, transitions);
     }
 
-    std::vector<SourceError> warnings()
+    std::vector<text::Diagnostic> warnings()
     {
         Usage(types_, report_).warn();
         return report_.warnings();
@@ -136,7 +136,7 @@ private:
         size.transitions = transitions.count();
         std::map<std::array<std::uint32_t, 3>, std::uint32_t> known;
         for (const LawOrigin& origin : laws.origins()) {
-            const syntax::Range& range = origin.range;
+            const text::Range& range = origin.range;
             const auto next = static_cast<std::uint32_t>(result_.lawTexts.size());
             const auto [entry, isNew] =
                 known.try_emplace({range.file, range.line, range.column}, next);
@@ -150,14 +150,14 @@ private:
     Report report_;
     Types types_;
     ImportReader imports_;
-    ModelBuilder builder_;
+    plant::ModelBuilder builder_;
     ReadResult result_;
 };
 
 ReadResult readJsonFile(const std::string& path, const ReadOptions& options)
 {
-    FileText file = readFileText(path, options.syntax.fileBytes);
-    SourceError error;
+    text::FileText file = text::readFileText(path, options.syntax.fileBytes);
+    text::Diagnostic error;
     error.file = path;
     if (!file.text) {
         error.message = "cannot be read: " + file.failure;

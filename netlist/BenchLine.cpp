@@ -3,9 +3,9 @@
 // the message from what stands there.
 #include "netlist/BenchLine.h"
 
-#include "language/NearestName.h"
-#include "language/SourceError.h"
 #include "netlist/Circuit.h"
+#include "text/Diagnostic.h"
+#include "text/NearestName.h"
 
 #include <tao/pegtl.hpp>
 
@@ -140,7 +140,7 @@ std::string hexadecimal(unsigned value, int digits)
 // A character that is neither a name's nor a separator: a control or blank one, or not UTF-8.
 Found strange(std::string_view rest)
 {
-    const std::size_t length = language::utf8Length(rest);
+    const std::size_t length = text::utf8Length(rest);
     const auto byte = [&](std::size_t i) {
         return static_cast<unsigned>(static_cast<unsigned char>(rest[i]));
     };
@@ -162,7 +162,7 @@ Found whatStands(std::string_view line, std::size_t offset, const std::vector<To
     if (first == '#') return {Found::nothing, "a comment begins", 1, ' '};
     for (const Token& token : mentions) {
         if (token.offset == offset) {
-            return {Found::name, "found " + language::quoted(token.text), token.text.size(), ' '};
+            return {Found::name, "found " + text::quoted(token.text), token.text.size(), ' '};
         }
     }
     if (first == '(' || first == ')' || first == ',' || first == '=') {
@@ -173,8 +173,7 @@ Found whatStands(std::string_view line, std::size_t offset, const std::vector<To
 
 bool isKeyword(std::string_view text)
 {
-    return language::editDistance(text, "INPUT", 0) == 0 ||
-           language::editDistance(text, "OUTPUT", 0) == 0;
+    return text::editDistance(text, "INPUT", 0) == 0 || text::editDistance(text, "OUTPUT", 0) == 0;
 }
 
 // What to do about a name that is missing, or about what follows one, in a list in parentheses.
@@ -207,7 +206,7 @@ void explain(Missing missingPart, const Found& found, LineError& error)
         error.hint = "a comment begins with '#'";
         break;
     case Missing::openingOrEquals:
-        error.message = found.text + " after " + language::quoted(read.head.text);
+        error.message = found.text + " after " + text::quoted(read.head.text);
         error.expected =
             isKeyword(read.head.text) ? "'(' and the name of a signal" : "'=' and a gate";
         error.hint =
@@ -219,14 +218,14 @@ void explain(Missing missingPart, const Found& found, LineError& error)
         error.hint = "write y = and(a, b); a copy of a signal is y = buf(a)";
         break;
     case Missing::opening:
-        error.message = found.text + " after " + language::quoted(read.kind.text);
+        error.message = found.text + " after " + text::quoted(read.kind.text);
         error.expected = "'(' and the inputs of the gate";
         error.hint =
             gateKind(read.kind.text) ? "write y = and(a, b)" : "a copy of a signal is y = buf(a)";
         break;
     case Missing::argument:
         error.message = "argument " + std::to_string(read.arguments.size() + 1) + " of " +
-                        language::quoted(gate ? read.kind.text : read.head.text) +
+                        text::quoted(gate ? read.kind.text : read.head.text) +
                         " is missing: " + found.text;
         error.expected = "the name of a signal";
         error.hint = found.separator == ')' && read.arguments.empty()
@@ -234,7 +233,7 @@ void explain(Missing missingPart, const Found& found, LineError& error)
                          : listHint(found, true);
         break;
     case Missing::commaOrClosing:
-        error.message = found.text + " after " + language::quoted(read.arguments.back().text);
+        error.message = found.text + " after " + text::quoted(read.arguments.back().text);
         error.expected = "',' and a further signal, or ')'";
         error.hint = listHint(found, false);
         break;

@@ -34,7 +34,7 @@ std::vector<std::string_view> splitLines(std::string_view text)
 }
 
 // A byte that no text holds: its line and column are found, and nothing else is read.
-bool isText(const std::vector<std::string_view>& lines, language::ErrorList& errors)
+bool isText(const std::vector<std::string_view>& lines, text::ErrorList& errors)
 {
     for (std::size_t line = 0; line < lines.size(); ++line) {
         const std::size_t offset = lines[line].find('\0');
@@ -48,7 +48,7 @@ bool isText(const std::vector<std::string_view>& lines, language::ErrorList& err
     return true;
 }
 
-void readLines(const std::vector<std::string_view>& lines, Draft& draft, language::ErrorList& errors)
+void readLines(const std::vector<std::string_view>& lines, Draft& draft, text::ErrorList& errors)
 {
     bool open =
         false; // a statement was broken off, which has been reported, and its rest may follow
@@ -74,7 +74,7 @@ void readLines(const std::vector<std::string_view>& lines, Draft& draft, languag
 BenchResult readBench(std::string_view text, const std::string& fileName)
 {
     const std::vector<std::string_view> lines = splitLines(text);
-    language::ErrorList errors(fileName, lines);
+    text::ErrorList errors(fileName, lines);
     Draft draft(errors);
     if (isText(lines, errors)) {
         readLines(lines, draft, errors);
@@ -97,7 +97,7 @@ BenchResult readBenchFile(const std::string& path)
     if (file && file.peek() != std::ifstream::traits_type::eof()) text << file.rdbuf();
     if (errno != 0) {
         BenchResult result;
-        language::SourceError& error = result.errors.emplace_back();
+        text::Diagnostic& error = result.errors.emplace_back();
         error.file = path;
         error.message = "cannot be read: " + std::generic_category().message(errno);
         return result;

@@ -18,8 +18,8 @@
 // reported where it is used first, and a group of gates that depend on each other is one cycle.
 #pragma once
 
-#include "language/SourceError.h"
 #include "netlist/Circuit.h"
+#include "text/Diagnostic.h"
 
 #include <optional>
 #include <string>
@@ -31,7 +31,7 @@ namespace netlist {
 /// What came of a text: a circuit, or errors.
 struct BenchResult {
     std::optional<Circuit> circuit; ///< set exactly when there is no error
-    std::vector<language::SourceError> errors;
+    std::vector<text::Diagnostic> errors;
 };
 
 /// Reads a circuit from a text. `fileName` is for the errors; without folder and extension it is the circuit's

@@ -1,7 +1,7 @@
 // A combinational circuit at the level of gates, as it was read and found sound.
 #pragma once
 
-#include "language/SourceError.h"
+#include "text/Diagnostic.h"
 
 #include <array>
 #include <cstddef>
@@ -59,8 +59,8 @@ struct Gate {
     GateKind kind = GateKind::bufGate;
     SignalIndex output = 0;
     std::vector<SignalIndex>
-        inputs; ///< in the order of the text, at least one; a signal may stand there twice
-    language::Place place; ///< of its output's name in the file
+        inputs;        ///< in the order of the text, at least one; a signal may stand there twice
+    text::Place place; ///< of its output's name in the file
 };
 
 /// A circuit. Every signal is an input or driven by exactly one gate, there is an output, and no cycle.

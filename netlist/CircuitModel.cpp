@@ -1,6 +1,6 @@
 #include "netlist/CircuitModel.h"
 
-#include "language/ModelBuilder.h"
+#include "plant/ModelBuilder.h"
 
 #include <span>
 
@@ -8,9 +8,9 @@ namespace netlist {
 
 namespace {
 
-using language::Literal;
-using language::ModelBuilder;
-using language::VariableKind;
+using plant::Literal;
+using plant::ModelBuilder;
+using plant::VariableKind;
 
 /// The atoms of a signal, or of an auxiliary condition, for 0 and 1.
 using Bits = std::array<Atom*, 2>;

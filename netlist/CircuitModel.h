@@ -21,8 +21,8 @@
 // 1.
 #pragma once
 
-#include "language/Model.h"
 #include "netlist/Circuit.h"
+#include "plant/Model.h"
 
 #include <array>
 #include <memory>
@@ -38,10 +38,10 @@ struct CircuitModelOptions {
 
 /// The model, and where the signals and gates are in it. The atoms are the model's.
 struct CircuitModel {
-    std::unique_ptr<language::Model> model; ///< named as the circuit
-    std::vector<std::array<Atom*, 2>> out;  ///< by SignalIndex and bit: `SIGNAL.out=BIT`
-    std::vector<Atom*> ok;                  ///< by index of the gate: `SIGNAL.mode=ok`
-    std::vector<Atom*> faulty;              ///< by index of the gate: `SIGNAL.mode=faulty`
+    std::unique_ptr<plant::Model> model;   ///< named as the circuit
+    std::vector<std::array<Atom*, 2>> out; ///< by SignalIndex and bit: `SIGNAL.out=BIT`
+    std::vector<Atom*> ok;                 ///< by index of the gate: `SIGNAL.mode=ok`
+    std::vector<Atom*> faulty;             ///< by index of the gate: `SIGNAL.mode=faulty`
 };
 
 /// Makes the model of a circuit: components in the order of the inputs, then of the gates. Linear in the size

@@ -1,19 +1,19 @@
 #include "netlist/Draft.h"
 
-#include "language/NearestName.h"
+#include "text/NearestName.h"
 
 namespace netlist {
 
 namespace {
 
-using language::Place;
+using text::Place;
 
-Place placeOf(const Token& token, std::size_t line)
+text::Place placeOf(const Token& token, std::size_t line)
 {
     return {line, token.offset + 1};
 }
 
-std::string lineText(const Place& place)
+std::string lineText(const text::Place& place)
 {
     return "line " + std::to_string(place.line);
 }
@@ -21,13 +21,13 @@ std::string lineText(const Place& place)
 // In any letter case.
 bool isWord(std::string_view text, std::string_view word)
 {
-    return language::editDistance(text, word, 0) == 0;
+    return text::editDistance(text, word, 0) == 0;
 }
 
 std::string didYouMean(std::string_view name, const std::vector<std::string_view>& known)
 {
-    const std::string nearest = language::nearestName(name, known);
-    return nearest.empty() ? "" : "did you mean " + language::quoted(nearest) + "?";
+    const std::string nearest = text::nearestName(name, known);
+    return nearest.empty() ? "" : "did you mean " + text::quoted(nearest) + "?";
 }
 
 } // namespace
@@ -103,7 +103,7 @@ void Draft::unknownDeclaration(const Statement& statement, std::size_t line)
     const Token& head = statement.head;
     if (gateKind(head.text)) {
         errors_.add(placeOf(head, line), head.text.size(),
-                    "gate " + language::quoted(head.text) + " has no output", "y = gate(a, b, ...)",
+                    "gate " + text::quoted(head.text) + " has no output", "y = gate(a, b, ...)",
                     "name the signal that the gate drives, and '=', before it");
         for (const Token& argument : statement.arguments) {
             use(argument, line, true);
@@ -112,7 +112,7 @@ void Draft::unknownDeclaration(const Statement& statement, std::size_t line)
     }
     const std::string hint = didYouMean(head.text, {"INPUT", "OUTPUT"});
     errors_.add(placeOf(head, line), head.text.size(),
-                "unknown statement " + language::quoted(head.text),
+                "unknown statement " + text::quoted(head.text),
                 "INPUT(a), OUTPUT(a) or y = gate(a, b, ...)",
                 hint.empty() ? "only INPUTs and OUTPUTs are declared" : hint);
     mayLackOutputs_ = true;
@@ -121,18 +121,18 @@ void Draft::unknownDeclaration(const Statement& statement, std::size_t line)
     }
 }
 
-void Draft::declareInput(const Token& name, Place place)
+void Draft::declareInput(const Token& name, text::Place place)
 {
     const SignalIndex index = signal(name.text);
     DraftSignal& declared = signals_[index];
     if (declared.input) {
         errors_.add(place, name.text.size(),
-                    "INPUT " + language::quoted(name.text) + " is declared twice, first in " +
+                    "INPUT " + text::quoted(name.text) + " is declared twice, first in " +
                         lineText(*declared.input),
                     "each INPUT once", "remove one of the two, or rename it");
     } else if (declared.driver) {
         errors_.add(place, name.text.size(),
-                    language::quoted(name.text) + " is declared INPUT, but the gate in " +
+                    text::quoted(name.text) + " is declared INPUT, but the gate in " +
                         lineText(*declared.driver) + " drives it",
                     "an INPUT that no gate drives",
                     "remove this INPUT, or rename the output of the gate");
@@ -143,14 +143,14 @@ void Draft::declareInput(const Token& name, Place place)
     }
 }
 
-void Draft::declareOutput(const Token& name, Place place)
+void Draft::declareOutput(const Token& name, text::Place place)
 {
     use(name, place.line, false);
     const SignalIndex index = signal(name.text);
     DraftSignal& declared = signals_[index];
     if (declared.output) {
         errors_.add(place, name.text.size(),
-                    "OUTPUT " + language::quoted(name.text) + " is declared twice, first in " +
+                    "OUTPUT " + text::quoted(name.text) + " is declared twice, first in " +
                         lineText(*declared.output),
                     "each OUTPUT once", "remove one of the two, or rename it");
         return;
@@ -161,7 +161,7 @@ void Draft::declareOutput(const Token& name, Place place)
 
 void Draft::addGate(const Statement& statement, std::size_t line)
 {
-    const Place place = placeOf(statement.head, line);
+    const text::Place place = placeOf(statement.head, line);
     const SignalIndex output = signal(statement.head.text);
     const bool isFirst = !signals_[output].driver;
     drive(output, statement.head, place);
@@ -213,22 +213,22 @@ void Draft::unknownKind(const Token& kind, std::size_t line)
         }
     }
     errors_.add(placeOf(kind, line), kind.text.size(),
-                "unknown kind of gate " + language::quoted(kind.text), gateKindNames(), hint);
+                "unknown kind of gate " + text::quoted(kind.text), gateKindNames(), hint);
 }
 
-void Draft::drive(SignalIndex driven, const Token& name, Place place)
+void Draft::drive(SignalIndex driven, const Token& name, text::Place place)
 {
     DraftSignal& signal = signals_[driven];
     if (signal.driver) {
         errors_.add(place, name.text.size(),
-                    language::quoted(name.text) + " is driven twice, first by the gate in " +
+                    text::quoted(name.text) + " is driven twice, first by the gate in " +
                         lineText(*signal.driver),
                     "one gate for each signal", "remove one of the two gates, or rename its output");
         return;
     }
     if (signal.input) {
         errors_.add(place, name.text.size(),
-                    language::quoted(name.text) + " is driven by a gate, but declared INPUT in " +
+                    text::quoted(name.text) + " is driven by a gate, but declared INPUT in " +
                         lineText(*signal.input),
                     "a signal that is no INPUT",
                     "remove the INPUT, or rename the output of the gate");

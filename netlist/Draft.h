@@ -1,10 +1,10 @@
 // A circuit while it is read: what is known of each signal so far, and where it was said.
 #pragma once
 
-#include "language/ErrorList.h"
 #include "netlist/BenchLine.h"
 #include "netlist/Circuit.h"
 #include "netlist/Cycles.h"
+#include "text/ErrorList.h"
 
 #include <optional>
 #include <string_view>
@@ -16,13 +16,13 @@ namespace netlist {
 /// What the lines read so far say of a signal.
 struct DraftSignal {
     std::string_view name;
-    std::optional<language::Place> input;  ///< its INPUT declaration, the first
-    std::optional<language::Place> output; ///< its OUTPUT declaration, the first
-    std::optional<language::Place> driver; ///< the gate that drives it, the first
-    std::size_t gate = noGate;             ///< that gate, when its kind is known
-    std::optional<language::Place> use;    ///< its first use, as an OUTPUT or by a gate
-    std::size_t uses = 0;                  ///< by gates
-    bool excused = false;                  ///< a line that could not be read seems to define it
+    std::optional<text::Place> input;  ///< its INPUT declaration, the first
+    std::optional<text::Place> output; ///< its OUTPUT declaration, the first
+    std::optional<text::Place> driver; ///< the gate that drives it, the first
+    std::size_t gate = noGate;         ///< that gate, when its kind is known
+    std::optional<text::Place> use;    ///< its first use, as an OUTPUT or by a gate
+    std::size_t uses = 0;              ///< by gates
+    bool excused = false;              ///< a line that could not be read seems to define it
 
     bool isDefined() const { return input || driver || excused; }
 };
@@ -31,7 +31,7 @@ struct DraftSignal {
 /// The names are views: the text must outlive the draft.
 class Draft {
 public:
-    explicit Draft(language::ErrorList& errors) : errors_(errors) {}
+    explicit Draft(text::ErrorList& errors) : errors_(errors) {}
 
     /// Takes in the statement of line `line`, which has one.
     void add(const Statement& statement, std::size_t line);
@@ -54,14 +54,14 @@ private:
     void use(const Token& token, std::size_t line, bool byGate);
     void declare(const Statement& statement, std::size_t line);
     void unknownDeclaration(const Statement& statement, std::size_t line);
-    void declareInput(const Token& name, language::Place place);
-    void declareOutput(const Token& name, language::Place place);
+    void declareInput(const Token& name, text::Place place);
+    void declareOutput(const Token& name, text::Place place);
     void addGate(const Statement& statement, std::size_t line);
     void checkArity(GateKind kind, const Statement& statement, std::size_t line);
     void unknownKind(const Token& kind, std::size_t line);
-    void drive(SignalIndex driven, const Token& name, language::Place place);
+    void drive(SignalIndex driven, const Token& name, text::Place place);
 
-    language::ErrorList& errors_;
+    text::ErrorList& errors_;
     Circuit circuit_;
     std::vector<DraftSignal> signals_;
     std::unordered_map<std::string_view, SignalIndex> byName_;

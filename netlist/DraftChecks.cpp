@@ -1,6 +1,6 @@
 #include "netlist/DraftChecks.h"
 
-#include "language/NearestName.h"
+#include "text/NearestName.h"
 
 namespace netlist {
 
@@ -20,7 +20,7 @@ public:
     {
         if (comparisons_ < known_.size()) return {};
         comparisons_ -= known_.size();
-        return language::nearestName(name, known_);
+        return text::nearestName(name, known_);
     }
 
 private:
@@ -28,14 +28,14 @@ private:
     std::size_t comparisons_ = 1'000'000;
 };
 
-void checkDefined(const Draft& draft, language::ErrorList& errors)
+void checkDefined(const Draft& draft, text::ErrorList& errors)
 {
     Suggestions suggestions(draft);
     for (const DraftSignal& signal : draft.signals()) {
         if (!signal.use || signal.isDefined()) continue;
         const bool isOutput = signal.output == signal.use;
         std::string message =
-            (isOutput ? "OUTPUT " : "signal ") + language::quoted(signal.name) + " is not defined";
+            (isOutput ? "OUTPUT " : "signal ") + text::quoted(signal.name) + " is not defined";
         if (signal.uses > (isOutput ? 0U : 1U)) {
             message += "; gates use it " + std::to_string(signal.uses) +
                        (signal.uses == 1 ? " time" : " times");
@@ -44,7 +44,7 @@ void checkDefined(const Draft& draft, language::ErrorList& errors)
         errors.add(*signal.use, signal.name.size(), std::move(message),
                    "an INPUT or the output of a gate",
                    nearest.empty() ? "declare it INPUT, or add the gate that drives it"
-                                   : "did you mean " + language::quoted(nearest) + "?");
+                                   : "did you mean " + text::quoted(nearest) + "?");
     }
 }
 
@@ -61,13 +61,13 @@ std::string cycleText(const Circuit& circuit, const std::vector<DraftSignal>& si
             i += hidden;
         }
         const Gate& gate = circuit.gates[cycle[i]];
-        text += language::quoted(signals[gate.output].name) + " (line " +
+        text += text::quoted(signals[gate.output].name) + " (line " +
                 std::to_string(gate.place.line) + ") -> ";
     }
-    return text + language::quoted(signals[circuit.gates[cycle.front()].output].name);
+    return text + text::quoted(signals[circuit.gates[cycle.front()].output].name);
 }
 
-void checkCycles(const Draft& draft, language::ErrorList& errors)
+void checkCycles(const Draft& draft, text::ErrorList& errors)
 {
     const Circuit& circuit = draft.circuit();
     const std::vector<std::size_t> drivers = draft.drivers();
@@ -77,7 +77,7 @@ void checkCycles(const Draft& draft, language::ErrorList& errors)
         const std::string_view name = draft.signals()[first.output].name;
         errors.add(first.place, name.size(),
                    cycle.size() == 1
-                       ? "gate " + language::quoted(name) + " has itself as an input"
+                       ? "gate " + text::quoted(name) + " has itself as an input"
                        : "gates in a cycle: " + cycleText(circuit, draft.signals(), cycle),
                    "gates that follow from the INPUTs, without a way back",
                    "one of these inputs is wrong, or has to be cut and declared INPUT");
@@ -86,7 +86,7 @@ void checkCycles(const Draft& draft, language::ErrorList& errors)
 
 } // namespace
 
-void checkDraft(const Draft& draft, language::ErrorList& errors)
+void checkDraft(const Draft& draft, text::ErrorList& errors)
 {
     if (!draft.sawStatement()) {
         errors.add("there is no statement in the file",

@@ -21,10 +21,10 @@ double bits(double nats)
     return nats < noEntropy ? 0.0 : nats / std::log(2.0);
 }
 
-std::optional<std::string> channelOf(const language::Bindings& bindings, const StateVar* variable)
+std::optional<std::string> channelOf(const plant::Bindings& bindings, const StateVar* variable)
 {
-    for (const language::ChannelBinding& binding : bindings.channels) {
-        if (binding.kind == language::ChannelBinding::Kind::observation &&
+    for (const plant::ChannelBinding& binding : bindings.channels) {
+        if (binding.kind == plant::ChannelBinding::Kind::observation &&
             binding.variable == variable) {
             return binding.channel;
         }
@@ -32,7 +32,7 @@ std::optional<std::string> channelOf(const language::Bindings& bindings, const S
     return std::nullopt;
 }
 
-OutcomeReport outcomeReport(const monitor::Plant& plant, const monitor::Outcome& outcome)
+OutcomeReport outcomeReport(const plant::Plant& plant, const monitor::Outcome& outcome)
 {
     OutcomeReport report{
         plant.atom(outcome.value)->value, outcome.probability, bits(outcome.entropy), {}};
@@ -72,7 +72,7 @@ Json measurementJson(const MeasurementReport& measurement, double bitsNow)
 
 } // namespace
 
-AdviceReport adviceReport(const monitor::Plant& plant, const language::Bindings& bindings,
+AdviceReport adviceReport(const plant::Plant& plant, const plant::Bindings& bindings,
                           const monitor::TrackAnswer& answer, const monitor::Advice& advice)
 {
     AdviceReport report{stepReport(plant, answer), bits(advice.entropy), {}, advice.useless};

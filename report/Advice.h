@@ -1,8 +1,8 @@
 // What to measure next, ready to be rendered.
 #pragma once
 
-#include "language/Bindings.h"
-#include "monitor/Measurement.h"
+#include "monitor/why/Measurement.h"
+#include "plant/Bindings.h"
 #include "report/Text.h"
 #include "report/Tracking.h"
 
@@ -36,7 +36,7 @@ struct AdviceReport {
 };
 
 /// The report of an advice about an answer. Entropies become bits.
-AdviceReport adviceReport(const monitor::Plant& plant, const language::Bindings& bindings,
+AdviceReport adviceReport(const plant::Plant& plant, const plant::Bindings& bindings,
                           const monitor::TrackAnswer& answer, const monitor::Advice& advice);
 
 /// One line of JSON with up to `shown` measurements, 0 for all; docs/output.md describes the fields.

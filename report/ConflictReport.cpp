@@ -9,7 +9,7 @@ namespace report {
 
 namespace {
 
-using monitor::Plant;
+using plant::Plant;
 
 std::string clauseText(const Clause& clause)
 {
@@ -26,7 +26,7 @@ ExplainedMode modeReport(const Plant& plant, const monitor::Hypothesis& believed
     const Atom& value = *plant.atom(mode.value);
     ExplainedMode result{
         variableName(*value.stateVar), value.value, plant.atom(mode.before)->value, {}, {}};
-    for (const monitor::AtomIndex command : commandsFor(plant, mode)) {
+    for (const plant::AtomIndex command : commandsFor(plant, mode)) {
         result.commands.push_back(plant.atom(command)->id);
     }
     const auto since = believed.since.find(plant.variableOf(mode.value));
@@ -82,10 +82,10 @@ AppliedLaw ModelNames::law(const Clause* clause) const
     return law;
 }
 
-GivenValue ModelNames::given(const Atom& value, language::ChannelBinding::Kind kind) const
+GivenValue ModelNames::given(const Atom& value, plant::ChannelBinding::Kind kind) const
 {
     GivenValue result{variableName(*value.stateVar), value.value, {}};
-    for (const language::ChannelBinding& binding : model_.bindings.channels) {
+    for (const plant::ChannelBinding& binding : model_.bindings.channels) {
         if (binding.variable == value.stateVar && binding.kind == kind &&
             binding.channel != result.variable) {
             result.channel = binding.channel;
@@ -96,20 +96,20 @@ GivenValue ModelNames::given(const Atom& value, language::ChannelBinding::Kind k
 
 GivenValue ModelNames::observation(const Atom& value) const
 {
-    return given(value, language::ChannelBinding::Kind::observation);
+    return given(value, plant::ChannelBinding::Kind::observation);
 }
 
 GivenValue ModelNames::command(const Atom& value) const
 {
-    return given(value, language::ChannelBinding::Kind::command);
+    return given(value, plant::ChannelBinding::Kind::command);
 }
 
-std::vector<monitor::AtomIndex> commandsFor(const Plant& plant, const monitor::AssumedMode& mode)
+std::vector<plant::AtomIndex> commandsFor(const Plant& plant, const monitor::AssumedMode& mode)
 {
-    std::vector<monitor::AtomIndex> commands;
+    std::vector<plant::AtomIndex> commands;
     if (mode.followed && mode.followed->guard && mode.followed->guard->atoms) {
         for (const auto& [holds, atom] : *mode.followed->guard->atoms) {
-            const monitor::AtomIndex index = plant.indexOf(atom);
+            const plant::AtomIndex index = plant.indexOf(atom);
             if (holds && plant.variable(plant.variableOf(index)).isCommand) {
                 commands.push_back(index);
             }
@@ -138,10 +138,10 @@ ExplainedConflict conflictReport(const Plant& plant, const ModelNames& names,
     for (const monitor::AssumedMode& mode : derived.modes) {
         result.modes.push_back(modeReport(plant, *contradiction.believed, mode));
     }
-    for (const monitor::AtomIndex command : derived.commands) {
+    for (const plant::AtomIndex command : derived.commands) {
         result.commands.push_back(names.command(*plant.atom(command)));
     }
-    for (const monitor::AtomIndex reading : derived.readings) {
+    for (const plant::AtomIndex reading : derived.readings) {
         result.readings.push_back(names.observation(*plant.atom(reading)));
     }
     for (const monitor::Inference& inference : derived.inferences) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "language/Reader.h"
-#include "monitor/ConflictHistory.h"
+#include "monitor/why/ConflictHistory.h"
 #include "report/Tracking.h"
 
 #include <optional>
@@ -70,19 +70,19 @@ public:
     GivenValue command(const Atom& value) const;
 
 private:
-    GivenValue given(const Atom& value, language::ChannelBinding::Kind kind) const;
+    GivenValue given(const Atom& value, plant::ChannelBinding::Kind kind) const;
 
     const language::ReadResult& model_;
     std::unordered_map<const Clause*, std::size_t> lawNumbers_;
 };
 
 /// The conflict of a contradiction; its number is left to the caller.
-ExplainedConflict conflictReport(const monitor::Plant& plant, const ModelNames& names,
+ExplainedConflict conflictReport(const plant::Plant& plant, const ModelNames& names,
                                  const monitor::Contradiction& contradiction,
                                  const monitor::CheckedConflict& conflict);
 
 /// The given commands on which a predicted mode depends: those that the guard of its transition names.
-std::vector<monitor::AtomIndex> commandsFor(const monitor::Plant& plant,
-                                            const monitor::AssumedMode& mode);
+std::vector<plant::AtomIndex> commandsFor(const plant::Plant& plant,
+                                          const monitor::AssumedMode& mode);
 
 } // namespace report

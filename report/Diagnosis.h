@@ -1,7 +1,7 @@
 // What was found out about one problem, ready to be rendered.
 #pragma once
 
-#include "monitor/Step.h"
+#include "monitor/step/Step.h"
 
 #include <optional>
 #include <string>

@@ -1,7 +1,7 @@
 // What a step says of a formula, and how programs and people read it.
 #pragma once
 
-#include "monitor/StateQuery.h"
+#include "monitor/why/StateQuery.h"
 #include "report/Text.h"
 
 #include <map>

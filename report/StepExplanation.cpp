@@ -59,8 +59,8 @@ private:
     }
 
     // The value that the conflict assumed of a variable which has another one since then.
-    std::optional<monitor::AtomIndex> instead(const Known& known, monitor::VariableIndex variable,
-                                              const monitor::Since& since) const
+    std::optional<plant::AtomIndex> instead(const Known& known, plant::VariableIndex variable,
+                                            const monitor::Since& since) const
     {
         if (known.contradiction->input.step < since.step) return {};
         for (const monitor::AssumedMode& mode : known.checked.conflict.modes) {
@@ -72,12 +72,12 @@ private:
     }
 
     // A deviation that the conflict assumes, and that the hypothesis does not have.
-    std::optional<monitor::AtomIndex> foreignDeviation(const Known& known,
-                                                       const Hypothesis& hypothesis) const
+    std::optional<plant::AtomIndex> foreignDeviation(const Known& known,
+                                                     const Hypothesis& hypothesis) const
     {
         const auto& believed = known.contradiction->believed->since;
         for (const monitor::AssumedMode& mode : known.checked.conflict.modes) {
-            const monitor::VariableIndex variable = run_.plant.variableOf(mode.value);
+            const plant::VariableIndex variable = run_.plant.variableOf(mode.value);
             const auto assumed = believed.find(variable);
             const auto own = hypothesis.since.find(variable);
             if (assumed != believed.end() && assumed->second.value == mode.value &&
@@ -100,7 +100,7 @@ private:
     }
 
     // Of a contradiction, or of anything at all, which an inconsistent hypothesis leaves unexplained.
-    bool isAbout(const Known& known, monitor::AtomIndex observed) const
+    bool isAbout(const Known& known, plant::AtomIndex observed) const
     {
         return known.checked.conflict.observed.value_or(observed) == observed;
     }
@@ -114,7 +114,7 @@ private:
             };
             if (since.step > 0) addFirst(resolves);
         }
-        for (const monitor::AtomIndex observed : hypothesis.unexplained) {
+        for (const plant::AtomIndex observed : hypothesis.unexplained) {
             addFirst([&](const Known& known) {
                 return isAbout(known, observed) && sharesModes(known, hypothesis);
             });
@@ -176,11 +176,11 @@ private:
         for (const DeviatingMode& mode : explanation.modes) {
             result.ofModes.push_back(byName[mode.variable]);
         }
-        for (const monitor::AtomIndex lost : hypothesis.lost) {
+        for (const plant::AtomIndex lost : hypothesis.lost) {
             result.ofLost.push_back(
                 numbers([&](const Known& known) { return restsOnCommand(known, lost); }));
         }
-        for (const monitor::AtomIndex observed : hypothesis.unexplained) {
+        for (const plant::AtomIndex observed : hypothesis.unexplained) {
             result.ofUnexplained.push_back(numbers([&](const Known& known) {
                 return isAbout(known, observed) && sharesModes(known, hypothesis);
             }));
@@ -190,7 +190,7 @@ private:
         return result;
     }
 
-    std::vector<Resolution> resolutions(monitor::VariableIndex variable,
+    std::vector<Resolution> resolutions(plant::VariableIndex variable,
                                         const monitor::Since& since) const
     {
         std::vector<Resolution> result;
@@ -228,10 +228,10 @@ private:
     }
 
     // Of the step that is explained: the command itself counts, or a mode is what it is by it.
-    bool restsOnCommand(const Known& known, monitor::AtomIndex command) const
+    bool restsOnCommand(const Known& known, plant::AtomIndex command) const
     {
         const monitor::DerivedConflict& conflict = known.checked.conflict;
-        const auto isIt = [command](monitor::AtomIndex other) { return other == command; };
+        const auto isIt = [command](plant::AtomIndex other) { return other == command; };
         return known.contradiction->input.step == run_.answer.step &&
                (std::any_of(conflict.commands.begin(), conflict.commands.end(), isIt) ||
                 std::any_of(conflict.modes.begin(), conflict.modes.end(),

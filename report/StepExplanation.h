@@ -44,7 +44,7 @@ struct StepExplanation {
 
 /// What a step is explained from. All of it outlives the call only.
 struct ExplainedRun {
-    const monitor::Plant& plant;
+    const plant::Plant& plant;
     const language::ReadResult& model;
     const monitor::ConflictHistory& history;
     const monitor::TrackAnswer& answer;

@@ -9,18 +9,18 @@ namespace report {
 
 namespace {
 
-std::vector<std::string> identifiers(const monitor::Plant& plant,
-                                     const std::vector<monitor::AtomIndex>& atoms)
+std::vector<std::string> identifiers(const plant::Plant& plant,
+                                     const std::vector<plant::AtomIndex>& atoms)
 {
     std::vector<std::string> ids;
     ids.reserve(atoms.size());
-    for (const monitor::AtomIndex atom : atoms) {
+    for (const plant::AtomIndex atom : atoms) {
         ids.push_back(plant.atom(atom)->id);
     }
     return ids;
 }
 
-TrackedExplanation explanation(const monitor::Plant& plant, const monitor::Hypothesis& hypothesis)
+TrackedExplanation explanation(const plant::Plant& plant, const monitor::Hypothesis& hypothesis)
 {
     TrackedExplanation result;
     result.faults = hypothesis.faults;
@@ -45,7 +45,7 @@ std::string variableName(const StateVar& variable)
     return variable.comp->name + "." + variable.name;
 }
 
-std::vector<DeviatingMode> deviatingModes(const monitor::Plant& plant,
+std::vector<DeviatingMode> deviatingModes(const plant::Plant& plant,
                                           const monitor::Hypothesis& hypothesis)
 {
     std::vector<DeviatingMode> modes;
@@ -59,7 +59,7 @@ std::vector<DeviatingMode> deviatingModes(const monitor::Plant& plant,
     return modes;
 }
 
-StepReport stepReport(const monitor::Plant& plant, const monitor::TrackAnswer& answer)
+StepReport stepReport(const plant::Plant& plant, const monitor::TrackAnswer& answer)
 {
     StepReport report;
     report.step = answer.step;

@@ -1,7 +1,7 @@
 // What is believed of a plant after a step, ready to be rendered.
 #pragma once
 
-#include "monitor/Tracker.h"
+#include "monitor/track/Tracker.h"
 
 #include <map>
 #include <optional>
@@ -54,11 +54,11 @@ struct Shown {
 std::string variableName(const StateVar& variable);
 
 /// What deviates in a hypothesis, by name of the variable.
-std::vector<DeviatingMode> deviatingModes(const monitor::Plant& plant,
+std::vector<DeviatingMode> deviatingModes(const plant::Plant& plant,
                                           const monitor::Hypothesis& hypothesis);
 
 /// The report of an answer; gap and held readings, which the answer does not know, are left to the caller.
-StepReport stepReport(const monitor::Plant& plant, const monitor::TrackAnswer& answer);
+StepReport stepReport(const plant::Plant& plant, const monitor::TrackAnswer& answer);
 
 /// "valveB.position = stuckClosed since step 3; ...", or "nothing is wrong". Where no line is to be broken there are
 /// unbreakable spaces (report/Text.h).

@@ -13,7 +13,7 @@ fi
 
 log="$(mktemp)"
 trap 'rm -f "$log"' EXIT
-folders='(model|engine|probability|query|language|netlist|telemetry|monitor|report|app)'
+folders='(text|model|engine|plant|language|netlist|telemetry|monitor|simulate|session|report|app)'
 root="$(pwd -P)"
 status=0
 files="$(grep -oE '"file": "[^"]*"' build/release/compile_commands.json | cut -d'"' -f4 |

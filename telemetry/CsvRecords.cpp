@@ -173,8 +173,8 @@ void CsvRecords::rewind(std::size_t lines)
     linesDone_ = firstLine_ - 1 + lines;
 }
 
-language::SourceError CsvRecords::errorIn(const Complaint& complaint, std::size_t offset,
-                                          std::size_t length) const
+text::Diagnostic CsvRecords::errorIn(const Complaint& complaint, std::size_t offset,
+                                     std::size_t length) const
 {
     const std::string_view window = window_;
     const std::size_t newline = offset == 0 ? std::string::npos : window.rfind('\n', offset - 1);
@@ -186,7 +186,7 @@ language::SourceError CsvRecords::errorIn(const Complaint& complaint, std::size_
                    firstLine_ + static_cast<std::size_t>(before), offset - begin, length);
 }
 
-language::SourceError CsvRecords::errorAtCell(const Complaint& complaint, std::size_t cell) const
+text::Diagnostic CsvRecords::errorAtCell(const Complaint& complaint, std::size_t cell) const
 {
     if (cell >= cells_.size()) return errorIn(complaint, lineEnd_, 1);
     return errorIn(complaint, recordBegin_ + cells_[cell].offset,

@@ -5,9 +5,9 @@
 // otherwise take with it all up to the next quote.
 #pragma once
 
-#include "language/SourceError.h"
 #include "telemetry/Complaint.h"
 #include "telemetry/LineReader.h"
+#include "text/Diagnostic.h"
 
 #include <string>
 #include <string_view>
@@ -36,9 +36,9 @@ public:
     Got next();
     const std::vector<Cell>& cells() const { return cells_; }
     /// What is wrong with the record, after Got::mistake. The name of the file is left to the caller.
-    const language::SourceError& mistake() const { return mistake_; }
+    const text::Diagnostic& mistake() const { return mistake_; }
     /// An error about a cell of the record; past the last one, about the end of the record.
-    language::SourceError errorAtCell(const Complaint& complaint, std::size_t cell) const;
+    text::Diagnostic errorAtCell(const Complaint& complaint, std::size_t cell) const;
 
     std::size_t firstLine() const { return firstLine_; } ///< of the record
     std::size_t linesDone() const { return linesDone_; } ///< up to the end of the record
@@ -53,8 +53,8 @@ private:
     Got refuse(const Complaint& complaint, std::size_t offset, std::size_t length);
     Got stop();
     void rewind(std::size_t lines);
-    language::SourceError errorIn(const Complaint& complaint, std::size_t offset,
-                                  std::size_t length) const;
+    text::Diagnostic errorIn(const Complaint& complaint, std::size_t offset,
+                             std::size_t length) const;
 
     LineReader& lines_;
     std::size_t mostBytes_;
@@ -68,7 +68,7 @@ private:
     std::size_t firstLine_ = 0;
     std::size_t linesDone_ = 0;
     std::vector<Cell> cells_;
-    language::SourceError mistake_;
+    text::Diagnostic mistake_;
 };
 
 } // namespace telemetry

@@ -1,6 +1,6 @@
 #include "telemetry/CsvSteps.h"
 
-#include "language/NearestName.h"
+#include "text/NearestName.h"
 
 #include <cmath>
 #include <fmt/format.h>
@@ -16,7 +16,7 @@ constexpr const char* headers = "'t' and names, such as t,XV-A,FT-101, or t,name
 
 } // namespace
 
-std::variant<std::monostate, language::SourceError, CsvSteps::None> CsvSteps::readHeader()
+std::variant<std::monostate, text::Diagnostic, CsvSteps::None> CsvSteps::readHeader()
 {
     const CsvRecords::Got got = records_.next();
     if (got == CsvRecords::Got::mistake) return records_.mistake();
@@ -54,7 +54,7 @@ CsvSteps::Problem CsvSteps::readColumns()
         const auto [first, isNew] = seen.emplace(cells[i].text, i);
         if (!isNew) {
             return records_.errorAtCell(
-                {aboutName, fmt::format("column {} is there twice", language::quoted(cells[i].text)),
+                {aboutName, fmt::format("column {} is there twice", text::quoted(cells[i].text)),
                  "each column once",
                  fmt::format("it is the {}. and the {}. column", first->second + 1, i + 1)},
                 i);
@@ -93,7 +93,7 @@ bool CsvSteps::skipTo(std::size_t count)
     return skipped;
 }
 
-std::variant<Step, language::SourceError, CsvSteps::None> CsvSteps::next()
+std::variant<Step, text::Diagnostic, CsvSteps::None> CsvSteps::next()
 {
     while (true) {
         const CsvRecords::Got got = records_.next();
@@ -124,7 +124,7 @@ CsvSteps::Problem CsvSteps::readTime(std::size_t cell, double& t) const
     }
     return records_.errorAtCell(
         {aboutValue,
-         text.empty() ? "the time is missing" : fmt::format("the time is {}", language::quoted(text)),
+         text.empty() ? "the time is missing" : fmt::format("the time is {}", text::quoted(text)),
          "a finite number of seconds", ""},
         cell);
 }

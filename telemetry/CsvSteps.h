@@ -35,11 +35,11 @@ public:
     };
 
     /// Reads the header, before all else. Interrupted, it is to be called again; after an error nothing is to be called.
-    std::variant<std::monostate, language::SourceError, None> readHeader();
+    std::variant<std::monostate, text::Diagnostic, None> readHeader();
     /// Passes over lines until `count` of them are done with; false when there are not so many (yet).
     bool skipTo(std::size_t count);
     /// The name of the file in errors is left to the caller.
-    std::variant<Step, language::SourceError, None> next();
+    std::variant<Step, text::Diagnostic, None> next();
     /// Lines of the input that are done with, with the last step.
     std::size_t linesDone() const { return linesDone_; }
 
@@ -49,8 +49,8 @@ private:
         std::uint32_t name = Names::none; ///< none: the time
         Side side = Side::observation;
     };
-    using Result = std::variant<Step, language::SourceError, None>;
-    using Problem = std::optional<language::SourceError>;
+    using Result = std::variant<Step, text::Diagnostic, None>;
+    using Problem = std::optional<text::Diagnostic>;
 
     Problem readColumns();
     Problem readTime(std::size_t cell, double& t) const;

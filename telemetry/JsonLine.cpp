@@ -1,7 +1,7 @@
 #include "telemetry/JsonLine.h"
 
-#include "language/NearestName.h"
 #include "telemetry/JsonText.h"
+#include "text/NearestName.h"
 
 #include <cmath>
 #include <fmt/format.h>
@@ -52,7 +52,7 @@ public:
     bool string(string_t& text) override
     {
         return depth_ == 2 ? reading({Reading::Kind::text, 0, text})
-                           : misplaced("the text " + language::quoted(text));
+                           : misplaced("the text " + text::quoted(text));
     }
     bool binary(binary_t& /*value*/) override { return misplaced("binary data"); }
     bool start_array(std::size_t /*size*/) override { return misplaced("an array"); }
@@ -76,7 +76,7 @@ public:
     bool parse_error(std::size_t position, const std::string& lastToken,
                      const nlohmann::detail::exception& error) override;
 
-    std::variant<Step, language::SourceError> result();
+    std::variant<Step, text::Diagnostic> result();
 
 private:
     bool outerKey(const std::string& name);
@@ -98,7 +98,7 @@ private:
     bool repeated(const std::string& name)
     {
         return complain({Complaint::About::name,
-                         fmt::format("{} stands twice in this step", language::quoted(name)),
+                         fmt::format("{} stands twice in this step", text::quoted(name)),
                          "each name once", ""});
     }
 
@@ -116,7 +116,7 @@ private:
     std::size_t keyEnd_ = 0;
     std::optional<double> time_;
     std::size_t timeKeyEnd_ = 0;
-    std::optional<language::SourceError> error_;
+    std::optional<text::Diagnostic> error_;
 };
 
 bool Handler::outerKey(const std::string& name)
@@ -127,8 +127,7 @@ bool Handler::outerKey(const std::string& name)
                                     : Key::none;
     if (key_ == Key::none) {
         // A name that is far from all three may be one of the plant.
-        std::string hint =
-            didYouMean(language::nearestName(name, {"t", "commands", "observations"}));
+        std::string hint = didYouMean(text::nearestName(name, {"t", "commands", "observations"}));
         const std::uint32_t index = builder_.names().find(name);
         if (hint.empty() && index != Names::none) {
             hint =
@@ -136,7 +135,7 @@ bool Handler::outerKey(const std::string& name)
                             builder_.names()[index].observed.empty() ? "commands" : "observations");
         }
         return complain({Complaint::About::name,
-                         fmt::format("{} is no key of a step", language::quoted(name)),
+                         fmt::format("{} is no key of a step", text::quoted(name)),
                          "'t', 'commands' or 'observations'", hint});
     }
     bool& before = has_[static_cast<std::size_t>(key_)];
@@ -184,7 +183,7 @@ bool Handler::misplaced(std::string_view found)
                         {begin, 1});
     }
     if (depth_ == 2) {
-        return complain({about, fmt::format("the value of {} is {}", language::quoted(name_), found),
+        return complain({about, fmt::format("the value of {} is {}", text::quoted(name_), found),
                          "a number or a text", "leave out what was not observed, or write null"});
     }
     if (key_ == Key::time)
@@ -208,7 +207,7 @@ bool Handler::parse_error(std::size_t position, const std::string& /*lastToken*/
                     {offset, 1});
 }
 
-std::variant<Step, language::SourceError> Handler::result()
+std::variant<Step, text::Diagnostic> Handler::result()
 {
     if (!error_) {
         const auto before = builder_.time();
@@ -236,8 +235,8 @@ JsonLineParser::JsonLineParser(StepBuilder& builder) : builder_(builder)
     }
 }
 
-std::variant<Step, language::SourceError> JsonLineParser::parse(std::string_view line,
-                                                                std::size_t lineNumber)
+std::variant<Step, text::Diagnostic> JsonLineParser::parse(std::string_view line,
+                                                           std::size_t lineNumber)
 {
     builder_.begin();
     std::size_t taken = 0;

@@ -5,8 +5,8 @@
 // Every key may be missing. Without `t`, a step is one of the model's step lengths after the one before; the first one is at 0.
 #pragma once
 
-#include "language/SourceError.h"
 #include "telemetry/StepBuilder.h"
+#include "text/Diagnostic.h"
 
 #include <string_view>
 #include <variant>
@@ -21,7 +21,7 @@ public:
 
     /// The step of a line, or the first error in it, with which the builder remembers nothing of the line. The name of the file is left
     /// to the caller. Linear in the line.
-    std::variant<Step, language::SourceError> parse(std::string_view line, std::size_t lineNumber);
+    std::variant<Step, text::Diagnostic> parse(std::string_view line, std::size_t lineNumber);
 
 private:
     StepBuilder& builder_;

@@ -1,6 +1,6 @@
 #include "telemetry/Names.h"
 
-#include "language/NearestName.h"
+#include "text/NearestName.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -8,10 +8,10 @@
 
 namespace telemetry {
 
-language::SourceError errorAt(const Complaint& complaint, std::string_view line,
-                              std::size_t lineNumber, std::size_t offset, std::size_t length)
+text::Diagnostic errorAt(const Complaint& complaint, std::string_view line, std::size_t lineNumber,
+                         std::size_t offset, std::size_t length)
 {
-    language::SourceError error;
+    text::Diagnostic error;
     error.place = {lineNumber, offset + 1};
     error.message = complaint.message;
     error.expected = complaint.expected;
@@ -25,12 +25,12 @@ std::string didYouMean(const std::string& name)
     return name.empty() ? "" : fmt::format("did you mean '{}'?", name);
 }
 
-Names::Names(const language::Model& model, const language::Bindings& bindings)
+Names::Names(const plant::Model& model, const plant::Bindings& bindings)
 {
-    std::unordered_map<const StateVar*, const language::ChannelBinding*> bound;
-    for (const language::ChannelBinding& binding : bindings.channels) {
+    std::unordered_map<const StateVar*, const plant::ChannelBinding*> bound;
+    for (const plant::ChannelBinding& binding : bindings.channels) {
         bound.emplace(binding.variable, &binding);
-        if (binding.kind == language::ChannelBinding::Kind::observation)
+        if (binding.kind == plant::ChannelBinding::Kind::observation)
             addVariable(binding.variable, &binding);
     }
     std::vector<StateVar*> commands;
@@ -62,7 +62,7 @@ Names::Names(const language::Model& model, const language::Bindings& bindings)
     }
 }
 
-void Names::addVariable(StateVar* variable, const language::ChannelBinding* binding)
+void Names::addVariable(StateVar* variable, const plant::ChannelBinding* binding)
 {
     variables_.push_back({variable, variable->comp->name + "." + variable->name, binding});
 }
@@ -92,7 +92,7 @@ std::string Names::nearest(std::string_view name, bool observed, bool commanded)
         if ((observed && !names_[i].observed.empty()) || (commanded && !names_[i].commanded.empty()))
             known.push_back(texts_[i]);
     }
-    return language::nearestName(name, known);
+    return text::nearestName(name, known);
 }
 
 Complaint Names::unknown(std::string_view name, Side side) const
@@ -100,14 +100,14 @@ Complaint Names::unknown(std::string_view name, Side side) const
     const bool command = side == Side::command;
     if (find(name) != none) {
         return {Complaint::About::name,
-                language::quoted(name) + (command ? " is observed, it is not a command"
-                                                  : " is a command, it is not observed"),
+                text::quoted(name) + (command ? " is observed, it is not a command"
+                                              : " is a command, it is not observed"),
                 "", fmt::format("it belongs in '{}'", command ? "observations" : "commands")};
     }
-    return {Complaint::About::name,
-            fmt::format("{} {} is not known", command ? "command" : "observation",
-                        language::quoted(name)),
-            "a channel, or COMPONENT.VARIABLE", didYouMean(nearest(name, !command, command))};
+    return {
+        Complaint::About::name,
+        fmt::format("{} {} is not known", command ? "command" : "observation", text::quoted(name)),
+        "a channel, or COMPONENT.VARIABLE", didYouMean(nearest(name, !command, command))};
 }
 
 Complaint Names::unknown(std::string_view name) const
@@ -115,13 +115,12 @@ Complaint Names::unknown(std::string_view name) const
     const std::uint32_t index = find(name);
     if (index != none) {
         return {Complaint::About::name,
-                fmt::format("{} is a channel of an observation and of a command",
-                            language::quoted(name)),
+                fmt::format("{} is a channel of an observation and of a command", text::quoted(name)),
                 "COMPONENT.VARIABLE, which says which of them is meant",
                 fmt::format("'{}' or '{}'", variables_[names_[index].observed.front()].name,
                             variables_[names_[index].commanded.front()].name)};
     }
-    return {Complaint::About::name, fmt::format("{} is not known", language::quoted(name)),
+    return {Complaint::About::name, fmt::format("{} is not known", text::quoted(name)),
             "a channel, or COMPONENT.VARIABLE", didYouMean(nearest(name, true, true))};
 }
 

@@ -1,8 +1,8 @@
 // The names under which telemetry speaks of a plant's variables: channels, and COMPONENT.VARIABLE.
 #pragma once
 
-#include "language/Bindings.h"
-#include "language/Model.h"
+#include "plant/Bindings.h"
+#include "plant/Model.h"
 #include "telemetry/Complaint.h"
 
 #include <cstdint>
@@ -20,7 +20,7 @@ enum class Side { observation, command };
 struct Variable {
     StateVar* variable = nullptr;
     std::string name; ///< COMPONENT.VARIABLE
-    const language::ChannelBinding* binding = nullptr;
+    const plant::ChannelBinding* binding = nullptr;
 };
 
 /// What a name stands for. One channel may be bound to several variables.
@@ -40,7 +40,7 @@ struct Name {
 class Names {
 public:
     /// The model and the bindings outlive this, and the bindings are not changed. Linear in the variables.
-    Names(const language::Model& model, const language::Bindings& bindings);
+    Names(const plant::Model& model, const plant::Bindings& bindings);
 
     /// First those that are observed, the bound ones in the order of the bindings and then the others in the model's order; then the
     /// commands in the model's order.
@@ -68,7 +68,7 @@ private:
         }
     };
 
-    void addVariable(StateVar* variable, const language::ChannelBinding* binding);
+    void addVariable(StateVar* variable, const plant::ChannelBinding* binding);
     void addName(const std::string& name, std::uint32_t variable, bool isChannel);
     std::string nearest(std::string_view name, bool observed, bool commanded) const;
 

@@ -1,6 +1,6 @@
 #include "telemetry/Reading.h"
 
-#include "language/NearestName.h"
+#include "text/NearestName.h"
 
 #include <charconv>
 #include <cmath>
@@ -11,9 +11,9 @@ namespace telemetry {
 
 namespace {
 
-using language::ChannelBinding;
-using language::ReadingTable;
-using language::ThresholdTable;
+using plant::ChannelBinding;
+using plant::ReadingTable;
+using plant::ThresholdTable;
 
 const ReadingTable* tableOf(const Variable& variable)
 {
@@ -102,7 +102,7 @@ std::string hintFor(const Variable& variable, const Reading& reading)
     for (const Atom* atom : *variable.variable->atomLinks) {
         known.push_back(atom->value);
     }
-    return didYouMean(language::nearestName(reading.text, known));
+    return didYouMean(text::nearestName(reading.text, known));
 }
 
 } // namespace
@@ -138,10 +138,9 @@ Atom* valueOf(const Variable& variable, bool byChannel, const Reading& reading, 
 Complaint notAValue(const Variable& variable, std::string_view name, const Reading& reading)
 {
     const std::string found = reading.kind == Reading::Kind::number ? std::string(reading.text)
-                                                                    : language::quoted(reading.text);
-    return {Complaint::About::value,
-            fmt::format("the value of {} is {}", language::quoted(name), found), allowed(variable),
-            hintFor(variable, reading)};
+                                                                    : text::quoted(reading.text);
+    return {Complaint::About::value, fmt::format("the value of {} is {}", text::quoted(name), found),
+            allowed(variable), hintFor(variable, reading)};
 }
 
 } // namespace telemetry

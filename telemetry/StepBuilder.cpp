@@ -8,7 +8,7 @@
 
 namespace telemetry {
 
-StepBuilder::StepBuilder(const language::Model& model, const language::Bindings& bindings)
+StepBuilder::StepBuilder(const plant::Model& model, const plant::Bindings& bindings)
     : names_(model, bindings), stepSeconds_(bindings.stepSeconds), last_(names_.variables().size()),
       draft_(names_.variables().size())
 {

@@ -20,7 +20,7 @@ namespace telemetry {
 class StepBuilder {
 public:
     /// The model and the bindings outlive this, and the bindings are not changed.
-    StepBuilder(const language::Model& model, const language::Bindings& bindings);
+    StepBuilder(const plant::Model& model, const plant::Bindings& bindings);
 
     const Names& names() const { return names_; }
     /// Begins a draft without readings. Linear in those of the one before.

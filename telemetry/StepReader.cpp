@@ -15,14 +15,14 @@ bool isBlank(std::string_view line)
 
 } // namespace
 
-StepReader::StepReader(const std::string& path, const language::Model& model,
-                       const language::Bindings& bindings, const ReadSettings& settings)
+StepReader::StepReader(const std::string& path, const plant::Model& model,
+                       const plant::Bindings& bindings, const ReadSettings& settings)
     : settings_(settings), lines_(path, settings.mostBytes), builder_(model, bindings),
       json_(builder_)
 {
 }
 
-StepReader::Next StepReader::mistake(language::SourceError error, bool endsReading)
+StepReader::Next StepReader::mistake(text::Diagnostic error, bool endsReading)
 {
     error.file = lines_.name();
     ended_ = endsReading || !settings_.skipBad;
@@ -62,7 +62,7 @@ std::optional<StepReader::Next> StepReader::readHeader()
 {
     auto result = table_->readHeader();
     if (const auto* none = std::get_if<CsvSteps::None>(&result)) return End{none->interrupted};
-    if (auto* error = std::get_if<language::SourceError>(&result))
+    if (auto* error = std::get_if<text::Diagnostic>(&result))
         return mistake(std::move(*error), true);
     begun_ = true;
     return std::nullopt;
@@ -93,7 +93,7 @@ std::optional<StepReader::Next> StepReader::skip()
     const std::size_t wanted = skipTo_;
     skipTo_ = 0;
     if (skipped) return std::nullopt;
-    language::SourceError error;
+    text::Diagnostic error;
     error.message = fmt::format("the input ends after {} lines, and {} of it were read before",
                                 lines_.lineNumber(), wanted);
     return mistake(std::move(error), true);
@@ -111,7 +111,7 @@ StepReader::Next StepReader::next()
     if (!table_) return nextLine();
     auto result = table_->next();
     if (auto* step = std::get_if<Step>(&result)) return std::move(*step);
-    if (auto* error = std::get_if<language::SourceError>(&result))
+    if (auto* error = std::get_if<text::Diagnostic>(&result))
         return mistake(std::move(*error), false);
     return End{std::get<CsvSteps::None>(result).interrupted};
 }
@@ -134,7 +134,7 @@ StepReader::Next StepReader::parseLine(std::string_view line)
     if (lines_.tooLong()) return tooLong(line, false);
     auto result = json_.parse(line, lines_.lineNumber());
     if (auto* step = std::get_if<Step>(&result)) return std::move(*step);
-    return mistake(std::move(std::get<language::SourceError>(result)), false);
+    return mistake(std::move(std::get<text::Diagnostic>(result)), false);
 }
 
 ReaderState StepReader::state() const

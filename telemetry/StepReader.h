@@ -13,15 +13,15 @@
 // time are a step, with the first row of a later time. A byte order mark at the begin is passed over; lines end with LF or CR LF.
 #pragma once
 
-#include "language/Bindings.h"
-#include "language/Model.h"
-#include "language/SourceError.h"
+#include "plant/Bindings.h"
+#include "plant/Model.h"
 #include "telemetry/CsvSteps.h"
 #include "telemetry/JsonLine.h"
 #include "telemetry/LineReader.h"
 #include "telemetry/ReaderState.h"
 #include "telemetry/Step.h"
 #include "telemetry/StepBuilder.h"
+#include "text/Diagnostic.h"
 
 #include <optional>
 #include <string>
@@ -38,7 +38,7 @@ struct ReadSettings {
 
 /// Something wrong in a line.
 struct Mistake {
-    language::SourceError error;
+    text::Diagnostic error;
     bool endsReading = false; ///< nothing comes after it
 };
 
@@ -52,8 +52,8 @@ class StepReader {
 public:
     /// `-` is standard input. The model and the bindings outlive this, and the bindings are not changed. Throws ReadFailure
     /// when the file cannot be opened.
-    StepReader(const std::string& path, const language::Model& model,
-               const language::Bindings& bindings, const ReadSettings& settings = {});
+    StepReader(const std::string& path, const plant::Model& model, const plant::Bindings& bindings,
+               const ReadSettings& settings = {});
 
     /// The next step, or what is wrong with a line; the plant's state as far as it is remembered here is the same after a mistake as
     /// before. Throws ReadFailure when the file cannot be read. Linear in the line and in the commands of the model.
@@ -82,7 +82,7 @@ private:
     std::optional<Next> readHeader();
     std::optional<Next> skip();
     Next tooLong(std::string_view line, bool endsReading);
-    Next mistake(language::SourceError error, bool endsReading);
+    Next mistake(text::Diagnostic error, bool endsReading);
     Next nextLine();
     Next parseLine(std::string_view line);
 

@@ -14,9 +14,9 @@ namespace telemetry {
 
 namespace {
 
-using language::ChannelBinding;
-using language::ReadingTable;
-using language::ThresholdTable;
+using plant::ChannelBinding;
+using plant::ReadingTable;
+using plant::ThresholdTable;
 using Candidate = std::variant<double, std::string>;
 
 std::string jsonText(const std::string& text)
@@ -95,7 +95,7 @@ std::string variableName(const StateVar& variable)
 
 } // namespace
 
-StepWriter::StepWriter(const language::Bindings& bindings)
+StepWriter::StepWriter(const plant::Bindings& bindings)
 {
     std::map<std::pair<std::string, Binding::Kind>, std::size_t> known;
     for (const Binding& binding : bindings.channels) {
@@ -186,7 +186,7 @@ std::string StepWriter::line(double t, const std::vector<Atom*>& commands,
 }
 
 std::string stepLine(double t, const std::vector<Atom*>& commands,
-                     const std::vector<Atom*>& observations, const language::Bindings& bindings)
+                     const std::vector<Atom*>& observations, const plant::Bindings& bindings)
 {
     return StepWriter(bindings).line(t, commands, observations);
 }

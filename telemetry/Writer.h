@@ -1,8 +1,8 @@
 // Steps as text, in the form that StepReader reads: the telemetry of a plant that is simulated.
 #pragma once
 
-#include "language/Bindings.h"
 #include "model/Atom.h"
+#include "plant/Bindings.h"
 
 #include <optional>
 #include <string>
@@ -18,14 +18,14 @@ namespace telemetry {
 class StepWriter {
 public:
     /// The bindings outlive this, and are not changed. Linear in their number.
-    explicit StepWriter(const language::Bindings& bindings);
+    explicit StepWriter(const plant::Bindings& bindings);
 
     /// One line, ended by a newline. `t` is finite, in seconds; at most one atom of each variable, in the order in which they are to stand.
     std::string line(double t, const std::vector<Atom*>& commands,
                      const std::vector<Atom*>& observations);
 
 private:
-    using Binding = language::ChannelBinding;
+    using Binding = plant::ChannelBinding;
 
     struct Channel {
         std::string name;
@@ -44,6 +44,6 @@ private:
 
 /// StepWriter::line for a single step.
 std::string stepLine(double t, const std::vector<Atom*>& commands,
-                     const std::vector<Atom*>& observations, const language::Bindings& bindings);
+                     const std::vector<Atom*>& observations, const plant::Bindings& bindings);
 
 } // namespace telemetry

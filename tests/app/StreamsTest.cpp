@@ -1,5 +1,5 @@
 // What goes where: terminals, colours, the trace, signals, readers that go away.
-#include "monitor/Step.h"
+#include "monitor/step/Step.h"
 #include "netlist/BenchReader.h"
 #include "netlist/CircuitModel.h"
 #include "tests/app/Program.h"
@@ -46,7 +46,7 @@ std::string libraryTrace()
     circuitModel.model->activate();
     itms engine;
     engine.rtInit();
-    const monitor::Plant plant;
+    const plant::Plant plant;
     monitor::StepSolver solver(engine, plant);
     monitor::StepInput input;
     const std::vector<std::pair<std::string, bool>> readings{

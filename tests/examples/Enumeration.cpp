@@ -2,16 +2,16 @@
 
 #include <algorithm>
 
-using monitor::AtomIndex;
 using monitor::ModeOption;
 using monitor::ModeStep;
+using plant::AtomIndex;
 
-Values::Values(const monitor::Plant& plant, const std::vector<AtomIndex>& given)
+Values::Values(const plant::Plant& plant, const std::vector<AtomIndex>& given)
     : plant_(plant), values_(plant.atomCount(), 0)
 {
     possible_ = assume(given);
-    for (const monitor::ClauseIndex clause : plant.unitClauses()) {
-        const monitor::PlantLiteral& only = plant.clause(clause).at(0);
+    for (const plant::ClauseIndex clause : plant.unitClauses()) {
+        const plant::PlantLiteral& only = plant.clause(clause).at(0);
         possible_ = possible_ && set(only.atom, !only.negated) && propagate();
     }
 }
@@ -52,11 +52,11 @@ void Values::undo(std::size_t mark)
 bool Values::propagate()
 {
     for (; next_ < trail_.size(); ++next_) {
-        for (const monitor::ClauseIndex clause : plant_.clausesOf(trail_[next_])) {
-            const monitor::PlantLiteral* open = nullptr;
+        for (const plant::ClauseIndex clause : plant_.clausesOf(trail_[next_])) {
+            const plant::PlantLiteral* open = nullptr;
             int openCount = 0;
             bool holds = false;
-            for (const monitor::PlantLiteral& literal : plant_.clause(clause)) {
+            for (const plant::PlantLiteral& literal : plant_.clause(clause)) {
                 const int value = values_[static_cast<std::size_t>(literal.atom)];
                 holds = holds || value == (literal.negated ? -1 : 1);
                 if (value == 0) {

@@ -3,7 +3,7 @@
 // clauses. Plants of some fifty components with two faults take a second, where BruteForceDiagnosis takes for ever.
 #pragma once
 
-#include "monitor/Scenario.h"
+#include "monitor/step/Scenario.h"
 
 #include <set>
 #include <vector>
@@ -12,26 +12,26 @@
 class Values {
 public:
     /// Keeps `given` for all searches. The plant outlives it.
-    Values(const monitor::Plant& plant, const std::vector<monitor::AtomIndex>& given);
+    Values(const plant::Plant& plant, const std::vector<plant::AtomIndex>& given);
 
     /// Whether there are values that have the atoms given and `further`.
-    bool exist(const std::vector<monitor::AtomIndex>& further);
+    bool exist(const std::vector<plant::AtomIndex>& further);
 
 private:
-    bool set(monitor::AtomIndex atom, bool value);
+    bool set(plant::AtomIndex atom, bool value);
     bool propagate();
     bool choose();
     void undo(std::size_t mark);
-    bool assume(const std::vector<monitor::AtomIndex>& atoms);
+    bool assume(const std::vector<plant::AtomIndex>& atoms);
 
-    const monitor::Plant& plant_;
+    const plant::Plant& plant_;
     std::vector<int> values_; ///< 1 true, -1 false, 0 open
-    std::vector<monitor::AtomIndex> trail_;
+    std::vector<plant::AtomIndex> trail_;
     std::size_t next_ = 0;
     bool possible_;
 };
 
 /// All sets of mode changes with at most `maxFaults` faults that agree with commands, observations and clauses and
 /// contain no other such set. Changes that are no faults are not counted.
-std::set<std::set<monitor::AtomIndex>> minimalExplanations(const monitor::StepFrame& frame,
-                                                           int maxFaults);
+std::set<std::set<plant::AtomIndex>> minimalExplanations(const monitor::StepFrame& frame,
+                                                         int maxFaults);

@@ -3,14 +3,14 @@
 #include <cstdlib>
 #include <iostream>
 
-using monitor::AtomIndex;
+using plant::AtomIndex;
 
 namespace {
 
 language::ReadResult readOrEnd(const std::string& file)
 {
     language::ReadResult read = language::readModel(examplePath(file));
-    for (const language::SourceError& error : read.errors) {
+    for (const text::Diagnostic& error : read.errors) {
         std::cerr << error.format();
     }
     if (!read.model) {
@@ -43,7 +43,7 @@ std::vector<AtomIndex> ExamplePlant::commands(const Names& given) const
         named.assume(active_.index(id));
     }
     std::vector<AtomIndex> result;
-    for (const monitor::PlantVariable& variable : active_.plant->variables()) {
+    for (const plant::PlantVariable& variable : active_.plant->variables()) {
         if (variable.isCommand) {
             result.push_back(named.valueOf(variable).value_or(variable.values.front()));
         }
@@ -60,7 +60,7 @@ monitor::StepFrame ExamplePlant::frame(const Labels& before, const Names& given,
 Labels ExamplePlant::labels(const monitor::Prediction& prediction) const
 {
     Labels result;
-    for (const monitor::PlantVariable& variable : active_.plant->variables()) {
+    for (const plant::PlantVariable& variable : active_.plant->variables()) {
         if (const auto value = prediction.valueOf(variable)) {
             result.insert(*value);
         }
@@ -80,7 +80,7 @@ monitor::Prediction ExamplePlant::prediction(const Labels& labels) const
 Labels ExamplePlant::after(const Labels& before, const Names& given, const Names& changed,
                            const Names& ambient) const
 {
-    const monitor::Plant& plant = *active_.plant;
+    const plant::Plant& plant = *active_.plant;
     const monitor::StepFrame step = frame(before, given);
     monitor::Deviations deviations;
     for (const std::string& id : changed) {
@@ -105,8 +105,8 @@ Labels ExamplePlant::after(const Labels& before, const Names& given, const Names
 std::vector<AtomIndex> ExamplePlant::readings(const Labels& labels) const
 {
     std::vector<AtomIndex> result;
-    for (const language::ChannelBinding& binding : read_.bindings.channels) {
-        if (binding.kind != language::ChannelBinding::Kind::observation) continue;
+    for (const plant::ChannelBinding& binding : read_.bindings.channels) {
+        if (binding.kind != plant::ChannelBinding::Kind::observation) continue;
         for (const Atom* value : *binding.variable->atomLinks) {
             if (labels.count(active_.plant->indexOf(value)) != 0) {
                 result.push_back(active_.plant->indexOf(value));

@@ -6,14 +6,14 @@
 #pragma once
 
 #include "language/Reader.h"
-#include "monitor/Scenario.h"
+#include "monitor/step/Scenario.h"
 #include "tests/monitor/RandomPlant.h"
 
 #include <set>
 
 using Names = std::vector<std::string>;
 /// The values that variables have: of each one at most.
-using Labels = std::set<monitor::AtomIndex>;
+using Labels = std::set<plant::AtomIndex>;
 
 /// Path of a file in examples/.
 std::string examplePath(const std::string& file);
@@ -26,7 +26,7 @@ public:
 
     const ActivePlant& active() const { return active_; }
     itms& engine() { return active_.engine; }
-    const language::Bindings& bindings() const { return read_.bindings; }
+    const plant::Bindings& bindings() const { return read_.bindings; }
     Labels initial() const { return labels(monitor::initialLabels(*active_.plant)); }
     bool holds(const Labels& labels, const std::string& id) const
     {
@@ -39,21 +39,21 @@ public:
     }
     /// Commands, what each mode may do, and what is observed.
     monitor::StepFrame frame(const Labels& before, const Names& given,
-                             const std::vector<monitor::AtomIndex>& observed = {}) const;
+                             const std::vector<plant::AtomIndex>& observed = {}) const;
 
     /// Commands that are not given are the first of their values.
-    std::vector<monitor::AtomIndex> commands(const Names& given) const;
+    std::vector<plant::AtomIndex> commands(const Names& given) const;
     /// The labels after a step in which the modes `changed` are as named, and all others as predicted. The ambient
     /// values are given, or those of `ambient` instead. Ends the program where that contradicts a law.
     Labels after(const Labels& before, const Names& given, const Names& changed = {},
                  const Names& ambient = {}) const;
     /// What the sensors then show: a value of each observed variable, in the order of the bindings; none of those
     /// that are open.
-    std::vector<monitor::AtomIndex> readings(const Labels& labels) const;
+    std::vector<plant::AtomIndex> readings(const Labels& labels) const;
 
     /// Explains the step.
     monitor::StepAnswer solve(const Labels& before, const Names& given,
-                              const std::vector<monitor::AtomIndex>& observed, int maxFaults);
+                              const std::vector<plant::AtomIndex>& observed, int maxFaults);
 
 private:
     ExamplePlant(language::ReadResult read, Names ambient);

@@ -22,7 +22,7 @@ using Diagnoses = std::map<std::set<std::string>, double>;
 class Solver {
 public:
     // `atom` gives the identifier of a signal's value.
-    Solver(std::unique_ptr<language::Model> model,
+    Solver(std::unique_ptr<plant::Model> model,
            std::function<std::string(const std::string&, int)> atom)
         : active_(std::move(model)), atom_(std::move(atom))
     {
@@ -48,7 +48,7 @@ public:
         Diagnoses result;
         for (const monitor::Candidate& candidate : answer.candidates) {
             std::set<std::string> gates;
-            for (const monitor::AtomIndex mode : candidate.modes) {
+            for (const plant::AtomIndex mode : candidate.modes) {
                 gates.insert(active_.plant->atom(mode)->stateVar->comp->name);
             }
             result[gates] = candidate.probability;

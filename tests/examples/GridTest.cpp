@@ -76,7 +76,7 @@ TEST_F(Grid, TellsAnOutageThatIsNotSeenFromAShortInTheNextStep)
     EXPECT_EQ(modes(first)[1], shorted);
     const Situation afterFrozen{plant_.after(at.before, {}, frozen, at.ambient), {}, at.ambient};
     const Situation afterShort{plant_.after(at.before, {}, shorted), {}};
-    const std::vector<monitor::AtomIndex> observed = readings(afterFrozen, {});
+    const std::vector<plant::AtomIndex> observed = readings(afterFrozen, {});
     EXPECT_EQ(modes(explain(afterFrozen, observed, 1)), std::vector<Names>{{}});
     EXPECT_FALSE(explain(afterShort, observed, 1).discrepancies.empty());
 }

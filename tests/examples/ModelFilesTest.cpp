@@ -1,5 +1,5 @@
 // The model files of examples/ are right: they are read without a complaint, and laid out in the one way.
-#include "language/Formatter.h"
+#include "language/syntax/Formatter.h"
 #include "tests/examples/ExamplePlant.h"
 
 #include <gmock/gmock.h>
@@ -42,7 +42,7 @@ TEST_P(ModelFile, IsReadWithoutErrorsAndWarnings)
     options.systemNeeded = false;
     const language::ReadResult read = language::readModel(examplePath(GetParam()), options);
     for (const auto* messages : {&read.errors, &read.warnings}) {
-        for (const language::SourceError& message : *messages) {
+        for (const text::Diagnostic& message : *messages) {
             ADD_FAILURE() << message.format();
         }
     }
@@ -51,7 +51,7 @@ TEST_P(ModelFile, IsReadWithoutErrorsAndWarnings)
 TEST_P(ModelFile, IsLaidOutAsFormattingDoes)
 {
     const std::string text = content(GetParam());
-    EXPECT_EQ(language::format(language::SourceText(GetParam(), text)).text, text);
+    EXPECT_EQ(language::format(text::SourceText(GetParam(), text)).text, text);
 }
 
 std::string testName(const testing::TestParamInfo<std::string>& file)

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-using monitor::AtomIndex;
 using monitor::Candidate;
 using monitor::StepAnswer;
+using plant::AtomIndex;
 
 Situation PlantTest::situation(const std::vector<Names>& steps, const Names& commands,
                                const Names& ambient) const
@@ -65,7 +65,7 @@ void PlantTest::comparePriors(const monitor::StepFrame& frame, const StepAnswer&
 
 void PlantTest::explainEverySingleFault(const Situation& at)
 {
-    const monitor::Plant& plant = *plant_.active().plant;
+    const plant::Plant& plant = *plant_.active().plant;
     int count = 0;
     for (const monitor::ModeStep& step : plant_.frame(at.before, at.commands).modes) {
         for (const monitor::ModeOption& option : step.options) {
@@ -106,7 +106,7 @@ std::set<std::set<std::string>> PlantTest::alike(const std::vector<Situation>& s
         byReadings[all].insert(fault.empty() ? "" : fault.front());
     };
     add({});
-    for (const monitor::PlantVariable& variable : plant_.active().plant->variables()) {
+    for (const plant::PlantVariable& variable : plant_.active().plant->variables()) {
         for (const AtomIndex value : variable.values) {
             const Atom* atom = plant_.active().plant->atom(value);
             if (variable.isMode && atom->fail && atom->value != "unknown") {

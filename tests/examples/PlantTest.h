@@ -24,14 +24,14 @@ protected:
     Situation situation(const std::vector<Names>& steps, const Names& commands,
                         const Names& ambient = {}) const;
     /// The readings of the step with the modes changed as named.
-    std::vector<monitor::AtomIndex> readings(const Situation& at, const Names& changed) const
+    std::vector<plant::AtomIndex> readings(const Situation& at, const Names& changed) const
     {
         return plant_.readings(plant_.after(at.before, at.commands, changed, at.ambient));
     }
     /// Explains the readings, and holds the explanations against those of the enumeration: they are the same, with
     /// the probabilities of their transitions.
-    monitor::StepAnswer explain(const Situation& at,
-                                const std::vector<monitor::AtomIndex>& observed, int maxFaults);
+    monitor::StepAnswer explain(const Situation& at, const std::vector<plant::AtomIndex>& observed,
+                                int maxFaults);
     monitor::StepAnswer explain(const Situation& at, const Names& changed, int maxFaults)
     {
         return explain(at, readings(at, changed), maxFaults);

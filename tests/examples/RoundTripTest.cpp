@@ -3,8 +3,8 @@
 //
 // A run counts when each of its faults shows: without it, what the sensors show would contradict the model. Of a fault
 // that never shows, or that looks like a change of an input, nobody can know.
-#include "monitor/Simulation.h"
-#include "monitor/Tracker.h"
+#include "monitor/track/Tracker.h"
+#include "simulate/Simulation.h"
 #include "tests/examples/ExamplePlant.h"
 #include "tests/support/TestModel.h"
 
@@ -13,9 +13,9 @@
 
 namespace {
 
-using monitor::AtomIndex;
-using monitor::SimulatedStep;
-using monitor::SimulationInput;
+using plant::AtomIndex;
+using simulate::SimulatedStep;
+using simulate::SimulationInput;
 
 /// An example, and how it is tried.
 struct Trial {
@@ -65,7 +65,7 @@ std::set<AtomIndex> injected(const std::vector<SimulationInput>& inputs)
     return faults;
 }
 
-std::set<AtomIndex> faultsOf(const monitor::Plant& plant, const monitor::Hypothesis& hypothesis)
+std::set<AtomIndex> faultsOf(const plant::Plant& plant, const monitor::Hypothesis& hypothesis)
 {
     std::set<AtomIndex> faults;
     for (const auto& [variable, since] : hypothesis.since) {
@@ -87,8 +87,8 @@ public:
         for (std::uint64_t seed = 1; seed <= runs; ++seed) {
             std::vector<SimulationInput> inputs = surroundings(seed);
             const std::size_t injected =
-                monitor::injectRandomFaults(numbers(), plant_.bindings(), inputs, faults, seed);
-            const monitor::SimulatedRun run = simulate(inputs);
+                simulate::injectRandomFaults(numbers(), plant_.bindings(), inputs, faults, seed);
+            const simulate::SimulatedRun run = simulate(inputs);
             if (injected == faults && !run.problem) {
                 count(inputs, run, seed);
             }
@@ -97,18 +97,18 @@ public:
     }
 
 private:
-    const monitor::Plant& numbers() const { return *plant_.active().plant; }
+    const plant::Plant& numbers() const { return *plant_.active().plant; }
 
-    monitor::SimulatedRun simulate(const std::vector<SimulationInput>& inputs) const
+    simulate::SimulatedRun simulate(const std::vector<SimulationInput>& inputs) const
     {
-        return monitor::simulate(numbers(), plant_.bindings(), inputs);
+        return simulate::simulate(numbers(), plant_.bindings(), inputs);
     }
 
     // Commands, and what comes from outside.
     std::vector<SimulationInput> surroundings(std::uint64_t seed) const
     {
         Random random(seed);
-        std::vector<SimulationInput> inputs = monitor::randomCommands(numbers(), steps, seed, 0.15);
+        std::vector<SimulationInput> inputs = simulate::randomCommands(numbers(), steps, seed, 0.15);
         for (SimulationInput& input : inputs) {
             for (const std::string& id : trial_.ambient) {
                 input.observations.push_back(plant_.active().index(id));
@@ -123,7 +123,8 @@ private:
     }
 
     // Whether none of the faults could be left out: without it, something that is seen would contradict the model.
-    bool eachFaultShows(const std::vector<SimulationInput>& inputs, const monitor::SimulatedRun& run)
+    bool eachFaultShows(const std::vector<SimulationInput>& inputs,
+                        const simulate::SimulatedRun& run)
     {
         for (std::size_t step = 0; step < inputs.size(); ++step) {
             if (inputs[step].injections.empty()) {
@@ -139,7 +140,7 @@ private:
     }
 
     // Whether a plant with these faults could have shown what is seen in the run.
-    bool explains(const std::vector<SimulationInput>& inputs, const monitor::SimulatedRun& run)
+    bool explains(const std::vector<SimulationInput>& inputs, const simulate::SimulatedRun& run)
     {
         const monitor::Successors successors(plant_.engine(), numbers());
         monitor::Hypothesis now = monitor::initialHypothesis(numbers());
@@ -154,18 +155,18 @@ private:
         return true;
     }
 
-    void count(const std::vector<SimulationInput>& inputs, const monitor::SimulatedRun& run,
+    void count(const std::vector<SimulationInput>& inputs, const simulate::SimulatedRun& run,
                std::uint64_t seed)
     {
         figures_.distinguishable +=
-            monitor::distinguishableFromNominal(numbers(), plant_.bindings(), inputs) ? 1 : 0;
+            simulate::distinguishableFromNominal(numbers(), plant_.bindings(), inputs) ? 1 : 0;
         if (eachFaultShows(inputs, run)) {
             ++figures_.shown;
             follow(inputs, run, seed);
         }
     }
 
-    void follow(const std::vector<SimulationInput>& inputs, const monitor::SimulatedRun& run,
+    void follow(const std::vector<SimulationInput>& inputs, const simulate::SimulatedRun& run,
                 std::uint64_t seed)
     {
         monitor::Tracker tracker(plant_.engine(), numbers(), {.keep = 16});

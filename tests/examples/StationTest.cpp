@@ -74,7 +74,7 @@ TEST_F(Station, SuspectsTheValveWhenItDoesNotOpenASecondTime)
     const Names again{"branchB/valve.request=open"};
     const Situation afterIgnored{plant_.after(at.before, at.commands, ignored), again};
     const Situation afterStuck{plant_.after(at.before, at.commands, stuck), again};
-    const std::vector<monitor::AtomIndex> observed = readings(afterStuck, {});
+    const std::vector<plant::AtomIndex> observed = readings(afterStuck, {});
     const monitor::StepAnswer second = explain(afterIgnored, observed, 1);
     const monitor::StepAnswer still = explain(afterStuck, observed, 1);
     ASSERT_EQ(modes(second)[0], ignored);

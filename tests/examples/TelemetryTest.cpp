@@ -1,6 +1,6 @@
 // The telemetry beside the models: followed along time, it shows the fault that its page tells of, from the step on at
 // which it happens.
-#include "monitor/Tracker.h"
+#include "monitor/track/Tracker.h"
 #include "tests/examples/ExamplePlant.h"
 #include "tests/support/TestModel.h"
 
@@ -12,10 +12,10 @@
 
 namespace {
 
-using language::ChannelBinding;
-using monitor::AtomIndex;
 using monitor::TrackAnswer;
 using monitor::TrackStatus;
+using plant::AtomIndex;
+using plant::ChannelBinding;
 
 // Readings to values of the plant, in the order of the bindings.
 class Channels {

@@ -51,7 +51,7 @@ TEST(Documentation, HasExamplesThatAreReadAsItSays)
         const language::ReadResult result =
             language::readModelText(example.name, example.text, options);
         std::string told;
-        for (const language::SourceError& error : result.errors) {
+        for (const text::Diagnostic& error : result.errors) {
             told += error.format();
         }
         EXPECT_EQ(told, example.told.value_or("")) << "docs/language.md, line " << example.line;

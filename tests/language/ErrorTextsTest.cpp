@@ -3,7 +3,7 @@
 //     ITMS_REGENERATE=1 build/check/bin/itms_tests_language --gtest_filter='*SyntaxErrorTexts*'
 //
 // writes the texts anew, to be read before they are committed.
-#include "language/Parser.h"
+#include "language/syntax/Parser.h"
 #include "tests/support/ExpectedTexts.h"
 
 #include <algorithm>
@@ -23,8 +23,8 @@ TEST_P(SyntaxErrorTexts, AreAsExpected)
 {
     const fs::path path = GetParam();
     std::string told;
-    for (const language::SourceError& error :
-         language::parse(language::SourceText(path.filename().string(), contents(path))).errors) {
+    for (const text::Diagnostic& error :
+         language::parse(text::SourceText(path.filename().string(), contents(path))).errors) {
         told += error.format();
     }
     EXPECT_FALSE(told.empty());

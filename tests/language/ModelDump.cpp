@@ -30,7 +30,7 @@ public:
 
     std::string made()
     {
-        const language::Model& model = *read_.model;
+        const plant::Model& model = *read_.model;
         out_ << model.name() << " step " << read_.bindings.stepSeconds << " clauses "
              << model.clauseCount() << "\n";
         for (const auto& component : model.components()) {
@@ -49,7 +49,7 @@ public:
             out_ << "transition";
             dump(*transition);
         }
-        for (const language::ChannelBinding& channel : read_.bindings.channels) {
+        for (const plant::ChannelBinding& channel : read_.bindings.channels) {
             dump(channel);
         }
         return out_.str();
@@ -113,13 +113,13 @@ private:
              << text(transition.formula) << " " << transition.proba << "\n";
     }
 
-    void dump(const language::ChannelBinding& channel)
+    void dump(const plant::ChannelBinding& channel)
     {
-        out_ << (channel.kind == language::ChannelBinding::Kind::command ? "command " : "observe ")
+        out_ << (channel.kind == plant::ChannelBinding::Kind::command ? "command " : "observe ")
              << channel.channel << " " << channel.variable->comp->name << "."
              << channel.variable->name;
         if (channel.holdSeconds) out_ << " hold " << *channel.holdSeconds;
-        if (const auto* row = std::get_if<language::ThresholdTable>(&channel.translation)) {
+        if (const auto* row = std::get_if<plant::ThresholdTable>(&channel.translation)) {
             for (const Atom* value : row->values) {
                 out_ << " " << value->id;
             }
@@ -127,7 +127,7 @@ private:
                 out_ << " " << limit.number << (limit.belongsAbove ? "+" : "-");
             }
             out_ << " within " << row->hysteresis;
-        } else if (const auto* table = std::get_if<language::ReadingTable>(&channel.translation)) {
+        } else if (const auto* table = std::get_if<plant::ReadingTable>(&channel.translation)) {
             for (const auto& [reading, value] : table->readings) {
                 std::visit([&](const auto& each) { out_ << " <" << each << ">"; }, reading);
                 out_ << value->id;

@@ -30,7 +30,7 @@ language::ReadResult readBad(const fs::path& path)
 std::string told(const language::ReadResult& result)
 {
     std::string text;
-    for (const language::SourceError& error : result.errors) {
+    for (const text::Diagnostic& error : result.errors) {
         text += error.format();
     }
     return text;

@@ -2,7 +2,7 @@
 
 #include <sstream>
 
-using language::VariableKind;
+using plant::VariableKind;
 
 StateVar* HandMade::variable(const std::string& id, VariableKind kind,
                              const std::vector<std::string>& values)
@@ -12,7 +12,7 @@ StateVar* HandMade::variable(const std::string& id, VariableKind kind,
     if (!comp) {
         comp = builder_.component(name);
     }
-    std::vector<language::ValueDeclaration> declared;
+    std::vector<plant::ValueDeclaration> declared;
     for (const std::string& value : values) {
         const bool fault = value.back() == '!';
         declared.push_back({fault ? value.substr(0, value.size() - 1) : value, fault});
@@ -57,7 +57,7 @@ std::vector<std::pair<bool, Atom*>> HandMade::literals(const std::string& text, 
 
 Clause* HandMade::law(const std::string& text)
 {
-    std::vector<language::Literal> clause;
+    std::vector<plant::Literal> clause;
     for (const auto& [negated, atom] : literals(text, false)) {
         clause.push_back({negated, atom});
     }

@@ -24,7 +24,7 @@ public:
     Transition* fault(const std::string& from, const std::string& to, double proba,
                       const std::string& guard = "");
     Atom* atom(const std::string& id) const { return atoms_.at(id); }
-    language::ModelBuilder& builder() { return builder_; }
+    plant::ModelBuilder& builder() { return builder_; }
 
     /// A gate `NAME` that gives what comes in, when ok: its output is NAME.out, its input the variable `input`. It
     /// breaks with probability 1/64 and then gives 0.
@@ -34,11 +34,11 @@ public:
     std::unique_ptr<ActivePlant> activate();
 
 private:
-    StateVar* variable(const std::string& id, language::VariableKind kind,
+    StateVar* variable(const std::string& id, plant::VariableKind kind,
                        const std::vector<std::string>& values);
     std::vector<std::pair<bool, Atom*>> literals(const std::string& text, bool plain) const;
 
-    language::ModelBuilder builder_{"hand"};
+    plant::ModelBuilder builder_{"hand"};
     std::map<std::string, Comp*> comps_;
     std::map<std::string, Atom*> atoms_;
 };

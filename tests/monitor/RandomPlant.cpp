@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstdlib>
 
-using language::Literal;
-using language::ModelBuilder;
-using language::ValueDeclaration;
-using language::VariableKind;
+using plant::Literal;
+using plant::ModelBuilder;
+using plant::ValueDeclaration;
+using plant::VariableKind;
 
 namespace {
 
@@ -37,7 +37,7 @@ class Maker {
 public:
     explicit Maker(Random& random) : random_(random), builder_("random") {}
 
-    std::unique_ptr<language::Model> mixed()
+    std::unique_ptr<plant::Model> mixed()
     {
         const int count = random_.between(2, 4);
         for (int i = 0; i < count; ++i) {
@@ -52,7 +52,7 @@ public:
         return builder_.build();
     }
 
-    std::unique_ptr<language::Model> circuit()
+    std::unique_ptr<plant::Model> circuit()
     {
         std::vector<StateVar*> signals;
         const int inputs = random_.between(2, 4);
@@ -164,7 +164,7 @@ private:
         if (!part.command) {
             return {};
         }
-        return {{true, language::value(part.command, text)}};
+        return {{true, plant::value(part.command, text)}};
     }
 
     // The inputs follow the outputs of earlier components.
@@ -266,7 +266,7 @@ std::optional<std::vector<const Atom*>> drawWorld(Random& random, const Diagnosi
 
 } // namespace
 
-std::unique_ptr<language::Model> randomModel(Random& random, PlantKind kind)
+std::unique_ptr<plant::Model> randomModel(Random& random, PlantKind kind)
 {
     Maker maker(random);
     return kind == PlantKind::mixed ? maker.mixed() : maker.circuit();
@@ -312,19 +312,19 @@ Atom* ActivePlant::atom(const std::string& id) const
     return found;
 }
 
-std::vector<monitor::AtomIndex> ActivePlant::indices(const std::vector<const Atom*>& atoms) const
+std::vector<plant::AtomIndex> ActivePlant::indices(const std::vector<const Atom*>& atoms) const
 {
-    std::vector<monitor::AtomIndex> result;
+    std::vector<plant::AtomIndex> result;
     for (const Atom* one : atoms) {
         result.push_back(plant->indexOf(one));
     }
     return result;
 }
 
-std::vector<std::string> ActivePlant::ids(const std::vector<monitor::AtomIndex>& atoms) const
+std::vector<std::string> ActivePlant::ids(const std::vector<plant::AtomIndex>& atoms) const
 {
     std::vector<std::string> result;
-    for (const monitor::AtomIndex one : atoms) {
+    for (const plant::AtomIndex one : atoms) {
         result.push_back(plant->atom(one)->id);
     }
     return result;
@@ -333,7 +333,7 @@ std::vector<std::string> ActivePlant::ids(const std::vector<monitor::AtomIndex>&
 monitor::Prediction ActivePlant::before(const DiagnosisProblem& problem) const
 {
     monitor::Prediction labels(*plant);
-    for (const monitor::AtomIndex value : indices(problem.before)) {
+    for (const plant::AtomIndex value : indices(problem.before)) {
         labels.assume(value);
     }
     return labels;

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "engine/itms.h"
-#include "language/ModelBuilder.h"
-#include "monitor/Step.h"
+#include "monitor/step/Step.h"
+#include "plant/ModelBuilder.h"
 #include "tests/reference/BruteForceDiagnosis.h"
 #include "tests/reference/Random.h"
 
@@ -13,26 +13,26 @@
 
 /// A model that is active while it lives, its engine and its dense view.
 struct ActivePlant {
-    explicit ActivePlant(std::unique_ptr<language::Model> made) : model(std::move(made))
+    explicit ActivePlant(std::unique_ptr<plant::Model> made) : model(std::move(made))
     {
         model->activate();
         engine.rtInit();
-        plant = std::make_unique<monitor::Plant>();
+        plant = std::make_unique<plant::Plant>();
     }
 
     /// Number and atom of an identifier such as "c0.mode=ok"; end the program when there is none.
     Atom* atom(const std::string& id) const;
-    monitor::AtomIndex index(const std::string& id) const { return plant->indexOf(atom(id)); }
-    std::vector<monitor::AtomIndex> indices(const std::vector<const Atom*>& atoms) const;
-    std::vector<std::string> ids(const std::vector<monitor::AtomIndex>& atoms) const;
+    plant::AtomIndex index(const std::string& id) const { return plant->indexOf(atom(id)); }
+    std::vector<plant::AtomIndex> indices(const std::vector<const Atom*>& atoms) const;
+    std::vector<std::string> ids(const std::vector<plant::AtomIndex>& atoms) const;
 
     /// The labels before a step.
     monitor::Prediction before(const DiagnosisProblem& problem) const;
     monitor::StepInput input(const DiagnosisProblem& problem) const;
 
-    std::unique_ptr<language::Model> model;
+    std::unique_ptr<plant::Model> model;
     itms engine;
-    std::unique_ptr<monitor::Plant> plant;
+    std::unique_ptr<plant::Plant> plant;
 };
 
 /// What kind of model a seed gives.
@@ -41,7 +41,7 @@ enum class PlantKind {
     circuit, ///< gates between inputs and outputs, each ok, stuck or unknown
 };
 
-std::unique_ptr<language::Model> randomModel(Random& random, PlantKind kind);
+std::unique_ptr<plant::Model> randomModel(Random& random, PlantKind kind);
 
 /// A step of the active model, with modes and readings drawn at random: mostly such that something explains them.
 DiagnosisProblem randomProblem(Random& random, PlantKind kind);

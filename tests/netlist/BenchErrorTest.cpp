@@ -38,7 +38,7 @@ std::vector<std::string> namesOf(const std::string& extension)
 std::string reported(const netlist::BenchResult& result)
 {
     std::string text;
-    for (const language::SourceError& error : result.errors) {
+    for (const text::Diagnostic& error : result.errors) {
         text += error.format();
     }
     return text;
@@ -122,7 +122,7 @@ TEST(BenchErrors, CountColumnsAfterAByteOrderMark)
 {
     const netlist::BenchResult result = netlist::readBench("\xEF\xBB\xBFOUTPUT(y)\n", "x.bench");
     ASSERT_EQ(result.errors.size(), 1U);
-    EXPECT_EQ(result.errors[0].place, (language::Place{1, 8}));
+    EXPECT_EQ(result.errors[0].place, (text::Place{1, 8}));
 }
 
 } // namespace

@@ -59,7 +59,7 @@ TEST(BenchFormat, NumbersSignalsInTheOrderOfTheirFirstAppearance)
 TEST(BenchFormat, KnowsTheLineAndColumnOfAGate)
 {
     const Circuit circuit = circuitOf("INPUT(a)\nOUTPUT(y)\n\n  y = buf(a)\n");
-    EXPECT_EQ(circuit.gates.at(0).place, (language::Place{4, 3}));
+    EXPECT_EQ(circuit.gates.at(0).place, (text::Place{4, 3}));
 }
 
 TEST(BenchFormat, NamesTheCircuitAfterTheFile)

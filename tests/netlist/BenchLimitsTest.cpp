@@ -118,7 +118,7 @@ TEST(BenchLimits, EachErrorOfALongLineShowsItsOwnPart)
               "                                                       ^~~~~~\n"
               "  expected: an INPUT or the output of a gate\n"
               "  hint: declare it INPUT, or add the gate that drives it\n");
-    for (const language::SourceError& error : result.errors) {
+    for (const text::Diagnostic& error : result.errors) {
         EXPECT_LT(longestLine(error.format()), 120U);
     }
 }

@@ -12,7 +12,7 @@
 inline netlist::Circuit circuitOf(const std::string& text)
 {
     netlist::BenchResult result = netlist::readBench(text, "test.bench");
-    for (const language::SourceError& error : result.errors) {
+    for (const text::Diagnostic& error : result.errors) {
         ADD_FAILURE() << error.format();
     }
     if (!result.circuit) std::abort();

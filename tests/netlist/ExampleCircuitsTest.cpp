@@ -26,7 +26,7 @@ std::string path(const std::string& file)
 Circuit exampleCircuit(const std::string& name)
 {
     netlist::BenchResult result = netlist::readBenchFile(path(name + ".bench"));
-    for (const language::SourceError& error : result.errors) {
+    for (const text::Diagnostic& error : result.errors) {
         ADD_FAILURE() << error.format();
     }
     return result.circuit.value();

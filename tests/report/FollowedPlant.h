@@ -22,7 +22,7 @@ public:
         if (!read_.model) throw std::runtime_error(read_.errors.front().format());
         read_.model->activate();
         engine_.rtInit();
-        plant_ = std::make_unique<monitor::Plant>();
+        plant_ = std::make_unique<plant::Plant>();
         tracker_ = std::make_unique<monitor::Tracker>(engine_, *plant_, settings);
     }
 
@@ -33,7 +33,7 @@ public:
         monitor::TrackInput input;
         input.step = ++steps_;
         input.t = static_cast<double>(steps_ - 1);
-        for (const monitor::PlantVariable& variable : plant_->variables()) {
+        for (const plant::PlantVariable& variable : plant_->variables()) {
             if (variable.isCommand) input.values.commands.push_back(variable.values.front());
         }
         for (const std::string& id : commands) give(input, index(id));
@@ -47,17 +47,17 @@ public:
     }
 
 private:
-    monitor::AtomIndex index(const std::string& id) const
+    plant::AtomIndex index(const std::string& id) const
     {
         Atom* atom = DataManager::findAtom(id.c_str());
         if (!atom) throw std::runtime_error("no atom " + id);
         return plant_->indexOf(atom);
     }
-    void give(monitor::TrackInput& input, monitor::AtomIndex given) const
+    void give(monitor::TrackInput& input, plant::AtomIndex given) const
     {
-        const monitor::VariableIndex variable = plant_->variableOf(given);
-        const monitor::AtomIndex fallback = plant_->variable(variable).values.front();
-        for (monitor::AtomIndex& command : input.values.commands) {
+        const plant::VariableIndex variable = plant_->variableOf(given);
+        const plant::AtomIndex fallback = plant_->variable(variable).values.front();
+        for (plant::AtomIndex& command : input.values.commands) {
             if (command == fallback) command = given;
         }
         const auto lost = read_.bindings.lost.find(plant_->variable(variable).variable);
@@ -69,7 +69,7 @@ private:
     MutedTrace muted_;
     language::ReadResult read_;
     itms engine_;
-    std::unique_ptr<monitor::Plant> plant_;
+    std::unique_ptr<plant::Plant> plant_;
     std::unique_ptr<monitor::Tracker> tracker_;
     monitor::ConflictHistory history_;
     std::size_t steps_ = 0;

@@ -12,14 +12,13 @@ END
 put engine/ItmsRes.h <<<'#include "engine/itms.h"'
 put engine/queues.h <<<'// a private header'
 put engine/setup.cpp <<<'#include "engine/queues.h"'
-put probability/entropy.cpp <<<'#include "engine/ItmsRes.h"'
-put query/printouts.cpp <<<'#include "engine/itms.h"'
-put language/Parser.h <<'END'
+put language/syntax/Parser.h <<'END'
 #include <tao/pegtl.hpp>
 #include "engine/itms.h"
 END
-put monitor/Monitor.h <<<'#include "language/Parser.h"'
-put app/main.cpp <<<'  #  include "monitor/Monitor.h" // the last of the list'
+put language/Reader.h <<<'#include "language/syntax/Parser.h"'
+put monitor/track/Tracker.h <<<'#include "language/Reader.h"'
+put app/main.cpp <<<'  #  include "monitor/track/Tracker.h" // the last of the list'
 put tests/model/atom.cpp <<'END'
 #include "app/main.h"
 #include <gtest/gtest.h>
@@ -34,30 +33,36 @@ put model/down.cpp <<'END'
 END
 put engine/down.cpp <<'END'
 #include "model/Atom.h"
-#include "query/text.h"
+#include "plant/Model.h"
+#include "text/File.h"
 END
-put probability/private.cpp <<<'#include "engine/queues.h"'
-put query/relative.cpp <<'END'
+put engine/relative.cpp <<'END'
 #include "printouts.h"
 #include "../engine/itms.h"
 END
-put language/down.cpp <<<'#include "monitor/Monitor.h"'
-put monitor/private.cpp <<'END'
+put language/syntax/down.cpp <<'END'
+#include "language/meaning/Types.h"
+#include "language/Reader.h"
+END
+put monitor/labels/private.cpp <<'END'
 #include "engine/queues.h"
 #include <model/Atom.h>
 END
-put report/library.cpp <<<'#include "query/printouts.h"'
+put monitor/step/down.cpp <<<'#include "monitor/track/Tracker.h"'
+put report/down.cpp <<<'#include "app/main.h"'
 put app/fine.cpp <<<'// #include "tests/support/x.h" is not read'
-expect 1 'engine/down.cpp:2: query/text.h: engine/ is above query/
-language/down.cpp:1: monitor/Monitor.h: language/ is above monitor/
+expect 1 'engine/down.cpp:2: plant/Model.h: engine/ is above plant/
+engine/down.cpp:3: text/File.h: the library needs the standard library only
+engine/relative.cpp:1: printouts.h: not a header of ours as seen from the root
+engine/relative.cpp:2: ../engine/itms.h: not a header of ours as seen from the root
+language/syntax/down.cpp:1: language/meaning/Types.h: language/syntax/ is above language/meaning/
+language/syntax/down.cpp:2: language/Reader.h: language/syntax/ is above language/
 model/down.cpp:1: engine/itms.h: model/ is above engine/
 model/down.cpp:3: fmt/core.h: the library needs the standard library only
-monitor/private.cpp:1: engine/queues.h: monitor/ reaches the engine through its public headers only
-monitor/private.cpp:2: model/Atom.h: our own headers are included with quotes
-probability/private.cpp:1: engine/queues.h: probability/ reaches the engine through its public headers only
-query/relative.cpp:1: printouts.h: not a header of ours as seen from the root
-query/relative.cpp:2: ../engine/itms.h: not a header of ours as seen from the root
-report/library.cpp:1: query/printouts.h: report/ reaches the engine through its public headers only' \
+monitor/labels/private.cpp:1: engine/queues.h: monitor/labels/ reaches the engine through its public headers only
+monitor/labels/private.cpp:2: model/Atom.h: our own headers are included with quotes
+monitor/step/down.cpp:1: monitor/track/Tracker.h: monitor/step/ is above monitor/track/
+report/down.cpp:1: app/main.h: report/ is above app/' \
     "$check" "$tree"
 
 rm -r "${tree:?}"/*

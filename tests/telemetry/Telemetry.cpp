@@ -41,7 +41,7 @@ system Plant {
 language::ReadResult readPlant(const std::string& text)
 {
     language::ReadResult result = language::readModelText("plant.itms", text);
-    for (const language::SourceError& error : result.errors) {
+    for (const text::Diagnostic& error : result.errors) {
         ADD_FAILURE() << error.format();
     }
     if (!result.model) throw std::runtime_error("there is no model");

@@ -12,7 +12,7 @@ namespace {
 
 using telemetry::Step;
 
-Atom* atomOf(const language::Model& model, const std::string& id)
+Atom* atomOf(const plant::Model& model, const std::string& id)
 {
     for (const auto& atom : model.atoms()) {
         if (atom->id == id) return atom.get();

@@ -1,0 +1,135 @@
+#include "language/json/JsonNode.h"
+
+#include "language/meaning/Numbers.h"
+
+#include <algorithm>
+
+namespace language {
+
+namespace {
+
+std::string kindOf(const nlohmann::json& value)
+{
+    switch (value.type()) {
+    case nlohmann::json::value_t::null: return "null";
+    case nlohmann::json::value_t::object: return "an object";
+    case nlohmann::json::value_t::array: return "an array";
+    case nlohmann::json::value_t::string: return text::quoted(value.get_ref<const std::string&>());
+    case nlohmann::json::value_t::boolean: return value.get<bool>() ? "true" : "false";
+    case nlohmann::json::value_t::number_integer:
+    case nlohmann::json::value_t::number_unsigned:
+    case nlohmann::json::value_t::number_float: return "the number " + shown(value.get<double>());
+    default: return "something else";
+    }
+}
+
+bool canBeInAName(char c)
+{
+    constexpr std::string_view refused = ".,:=!|\"";
+    return static_cast<unsigned char>(c) > ' ' && c != '\x7F' &&
+           refused.find(c) == std::string_view::npos;
+}
+
+} // namespace
+
+std::string JsonNode::pointer() const
+{
+    if (!parent_) return {};
+    return parent_->pointer() + "/" + (key_.empty() ? std::to_string(index_) : std::string(key_));
+}
+
+void JsonNode::error(std::string message, std::string expected, std::string hint) const
+{
+    const std::string place = pointer();
+    report_.take(source_.number(),
+                 source_.error({}, place.empty() ? std::move(message) : place + ": " + message,
+                               std::move(expected), std::move(hint)));
+}
+
+bool JsonNode::isObject(const Keys& required, const Keys& optional) const
+{
+    if (!value_.is_object()) {
+        errorOfKind("an object");
+        return false;
+    }
+    Keys known = required;
+    known.insert(known.end(), optional.begin(), optional.end());
+    bool complete = true;
+    for (const std::string_view key : required) {
+        if (value_.contains(key)) continue;
+        error("there is no " + text::quoted(key));
+        complete = false;
+    }
+    for (const auto& [key, value] : value_.items()) {
+        if (std::find(known.begin(), known.end(), key) != known.end()) continue;
+        error("the key " + text::quoted(key) + " is not known", listed(known),
+              worthAHint() ? didYouMean(key, known) : "");
+    }
+    return complete;
+}
+
+bool JsonNode::isArray() const
+{
+    if (value_.is_array()) return true;
+    errorOfKind("an array");
+    return false;
+}
+
+std::optional<std::string> JsonNode::text() const
+{
+    if (value_.is_string()) return value_.get<std::string>();
+    errorOfKind("a text");
+    return std::nullopt;
+}
+
+std::optional<double> JsonNode::number() const
+{
+    if (value_.is_number()) return value_.get<double>();
+    errorOfKind("a number");
+    return std::nullopt;
+}
+
+std::optional<bool> JsonNode::flag() const
+{
+    if (value_.is_boolean()) return value_.get<bool>();
+    errorOfKind("true or false");
+    return std::nullopt;
+}
+
+std::optional<std::uint32_t> JsonNode::whole(std::uint32_t least, std::uint32_t most) const
+{
+    if (value_.is_number_unsigned()) {
+        const auto number = value_.get<std::uint64_t>();
+        if (least <= number && number <= most) return static_cast<std::uint32_t>(number);
+    }
+    errorOfKind(least == most ? std::to_string(least)
+                              : "a whole number from " + std::to_string(least) + " to " +
+                                    std::to_string(most));
+    return std::nullopt;
+}
+
+std::optional<double> JsonNode::probability() const
+{
+    if (value_.is_number()) {
+        const auto number = value_.get<double>();
+        if (0 <= number && number <= 1) return number;
+    }
+    errorOfKind("a probability: a number from 0 to 1");
+    return std::nullopt;
+}
+
+std::optional<std::string> JsonNode::name() const
+{
+    const std::optional<std::string> found = text();
+    if (!found) return std::nullopt;
+    if (!found->empty() && std::all_of(found->begin(), found->end(), canBeInAName)) return found;
+    errorOfKind("a name: one character at least, no blanks, and none of . , : = ! | \"");
+    return std::nullopt;
+}
+
+void JsonNode::errorOfKind(const std::string& expected) const
+{
+    error("found " + kindOf(value_), expected);
+}
+
+} // namespace language

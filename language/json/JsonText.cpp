@@ -1,0 +1,137 @@
+#include "language/json/JsonText.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <vector>
+
+namespace language {
+
+namespace {
+
+using nlohmann::json;
+
+// Passes over the text once, for what is wrong with it and where.
+class SyntaxCheck {
+public:
+    SyntaxCheck(const text::SourceText& source, Report& report) : source_(source), report_(report)
+    {
+    }
+
+    bool null() { return value(); }
+    bool boolean(bool) { return value(); }
+    bool number_integer(json::number_integer_t) { return value(); }
+    bool number_unsigned(json::number_unsigned_t) { return value(); }
+    bool number_float(json::number_float_t, const std::string&) { return value(); }
+    bool string(std::string&) { return value(); }
+    bool binary(json::binary_t&) { return value(); }
+    bool start_object(std::size_t) { return open(); }
+    bool start_array(std::size_t) { return open(); }
+    bool end_object() { return close(); }
+    bool end_array() { return close(); }
+
+    bool key(std::string& name)
+    {
+        Level& level = levels_.back();
+        if (!level.keys.insert(name).second) {
+            const std::string place = pointer();
+            report_.take(source_.number(),
+                         source_.error({},
+                                       (place.empty() ? "" : place + ": ") + "the key " +
+                                           text::quoted(name) + " is there twice",
+                                       "each key once"));
+            return false;
+        }
+        level.key = name;
+        return true;
+    }
+
+    bool parse_error(std::size_t position, const std::string& token, const json::exception& error)
+    {
+        const std::size_t size = source_.text().size();
+        const std::string reason = reasonOf(error.what());
+        // Only for some tokens is `token` the token alone.
+        const bool isToken = reason.ends_with(" string literal") ||
+                             reason.ends_with(" number literal") || reason == tooLarge;
+        const std::size_t length = isToken ? token.size() : 1;
+        const std::size_t end = std::min(position, size + 1);
+        report_.take(source_.number(),
+                     source_.error(source_.range(end - std::min(end, length), length),
+                                   "this is not JSON: " + reason, expectedOf(error.what())));
+        return false;
+    }
+
+private:
+    static constexpr const char* tooLarge = "the number is too large";
+
+    struct Level {
+        std::unordered_set<std::string> keys; ///< of an object
+        std::string key;
+        std::size_t values = 0; ///< so far
+    };
+
+    bool value()
+    {
+        if (!levels_.empty()) ++levels_.back().values;
+        return true;
+    }
+    bool open()
+    {
+        levels_.emplace_back();
+        return true;
+    }
+    bool close()
+    {
+        levels_.pop_back();
+        return value();
+    }
+
+    std::string pointer() const
+    {
+        std::string made;
+        for (std::size_t i = 0; i + 1 < levels_.size(); ++i) {
+            const Level& level = levels_[i];
+            made += "/" + (level.keys.empty() ? std::to_string(level.values) : shownKey(level.key));
+        }
+        return made;
+    }
+    // A key of whatever bytes, short and printable, without the quotes.
+    static std::string shownKey(const std::string& key)
+    {
+        const std::string shown = text::quoted(key);
+        return shown.substr(1, shown.size() - 2);
+    }
+
+    // "[...] parse error at line 1, column 2: syntax error while parsing value - unexpected ','; expected ..."
+    static std::string reasonOf(const std::string& what)
+    {
+        if (what.find("number overflow") != std::string::npos) return tooLarge;
+        const std::size_t begin = what.find(" - ");
+        if (begin == std::string::npos) return "it cannot be read";
+        return what.substr(begin + 3, what.find(';', begin) - begin - 3);
+    }
+
+    static std::string expectedOf(const std::string& what)
+    {
+        const std::string word = "; expected ";
+        const std::size_t begin = what.rfind(word);
+        const bool quotesText = what.find("; last read: ") != std::string::npos;
+        if (begin == std::string::npos || quotesText) return {};
+        const std::string wanted = what.substr(begin + word.size());
+        return wanted == "'}'" || wanted == "']'" ? "',' or " + wanted : wanted;
+    }
+
+    const text::SourceText& source_;
+    Report& report_;
+    std::vector<Level> levels_;
+};
+
+} // namespace
+
+std::optional<json> parseJson(const text::SourceText& source, Report& report)
+{
+    SyntaxCheck check(source, report);
+    if (json::sax_parse(source.text(), &check)) return json::parse(source.text());
+    return std::nullopt;
+}
+
+} // namespace language

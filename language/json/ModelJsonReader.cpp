@@ -1,0 +1,255 @@
+#include "language/json/ModelJson.h"
+
+#include "language/json/JsonChannels.h"
+#include "language/json/JsonText.h"
+#include "language/json/JsonTransitions.h"
+#include "language/json/JsonVariables.h"
+#include "language/meaning/Contradictions.h"
+#include "language/meaning/Numbers.h"
+
+#include <filesystem>
+
+namespace language {
+
+namespace {
+
+constexpr std::uint32_t mostLines = 0xFFFFFFFF;
+
+// One reading of a document whose syntax is right.
+class JsonReading {
+public:
+    JsonReading(const std::string& baseName, const ReadOptions& options, ReadResult& result)
+        : options_(options), result_(result), builder_(baseName)
+    {
+    }
+
+    void read(const JsonNode& root, const Report& report)
+    {
+        readHead(root);
+        if (!eachOf(root["components"], [&](const JsonNode& node) { addComponent(node); })) return;
+        const JsonNode components = root["components"];
+        JsonVariables variables(builder_, names_, result_.bindings, options_.expansion);
+        for (std::size_t i = 0; i < made_.size(); ++i) {
+            const JsonNode node = components[i];
+            if (made_[i] && node.has("variables")) variables.add(node["variables"], made_[i]);
+        }
+        for (std::size_t i = 0; i < made_.size(); ++i) {
+            const JsonNode node = components[i];
+            if (made_[i] && node.has("imports")) addImports(node["imports"], made_[i]);
+        }
+        const auto list = [&](const char* key, const auto& visit) {
+            if (root.has(key)) eachOf(root[key], visit);
+        };
+        list("laws", [&](const JsonNode& node) { addLaw(node); });
+        JsonTransitions transitions(builder_, names_);
+        list("transitions", [&](const JsonNode& node) { transitions.add(node); });
+        if (transitions.count() > 0) transitions.checkSums(root["transitions"]);
+        JsonChannels channels(names_, result_.bindings);
+        list("channels", [&](const JsonNode& node) { channels.add(node); });
+        result_.model = builder_.build();
+        if (!report.failed() && result_.model->atoms().empty()) {
+            root["components"].error("the model has no variables", "components with variables");
+        }
+        if (!report.failed() && !result_.model->laws().empty()) findContradictions(root["laws"]);
+        measure(transitions.count(), variables.count());
+    }
+
+private:
+    template <typename Visit> static bool eachOf(const JsonNode& list, const Visit& visit)
+    {
+        if (!list.isArray()) return false;
+        for (std::size_t i = 0; i < list.size(); ++i) {
+            visit(list[i]);
+        }
+        return true;
+    }
+
+    void readHead(const JsonNode& root)
+    {
+        if (root.has("stepSeconds")) {
+            const JsonNode step = root["stepSeconds"];
+            const double seconds = step.number().value_or(1);
+            if (seconds > 0) {
+                result_.bindings.stepSeconds = seconds;
+            } else {
+                step.error("the length of a step is " + shown(seconds), "more than 0");
+            }
+        }
+        if (!root.has("files")) return;
+        result_.files.clear();
+        eachOf(root["files"],
+               [&](const JsonNode& node) { result_.files.push_back(node.text().value_or("")); });
+    }
+
+    // Null in `made_` where there is none, so that the nodes of the others can be found again.
+    void addComponent(const JsonNode& node)
+    {
+        const std::size_t index = made_.size();
+        made_.push_back(nullptr);
+        const bool complete = node.isObject({"name", "variables"}, {"imports"});
+        const auto name = node.has("name") ? node["name"].name() : std::nullopt;
+        if (!name || index >= options_.expansion.components) {
+            if (name && index == options_.expansion.components) {
+                node.error("more than " + std::to_string(index) + " components");
+            }
+            names_.noteUnread(nullptr);
+            return;
+        }
+        if (const auto first = names_.indexOf(*name)) {
+            node["name"].error("the component " + text::quoted(*name) + " is declared twice",
+                               "a name that no other component has",
+                               "the first is /components/" + std::to_string(*first));
+            names_.noteUnread(nullptr);
+            return;
+        }
+        made_.back() = builder_.component(*name);
+        names_.add(made_.back(), index);
+        if (!complete) names_.noteUnread(made_.back());
+    }
+
+    void addImports(const JsonNode& node, Comp* importer)
+    {
+        eachOf(node, [&](const JsonNode& each) {
+            if (Comp* imported = names_.component(each)) builder_.import(importer, imported);
+        });
+    }
+
+    void addLaw(const JsonNode& node)
+    {
+        if (!node.isObject({"literals"}, {"owner", "place"})) return;
+        Comp* owner = nullptr;
+        if (node.has("owner")) {
+            const JsonNode named = node["owner"];
+            owner = named.isNull() ? nullptr : names_.component(named);
+        }
+        std::optional<LawPlace> place = LawPlace{};
+        if (node.has("place")) place = placeOf(node["place"]);
+        const JsonNode list = node["literals"];
+        std::vector<plant::Literal> literals;
+        bool sound = place.has_value();
+        const bool isList = eachOf(list, [&](const JsonNode& each) {
+            bool negated = false;
+            Atom* atom = names_.literal(each, negated);
+            sound = sound && atom;
+            if (atom) literals.push_back({negated, atom});
+        });
+        if (!isList || !sound) return;
+        if (literals.empty()) {
+            list.error("a law without literals, which no assignment satisfies", "one at least");
+            return;
+        }
+        if (builder_.law(owner, literals)) {
+            result_.lawPlaces.push_back(*place);
+            laws_.push_back(lawIndex_);
+        }
+        ++lawIndex_;
+    }
+
+    std::optional<LawPlace> placeOf(const JsonNode& node)
+    {
+        if (!node.isObject({"file", "line", "column"})) return std::nullopt;
+        if (result_.files.empty()) {
+            node.error("a place in a file, and 'files' names none");
+            return std::nullopt;
+        }
+        const auto last = static_cast<std::uint32_t>(result_.files.size() - 1);
+        const auto file = node["file"].whole(0, last);
+        const auto line = node["line"].whole(1, mostLines);
+        const auto column = node["column"].whole(1, mostLines);
+        if (!file || !line || !column) return std::nullopt;
+        return LawPlace{*file, *line, *column};
+    }
+
+    void findContradictions(const JsonNode& laws)
+    {
+        constexpr std::size_t mostNamed = 6;
+        const Contradictions search(*result_.model, [](std::size_t, std::size_t) { return false; });
+        search.find([&](const Contradiction& found) {
+            if (found.laws.empty()) return;
+            std::string others;
+            for (std::size_t i = 0; i + 1 < found.laws.size() && i < mostNamed; ++i) {
+                others += (i > 0 ? ", " : " together with ") + laws.pointer() + "/" +
+                          std::to_string(laws_[found.laws[i]]);
+            }
+            if (found.laws.size() > mostNamed + 1) others += ", ...";
+            const bool ofModes = !found.modes.empty();
+            laws[laws_[found.laws.back()]].error(
+                "nothing satisfies this law" + others +
+                    (ofModes ? " while " + namesOf(found.modes) : ""),
+                "laws that can hold together" + std::string(ofModes ? " in the initial modes" : ""));
+        });
+    }
+
+    void measure(std::size_t transitions, std::size_t variables)
+    {
+        result_.size.components = result_.model->components().size();
+        result_.size.variables = variables;
+        result_.size.atoms = result_.model->atoms().size();
+        result_.size.laws = result_.model->laws().size();
+        result_.size.clauses = result_.model->clauseCount();
+        result_.size.transitions = transitions;
+    }
+
+    const ReadOptions& options_;
+    ReadResult& result_;
+    plant::ModelBuilder builder_;
+    PlantNames names_;
+    std::vector<Comp*> made_;
+    std::vector<std::size_t> laws_; ///< for each law of the model, its number in the list
+    std::size_t lawIndex_ = 0;
+};
+
+// The head of the document, without which nothing in it means anything.
+bool isModel(const JsonNode& root)
+{
+    const bool complete =
+        root.isObject({"format", "v", "components"},
+                      {"name", "stepSeconds", "files", "laws", "transitions", "channels"});
+    if (!complete) return false;
+    const auto format = root["format"].text();
+    if (format && *format != "itms-model") {
+        root["format"].error("found " + text::quoted(*format), "'itms-model'");
+        return false;
+    }
+    return format && root["v"].whole(1, 1);
+}
+
+std::string baseNameOf(const std::string& path, const JsonNode& root)
+{
+    std::optional<std::string> name;
+    if (root.has("name")) name = root["name"].text();
+    return name.value_or(std::filesystem::path(path).replace_extension().string());
+}
+
+} // namespace
+
+bool isJsonPath(const std::string& path)
+{
+    return std::filesystem::path(path).extension() == ".json";
+}
+
+ReadResult readModelJson(const std::string& path, std::string text, const ReadOptions& options)
+{
+    ReadResult result;
+    result.files = {path};
+    SourceTexts texts;
+    texts.push_back(std::make_unique<text::SourceText>(path, std::move(text)));
+    const text::SourceText& source = *texts.front();
+    Report report(texts, options.mostErrors);
+    if (const auto document = parseJson(source, report)) {
+        const JsonNode root(*document, source, report);
+        if (isModel(root)) {
+            JsonReading(baseNameOf(path, root), options, result).read(root, report);
+        }
+    }
+    result.errors = report.errors();
+    if (!result.errors.empty()) {
+        ReadResult failed;
+        failed.errors = std::move(result.errors);
+        failed.files = {path};
+        return failed;
+    }
+    return result;
+}
+
+} // namespace language

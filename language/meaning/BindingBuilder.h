@@ -1,0 +1,41 @@
+// Bindings of the syntax tree as bindings of a plant's variables.
+#pragma once
+
+#include "language/meaning/Elaboration.h"
+#include "plant/Bindings.h"
+
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+namespace language {
+
+class BindingBuilder {
+public:
+    BindingBuilder(Elaboration& plant, const SourceFiles& files, Report& report)
+        : plant_(plant), files_(files), report_(report)
+    {
+    }
+
+    /// Adds what a binding says, for the values of the indices around it.
+    void build(const syntax::Binding& binding, Instance& within, const Environment& environment,
+               plant::Bindings& bindings);
+
+private:
+    std::optional<plant::ThresholdTable> thresholds(const syntax::Thresholds& written,
+                                                    const StateVar* variable,
+                                                    const Environment& environment);
+    bool checkLimits(const syntax::Thresholds& written, const plant::ThresholdTable& table);
+    std::optional<plant::ReadingTable> readings(const syntax::Readings& written,
+                                                const StateVar* variable,
+                                                const Environment& environment);
+    std::optional<std::string> channelName(const syntax::Text& text, const Environment& environment);
+    std::optional<double> seconds(const syntax::Duration& duration, const Environment& environment);
+
+    Elaboration& plant_;
+    const SourceFiles& files_;
+    Report& report_;
+    std::unordered_map<const StateVar*, text::Range> bound_;
+};
+
+} // namespace language

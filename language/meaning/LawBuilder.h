@@ -1,0 +1,42 @@
+// Laws of the syntax tree as clauses of the model.
+#pragma once
+
+#include "language/meaning/Elaboration.h"
+#include "language/meaning/FormulaTranslator.h"
+
+#include <vector>
+
+namespace language {
+
+/// Where a law comes from.
+struct LawOrigin {
+    text::Range range;
+    const Instance* instance = nullptr;
+};
+
+class LawBuilder {
+public:
+    LawBuilder(Elaboration& plant, plant::ModelBuilder& builder, Report& report,
+               std::uint64_t mostClauses)
+        : plant_(plant), builder_(builder), report_(report), mostClauses_(mostClauses)
+    {
+    }
+
+    /// Adds the clauses of a law. One that no assignment satisfies, or that has too many clauses, is reported.
+    void build(const syntax::Law& law, Instance& within, const Environment& environment);
+
+    /// The origin of each of the model's laws, in their order.
+    const std::vector<LawOrigin>& origins() const { return origins_; }
+    /// How many laws were built, instances counted.
+    std::size_t count() const { return count_; }
+
+private:
+    Elaboration& plant_;
+    plant::ModelBuilder& builder_;
+    Report& report_;
+    std::uint64_t mostClauses_;
+    std::vector<LawOrigin> origins_;
+    std::size_t count_ = 0;
+};
+
+} // namespace language

@@ -1,0 +1,75 @@
+#include "monitor/labels/Completion.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace monitor {
+
+namespace {
+
+// A variable that was open, its values, and how many of them were tried.
+struct Choice {
+    std::size_t place; ///< in the order of variables
+    std::size_t mark;
+    std::vector<AtomIndex> values;
+    std::size_t tried = 0;
+};
+
+// Takes back the value that the choice has, if any, and gives it its next one. False when there is none.
+bool tryNext(Choice& choice, Prediction& labels)
+{
+    while (choice.tried < choice.values.size()) {
+        labels.undo(choice.mark);
+        const AtomIndex value = choice.values[choice.tried++];
+        if (labels.assume(value) && labels.propagate()) {
+            return true;
+        }
+    }
+    labels.undo(choice.mark);
+    return false;
+}
+
+bool isOpen(const PlantVariable& variable, const Prediction& labels)
+{
+    return std::any_of(variable.values.begin(), variable.values.end(),
+                       [&](AtomIndex value) { return !labels.isKnown(value); });
+}
+
+} // namespace
+
+Completion complete(const Plant& plant, Prediction& labels, const std::vector<VariableIndex>& order,
+                    const ValueOrder& values, std::uint64_t mostRetreats)
+{
+    const std::size_t start = labels.mark();
+    std::vector<Choice> choices;
+    std::uint64_t retreats = 0;
+    for (std::size_t next = 0; next < order.size(); ++next) {
+        if (!isOpen(plant.variable(order[next]), labels)) {
+            continue;
+        }
+        choices.push_back({next, labels.mark(), values(order[next])});
+        while (!tryNext(choices.back(), labels)) {
+            choices.pop_back();
+            if (choices.empty()) {
+                return Completion::impossible;
+            }
+            if (++retreats > mostRetreats) {
+                labels.undo(start);
+                return Completion::unsettled;
+            }
+        }
+        next = choices.back().place;
+    }
+    return Completion::possible;
+}
+
+Completion completionOf(const Plant& plant, Prediction labels, std::uint64_t mostRetreats)
+{
+    std::vector<VariableIndex> order(plant.variables().size());
+    std::iota(order.begin(), order.end(), 0);
+    return complete(
+        plant, labels, order,
+        [&](VariableIndex variable) { return plant.variable(variable).values; }, mostRetreats);
+}
+
+} // namespace monitor

@@ -1,0 +1,38 @@
+// Whether labels can be completed: values for everything that is still open, such that every clause holds.
+//
+// Unit propagation that finds no contradiction does not prove that there is none: with (a | b), (a | !b), (!a | b)
+// and (!a | !b) it leaves both open. Before a candidate is given out as an explanation, its labels are completed: one
+// open variable after the other gets a value, which is propagated, and taken back when it contradicts the others.
+#pragma once
+
+#include "monitor/labels/Prediction.h"
+
+#include <functional>
+
+namespace monitor {
+
+enum class Completion {
+    possible,
+    impossible,
+    unsettled ///< neither was found within the bound
+};
+
+/// Values that are taken back without an alternative, at most, before the answer is "unsettled".
+constexpr std::uint64_t completionRetreats = 10000;
+
+/// Whether every open variable can have a value. `labels` are propagated without contradiction. Linear where no
+/// value is taken back; `mostRetreats` bounds the rest.
+Completion completionOf(const Plant& plant, Prediction labels,
+                        std::uint64_t mostRetreats = completionRetreats);
+
+/// The values of a variable in the order in which a completion tries them. Called anew each time that the variable is
+/// come to.
+using ValueOrder = std::function<std::vector<AtomIndex>(VariableIndex)>;
+
+/// The same, and hands the values out: with "possible", `labels` are complete, and else as they were. The variables
+/// of `order`, which names all that are open, get their values in that order; of each, the first one is kept with
+/// which the rest can be completed.
+Completion complete(const Plant& plant, Prediction& labels, const std::vector<VariableIndex>& order,
+                    const ValueOrder& values, std::uint64_t mostRetreats = completionRetreats);
+
+} // namespace monitor

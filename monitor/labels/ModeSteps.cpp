@@ -1,0 +1,141 @@
+#include "monitor/labels/ModeSteps.h"
+
+#include "model/StateFormula.h"
+#include "model/Transition.h"
+
+#include <algorithm>
+
+namespace monitor {
+
+namespace {
+
+// What probabilities such as 0.9 + 0.06 + 0.04 may miss 1 by: less is nothing.
+constexpr double noProbability = 1e-9;
+
+AtomIndex modeBefore(const PlantVariable& mode, const Prediction& before)
+{
+    return before.valueOf(mode).value_or(mode.values.front());
+}
+
+// The labels in which guards are read.
+std::vector<Label> guardLabels(const Plant& plant, const Prediction& before,
+                               const std::vector<AtomIndex>& commands)
+{
+    std::vector<Label> labels(plant.atomCount(), Label::unknown);
+    const auto give = [&](AtomIndex value) {
+        for (const AtomIndex atom : plant.variable(plant.variableOf(value)).values) {
+            labels[static_cast<std::size_t>(atom)] = atom == value ? Label::isTrue : Label::isFalse;
+        }
+    };
+    for (const PlantVariable& variable : plant.variables()) {
+        if (variable.isMode && !variable.values.empty()) {
+            give(modeBefore(variable, before));
+        } else if (!variable.isCommand) {
+            for (const AtomIndex atom : variable.values) {
+                labels[static_cast<std::size_t>(atom)] = before.label(atom);
+            }
+        }
+    }
+    std::for_each(commands.begin(), commands.end(), give);
+    return labels;
+}
+
+bool holds(const StateFormula* guard, const Plant& plant, const std::vector<Label>& labels)
+{
+    if (!guard || !guard->atoms) {
+        return true;
+    }
+    const bool conjunction = guard->op != "or";
+    for (const auto& [polarity, atom] : *guard->atoms) {
+        const Label label = labels[static_cast<std::size_t>(plant.indexOf(atom))];
+        const bool literalHolds = label == (polarity ? Label::isTrue : Label::isFalse);
+        if (literalHolds != conjunction) {
+            return literalHolds;
+        }
+    }
+    return conjunction;
+}
+
+void addOption(ModeStep& step, AtomIndex value, double probability, bool fault)
+{
+    for (ModeOption& option : step.options) {
+        if (option.value == value) {
+            option.probability += probability;
+            return;
+        }
+    }
+    step.options.push_back({value, probability, fault});
+}
+
+AtomIndex mostProbable(const std::vector<ModeOption>& options)
+{
+    return std::max_element(options.begin(), options.end(),
+                            [](const ModeOption& a, const ModeOption& b) {
+                                return a.probability < b.probability;
+                            })
+        ->value;
+}
+
+// A transition whose guard names another value of the variable does not hold: `from` is the one that is true.
+ModeStep modeStep(const Plant& plant, VariableIndex index, AtomIndex from,
+                  const std::vector<Label>& labels)
+{
+    ModeStep step{index, from, from, {}, nullptr};
+    const Atom* fromAtom = plant.atom(from);
+    double leaving = 0.0;
+    bool nominalTaken = false;
+    for (const Transition* transition : *fromAtom->stateVar->comp->transitions) {
+        if (transition->stateVar != fromAtom->stateVar || transition->atom == fromAtom ||
+            transition->proba <= 0.0 || !holds(transition->guard, plant, labels)) {
+            continue;
+        }
+        const AtomIndex to = plant.indexOf(transition->atom);
+        addOption(step, to, transition->proba, transition->atom->fail);
+        leaving += transition->proba;
+        if (transition->name == "Nominal" && !transition->idle && !nominalTaken) {
+            step.predicted = to;
+            step.followed = transition;
+            nominalTaken = true;
+        }
+    }
+    if (1.0 - leaving > noProbability) {
+        addOption(step, from, 1.0 - leaving, false);
+    } else if (!nominalTaken) {
+        step.predicted = mostProbable(step.options);
+    }
+    return step;
+}
+
+} // namespace
+
+const ModeOption* ModeStep::option(AtomIndex value) const
+{
+    const auto found =
+        std::find_if(options.begin(), options.end(),
+                     [value](const ModeOption& option) { return option.value == value; });
+    return found == options.end() ? nullptr : &*found;
+}
+
+bool ModeStep::deviatesFreely() const
+{
+    return std::any_of(options.begin(), options.end(), [this](const ModeOption& option) {
+        return option.value != predicted && !option.fault;
+    });
+}
+
+std::vector<ModeStep> modeSteps(const Plant& plant, const Prediction& before,
+                                const std::vector<AtomIndex>& commands)
+{
+    const std::vector<Label> labels = guardLabels(plant, before, commands);
+    std::vector<ModeStep> steps;
+    for (std::size_t i = 0; i < plant.variables().size(); ++i) {
+        const PlantVariable& variable = plant.variables()[i];
+        if (variable.isMode && !variable.values.empty()) {
+            steps.push_back(modeStep(plant, static_cast<VariableIndex>(i),
+                                     modeBefore(variable, before), labels));
+        }
+    }
+    return steps;
+}
+
+} // namespace monitor

@@ -1,0 +1,40 @@
+// What each mode variable may do in one step, and how probable that is.
+//
+// From value a, with the transitions enabled by this step's commands: it follows the nominal transition if one
+// is enabled and stays otherwise; it may also take any other enabled transition, or stay, with what the enabled
+// transitions leave of the probability. Where they leave nothing to staying and none of them is nominal, the most
+// probable one is followed. A value that none of these reaches cannot be had at this step.
+#pragma once
+
+#include "monitor/labels/Prediction.h"
+
+namespace monitor {
+
+/// A value that a mode variable may have after the step.
+struct ModeOption {
+    AtomIndex value;
+    double probability; ///< per step, above 0, at most 1 (if the model's add up to at most 1)
+    bool fault;         ///< the value is a fault, and not the one that the variable had
+};
+
+/// The possibilities of one mode variable.
+struct ModeStep {
+    VariableIndex variable;
+    AtomIndex before;
+    AtomIndex predicted; ///< one of the options
+    std::vector<ModeOption> options;
+    const Transition* followed = nullptr; ///< the nominal transition that is predicted; null: none
+
+    const ModeOption* option(AtomIndex value) const;
+    /// Whether it may deviate from what is predicted without a fault.
+    bool deviatesFreely() const;
+};
+
+/// The possibilities of every mode variable, in the plant's order of variables. Guards are read in the modes and
+/// conditions before the step and the commands of this step; a command that is not given is unknown, whatever
+/// `before` says of it, and a literal of an unknown atom does not hold. A mode variable without a value in
+/// `before` is taken to have its first. Linear in the transitions of each component times its mode variables.
+std::vector<ModeStep> modeSteps(const Plant& plant, const Prediction& before,
+                                const std::vector<AtomIndex>& commands);
+
+} // namespace monitor

@@ -1,0 +1,15 @@
+// The numbers of the plant, under the names by which the whole monitor knows them.
+#pragma once
+
+#include "plant/Plant.h"
+
+namespace monitor {
+
+using plant::AtomIndex;
+using plant::ClauseIndex;
+using plant::Plant;
+using plant::PlantLiteral;
+using plant::PlantVariable;
+using plant::VariableIndex;
+
+} // namespace monitor

@@ -1,0 +1,315 @@
+#include "monitor/labels/Prediction.h"
+
+#include <algorithm>
+#include <bit>
+#include <limits>
+
+namespace monitor {
+
+Prediction::Prediction(const Plant& plant)
+    : plant_(&plant), labels_(plant.atomCount(), Label::unknown),
+      reasons_(plant.atomCount(), assumed)
+{
+    trail_.reserve(plant.atomCount());
+}
+
+bool Prediction::assume(AtomIndex value)
+{
+    const PlantVariable& variable = plant_->variable(plant_->variableOf(value));
+    for (const AtomIndex atom : variable.values) {
+        if (label(atom) == (atom == value ? Label::isFalse : Label::isTrue)) {
+            return false;
+        }
+    }
+    for (const AtomIndex atom : variable.values) {
+        if (!isKnown(atom)) {
+            set(atom, atom == value ? Label::isTrue : Label::isFalse, assumed);
+        }
+    }
+    return true;
+}
+
+bool Prediction::propagate()
+{
+    if (next_ == 0 && !visitAll(plant_->unitClauses())) {
+        return false;
+    }
+    for (; next_ < trail_.size(); ++next_) {
+        if (!visitAll(plant_->clausesOf(trail_[next_]))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Prediction::visitAll(const std::vector<ClauseIndex>& clauses)
+{
+    for (const ClauseIndex clause : clauses) {
+        if (!visit(clause)) {
+            violated_ = clause;
+            return false;
+        }
+    }
+    return true;
+}
+
+// Labels the clause's only open literal so that the clause holds. False when every literal is false.
+bool Prediction::visit(ClauseIndex clause)
+{
+    const PlantLiteral* open = nullptr;
+    for (const PlantLiteral& literal : plant_->clause(clause)) {
+        const Label value = label(literal.atom);
+        if (value == Label::unknown) {
+            if (open) {
+                return true;
+            }
+            open = &literal;
+        } else if ((value == Label::isTrue) != literal.negated) {
+            return true;
+        }
+    }
+    if (!open) {
+        return false;
+    }
+    set(open->atom, open->negated ? Label::isFalse : Label::isTrue, clause);
+    return true;
+}
+
+bool Prediction::reassume(const std::vector<AtomIndex>& values)
+{
+    std::vector<AtomIndex> changed = values;
+    std::erase_if(changed, [this](AtomIndex value) { return isTrue(value); });
+    if (changed.empty()) {
+        return true;
+    }
+    const std::vector<AtomIndex> retracted = retract(changed);
+    for (const AtomIndex value : changed) {
+        assume(value);
+    }
+    // What stays may give a label that was taken back, by another clause.
+    for (const AtomIndex atom : retracted) {
+        if (!isKnown(atom) && !visitAll(plant_->clausesOf(atom))) {
+            return false;
+        }
+    }
+    return propagate();
+}
+
+// Takes back the labels of the values' variables, and all that rests on them. Reasons lead from earlier labels to
+// later ones, never in a circle, so what is left is still justified.
+std::vector<AtomIndex> Prediction::retract(const std::vector<AtomIndex>& values)
+{
+    std::vector<AtomIndex> retracted;
+    const auto takeBack = [&](AtomIndex atom) {
+        labels_[static_cast<std::size_t>(atom)] = Label::unknown;
+        retracted.push_back(atom);
+    };
+    for (const AtomIndex value : values) {
+        const std::vector<AtomIndex>& atoms = plant_->variable(plant_->variableOf(value)).values;
+        std::for_each(atoms.begin(), atoms.end(), takeBack);
+    }
+    for (std::size_t i = 0; i < retracted.size(); ++i) {
+        for (const ClauseIndex clause : plant_->clausesOf(retracted[i])) {
+            for (const PlantLiteral& literal : plant_->clause(clause)) {
+                if (isKnown(literal.atom) &&
+                    reasons_[static_cast<std::size_t>(literal.atom)] == clause) {
+                    takeBack(literal.atom);
+                }
+            }
+        }
+    }
+    std::erase_if(trail_, [this](AtomIndex atom) { return !isKnown(atom); });
+    next_ = trail_.size();
+    return retracted;
+}
+
+void Prediction::set(AtomIndex atom, Label label, ClauseIndex reason)
+{
+    labels_[static_cast<std::size_t>(atom)] = label;
+    reasons_[static_cast<std::size_t>(atom)] = reason;
+    trail_.push_back(atom);
+}
+
+void Prediction::undo(std::size_t mark)
+{
+    while (trail_.size() > mark) {
+        labels_[static_cast<std::size_t>(trail_.back())] = Label::unknown;
+        trail_.pop_back();
+    }
+    next_ = std::min(next_, mark);
+    violated_ = -1;
+}
+
+std::optional<AtomIndex> Prediction::valueOf(const PlantVariable& variable) const
+{
+    for (const AtomIndex atom : variable.values) {
+        if (isTrue(atom)) {
+            return atom;
+        }
+    }
+    return std::nullopt;
+}
+
+namespace {
+
+/// A set of modes, one bit each, in a table of such sets.
+class ModeSets {
+public:
+    ModeSets(std::size_t sets, std::size_t modes) : words_((modes + 63) / 64), bits_(sets * words_)
+    {
+    }
+
+    void insert(std::size_t set, std::size_t mode)
+    {
+        row(set)[mode / 64] |= std::uint64_t{1} << (mode % 64);
+    }
+    void clear(std::size_t set) { std::fill_n(row(set), words_, 0); }
+    void unite(std::size_t into, std::size_t from)
+    {
+        for (std::size_t word = 0; word < words_; ++word) {
+            row(into)[word] |= row(from)[word];
+        }
+    }
+    void copy(std::size_t into, std::size_t from) { std::copy_n(row(from), words_, row(into)); }
+    int size(std::size_t set)
+    {
+        int count = 0;
+        for (std::size_t word = 0; word < words_; ++word) {
+            count += std::popcount(row(set)[word]);
+        }
+        return count;
+    }
+
+private:
+    std::uint64_t* row(std::size_t set) { return bits_.data() + set * words_; }
+
+    std::size_t words_;
+    std::vector<std::uint64_t> bits_;
+};
+
+constexpr std::size_t mostModes = 4096;
+
+} // namespace
+
+void Prediction::preferSmallEnvironments()
+{
+    std::vector<std::size_t> modeNumber(plant_->variables().size());
+    std::size_t modes = 0;
+    for (std::size_t i = 0; i < modeNumber.size(); ++i) {
+        modeNumber[i] = plant_->variables()[i].isMode ? modes++ : 0;
+    }
+    if (modes > mostModes) {
+        return;
+    }
+    const std::size_t trial = labels_.size();
+    ModeSets environments(labels_.size() + 1, modes);
+    std::vector<bool> done(labels_.size(), false);
+    for (const AtomIndex atom : trail_) {
+        const auto own = static_cast<std::size_t>(atom);
+        const VariableIndex variable = plant_->variableOf(atom);
+        if (reasons_[own] == assumed) {
+            if (plant_->variable(variable).isMode) {
+                environments.insert(own, modeNumber[static_cast<std::size_t>(variable)]);
+            }
+            done[own] = true;
+            continue;
+        }
+        int smallest = std::numeric_limits<int>::max();
+        for (const ClauseIndex clause : plant_->clausesOf(atom)) {
+            if (!gives(clause, atom, done)) {
+                continue;
+            }
+            environments.clear(trial);
+            for (const PlantLiteral& literal : plant_->clause(clause)) {
+                if (literal.atom != atom) {
+                    environments.unite(trial, static_cast<std::size_t>(literal.atom));
+                }
+            }
+            if (const int size = environments.size(trial); size < smallest) {
+                smallest = size;
+                reasons_[own] = clause;
+                environments.copy(own, trial);
+            }
+        }
+        done[own] = true;
+    }
+}
+
+// Whether the clause alone gives the atom its label, from literals that are false and `done`.
+bool Prediction::gives(ClauseIndex clause, AtomIndex atom, const std::vector<bool>& done) const
+{
+    const std::vector<PlantLiteral>& literals = plant_->clause(clause);
+    return std::all_of(literals.begin(), literals.end(), [&](const PlantLiteral& literal) {
+        const bool holds = isTrue(literal.atom) != literal.negated;
+        return literal.atom == atom ? holds : !holds && done[static_cast<std::size_t>(literal.atom)];
+    });
+}
+
+// The atoms on whose labels those of the given ones rest, these included, each once.
+std::vector<AtomIndex> Prediction::grounds(const std::vector<AtomIndex>& atoms) const
+{
+    std::vector<AtomIndex> reached;
+    std::vector<bool> seen(plant_->atomCount(), false);
+    const auto reach = [&](AtomIndex atom) {
+        if (!seen[static_cast<std::size_t>(atom)] && isKnown(atom)) {
+            seen[static_cast<std::size_t>(atom)] = true;
+            reached.push_back(atom);
+        }
+    };
+    std::for_each(atoms.begin(), atoms.end(), reach);
+    for (std::size_t i = 0; i < reached.size(); ++i) {
+        if (reason(reached[i]) != assumed) {
+            for (const PlantLiteral& literal : plant_->clause(reason(reached[i]))) {
+                reach(literal.atom);
+            }
+        }
+    }
+    return reached;
+}
+
+std::vector<VariableIndex> Prediction::environment(const std::vector<AtomIndex>& atoms) const
+{
+    std::vector<VariableIndex> modes;
+    for (const AtomIndex atom : grounds(atoms)) {
+        const VariableIndex variable = plant_->variableOf(atom);
+        if (reason(atom) == assumed && plant_->variable(variable).isMode) {
+            modes.push_back(variable);
+        }
+    }
+    std::sort(modes.begin(), modes.end());
+    modes.erase(std::unique(modes.begin(), modes.end()), modes.end());
+    return modes;
+}
+
+std::vector<AtomIndex> Prediction::derivation(const std::vector<AtomIndex>& atoms) const
+{
+    std::vector<bool> needed(plant_->atomCount(), false);
+    for (const AtomIndex atom : grounds(atoms)) {
+        needed[static_cast<std::size_t>(atom)] = true;
+    }
+    std::vector<AtomIndex> ordered;
+    std::copy_if(trail_.begin(), trail_.end(), std::back_inserter(ordered),
+                 [&](AtomIndex atom) { return needed[static_cast<std::size_t>(atom)]; });
+    return ordered;
+}
+
+std::vector<bool> Prediction::dependents(const std::vector<bool>& markedVariables) const
+{
+    std::vector<bool> dependent(plant_->atomCount(), false);
+    for (const AtomIndex atom : trail_) {
+        const ClauseIndex reason = reasons_[static_cast<std::size_t>(atom)];
+        if (reason == assumed) {
+            dependent[static_cast<std::size_t>(atom)] =
+                markedVariables[static_cast<std::size_t>(plant_->variableOf(atom))];
+            continue;
+        }
+        const std::vector<PlantLiteral>& literals = plant_->clause(reason);
+        dependent[static_cast<std::size_t>(atom)] =
+            std::any_of(literals.begin(), literals.end(), [&](const PlantLiteral& literal) {
+                return literal.atom != atom && dependent[static_cast<std::size_t>(literal.atom)];
+            });
+    }
+    return dependent;
+}
+
+} // namespace monitor

@@ -1,0 +1,109 @@
+#include "monitor/labels/StepLabels.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace monitor {
+
+void StepLabels::take(const std::vector<AtomIndex>& assumptions,
+                      const std::vector<AtomIndex>& observations)
+{
+    const bool same = consistent_ && assumptions == assumptions_;
+    if (!same) {
+        undoFrom(0);
+        consistent_ = assume(assumptions);
+        assumptions_ = assumptions;
+    }
+    std::size_t common = 0;
+    if (consistent_) {
+        while (common < std::min(taken_.size(), observations.size()) &&
+               taken_[common].value == observations[common]) {
+            ++common;
+        }
+        undoFrom(common);
+        for (std::size_t i = common; i < observations.size(); ++i) {
+            taken_.push_back(takeOne(observations[i]));
+        }
+    }
+    contradicted_.clear();
+    for (const Taken& taken : taken_) {
+        if (taken.ruledOut) {
+            contradicted_.push_back(taken.value);
+        }
+    }
+}
+
+bool StepLabels::assume(const std::vector<AtomIndex>& assumptions)
+{
+    if (consistent_ && sameVariables(assumptions)) {
+        return prediction_.reassume(assumptions);
+    }
+    prediction_.undo(0);
+    return std::all_of(assumptions.begin(), assumptions.end(),
+                       [this](AtomIndex value) { return prediction_.assume(value); }) &&
+           prediction_.propagate();
+}
+
+bool StepLabels::sameVariables(const std::vector<AtomIndex>& assumptions) const
+{
+    return std::equal(assumptions.begin(), assumptions.end(), assumptions_.begin(),
+                      assumptions_.end(), [this](AtomIndex a, AtomIndex b) {
+                          return plant_->variableOf(a) == plant_->variableOf(b);
+                      });
+}
+
+void StepLabels::undoFrom(std::size_t observation)
+{
+    if (observation < taken_.size()) {
+        prediction_.undo(taken_[observation].mark);
+        taken_.resize(observation);
+    }
+}
+
+StepLabels::Taken StepLabels::takeOne(AtomIndex observed)
+{
+    Taken taken{observed, prediction_.mark(), 0.0, false};
+    if (prediction_.isTrue(observed)) {
+        return taken;
+    }
+    const std::vector<AtomIndex>& values = plant_->variable(plant_->variableOf(observed)).values;
+    const auto open = std::count_if(values.begin(), values.end(),
+                                    [this](AtomIndex value) { return !prediction_.isKnown(value); });
+    if (prediction_.assume(observed) && prediction_.propagate()) {
+        taken.logFactor = -std::log(static_cast<double>(open));
+    } else {
+        prediction_.undo(taken.mark);
+        taken.ruledOut = true;
+    }
+    return taken;
+}
+
+double StepLabels::logLikelihood() const
+{
+    double sum = 0.0;
+    for (const Taken& taken : taken_) {
+        sum += taken.logFactor;
+    }
+    return sum;
+}
+
+std::vector<AtomIndex> StepLabels::observations() const
+{
+    std::vector<AtomIndex> observations;
+    for (const Taken& taken : taken_) {
+        observations.push_back(taken.value);
+    }
+    return observations;
+}
+
+StepLabels StepLabels::afresh() const
+{
+    if (!consistent_) {
+        return *this;
+    }
+    StepLabels made(*plant_);
+    made.take(assumptions_, observations());
+    return made;
+}
+
+} // namespace monitor

@@ -1,0 +1,142 @@
+#include "monitor/step/FaultSearch.h"
+
+#include "monitor/labels/Completion.h"
+
+#include <algorithm>
+
+namespace monitor {
+
+FaultSearch::FaultSearch(itms& engine, const StepFrame& frame, const SearchLimits& limits,
+                         std::uint64_t recordsBeforeSplit)
+    : engine_(engine), frame_(frame), limits_(limits), recordsBeforeSplit_(recordsBeforeSplit)
+{
+}
+
+void FaultSearch::run(int faultBudget)
+{
+    explain({}, std::vector<bool>(frame_.plant.variables().size(), false), faultBudget);
+}
+
+// Looks for the explanations that deviate as given, keep the fixed variables as they are then, and have at most so
+// many faults more. Where a fault was split off and another may follow, the next one is split off at once.
+void FaultSearch::explain(const Deviations& deviations, const std::vector<bool>& fixed,
+                          int faultBudget)
+{
+    if (exhausted()) {
+        return;
+    }
+    const Scenario scenario(frame_, deviations);
+    if (scenario.consistent() && scenario.discrepancies().empty()) {
+        settle(scenario);
+        return;
+    }
+    const bool forEngine = scenario.complete() && (deviations.empty() || faultBudget <= 1);
+    if (!forEngine || !searchDirectly(scenario, fixed, faultBudget)) {
+        split(scenario, fixed, faultBudget);
+    }
+}
+
+// Every further explanation on this way contains the scenario's deviations: they are all that is wanted of it, if
+// they are one themselves.
+void FaultSearch::settle(const Scenario& scenario)
+{
+    if (completionOf(frame_.plant, scenario.prediction()) == Completion::possible) {
+        addFound(scenario, {});
+    } else {
+        complete_ = false;
+    }
+}
+
+// At least one mode of the smallest conflict is not as the scenario has it: each of them in turn, the earlier ones
+// fixed.
+void FaultSearch::split(const Scenario& scenario, std::vector<bool> fixed, int faultBudget)
+{
+    ++work_.records;
+    const std::vector<Conflict> conflicts = scenario.conflicts();
+    const std::vector<bool> suspect = suspectsOf(scenario, fixed, faultBudget);
+    const auto smallest =
+        std::min_element(conflicts.begin(), conflicts.end(),
+                         [](const Conflict& a, const Conflict& b) { return a.size() < b.size(); });
+    for (const VariableIndex variable : *smallest) {
+        const auto index = static_cast<std::size_t>(variable);
+        if (!suspect[index]) {
+            continue;
+        }
+        fixed[index] = true;
+        for (const ModeOption& option : frame_.stepOf(variable).options) {
+            const int left = faultBudget - (option.fault ? 1 : 0);
+            if (left >= 0 && !scenario.prediction().isTrue(option.value)) {
+                Deviations deviations = scenario.deviations();
+                deviations.push_back(option.value);
+                explain(deviations, fixed, left);
+            }
+        }
+    }
+}
+
+// False when there may be explanations that the search did not find; what it found stands.
+bool FaultSearch::searchDirectly(const Scenario& scenario, const std::vector<bool>& fixed,
+                                 int faultBudget)
+{
+    SearchLimits limits = remaining();
+    limits.maxRecords = std::min(limits.maxRecords, recordsBeforeSplit_);
+    const SearchOutcome outcome = searchWithEngine(engine_, scenario, fixed, faultBudget, limits);
+    work_.records += outcome.work.records;
+    work_.flips += outcome.work.flips;
+    work_.components += outcome.work.components;
+    for (const Deviations& candidate : outcome.candidates) {
+        addFound(scenario, candidate);
+    }
+    return outcome.exhaustive;
+}
+
+void FaultSearch::addFound(const Scenario& scenario, const Deviations& further)
+{
+    Deviations all = further;
+    all.insert(all.end(), scenario.deviations().begin(), scenario.deviations().end());
+    std::sort(all.begin(), all.end());
+    if (found_.insert(std::move(all)).second) {
+        ++work_.candidates;
+    }
+}
+
+// Asked before each piece of the search: whatever a limit keeps from being searched makes the answer incomplete.
+bool FaultSearch::exhausted()
+{
+    const SearchLimits left = remaining();
+    SearchLimit limit = SearchLimit::none;
+    if (left.maxRecords == 0) {
+        limit = SearchLimit::records;
+    } else if (left.maxCandidates == 0) {
+        limit = SearchLimit::candidates;
+    } else if (left.stop && *left.stop) {
+        limit = SearchLimit::stopped;
+    } else if (left.maxSeconds <= 0.0) {
+        limit = SearchLimit::seconds;
+    }
+    if (limit == SearchLimit::none) {
+        return false;
+    }
+    limit_ = limit;
+    complete_ = false;
+    return true;
+}
+
+SearchLimits FaultSearch::remaining() const
+{
+    SearchLimits left = limits_;
+    const auto take = [](std::uint64_t& from, std::uint64_t used) {
+        if (from != SearchLimits::unlimited) {
+            from -= std::min(from, used);
+        }
+    };
+    take(left.maxRecords, work_.records);
+    take(left.maxCandidates, found_.size());
+    if (left.maxSeconds != std::numeric_limits<double>::infinity()) {
+        left.maxSeconds -=
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
+    }
+    return left;
+}
+
+} // namespace monitor

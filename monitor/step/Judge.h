@@ -1,0 +1,30 @@
+// Judging candidates: what their modes predict, and how probable they are.
+#pragma once
+
+#include "monitor/step/Step.h"
+
+#include <optional>
+#include <set>
+
+namespace monitor {
+
+/// What is left of the candidates that a search found.
+struct Judgement {
+    std::vector<Candidate> candidates; ///< most probable first
+    bool sure =
+        true; ///< false when one was dropped of which it could not be settled whether it explains anything
+};
+
+/// Keeps those among `found` whose modes, predicted anew, agree with all observations and laws, and of these the
+/// ones that contain no other. Quadratic in their number; one prediction for each.
+Judgement judge(const StepFrame& frame, const std::set<Deviations>& found);
+
+/// What a step assumes under some deviations: its commands, then one value of each mode variable in the frame's order.
+std::vector<AtomIndex> assumptionsOf(const StepFrame& frame, const Deviations& deviations);
+
+/// The candidate with these modes: the transitions' probabilities and the likelihood, not normalised. Nothing
+/// when a mode cannot be had at this step.
+std::optional<Candidate> weigh(const StepFrame& frame, const Deviations& modes,
+                               double logLikelihood);
+
+} // namespace monitor

@@ -1,0 +1,115 @@
+#include "monitor/step/Scenario.h"
+
+#include <algorithm>
+
+namespace monitor {
+
+const ModeStep& StepFrame::stepOf(VariableIndex variable) const
+{
+    return *std::lower_bound(
+        modes.begin(), modes.end(), variable,
+        [](const ModeStep& step, VariableIndex wanted) { return step.variable < wanted; });
+}
+
+StepFrame makeFrame(const Plant& plant, const Prediction& before, const StepInput& input)
+{
+    return {plant, input.commands, input.observations, modeSteps(plant, before, input.commands)};
+}
+
+bool assumeStep(Prediction& labels, const StepFrame& frame, const Deviations& deviations)
+{
+    const auto assume = [&](AtomIndex value) { return labels.assume(value); };
+    const auto assumePredicted = [&](const ModeStep& step) {
+        return labels.valueOf(frame.plant.variable(step.variable)) || labels.assume(step.predicted);
+    };
+    return std::all_of(frame.commands.begin(), frame.commands.end(), assume) &&
+           std::all_of(deviations.begin(), deviations.end(), assume) &&
+           std::all_of(frame.modes.begin(), frame.modes.end(), assumePredicted) &&
+           labels.propagate();
+}
+
+Scenario::Scenario(const StepFrame& frame, Deviations deviations)
+    : frame_(frame), deviations_(std::move(deviations)), prediction_(frame.plant),
+      consistent_(assumeStep(prediction_, frame, deviations_))
+{
+    if (consistent_) {
+        takeObservations();
+    }
+    if (!discrepancies_.empty()) {
+        prediction_.preferSmallEnvironments();
+    }
+}
+
+void Scenario::takeObservations()
+{
+    for (const AtomIndex observed : frame_.observations) {
+        if (!prediction_.isTrue(observed) && !adopt(observed)) {
+            discrepancies_.push_back(observed);
+        }
+    }
+}
+
+// False, with nothing changed, when the labels or the laws rule the value out.
+bool Scenario::adopt(AtomIndex observed)
+{
+    const std::size_t mark = prediction_.mark();
+    if (!prediction_.assume(observed)) {
+        return false;
+    }
+    if (!prediction_.propagate()) {
+        ruledOut_[observed] = modesOfViolated();
+        prediction_.undo(mark);
+        return false;
+    }
+    return true;
+}
+
+std::vector<Conflict> Scenario::conflicts() const
+{
+    if (!consistent_) {
+        return {modesOfViolated()};
+    }
+    std::vector<Conflict> conflicts;
+    conflicts.reserve(discrepancies_.size());
+    for (const AtomIndex observed : discrepancies_) {
+        const auto ruledOut = ruledOut_.find(observed);
+        conflicts.push_back(ruledOut == ruledOut_.end() ? modesAgainst(observed) : ruledOut->second);
+    }
+    return conflicts;
+}
+
+// Empty when it is commands that contradict one another.
+Conflict Scenario::modesOfViolated() const
+{
+    std::vector<AtomIndex> atoms;
+    if (prediction_.violated() >= 0) {
+        for (const PlantLiteral& literal : frame_.plant.clause(prediction_.violated())) {
+            atoms.push_back(literal.atom);
+        }
+    }
+    return prediction_.environment(atoms);
+}
+
+// The value's atom is false, or, before its variable's clauses are propagated, another value is true.
+Conflict Scenario::modesAgainst(AtomIndex value) const
+{
+    if (prediction_.isKnown(value)) {
+        return prediction_.environment({value});
+    }
+    const auto other = prediction_.valueOf(frame_.plant.variable(frame_.plant.variableOf(value)));
+    return prediction_.environment({other.value_or(value)});
+}
+
+std::vector<bool> suspectsOf(const Scenario& scenario, const std::vector<bool>& fixed,
+                             int faultBudget)
+{
+    const Plant& plant = scenario.frame().plant;
+    ModeFreedom freedom{fixed, std::vector<bool>(plant.variables().size(), false)};
+    for (const ModeStep& step : scenario.frame().modes) {
+        const auto index = static_cast<std::size_t>(step.variable);
+        freedom.free[index] = !fixed[index] && step.deviatesFreely();
+    }
+    return suspects(plant, scenario.conflicts(), freedom, faultBudget);
+}
+
+} // namespace monitor

@@ -1,0 +1,79 @@
+// A scenario: the prediction of a step under some assumed deviations, and what the observations say to it.
+//
+// The observations are taken in their order. One of a variable that nothing predicts is adopted: it becomes the
+// variable's label and is propagated before the next one is looked at. Any other is compared, and where another
+// value follows from the modes it is a discrepancy. What is adopted differs from scenario to scenario: a valve in an
+// unknown mode predicts no outflow, and the one that is measured is adopted.
+#pragma once
+
+#include "monitor/step/Suspects.h"
+
+namespace monitor {
+
+/// What is given for a step. Values are atoms of the plant, at most one of each variable.
+struct StepInput {
+    std::vector<AtomIndex> commands;
+    std::vector<AtomIndex> observations; ///< inputs and ambient values first: they are adopted in this order
+};
+
+/// Mode values other than predicted, sorted.
+using Deviations = std::vector<AtomIndex>;
+
+/// A step as far as it is known before anything is searched: what every scenario of it has in common.
+struct StepFrame {
+    const Plant& plant;
+    std::vector<AtomIndex> commands;
+    std::vector<AtomIndex> observations;
+    std::vector<ModeStep> modes; ///< by rising index of the variable
+
+    /// Requires a mode variable. Logarithmic.
+    const ModeStep& stepOf(VariableIndex variable) const;
+};
+
+/// What a step can do, from the labels before it.
+StepFrame makeFrame(const Plant& plant, const Prediction& before, const StepInput& input);
+
+/// Assumes the step's commands, the deviations, and what is predicted of every other mode, and draws all
+/// conclusions. False when they contradict one another.
+bool assumeStep(Prediction& labels, const StepFrame& frame, const Deviations& deviations);
+
+/// The labels under some deviations, and the observations that contradict them. The frame outlives it.
+class Scenario {
+public:
+    /// `deviations` in any order, at most one of each variable.
+    Scenario(const StepFrame& frame, Deviations deviations);
+
+    /// False when modes and commands contradict the laws. The observations are not looked at then.
+    bool consistent() const { return consistent_; }
+    /// True when every atom of the plant has a label.
+    bool complete() const { return prediction_.complete(); }
+    const Prediction& prediction() const { return prediction_; }
+    const Deviations& deviations() const { return deviations_; }
+    const StepFrame& frame() const { return frame_; }
+    /// Observed values whose atom is labelled "false", or, labelled "true", would violate a law.
+    const std::vector<AtomIndex>& discrepancies() const { return discrepancies_; }
+    /// For each discrepancy, the modes on which the contradicted label rests: not all of them are as assumed. For an
+    /// inconsistent scenario, the modes on which the contradiction rests.
+    std::vector<Conflict> conflicts() const;
+
+private:
+    void takeObservations();
+    bool adopt(AtomIndex observed);
+    Conflict modesOfViolated() const;
+    Conflict modesAgainst(AtomIndex value) const;
+
+    const StepFrame& frame_;
+    Deviations deviations_;
+    Prediction prediction_;
+    bool consistent_;
+    std::vector<AtomIndex> discrepancies_;
+    /// For discrepancies that were tried as labels, and taken back: the modes on which the violation rests.
+    std::unordered_map<AtomIndex, Conflict> ruledOut_;
+};
+
+/// For each variable, whether it may deviate from the scenario in an explanation with at most `faultBudget` further
+/// faults, the `fixed` variables keeping the scenario's values.
+std::vector<bool> suspectsOf(const Scenario& scenario, const std::vector<bool>& fixed,
+                             int faultBudget);
+
+} // namespace monitor

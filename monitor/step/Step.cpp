@@ -1,0 +1,82 @@
+#include "monitor/step/Step.h"
+
+#include "monitor/step/FaultSearch.h"
+#include "monitor/step/Judge.h"
+
+#include <algorithm>
+
+namespace monitor {
+
+namespace {
+
+StepStatus statusOf(const std::vector<Candidate>& candidates)
+{
+    if (candidates.empty()) {
+        return StepStatus::inconsistent;
+    }
+    if (candidates.front().modes.empty()) {
+        return StepStatus::nominal;
+    }
+    // Two of equal probability are ambiguous, whatever the last bit of their sum.
+    return candidates.front().probability > 0.5 + 1e-9 ? StepStatus::faulty : StepStatus::ambiguous;
+}
+
+} // namespace
+
+StepAnswer StepSolver::solve(const Prediction& before, const StepInput& input,
+                             const StepSettings& settings)
+{
+    const StepFrame frame = makeFrame(plant_, before, input);
+    FaultSearch search(engine_, frame, settings.limits, settings.recordsBeforeSplit);
+    search.run(settings.maxFaults);
+
+    Judgement judgement = judge(frame, search.found());
+
+    StepAnswer answer;
+    answer.discrepancies = Scenario(frame, {}).discrepancies();
+    answer.candidates = std::move(judgement.candidates);
+    answer.status = statusOf(answer.candidates);
+    answer.complete = search.complete() && judgement.sure;
+    answer.limit = search.limit();
+    answer.work = search.work();
+    return answer;
+}
+
+Prediction initialLabels(const Plant& plant)
+{
+    Prediction labels(plant);
+    for (const PlantVariable& variable : plant.variables()) {
+        const Atom* initial = variable.variable->initial;
+        if (initial) {
+            labels.assume(plant.indexOf(initial));
+        } else if (variable.isMode && !variable.values.empty()) {
+            labels.assume(variable.values.front());
+        }
+    }
+    return labels;
+}
+
+const char* name(StepStatus status)
+{
+    switch (status) {
+    case StepStatus::nominal: return "nominal";
+    case StepStatus::faulty: return "faulty";
+    case StepStatus::ambiguous: return "ambiguous";
+    case StepStatus::inconsistent: break;
+    }
+    return "inconsistent";
+}
+
+const char* name(SearchLimit limit)
+{
+    switch (limit) {
+    case SearchLimit::records: return "records";
+    case SearchLimit::candidates: return "candidates";
+    case SearchLimit::seconds: return "seconds";
+    case SearchLimit::stopped: return "interrupted";
+    case SearchLimit::none: break;
+    }
+    return "";
+}
+
+} // namespace monitor

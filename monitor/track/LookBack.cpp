@@ -1,0 +1,239 @@
+#include "monitor/track/LookBack.h"
+
+#include "model/StateFormula.h"
+#include "model/Transition.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace monitor {
+
+namespace {
+
+/// One deviation at a past step.
+struct Alternative {
+    std::size_t step; ///< index in the past
+    const Hypothesis* parent;
+    Deviations deviations;
+    std::vector<LossyCommand> lost;
+    /// What the parent's weight would be with the deviation in place of what is predicted; the rest of the steps is taken
+    /// to be as probable.
+    double estimate;
+};
+
+// The atoms, other than commands and values of the variable itself, on which transitions of a mode variable depend.
+std::vector<AtomIndex> guardAtoms(const Plant& plant, VariableIndex index)
+{
+    std::vector<AtomIndex> atoms;
+    const StateVar* variable = plant.variable(index).variable;
+    for (const Transition* transition : *variable->comp->transitions) {
+        if (transition->stateVar != variable || !transition->guard || !transition->guard->atoms) {
+            continue;
+        }
+        for (const auto& [polarity, atom] : *transition->guard->atoms) {
+            const AtomIndex number = plant.indexOf(atom);
+            const VariableIndex owner = plant.variableOf(number);
+            if (owner != index && !plant.variable(owner).isCommand) {
+                atoms.push_back(number);
+            }
+        }
+    }
+    return atoms;
+}
+
+// The mode variables on which the present contradictions rest, directly or through what the transitions of this step and
+// of earlier ones depended on.
+std::vector<bool> relevantVariables(const Successors& successors, const Plant& plant,
+                                    const std::deque<PastStep>& past,
+                                    const std::vector<HypothesisPointer>& now,
+                                    const TrackInput& present)
+{
+    std::vector<bool> relevant(plant.variables().size(), false);
+    std::vector<VariableIndex> open;
+    const auto reach = [&](VariableIndex variable) {
+        if (!relevant[static_cast<std::size_t>(variable)]) {
+            relevant[static_cast<std::size_t>(variable)] = true;
+            open.push_back(variable);
+        }
+    };
+    for (const HypothesisPointer& hypothesis : now) {
+        const StepFrame frame = successors.frame(*hypothesis, present, {});
+        for (const Conflict& conflict : Scenario(frame, {}).conflicts()) {
+            std::for_each(conflict.begin(), conflict.end(), reach);
+        }
+    }
+    while (!open.empty()) {
+        const std::vector<AtomIndex> atoms = guardAtoms(plant, open.back());
+        open.pop_back();
+        if (atoms.empty()) {
+            continue;
+        }
+        const auto reachThrough = [&](const HypothesisPointer& hypothesis) {
+            const StepLabels labels = hypothesis->labels.afresh();
+            const auto modes = labels.prediction().environment(atoms);
+            std::for_each(modes.begin(), modes.end(), reach);
+        };
+        std::for_each(now.begin(), now.end(), reachThrough);
+        for (const PastStep& step : past) {
+            std::for_each(step.before.begin(), step.before.end(), reachThrough);
+        }
+    }
+    return relevant;
+}
+
+class LookBack {
+public:
+    LookBack(Successors& successors, const std::deque<PastStep>& past, const TrackInput& present,
+             const LookBackSettings& settings)
+        : successors_(successors), past_(past), present_(present), settings_(settings)
+    {
+    }
+
+    LookBackResult run(const std::vector<bool>& relevant)
+    {
+        for (const Alternative& alternative : alternatives(relevant)) {
+            if (exhausted()) {
+                break;
+            }
+            take(alternative);
+        }
+        return std::move(result_);
+    }
+
+private:
+    std::vector<Alternative> alternatives(const std::vector<bool>& relevant) const
+    {
+        std::vector<Alternative> all;
+        for (std::size_t step = past_.size(); step-- > 0;) {
+            for (const HypothesisPointer& parent : past_[step].before) {
+                addAlternatives(step, *parent, relevant, all);
+            }
+        }
+        // Nearly equal ones stay in the order in which they are: the latest first.
+        const auto rough = [](const Alternative& one) { return std::round(one.estimate * 100.0); };
+        std::stable_sort(all.begin(), all.end(), [&](const Alternative& a, const Alternative& b) {
+            return rough(a) > rough(b);
+        });
+        return all;
+    }
+
+    void addAlternatives(std::size_t step, const Hypothesis& parent,
+                         const std::vector<bool>& relevant, std::vector<Alternative>& all) const
+    {
+        const TrackInput& input = past_[step].input;
+        const int budget = settings_.maxFaults - parent.faults;
+        const StepFrame frame = successors_.frame(parent, input, {});
+        for (const ModeStep& mode : frame.modes) {
+            if (!relevant[static_cast<std::size_t>(mode.variable)]) {
+                continue;
+            }
+            const double predicted = std::log(mode.option(mode.predicted)->probability);
+            for (const ModeOption& option : mode.options) {
+                if (option.value != mode.predicted && budget >= (option.fault ? 1 : 0)) {
+                    const double change = std::log(option.probability) - predicted;
+                    all.push_back({step, &parent, {option.value}, {}, parent.logWeight + change});
+                }
+            }
+        }
+        for (const LossyCommand& command : input.lossy) {
+            if (budget >= 1) {
+                const double change =
+                    std::log(command.probability) - std::log(1.0 - command.probability);
+                all.push_back({step, &parent, {}, {command}, parent.logWeight + change});
+            }
+        }
+    }
+
+    void take(const Alternative& alternative)
+    {
+        ++result_.work.records;
+        auto made = successors_.deviating(*alternative.parent, past_[alternative.step].input,
+                                          alternative.deviations, alternative.lost);
+        if (made) {
+            made->logWeight -= past_[alternative.step].logScale;
+            follow(alternative.step, {std::move(*made)});
+        }
+    }
+
+    // Replays what came after the last step of the way.
+    void follow(std::size_t begin, std::vector<Hypothesis> way)
+    {
+        while (begin + way.size() <= past_.size()) {
+            const std::size_t next = begin + way.size();
+            const TrackInput& input = next < past_.size() ? past_[next].input : present_;
+            const double scale = next < past_.size() ? past_[next].logScale : 0.0;
+            ++result_.work.records;
+            Hypothesis made = successors_.predicted(way.back(), input);
+            if (!successors_.explains(made)) {
+                if (settings_.searchOn) {
+                    fork(begin, way, input, scale);
+                }
+                return;
+            }
+            made.logWeight -= scale;
+            way.push_back(std::move(made));
+        }
+        ++result_.work.candidates;
+        result_.found.push_back({begin, std::move(way)});
+    }
+
+    void fork(std::size_t begin, const std::vector<Hypothesis>& way, const TrackInput& input,
+              double scale)
+    {
+        SuccessorSearch search =
+            successors_.search(way.back(), input, settings_.maxFaults - way.back().faults,
+                               remaining(settings_.limits, result_.work, start_));
+        search.work.candidates = 0; // those that can be followed to the present count
+        add(result_.work, search.work);
+        result_.complete = result_.complete && search.complete;
+        if (search.limit != SearchLimit::none) {
+            result_.limit = search.limit;
+        }
+        for (Hypothesis& found : search.found) {
+            if (exhausted()) {
+                return;
+            }
+            found.logWeight -= scale;
+            std::vector<Hypothesis> longer = way;
+            longer.push_back(std::move(found));
+            follow(begin, std::move(longer));
+        }
+    }
+
+    bool exhausted()
+    {
+        const SearchLimits left = remaining(settings_.limits, result_.work, start_);
+        if (left.stop && *left.stop) {
+            result_.limit = SearchLimit::stopped;
+        } else if (left.maxRecords == 0) {
+            result_.limit = SearchLimit::records;
+        } else if (left.maxCandidates == 0) {
+            result_.limit = SearchLimit::candidates;
+        } else if (left.maxSeconds <= 0.0) {
+            result_.limit = SearchLimit::seconds;
+        }
+        result_.complete = result_.complete && result_.limit == SearchLimit::none;
+        return result_.limit != SearchLimit::none;
+    }
+
+    Successors& successors_;
+    const std::deque<PastStep>& past_;
+    const TrackInput& present_;
+    const LookBackSettings& settings_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    LookBackResult result_;
+};
+
+} // namespace
+
+LookBackResult lookBack(Successors& successors, const Plant& plant,
+                        const std::deque<PastStep>& past, const std::vector<HypothesisPointer>& now,
+                        const TrackInput& present, const LookBackSettings& settings)
+{
+    const std::vector<bool> relevant =
+        settings.searchOn ? std::vector<bool>(plant.variables().size(), true)
+                          : relevantVariables(successors, plant, past, now, present);
+    return LookBack(successors, past, present, settings).run(relevant);
+}
+
+} // namespace monitor

@@ -1,0 +1,54 @@
+// Going back: faults that happened at earlier steps and show only now.
+//
+// A valve that got stuck while nothing was asked of it agrees with every reading until it is told to move. The monitor keeps
+// the last steps, and what was believed before each of them. When a step is not predicted, each deviation that would have
+// gone unnoticed at one of these steps is an alternative: it is taken up there, and the steps since are replayed with it.
+// The most probable alternatives come first. An alternative is one deviation or one lost command: two silent faults are
+// found when they show one after the other, not when both show at the same step for the first time.
+#pragma once
+
+#include "monitor/track/Successors.h"
+
+#include <deque>
+
+namespace monitor {
+
+/// A step that is over.
+struct PastStep {
+    TrackInput input;
+    std::vector<HypothesisPointer> before; ///< what was believed before it
+    double logScale =
+        0.0; ///< what the weights of the hypotheses after it were scaled by: subtracted
+};
+
+/// A way that deviates at an earlier step.
+struct Replay {
+    std::size_t begin = 0; ///< index of the past step at which it deviates
+    std::vector<Hypothesis>
+        way; ///< after that step, and after each since; the last one is after the present step
+};
+
+struct LookBackResult {
+    std::vector<Replay> found;
+    bool complete =
+        true; ///< all alternatives were tried, and what was searched on the way was searched to its end
+    SearchLimit limit = SearchLimit::none;
+    SearchWork work; ///< every replayed step is a record, every way that is found a candidate
+};
+
+struct LookBackSettings {
+    int maxFaults = 0; ///< along the whole trajectory
+    SearchLimits limits;
+    /// Whether a step that the alternative does not predict is searched in turn: for the case that nothing else explains
+    /// the present step.
+    bool searchOn = false;
+};
+
+/// Takes up the alternatives of the past steps (oldest first in `past`) that explain these and the present step. `now` is
+/// what is believed before the present step, and contradicted by it. The weights of what it finds compare with those
+/// of successors of `now`. Without `searchOn` only those variables are tried on which a contradiction rests.
+LookBackResult lookBack(Successors& successors, const Plant& plant,
+                        const std::deque<PastStep>& past, const std::vector<HypothesisPointer>& now,
+                        const TrackInput& present, const LookBackSettings& settings);
+
+} // namespace monitor

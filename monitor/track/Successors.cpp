@@ -1,0 +1,223 @@
+#include "monitor/track/Successors.h"
+
+#include "monitor/labels/Completion.h"
+#include "monitor/step/Judge.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace monitor {
+
+namespace {
+
+constexpr std::size_t mostLostAtOnce = 2;
+
+bool contains(const std::vector<LossyCommand>& commands, const LossyCommand& command)
+{
+    return std::any_of(commands.begin(), commands.end(),
+                       [&](const LossyCommand& other) { return other.given == command.given; });
+}
+
+double logArrivals(const TrackInput& input, const std::vector<LossyCommand>& lost)
+{
+    double sum = 0.0;
+    for (const LossyCommand& command : input.lossy) {
+        sum += std::log(contains(lost, command) ? command.probability : 1.0 - command.probability);
+    }
+    return sum;
+}
+
+// A value is remembered from the step at which it came unexpectedly, until the variable changes as expected. That it is
+// still there against what is expected makes it no newer.
+void updateSince(Hypothesis& made, const Plant& plant, const ModeStep& expected, AtomIndex value,
+                 const TrackInput& input)
+{
+    const auto known = made.since.find(expected.variable);
+    if (known != made.since.end() && known->second.value == value) {
+        return;
+    }
+    if (value != expected.predicted) {
+        made.since[expected.variable] = {value, input.step, input.t};
+    } else if (value != expected.before) {
+        made.since.erase(expected.variable);
+        if (plant.atom(value)->fail) {
+            made.since[expected.variable] = {value, input.step, input.t};
+        }
+    }
+}
+
+// All sets of lossy commands of a size, each in the order of the commands.
+std::vector<std::vector<LossyCommand>> lostSets(const std::vector<LossyCommand>& lossy,
+                                                std::size_t size)
+{
+    if (size == 0) {
+        return {{}};
+    }
+    std::vector<std::vector<LossyCommand>> sets;
+    for (std::size_t last = 0; last < lossy.size(); ++last) {
+        const std::vector<LossyCommand> before(lossy.begin(),
+                                               lossy.begin() + static_cast<std::ptrdiff_t>(last));
+        for (std::vector<LossyCommand>& set : lostSets(before, size - 1)) {
+            set.push_back(lossy[last]);
+            sets.push_back(std::move(set));
+        }
+    }
+    return sets;
+}
+
+struct Explained {
+    std::vector<LossyCommand> lost;
+    Deviations deviations; ///< sorted
+};
+
+// Whether the one explains with less than the other: a part of its lost commands, and no further deviation.
+bool isSmaller(const Explained& one, const Explained& other)
+{
+    return one.lost.size() < other.lost.size() &&
+           std::all_of(one.lost.begin(), one.lost.end(),
+                       [&](const LossyCommand& lost) { return contains(other.lost, lost); }) &&
+           std::includes(other.deviations.begin(), other.deviations.end(), one.deviations.begin(),
+                         one.deviations.end());
+}
+
+} // namespace
+
+StepFrame frameAfter(const Plant& plant, const Hypothesis& parent, const TrackInput& input,
+                     const std::vector<LossyCommand>& lost)
+{
+    StepInput values = input.values;
+    for (const LossyCommand& command : lost) {
+        std::replace(values.commands.begin(), values.commands.end(), command.given,
+                     command.fallback);
+    }
+    return makeFrame(plant, parent.labels.prediction(), values);
+}
+
+// Nothing when a mode cannot be had at this step.
+std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const TrackInput& input,
+                                           const StepFrame& frame, const Deviations& deviations,
+                                           const std::vector<LossyCommand>& lost) const
+{
+    Hypothesis made{parent.labels, {}, 0.0, 0.0, parent.faults, parent.since, {}, {}};
+    const std::vector<AtomIndex> assumptions = assumptionsOf(frame, deviations);
+    made.labels.take(assumptions, frame.observations);
+    made.modes.assign(assumptions.begin() + static_cast<std::ptrdiff_t>(frame.commands.size()),
+                      assumptions.end());
+    const auto weighed = weigh(frame, deviations, made.labels.logLikelihood());
+    if (!weighed) {
+        return std::nullopt;
+    }
+    made.logStep = weighed->logProbability + logArrivals(input, lost);
+    made.logWeight = parent.logWeight + made.logStep;
+    made.faults += weighed->faults + static_cast<int>(lost.size());
+    made.unexplained = made.labels.contradicted();
+    for (const LossyCommand& command : lost) {
+        made.lost.push_back(command.given);
+    }
+    const auto update = [&](const std::vector<ModeStep>& expected) {
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            updateSince(made, plant_, expected[i], made.modes[i], input);
+        }
+    };
+    if (lost.empty()) {
+        update(frame.modes);
+    } else {
+        update(this->frame(parent, input, {}).modes);
+    }
+    return made;
+}
+
+Hypothesis Successors::predicted(const Hypothesis& parent, const TrackInput& input) const
+{
+    return *make(parent, input, frame(parent, input, {}), {}, {});
+}
+
+bool Successors::explains(const Hypothesis& predicted) const
+{
+    const Prediction& labels = predicted.labels.prediction();
+    return predicted.explains() && std::isfinite(predicted.logStep) &&
+           (labels.complete() || completionOf(plant_, labels) == Completion::possible);
+}
+
+std::optional<Hypothesis> Successors::deviating(const Hypothesis& parent, const TrackInput& input,
+                                                const Deviations& deviations,
+                                                const std::vector<LossyCommand>& lost) const
+{
+    auto made = make(parent, input, frame(parent, input, lost), deviations, lost);
+    return made && explains(*made) ? made : std::nullopt;
+}
+
+SuccessorSearch Successors::search(const Hypothesis& parent, const TrackInput& input,
+                                   int faultBudget, const SearchLimits& limits)
+{
+    const auto start = std::chrono::steady_clock::now();
+    SuccessorSearch result;
+    std::vector<Explained> smallest;
+    const auto budget = static_cast<std::size_t>(std::max(0, faultBudget));
+    for (std::size_t count = 0; count <= std::min(budget, mostLostAtOnce); ++count) {
+        for (const std::vector<LossyCommand>& lost : lostSets(input.lossy, count)) {
+            if (!std::isfinite(logArrivals(input, lost))) {
+                continue;
+            }
+            const StepFrame tried = frame(parent, input, lost);
+            FaultSearch search(engine_, tried, remaining(limits, result.work, start),
+                               recordsBeforeSplit);
+            search.run(static_cast<int>(budget - count));
+            const Judgement judgement = judge(tried, search.found());
+            add(result.work, search.work());
+            result.complete = result.complete && search.complete() && judgement.sure;
+            if (search.limit() != SearchLimit::none) {
+                result.limit = search.limit();
+            }
+            for (const Candidate& candidate : judgement.candidates) {
+                Explained explained{lost, candidate.modes};
+                std::sort(explained.deviations.begin(), explained.deviations.end());
+                if (std::none_of(smallest.begin(), smallest.end(), [&](const Explained& other) {
+                        return isSmaller(other, explained);
+                    })) {
+                    result.found.push_back(*make(parent, input, tried, candidate.modes, lost));
+                    smallest.push_back(std::move(explained));
+                }
+            }
+        }
+    }
+    if (result.found.empty() && std::min(budget, input.lossy.size()) > mostLostAtOnce) {
+        result.complete = false;
+    }
+    return result;
+}
+
+std::vector<LossyCommand> lossyCommands(const Plant& plant, const plant::Bindings& bindings,
+                                        const std::vector<AtomIndex>& given)
+{
+    std::vector<LossyCommand> lossy;
+    for (const AtomIndex command : given) {
+        const PlantVariable& variable = plant.variable(plant.variableOf(command));
+        const auto lost = bindings.lost.find(variable.variable);
+        const AtomIndex fallback = variable.values.front();
+        if (lost != bindings.lost.end() && lost->second > 0.0 && command != fallback) {
+            lossy.push_back({command, fallback, lost->second});
+        }
+    }
+    return lossy;
+}
+
+Hypothesis initialHypothesis(const Plant& plant)
+{
+    const Prediction labels = initialLabels(plant);
+    Hypothesis made{StepLabels(plant, labels), {}, 0.0, 0.0, 0, {}, {}, {}};
+    for (std::size_t i = 0; i < plant.variables().size(); ++i) {
+        const PlantVariable& variable = plant.variables()[i];
+        if (!variable.isMode || variable.values.empty()) {
+            continue;
+        }
+        const AtomIndex value = *labels.valueOf(variable);
+        made.modes.push_back(value);
+        if (plant.atom(value)->fail) {
+            made.since[static_cast<VariableIndex>(i)] = {value, 0, 0.0};
+        }
+    }
+    return made;
+}
+
+} // namespace monitor

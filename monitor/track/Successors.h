@@ -1,0 +1,86 @@
+// What may become of a hypothesis in one step.
+//
+// Without a contradiction it is what is predicted. Otherwise the step is searched for the smallest sets of deviating modes
+// that explain it, once with all commands and once for each set of commands that may have been lost.
+//
+// The probability of a step under a hypothesis is the product, over the mode variables, of the transition taken (of
+// staying: what the enabled transitions leave), times that of each lossy command to be lost or not, times the
+// likelihood of the observations (monitor/step/Step.h). Along time the products multiply: the probability of a trajectory of
+// a hidden Markov model (L. R. Rabiner, "A tutorial on hidden Markov models and selected applications in speech
+// recognition", Proceedings of the IEEE 77 (1989)), whose states are the modes.
+#pragma once
+
+#include "monitor/step/Budget.h"
+#include "monitor/step/Step.h"
+#include "monitor/track/Hypothesis.h"
+#include "plant/Bindings.h"
+
+#include <optional>
+
+namespace monitor {
+
+/// The explanations of a step that one hypothesis leads to.
+struct SuccessorSearch {
+    std::vector<Hypothesis> found; ///< most probable first within the same lost commands
+    /// No other explanation within the bound is as small. False as well where nothing was found, and with more than two
+    /// lost commands something might have been: so many at once are not tried.
+    bool complete = true;
+    SearchLimit limit = SearchLimit::none;
+    SearchWork work;
+};
+
+/// What the step can do after the parent, when these commands are lost.
+StepFrame frameAfter(const Plant& plant, const Hypothesis& parent, const TrackInput& input,
+                     const std::vector<LossyCommand>& lost);
+
+class Successors {
+public:
+    /// Records after which a search by the engine is taken apart (monitor/step/FaultSearch.h); the answer is the same with any
+    /// number. Along time there are several hypotheses to search from, most of them with faults already, and conflicts of
+    /// few modes: the engine's searches that end at all end early.
+    static constexpr std::uint64_t recordsBeforeSplit = 100;
+
+    /// Engine and plant outlive it.
+    Successors(itms& engine, const Plant& plant) : engine_(engine), plant_(plant) {}
+
+    /// The step as it is expected: every mode follows its nominal transition or stays, and every command arrives. What
+    /// contradicts that is listed as unexplained, and does not count in the likelihood.
+    Hypothesis predicted(const Hypothesis& parent, const TrackInput& input) const;
+
+    /// Whether what is predicted explains the step: nothing contradicts it, what it leaves open can have values, and it is
+    /// not impossible (as where a command arrives that never does).
+    bool explains(const Hypothesis& predicted) const;
+
+    /// The step with other modes than expected. Nothing when they cannot be had, or do not explain the observations.
+    std::optional<Hypothesis> deviating(const Hypothesis& parent, const TrackInput& input,
+                                        const Deviations& deviations,
+                                        const std::vector<LossyCommand>& lost) const;
+
+    /// The smallest explanations with at most `faultBudget` faults and lost commands more. The limits are for all of it.
+    SuccessorSearch search(const Hypothesis& parent, const TrackInput& input, int faultBudget,
+                           const SearchLimits& limits);
+
+    /// What frameAfter() says of this plant.
+    StepFrame frame(const Hypothesis& parent, const TrackInput& input,
+                    const std::vector<LossyCommand>& lost) const
+    {
+        return frameAfter(plant_, parent, input, lost);
+    }
+
+private:
+    std::optional<Hypothesis> make(const Hypothesis& parent, const TrackInput& input,
+                                   const StepFrame& frame, const Deviations& deviations,
+                                   const std::vector<LossyCommand>& lost) const;
+
+    itms& engine_;
+    const Plant& plant_;
+};
+
+/// Those among the given commands that may be lost, and are not what their variable has without a command anyway.
+std::vector<LossyCommand> lossyCommands(const Plant& plant, const plant::Bindings& bindings,
+                                        const std::vector<AtomIndex>& given);
+
+/// The hypothesis before the first step: initial modes, and initial conditions where there are any.
+Hypothesis initialHypothesis(const Plant& plant);
+
+} // namespace monitor

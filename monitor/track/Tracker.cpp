@@ -1,0 +1,315 @@
+#include "monitor/track/Tracker.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+
+namespace monitor {
+
+namespace {
+
+// What is found in a step: a hypothesis, and the steps that were replayed on its way.
+struct Found {
+    Hypothesis hypothesis;
+    std::size_t begin = 0; ///< index of the past step after which `replayed` begins
+    std::vector<Hypothesis> replayed;
+};
+
+double logOfSum(double a, double b)
+{
+    const double larger = std::max(a, b);
+    return larger + std::log1p(std::exp(std::min(a, b) - larger));
+}
+
+// Two that are equally probable but for the last bits.
+double rounded(double logWeight)
+{
+    return std::round(logWeight * 1e9);
+}
+
+std::vector<std::string> names(const Plant& plant, const std::vector<AtomIndex>& atoms)
+{
+    std::vector<std::string> names;
+    for (const AtomIndex atom : atoms) {
+        names.push_back(plant.atom(atom)->id);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+// By the names of what differs, where that is the same by those of the modes.
+bool isBeforeByName(const Plant& plant, const Hypothesis& a, const Hypothesis& b)
+{
+    const auto differing = [&](const Hypothesis& hypothesis) {
+        std::vector<AtomIndex> atoms = hypothesis.lost;
+        for (const auto& [variable, since] : hypothesis.since) {
+            atoms.push_back(since.value);
+        }
+        return names(plant, atoms);
+    };
+    const auto namesOfA = differing(a);
+    const auto namesOfB = differing(b);
+    return namesOfA != namesOfB ? namesOfA < namesOfB
+                                : names(plant, a.modes) < names(plant, b.modes);
+}
+
+} // namespace
+
+const char* name(TrackStatus status)
+{
+    switch (status) {
+    case TrackStatus::nominal: return "nominal";
+    case TrackStatus::faulty: return "faulty";
+    case TrackStatus::ambiguous: return "ambiguous";
+    case TrackStatus::stale: return "stale";
+    case TrackStatus::inconsistent: break;
+    }
+    return "inconsistent";
+}
+
+/// One step of a tracker.
+class Tracker::Step {
+public:
+    Step(Tracker& tracker, const TrackInput& input)
+        : tracker_(tracker), input_(input), answer_(tracker.answer_)
+    {
+    }
+
+    void run()
+    {
+        answer_ = {};
+        answer_.step = input_.step;
+        answer_.t = input_.t;
+        answer_.before = tracker_.memory_.hypotheses;
+        succeed();
+        if (predicted_ < 0.5 - 1e-9) {
+            goBack();
+        }
+        const bool explained = !found_.empty();
+        if (!explained) {
+            goOn();
+        }
+        merge();
+        rank();
+        const double logScale = keep();
+        answer_.status = status(explained);
+        finish(logScale);
+    }
+
+private:
+    SearchLimits left() const { return remaining(tracker_.settings_.limits, answer_.work, start_); }
+
+    // What becomes of each kept hypothesis.
+    void succeed()
+    {
+        for (std::size_t i = 0; i < answer_.before.size(); ++i) {
+            const HypothesisPointer& parent = answer_.before[i];
+            Hypothesis made = tracker_.successors_.predicted(*parent, input_);
+            if (tracker_.successors_.explains(made)) {
+                predicted_ += std::exp(parent->logWeight);
+                predictedModes_.insert(made.modes);
+                found_.push_back({std::move(made), 0, {}});
+                continue;
+            }
+            answer_.contradicted.push_back(i);
+            contradicted_.push_back(std::move(made));
+            SuccessorSearch search = tracker_.successors_.search(
+                *parent, input_, tracker_.settings_.maxFaults - parent->faults, left());
+            note(search.complete, search.limit, search.work);
+            for (Hypothesis& hypothesis : search.found) {
+                found_.push_back({std::move(hypothesis), 0, {}});
+            }
+        }
+    }
+
+    void goBack()
+    {
+        if (tracker_.memory_.past.empty()) {
+            return;
+        }
+        answer_.wentBack = true;
+        LookBackSettings settings{tracker_.settings_.maxFaults, left(), false};
+        takeUp(lookBack(tracker_.successors_, tracker_.plant_, tracker_.memory_.past,
+                        tracker_.memory_.hypotheses, input_, settings));
+        if (found_.empty()) {
+            settings.limits = left();
+            settings.searchOn = true;
+            takeUp(lookBack(tracker_.successors_, tracker_.plant_, tracker_.memory_.past,
+                            tracker_.memory_.hypotheses, input_, settings));
+        }
+    }
+
+    void takeUp(LookBackResult result)
+    {
+        note(result.complete, result.limit, result.work);
+        for (Replay& replay : result.found) {
+            if (predictedModes_.contains(replay.way.back().modes)) {
+                continue; // may be how this hypothesis came about, which counts already
+            }
+            Hypothesis last = std::move(replay.way.back());
+            replay.way.pop_back();
+            found_.push_back({std::move(last), replay.begin, std::move(replay.way)});
+        }
+    }
+
+    // Nothing explains the step, so every hypothesis is contradicted: the predictions stand, without what contradicts them.
+    void goOn()
+    {
+        for (std::size_t i = 0; i < contradicted_.size(); ++i) {
+            Hypothesis& hypothesis = contradicted_[i];
+            if (!std::isfinite(hypothesis.logWeight)) {
+                hypothesis.logWeight = tracker_.memory_.hypotheses[i]->logWeight;
+            }
+            if (!hypothesis.labels.consistent()) {
+                Prediction modes(tracker_.plant_);
+                for (const AtomIndex mode : hypothesis.modes) {
+                    modes.assume(mode);
+                }
+                hypothesis.labels = StepLabels(tracker_.plant_, modes);
+                hypothesis.unexplained = input_.values.observations;
+            }
+            found_.push_back({std::move(hypothesis), 0, {}});
+        }
+    }
+
+    // One hypothesis for the same modes; the most probable way stays, of nearly equal ones the first: that is the one in
+    // which the fault is youngest. It may be older, but nothing tells.
+    void merge()
+    {
+        std::map<std::vector<AtomIndex>, std::size_t> known;
+        std::vector<Found> merged;
+        for (Found& found : found_) {
+            const auto [entry, isNew] = known.emplace(found.hypothesis.modes, merged.size());
+            if (isNew) {
+                merged.push_back(std::move(found));
+                best_.push_back(merged.back().hypothesis.logWeight);
+                continue;
+            }
+            const std::size_t index = entry->second;
+            const double own = found.hypothesis.logWeight;
+            const double sum = logOfSum(merged[index].hypothesis.logWeight, own);
+            constexpr double nearly = 0.01;
+            if (own > best_[index] + nearly) {
+                best_[index] = own;
+                merged[index] = std::move(found);
+            }
+            merged[index].hypothesis.logWeight = sum;
+        }
+        found_ = std::move(merged);
+    }
+
+    void rank()
+    {
+        for (Found& found : found_) {
+            order_.push_back(&found);
+        }
+        std::stable_sort(order_.begin(), order_.end(), [this](const Found* a, const Found* b) {
+            const double left = rounded(a->hypothesis.logWeight);
+            const double right = rounded(b->hypothesis.logWeight);
+            if (left != right) {
+                return left > right;
+            }
+            return isBeforeByName(tracker_.plant_, a->hypothesis, b->hypothesis);
+        });
+        if (order_.size() > tracker_.settings_.keep) {
+            answer_.dropped = order_.size() - tracker_.settings_.keep;
+            order_.resize(tracker_.settings_.keep);
+        }
+    }
+
+    // Scales the weights of those that are kept so that their probabilities add up to 1.
+    double keep()
+    {
+        double logScale = order_.front()->hypothesis.logWeight;
+        for (std::size_t i = 1; i < order_.size(); ++i) {
+            logScale = logOfSum(logScale, order_[i]->hypothesis.logWeight);
+        }
+        for (Found* found : order_) {
+            found->hypothesis.logWeight -= logScale;
+            answer_.probabilities.push_back(std::exp(found->hypothesis.logWeight));
+            answer_.hypotheses.push_back(
+                std::make_shared<const Hypothesis>(std::move(found->hypothesis)));
+        }
+        return logScale;
+    }
+
+    TrackStatus status(bool explained) const
+    {
+        if (!explained) {
+            return TrackStatus::inconsistent;
+        }
+        if (input_.values.observations.empty()) {
+            return TrackStatus::stale;
+        }
+        if (answer_.probabilities.front() <= 0.5 + 1e-9) {
+            return TrackStatus::ambiguous;
+        }
+        return answer_.hypotheses.front()->differs() ? TrackStatus::faulty : TrackStatus::nominal;
+    }
+
+    // Remembers the step, and for the steps that were gone back to what is believed of them now.
+    void finish(double logScale)
+    {
+        TrackMemory& memory = tracker_.memory_;
+        for (Found* found : order_) {
+            for (std::size_t i = 0; i < found->replayed.size(); ++i) {
+                const std::size_t after = found->begin + i + 1;
+                auto replayed = std::make_shared<const Hypothesis>(std::move(found->replayed[i]));
+                auto& believed =
+                    after < memory.past.size() ? memory.past[after].before : memory.hypotheses;
+                addBelieved(believed, std::move(replayed));
+            }
+        }
+        memory.past.push_back({input_, std::move(memory.hypotheses), logScale});
+        memory.hypotheses = answer_.hypotheses;
+        while (memory.past.size() > tracker_.settings_.lookBack) {
+            memory.past.pop_front();
+        }
+    }
+
+    void addBelieved(std::vector<HypothesisPointer>& believed, HypothesisPointer hypothesis)
+    {
+        const bool known =
+            std::any_of(believed.begin(), believed.end(), [&](const HypothesisPointer& other) {
+                return other->modes == hypothesis->modes;
+            });
+        if (!known && believed.size() < 2 * tracker_.settings_.keep) {
+            believed.push_back(std::move(hypothesis));
+        }
+    }
+
+    void note(bool complete, SearchLimit limit, const SearchWork& work)
+    {
+        answer_.complete = answer_.complete && complete;
+        if (limit != SearchLimit::none) {
+            answer_.limit = limit;
+        }
+        add(answer_.work, work);
+    }
+
+    Tracker& tracker_;
+    const TrackInput& input_;
+    TrackAnswer& answer_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    double predicted_ =
+        0.0; ///< what the kept hypotheses that predict the step had of the probability before it
+    std::set<std::vector<AtomIndex>> predictedModes_;
+    std::vector<Found> found_;
+    std::vector<double> best_; ///< the weight of the most probable way of each of `found_`
+    std::vector<Found*> order_;
+    std::vector<Hypothesis> contradicted_;
+};
+
+Tracker::Tracker(itms& engine, const Plant& plant, const TrackSettings& settings)
+    : plant_(plant), settings_(settings), successors_(engine, plant)
+{
+    memory_.hypotheses.push_back(std::make_shared<const Hypothesis>(initialHypothesis(plant)));
+}
+
+const TrackAnswer& Tracker::advance(const TrackInput& input)
+{
+    Step(*this, input).run();
+    return answer_;
+}
+
+} // namespace monitor

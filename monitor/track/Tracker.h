@@ -1,0 +1,85 @@
+// Explanations along time: keeps the most plausible hypotheses of everything seen so far, step by step.
+//
+//     Tracker tracker(engine, plant, {.maxFaults = 2});
+//     while (more) { const TrackAnswer& answer = tracker.advance(input); ... }
+//
+// Every kept hypothesis is predicted; one that contradicts the observations is replaced by its smallest explanations
+// (monitor/track/Successors.h). When those that predict the step had less than half of the probability before it, earlier steps
+// are gone back to as well (monitor/track/LookBack.h): that some unlikely hypothesis predicts anything does not keep better
+// explanations from being looked for. Ways that lead to the same modes are one hypothesis, whose probabilities add up. The
+// most probable ones go on.
+#pragma once
+
+#include "monitor/track/LookBack.h"
+
+namespace monitor {
+
+struct TrackSettings {
+    int maxFaults =
+        3; ///< faults and lost commands along the trajectory of a hypothesis, >= 0; more finds more, and costs
+    std::size_t keep = 8; ///< hypotheses kept after a step, at least 1
+    std::size_t lookBack =
+        10; ///< steps that may be gone back to, 0 for none; each keeps its hypotheses in memory
+    SearchLimits limits = {}; ///< of each step; replayed steps count as records
+};
+
+enum class TrackStatus {
+    nominal, ///< the best hypothesis has more than half of the probability, and nothing is wrong in it
+    faulty,       ///< the same, and something is
+    ambiguous,    ///< no hypothesis has more than half of it
+    inconsistent, ///< nothing explains the observations within the bound on faults; predictions go on
+    stale         ///< nothing was observed at this step: predictions only
+};
+
+/// The name of a status: "nominal", "faulty", "ambiguous", "inconsistent", "stale".
+const char* name(TrackStatus status);
+
+struct TrackAnswer {
+    std::size_t step = 0;
+    double t = 0.0; ///< seconds
+    TrackStatus status = TrackStatus::nominal;
+    bool complete = true; ///< no search was cut and none left something open
+    SearchLimit limit = SearchLimit::none;
+    std::vector<HypothesisPointer> before; ///< that were kept before the step
+    std::vector<std::size_t>
+        contradicted; ///< indices in `before`: what they predict does not explain the step
+    std::vector<HypothesisPointer> hypotheses; ///< that are kept, most probable first
+    std::vector<double> probabilities;         ///< of these; they add up to 1
+    std::size_t dropped = 0;                   ///< hypotheses beyond those that are kept
+    bool wentBack = false;                     ///< earlier steps were gone back to
+    SearchWork work;
+};
+
+/// What a tracker remembers between steps; enough to go on elsewhere with the same model.
+struct TrackMemory {
+    std::vector<HypothesisPointer> hypotheses;
+    std::deque<PastStep> past; ///< oldest first
+};
+
+class Tracker {
+public:
+    /// Engine (set up over the plant) and plant outlive the tracker.
+    Tracker(itms& engine, const Plant& plant, const TrackSettings& settings);
+
+    /// Takes a step. Nothing is thrown for what contradicts the model: that is an answer. Memory and time of a step
+    /// do not grow with the number of steps taken.
+    const TrackAnswer& advance(const TrackInput& input);
+
+    /// The latest answer.
+    const TrackAnswer& answer() const { return answer_; }
+
+    const TrackMemory& memory() const { return memory_; }
+    /// Goes on from a memory of a tracker of the same plant.
+    void restore(TrackMemory memory) { memory_ = std::move(memory); }
+
+private:
+    class Step;
+
+    const Plant& plant_;
+    TrackSettings settings_;
+    Successors successors_;
+    TrackMemory memory_;
+    TrackAnswer answer_;
+};
+
+} // namespace monitor

@@ -1,0 +1,59 @@
+// How readings and commands of the outside world become values of a plant's variables. Kept beside the model: the engine needs
+// none of it.
+#pragma once
+
+#include "model/Atom.h"
+#include "model/StateVar.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace plant {
+
+/// `low < 1.2 <= nominal <= 4.5 < high within 0.05`: from the lowest value to the highest, one limit between neighbours.
+struct ThresholdTable {
+    struct Limit {
+        double number = 0;
+        bool belongsAbove = true; ///< the number itself is read as the higher value
+    };
+    std::vector<Atom*> values;
+    std::vector<Limit> limits;
+    double hysteresis = 0; ///< how far past a limit a reading has to be to leave the last value
+};
+
+/// `open = 1, close = "CLOSE", none otherwise`.
+struct ReadingTable {
+    std::vector<std::pair<std::variant<double, std::string>, Atom*>> readings;
+    Atom* otherwise = nullptr; ///< null: any other reading is an error of the data
+};
+
+/// One observed or commanded variable.
+struct ChannelBinding {
+    enum class Kind { observation, command };
+
+    Kind kind = Kind::observation;
+    std::string channel; ///< the variable's own name, COMPONENT.VARIABLE, where none is given
+    StateVar* variable = nullptr;
+    std::variant<std::monostate, ThresholdTable, ReadingTable>
+        translation;                   ///< none: the channel has the names of values
+    std::optional<double> holdSeconds; ///< how long the last reading stands for a missing one
+
+    /// The value that a number is read as, null if none; `last` is the value before, null if none.
+    Atom* read(double number, const Atom* last = nullptr) const;
+    /// The same for a text: one that is mapped, or else the name of a value.
+    Atom* read(std::string_view text) const;
+};
+
+/// All that a model file says about a plant beyond its model.
+struct Bindings {
+    double stepSeconds = 1; ///< the length of a step
+    std::vector<ChannelBinding> channels;
+    std::unordered_map<const StateVar*, double> lost; ///< that a command does not arrive
+};
+
+} // namespace plant

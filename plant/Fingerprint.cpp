@@ -1,0 +1,154 @@
+#include "plant/Fingerprint.h"
+
+#include "model/StateFormula.h"
+#include "model/Transition.h"
+
+#include <bit>
+#include <cstdint>
+
+namespace plant {
+
+namespace {
+
+class Hash {
+public:
+    void add(std::string_view text)
+    {
+        for (const char c : text) {
+            value_ = (value_ ^ static_cast<unsigned char>(c)) * prime;
+        }
+        value_ = (value_ ^ 0xffU) * prime; // no byte of UTF-8: where the text ends
+    }
+    void add(std::uint64_t number)
+    {
+        for (int shift = 0; shift < 64; shift += 8) {
+            value_ = (value_ ^ ((number >> shift) & 0xffU)) * prime;
+        }
+    }
+    void add(double number) { add(std::bit_cast<std::uint64_t>(number)); }
+
+    std::string text() const
+    {
+        static constexpr char digits[] = "0123456789abcdef";
+        std::string text;
+        for (int shift = 60; shift >= 0; shift -= 4) {
+            text += digits[(value_ >> shift) & 0xfU];
+        }
+        return text;
+    }
+
+private:
+    static constexpr std::uint64_t prime = 1099511628211U;
+    std::uint64_t value_ = 14695981039346656037U;
+};
+
+std::uint64_t number(std::size_t count)
+{
+    return count;
+}
+
+void add(Hash& hash, const Plant& plant, const PlantVariable& variable)
+{
+    hash.add(variable.variable->comp->name);
+    hash.add(variable.variable->name);
+    hash.add(variable.variable->type);
+    hash.add(variable.variable->initial ? variable.variable->initial->id : std::string());
+    hash.add(number(variable.values.size()));
+    for (const AtomIndex value : variable.values) {
+        hash.add(plant.atom(value)->id);
+        hash.add(number(plant.atom(value)->fail ? 1 : 0));
+    }
+}
+
+void add(Hash& hash, const Transition& transition)
+{
+    hash.add(transition.name);
+    hash.add(number(transition.idle ? 1 : 0));
+    hash.add(transition.atom->id);
+    hash.add(transition.proba);
+    if (transition.guard && transition.guard->atoms) {
+        for (const auto& [polarity, atom] : *transition.guard->atoms) {
+            hash.add(number(polarity ? 1 : 0));
+            hash.add(atom->id);
+        }
+    }
+}
+
+void add(Hash& hash, const ThresholdTable& table)
+{
+    hash.add(table.hysteresis);
+    for (const Atom* value : table.values) {
+        hash.add(value->id);
+    }
+    for (const auto& limit : table.limits) {
+        hash.add(limit.number);
+        hash.add(number(limit.belongsAbove ? 1 : 0));
+    }
+}
+
+void add(Hash& hash, const ReadingTable& table)
+{
+    for (const auto& [reading, value] : table.readings) {
+        if (const auto* text = std::get_if<std::string>(&reading)) {
+            hash.add(*text);
+        } else {
+            hash.add(std::get<double>(reading));
+        }
+        hash.add(value->id);
+    }
+    hash.add(table.otherwise ? table.otherwise->id : std::string());
+}
+
+void add(Hash& hash, const ChannelBinding& channel)
+{
+    hash.add(number(channel.kind == ChannelBinding::Kind::command ? 1 : 0));
+    hash.add(channel.channel);
+    hash.add(channel.variable->comp->name);
+    hash.add(channel.variable->name);
+    hash.add(channel.holdSeconds.value_or(-1.0));
+    if (const auto* thresholds = std::get_if<ThresholdTable>(&channel.translation)) {
+        add(hash, *thresholds);
+    } else if (const auto* readings = std::get_if<ReadingTable>(&channel.translation)) {
+        add(hash, *readings);
+    }
+}
+
+} // namespace
+
+std::string fingerprint(const Plant& plant, const Bindings& bindings)
+{
+    Hash hash;
+    hash.add(bindings.stepSeconds);
+    const Comp* comp = nullptr;
+    for (const PlantVariable& variable : plant.variables()) {
+        add(hash, plant, variable);
+        const auto lost = bindings.lost.find(variable.variable);
+        hash.add(lost == bindings.lost.end() ? 0.0 : lost->second);
+        if (variable.variable->comp != comp) {
+            comp = variable.variable->comp;
+            for (const Transition* transition : *comp->transitions) {
+                add(hash, *transition);
+            }
+        }
+    }
+    for (std::size_t clause = 0; clause < plant.clauseCount(); ++clause) {
+        for (const PlantLiteral& literal : plant.clause(static_cast<ClauseIndex>(clause))) {
+            hash.add(number(literal.negated ? 1 : 0));
+            hash.add(static_cast<std::uint64_t>(literal.atom));
+        }
+        hash.add(std::string_view());
+    }
+    for (const ChannelBinding& channel : bindings.channels) {
+        add(hash, channel);
+    }
+    return hash.text();
+}
+
+std::string fingerprint(std::string_view text)
+{
+    Hash hash;
+    hash.add(text);
+    return hash.text();
+}
+
+} // namespace plant

@@ -1,0 +1,89 @@
+// The one way to make a model: every front end (circuits, model files) goes through this builder.
+//
+//     ModelBuilder builder("pump");
+//     Comp* pump = builder.component("pump");
+//     StateVar* mode = builder.variable(pump, "mode", VariableKind::mode, {{"ok"}, {"broken", true}}, 0);
+//     StateVar* flow = builder.variable(pump, "flow", VariableKind::condition, {{"zero"}, {"positive"}});
+//     builder.law(pump, {{true, value(mode, "ok")}, {false, value(flow, "positive")}});      // ok -> flow = positive
+//     builder.fault(value(mode, "ok"), value(mode, "broken"), 0.01);
+//     std::unique_ptr<Model> model = builder.build();
+//
+// It makes identifiers, domain clauses, the lists that link atoms with clauses and transitions, and the list of
+// imported components; it checks nothing that a front end has to report with a place in a file. What it requires
+// of its caller is checked by assertion.
+#pragma once
+
+#include "plant/Model.h"
+
+#include <cstdint>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace plant {
+
+enum class VariableKind { mode, condition, command };
+
+/// A value of a variable as it is declared.
+struct ValueDeclaration {
+    std::string name;
+    bool fault = false;
+};
+
+/// Builds one model. Components, variables and laws keep the order in which they are made.
+class ModelBuilder {
+public:
+    /// `name` is the model's base name: its prime implicates are read from NAME.pi.
+    explicit ModelBuilder(std::string name);
+
+    /// A component; the name must be new.
+    Comp* component(const std::string& name);
+
+    /// A variable with one atom for each value, `COMPONENT.NAME=VALUE`, and the clauses that make exactly one of
+    /// them hold: (v1 | v2 | ...) and (!vi | !vj) for each pair. `initial` is the index of the initial value.
+    StateVar* variable(Comp* component, const std::string& name, VariableKind kind,
+                       const std::vector<ValueDeclaration>& values,
+                       std::optional<std::size_t> initial = {});
+
+    /// A model-wide clause, its literals in the given order, without repetitions. A clause that always holds
+    /// (an atom with both signs) and one that was given before are left out: null is returned then. The law is
+    /// `owner`'s: the other components that it mentions become imported components of `owner`, unless null.
+    /// Costs n log n for n literals.
+    Clause* law(Comp* owner, const std::vector<Literal>& literals);
+
+    /// A nominal transition: from a mode value to another when the guard's atoms hold, with key true, or do not,
+    /// with key false. `proba` is its probability per step.
+    Transition* nominal(Atom* from, Atom* to, const std::vector<std::pair<bool, Atom*>>& guard,
+                        double proba);
+    /// A fault: named after its target, of type "Fail", possible whatever is commanded.
+    Transition* fault(Atom* from, Atom* to, double proba,
+                      const std::vector<std::pair<bool, Atom*>>& guard = {});
+    /// Staying in a mode value when nothing is asked of it.
+    Transition* idle(Atom* at, double proba, const std::vector<std::pair<bool, Atom*>>& guard = {});
+
+    /// Makes `imported` an imported component of `importer`, once; a component never imports itself.
+    void import(Comp* importer, Comp* imported);
+
+    /// Hands the model over. The builder is spent.
+    std::unique_ptr<Model> build();
+
+private:
+    struct ClauseHash {
+        std::size_t operator()(const std::vector<std::uintptr_t>& key) const;
+    };
+
+    Clause* addClause(const std::vector<Literal>& literals);
+    StateFormula* formula(const std::vector<std::pair<bool, Atom*>>& atoms);
+    Transition* transition(Atom* from, Atom* to, const std::vector<std::pair<bool, Atom*>>& guard,
+                           double proba);
+
+    std::unique_ptr<Model> model_;
+    std::unordered_set<std::string> componentNames_;
+    std::unordered_set<std::vector<std::uintptr_t>, ClauseHash> knownLaws_;
+    std::unordered_map<Comp*, std::unordered_set<Comp*>> knownImports_;
+};
+
+/// The variable's atom with that value text, or null.
+Atom* value(const StateVar* variable, const std::string& text);
+
+} // namespace plant

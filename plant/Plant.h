@@ -1,0 +1,92 @@
+// A dense view of the active model: atoms, variables and clauses by number.
+//
+// The engine reaches everything by identifier and pointer. The monitor walks the whole plant at every
+// prediction, and wants arrays.
+#pragma once
+
+#include "model/Atom.h"
+#include "model/Clause.h"
+#include "model/Comp.h"
+
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+namespace plant {
+
+using AtomIndex = std::int32_t;
+using ClauseIndex = std::int32_t;
+using VariableIndex = std::int32_t;
+
+/// A literal of a clause.
+struct PlantLiteral {
+    AtomIndex atom;
+    bool negated;
+};
+
+/// A state variable of the plant.
+struct PlantVariable {
+    StateVar* variable;
+    std::vector<AtomIndex> values; ///< in the order of `atomLinks`
+    bool isMode;
+    bool isCommand;
+};
+
+/// The active model by numbers. Components come in the registry's order, their variables and values in
+/// their own, so the numbers are the same at every run. Made once, after the model is loaded; linear.
+class Plant {
+public:
+    /// Of the model that DataManager holds.
+    Plant();
+
+    std::size_t atomCount() const { return atoms_.size(); }
+    Atom* atom(AtomIndex index) const { return atoms_[static_cast<std::size_t>(index)]; }
+    /// Requires an atom of the plant.
+    AtomIndex indexOf(const Atom* atom) const { return indexOf_.at(atom); }
+
+    const std::vector<PlantVariable>& variables() const { return variables_; }
+    const PlantVariable& variable(VariableIndex index) const
+    {
+        return variables_[static_cast<std::size_t>(index)];
+    }
+    VariableIndex variableOf(AtomIndex atom) const
+    {
+        return variableOf_[static_cast<std::size_t>(atom)];
+    }
+
+    std::size_t clauseCount() const { return clauses_.size(); }
+    const std::vector<PlantLiteral>& clause(ClauseIndex index) const
+    {
+        return clauses_[static_cast<std::size_t>(index)];
+    }
+    /// The object that the clause was made of.
+    const Clause* modelClause(ClauseIndex index) const
+    {
+        return modelClauses_[static_cast<std::size_t>(index)];
+    }
+    /// Whether it is one of the model-wide laws; the others make a variable have exactly one value.
+    bool isLaw(ClauseIndex index) const { return index >= firstLaw_; }
+    const std::vector<ClauseIndex>& clausesOf(AtomIndex atom) const
+    {
+        return clausesOf_[static_cast<std::size_t>(atom)];
+    }
+    /// The clauses of at most one literal: they give a label, or are violated, before anything is assumed.
+    const std::vector<ClauseIndex>& unitClauses() const { return unitClauses_; }
+
+private:
+    void addVariable(StateVar* variable);
+    void addClause(const Clause* clause);
+
+    std::vector<Atom*> atoms_;
+    std::unordered_map<const Atom*, AtomIndex> indexOf_;
+    std::vector<PlantVariable> variables_;
+    std::vector<VariableIndex> variableOf_;
+    std::vector<std::vector<PlantLiteral>> clauses_;
+    std::unordered_map<const Clause*, ClauseIndex> clauseIndexOf_;
+    std::vector<const Clause*> modelClauses_;
+    ClauseIndex firstLaw_ = 0;
+    std::vector<std::vector<ClauseIndex>> clausesOf_;
+    std::vector<ClauseIndex> unitClauses_;
+};
+
+} // namespace plant

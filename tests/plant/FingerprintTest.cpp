@@ -1,0 +1,67 @@
+#include "plant/Fingerprint.h"
+#include "language/Reader.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const std::string lamp = R"(component Lamp {
+    command request: none, light
+    cond glow: no, yes
+    mode state { off initial on broken fault }
+    law state = on -> glow = yes
+    law state in {off, broken} -> glow = no
+    nominal off -> on when request = light : 0.9
+    fault any -> broken : 0.01
+}
+system Room {
+    lamp: Lamp
+    observe lamp.glow from "L-1" : no < 0.5 <= yes
+    command lamp.request from "S-1" : light = 1, none otherwise
+}
+)";
+
+std::string fingerprintOf(std::string text, const std::string& from = "", const std::string& to = "")
+{
+    const std::size_t at = text.find(from);
+    EXPECT_NE(at, std::string::npos) << from;
+    text.replace(at, from.size(), to);
+    const language::ReadResult read = language::readModelText("room.itms", text);
+    EXPECT_TRUE(read.errors.empty());
+    read.model->activate();
+    return plant::fingerprint(plant::Plant(), read.bindings);
+}
+
+class EachChange : public testing::TestWithParam<std::pair<const char*, const char*>> {};
+
+} // namespace
+
+TEST(Fingerprint, OfAModelDoesNotDependOnLayoutAndComments)
+{
+    EXPECT_EQ(fingerprintOf(lamp), fingerprintOf(lamp, "system", "\n\n// The room.\nsystem"));
+}
+
+TEST_P(EachChange, ChangesTheFingerprintOfAModel)
+{
+    EXPECT_NE(fingerprintOf(lamp), fingerprintOf(lamp, GetParam().first, GetParam().second));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Fingerprint, EachChange,
+    testing::Values(std::pair{": 0.01", ": 0.02"}, std::pair{": 0.9", ": 0.8"},
+                    std::pair{"state = on -> glow = yes", "state = on -> glow = no"},
+                    std::pair{"lamp: Lamp",
+                              "light: Lamp\n    law light.glow = no | light.glow = yes"
+                              "\n    lamp: Lamp"},
+                    std::pair{"\"L-1\"", "\"L-2\""}, std::pair{"< 0.5 <=", "<= 0.5 <"},
+                    std::pair{"< 0.5 <=", "< 0.6 <="}, std::pair{"light = 1", "light = 2"},
+                    std::pair{", none otherwise", ", none = 0"},
+                    std::pair{"request: none, light", "request: none, light lost 0.1"},
+                    std::pair{"<= yes", "<= yes hold 5 s"}, std::pair{"<= yes", "<= yes within 0.1"},
+                    std::pair{"lamp: Lamp", "step 5 s\n    lamp: Lamp"}));
+
+TEST(Fingerprint, OfTextsTellsThemApart)
+{
+    EXPECT_NE(plant::fingerprint("a"), plant::fingerprint("b"));
+    EXPECT_EQ(plant::fingerprint("a").size(), 16U);
+}

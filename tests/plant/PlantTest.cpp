@@ -1,0 +1,132 @@
+#include "tests/monitor/HandMade.h"
+#include "tests/support/TestModel.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+using plant::AtomIndex;
+using plant::Plant;
+
+class PlantTest : public testing::Test {
+protected:
+    MutedTrace muted_;
+};
+
+TEST_F(PlantTest, NumbersEveryAtomOfEveryVariable)
+{
+    Random random(11);
+    ActivePlant active(randomModel(random, PlantKind::mixed));
+    const Plant& plant = *active.plant;
+    EXPECT_EQ(plant.atomCount(), active.model->atoms().size());
+    for (const auto& atom : active.model->atoms()) {
+        const AtomIndex index = plant.indexOf(atom.get());
+        EXPECT_EQ(plant.atom(index), atom.get());
+        const plant::PlantVariable& variable = plant.variable(plant.variableOf(index));
+        EXPECT_EQ(variable.variable, atom->stateVar);
+        EXPECT_EQ(std::count(variable.values.begin(), variable.values.end(), index), 1);
+    }
+}
+
+TEST_F(PlantTest, KeepsTheOrderOfTheValues)
+{
+    HandMade model;
+    const StateVar* made = model.condition("a.x", {"low", "middle", "high"});
+    const auto active = model.activate();
+    const plant::PlantVariable& variable =
+        active->plant->variable(active->plant->variableOf(active->index("a.x=low")));
+    EXPECT_EQ(active->ids(variable.values),
+              (std::vector<std::string>{"a.x=low", "a.x=middle", "a.x=high"}));
+    EXPECT_EQ(variable.variable, made);
+}
+
+TEST_F(PlantTest, TellsModesAndCommandsFromConditions)
+{
+    HandMade model;
+    model.mode("a.m", {"ok", "broken!"});
+    model.condition("a.c", {"0", "1"});
+    model.command("a.k", {"none", "go"});
+    const auto active = model.activate();
+    const auto variable = [&](const std::string& id) -> const plant::PlantVariable& {
+        return active->plant->variable(active->plant->variableOf(active->index(id)));
+    };
+    EXPECT_TRUE(variable("a.m=ok").isMode && !variable("a.m=ok").isCommand);
+    EXPECT_TRUE(!variable("a.c=0").isMode && !variable("a.c=0").isCommand);
+    EXPECT_TRUE(!variable("a.k=go").isMode && variable("a.k=go").isCommand);
+}
+
+TEST_F(PlantTest, HasEveryClauseOnceWithItsLiterals)
+{
+    Random random(12);
+    ActivePlant active(randomModel(random, PlantKind::mixed));
+    std::multiset<std::multiset<std::pair<bool, AtomIndex>>> expected;
+    for (const Clause* clause : allClauses()) {
+        std::multiset<std::pair<bool, AtomIndex>> literals;
+        for (const auto& [negated, atom] : *clause->literals) {
+            literals.emplace(negated, active.plant->indexOf(atom));
+        }
+        expected.insert(literals);
+    }
+    std::multiset<std::multiset<std::pair<bool, AtomIndex>>> given;
+    for (std::size_t i = 0; i < active.plant->clauseCount(); ++i) {
+        std::multiset<std::pair<bool, AtomIndex>> literals;
+        for (const plant::PlantLiteral& literal :
+             active.plant->clause(static_cast<plant::ClauseIndex>(i))) {
+            literals.emplace(literal.negated, literal.atom);
+        }
+        given.insert(literals);
+    }
+    EXPECT_EQ(given, expected);
+}
+
+TEST_F(PlantTest, ListsOfAnAtomTheClausesThatItOccursIn)
+{
+    Random random(13);
+    ActivePlant active(randomModel(random, PlantKind::circuit));
+    const Plant& plant = *active.plant;
+    for (std::size_t i = 0; i < plant.atomCount(); ++i) {
+        const auto atom = static_cast<AtomIndex>(i);
+        std::vector<plant::ClauseIndex> expected;
+        for (std::size_t j = 0; j < plant.clauseCount(); ++j) {
+            const auto& literals = plant.clause(static_cast<plant::ClauseIndex>(j));
+            if (std::any_of(literals.begin(), literals.end(),
+                            [&](const auto& literal) { return literal.atom == atom; })) {
+                expected.push_back(static_cast<plant::ClauseIndex>(j));
+            }
+        }
+        EXPECT_EQ(plant.clausesOf(atom), expected);
+    }
+}
+
+TEST_F(PlantTest, ListsTheClausesOfOneLiteralOrNone)
+{
+    HandMade model;
+    model.condition("a.x", {"0", "1"});
+    model.law("a.x=1");
+    model.law("");
+    const auto active = model.activate();
+    ASSERT_EQ(active->plant->unitClauses().size(), 2u);
+    EXPECT_EQ(active->plant->clause(active->plant->unitClauses()[0]).size(), 1u);
+    EXPECT_EQ(active->plant->clause(active->plant->unitClauses()[1]).size(), 0u);
+}
+
+TEST_F(PlantTest, KnowsTheObjectOfEachClauseAndWhetherItIsALaw)
+{
+    HandMade model;
+    model.condition("a.x", {"0", "1"});
+    model.condition("a.y", {"0", "1"});
+    const Clause* law = model.law("!a.x=1 | a.y=1");
+    const auto active = model.activate();
+    const Plant& plant = *active->plant;
+    int laws = 0;
+    for (plant::ClauseIndex i = 0; i < static_cast<plant::ClauseIndex>(plant.clauseCount()); ++i) {
+        EXPECT_EQ(plant.modelClause(i)->literals->size(), plant.clause(i).size());
+        EXPECT_EQ(plant.isLaw(i), plant.modelClause(i) == law);
+        laws += plant.isLaw(i) ? 1 : 0;
+    }
+    EXPECT_EQ(laws, 1);
+}
+
+} // namespace

@@ -1,0 +1,422 @@
+#include "simulate/Simulation.h"
+
+#include "tests/monitor/HandMade.h"
+#include "tests/support/TestModel.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using plant::AtomIndex;
+using simulate::ModeCause;
+using simulate::ModeChange;
+using simulate::SimulatedStep;
+using simulate::SimulationInput;
+using simulate::SimulationProblem;
+using simulate::Simulator;
+using simulate::SimulatorSettings;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+using Texts = std::vector<std::string>;
+
+/// What comes from outside, by identifiers.
+struct Given {
+    Texts commands;
+    Texts observations;
+    Texts injections;
+};
+
+class SimulatorTest : public testing::Test {
+protected:
+    /// A valve between `v.in` and `v.out`, closed at first.
+    void makeValve()
+    {
+        model_.mode("v.position", {"closed", "open", "stuckClosed!", "stuckOpen!", "unknown!"});
+        model_.command("v.request", {"none", "open", "close"});
+        model_.condition("v.in", {"zero", "positive"});
+        model_.condition("v.out", {"zero", "positive"});
+        for (const std::string open : {"open", "stuckOpen"}) {
+            model_.law("!v.position=" + open + " | !v.in=zero | v.out=zero");
+            model_.law("!v.position=" + open + " | !v.in=positive | v.out=positive");
+        }
+        model_.law("!v.position=closed | v.out=zero");
+        model_.law("!v.position=stuckClosed | v.out=zero");
+        model_.nominal("v.position=closed", "v.position=open", 7.0 / 8, "v.request=open");
+        model_.nominal("v.position=open", "v.position=closed", 7.0 / 8, "v.request=close");
+        model_.fault("v.position=closed", "v.position=stuckClosed", 1.0 / 64);
+        model_.fault("v.position=open", "v.position=stuckOpen", 1.0 / 64);
+        model_.fault("v.position=open", "v.position=unknown", 1.0 / 64);
+        observe("v.out");
+        observe("v.in");
+    }
+    void observe(const std::string& id)
+    {
+        plant::ChannelBinding binding;
+        binding.channel = id;
+        binding.variable = model_.atom(id + (id.ends_with("mode") ? "=ok" : "=zero"))->stateVar;
+        bindings_.channels.push_back(binding);
+    }
+    Simulator& simulator(std::optional<std::uint64_t> seed = {})
+    {
+        if (!active_) {
+            active_ = model_.activate();
+        }
+        if (!simulator_) {
+            simulator_ = std::make_unique<Simulator>(*active_->plant, bindings_,
+                                                     SimulatorSettings{seed, {}});
+        }
+        return *simulator_;
+    }
+    SimulationInput input(const Given& given)
+    {
+        simulator();
+        return {indices(given.commands), indices(given.observations), indices(given.injections)};
+    }
+    std::vector<AtomIndex> indices(const Texts& ids)
+    {
+        std::vector<AtomIndex> result;
+        for (const std::string& id : ids) {
+            result.push_back(active_->index(id));
+        }
+        return result;
+    }
+    SimulatedStep step(const Given& given = {})
+    {
+        const SimulationInput all = input(given);
+        auto result = simulator_->step(all);
+        if (const auto* problem = std::get_if<SimulationProblem>(&result)) {
+            ADD_FAILURE() << "problem " << static_cast<int>(problem->kind);
+            return {};
+        }
+        return std::get<SimulatedStep>(result);
+    }
+    SimulationProblem problem(const Given& given)
+    {
+        const SimulationInput all = input(given);
+        auto result = simulator_->step(all);
+        if (std::holds_alternative<SimulatedStep>(result)) {
+            ADD_FAILURE() << "no problem";
+            return {};
+        }
+        return std::get<SimulationProblem>(result);
+    }
+    Texts ids(const std::vector<AtomIndex>& atoms) const { return active_->ids(atoms); }
+    Texts faults()
+    {
+        std::vector<AtomIndex> values;
+        for (const monitor::ModeOption& fault : simulator().possibleFaults({})) {
+            values.push_back(fault.value);
+        }
+        return ids(values);
+    }
+
+    MutedTrace muted_;
+    HandMade model_;
+    plant::Bindings bindings_;
+    std::unique_ptr<ActivePlant> active_;
+    std::unique_ptr<Simulator> simulator_;
+};
+
+TEST_F(SimulatorTest, FollowsCommandsAndLetsConditionsFollow)
+{
+    makeValve();
+    EXPECT_THAT(ids(step({{}, {"v.in=positive"}, {}}).observations),
+                ElementsAre("v.out=zero", "v.in=positive"));
+    const SimulatedStep opened = step({{"v.request=open"}, {}, {}});
+    EXPECT_THAT(ids(opened.observations), ElementsAre("v.out=positive", "v.in=positive"));
+    EXPECT_THAT(ids(opened.commands), ElementsAre("v.request=open"));
+    ASSERT_EQ(opened.changes.size(), 1U);
+    EXPECT_EQ(ids({opened.changes[0].before, opened.changes[0].after}),
+              (Texts{"v.position=closed", "v.position=open"}));
+    EXPECT_EQ(opened.changes[0].cause, ModeCause::predicted);
+}
+
+TEST_F(SimulatorTest, ACommandThatIsNotGivenHasItsFirstValue)
+{
+    makeValve();
+    EXPECT_THAT(ids(step().commands), ElementsAre("v.request=none"));
+}
+
+TEST_F(SimulatorTest, AnInjectedFaultAppearsWithItsEffect)
+{
+    makeValve();
+    step({{"v.request=open"}, {"v.in=positive"}, {}});
+    step({{"v.request=close"}, {}, {"v.position=stuckOpen"}});
+    const SimulatedStep later = step();
+    EXPECT_THAT(ids(later.values), Contains("v.position=stuckOpen"));
+    EXPECT_THAT(ids(later.observations), ElementsAre("v.out=positive", "v.in=positive"));
+}
+
+TEST_F(SimulatorTest, TellsThatAChangeWasInjected)
+{
+    makeValve();
+    const SimulatedStep stuck = step({{"v.request=open"}, {}, {"v.position=stuckClosed"}});
+    ASSERT_EQ(stuck.changes.size(), 1U);
+    EXPECT_EQ(stuck.changes[0].cause, ModeCause::injected);
+    EXPECT_EQ(ids({stuck.changes[0].after}), Texts{"v.position=stuckClosed"});
+}
+
+TEST_F(SimulatorTest, StayingCanBeInjectedWhereAChangeIsPredicted)
+{
+    makeValve();
+    const SimulatedStep stayed = step({{"v.request=open"}, {}, {"v.position=closed"}});
+    ASSERT_EQ(stayed.changes.size(), 1U);
+    EXPECT_EQ(stayed.changes[0].before, stayed.changes[0].after);
+    EXPECT_THAT(ids(stayed.values), Contains("v.position=closed"));
+}
+
+TEST_F(SimulatorTest, RefusesAFaultThatNoTransitionReachesAndNamesWhatIsReached)
+{
+    makeValve();
+    const SimulationProblem refused = problem({{}, {}, {"v.position=stuckOpen"}});
+    EXPECT_EQ(refused.kind, SimulationProblem::Kind::unreachable);
+    EXPECT_EQ(ids({refused.injected}), Texts{"v.position=stuckOpen"});
+    EXPECT_THAT(ids(refused.values),
+                testing::UnorderedElementsAre("v.position=closed", "v.position=stuckClosed"));
+}
+
+TEST_F(SimulatorTest, AProblemLeavesTheStateAsItWas)
+{
+    makeValve();
+    step({{"v.request=open"}, {"v.in=positive"}, {}});
+    problem({{"v.request=close"}, {"v.in=zero"}, {"v.position=stuckClosed"}});
+    EXPECT_THAT(ids(step().observations), ElementsAre("v.out=positive", "v.in=positive"));
+}
+
+TEST_F(SimulatorTest, ReportsModesThatCannotBeTogether)
+{
+    model_.mode("a.mode", {"ok", "bad!"});
+    model_.mode("b.mode", {"ok", "bad!"});
+    model_.mode("c.mode", {"ok", "bad!"});
+    for (const std::string name : {"a", "b", "c"}) {
+        model_.fault(name + ".mode=ok", name + ".mode=bad", 1.0 / 4);
+    }
+    model_.law("!a.mode=bad | !b.mode=bad");
+    const SimulationProblem both = problem({{}, {}, {"a.mode=bad", "b.mode=bad", "c.mode=bad"}});
+    EXPECT_EQ(both.kind, SimulationProblem::Kind::contradiction);
+    EXPECT_THAT(ids(both.values), testing::UnorderedElementsAre("a.mode=bad", "b.mode=bad"));
+}
+
+TEST_F(SimulatorTest, DrawsModesThatContradictOneAnotherAnew)
+{
+    // Three pairs of modes can be together, with chances 9/16, 3/16 and 3/16: 1/5 of the runs have `a` bad.
+    model_.mode("a.mode", {"ok", "bad!"});
+    model_.mode("b.mode", {"ok", "bad!"});
+    model_.fault("a.mode=ok", "a.mode=bad", 1.0 / 4);
+    model_.fault("b.mode=ok", "b.mode=bad", 1.0 / 4);
+    model_.law("!a.mode=bad | !b.mode=bad");
+    active_ = model_.activate();
+    int bad = 0;
+    for (std::uint64_t seed = 0; seed < 4000; ++seed) {
+        simulator_.reset();
+        simulator(seed);
+        const Texts values = ids(step().values);
+        const bool a = std::count(values.begin(), values.end(), "a.mode=bad") > 0;
+        const bool b = std::count(values.begin(), values.end(), "b.mode=bad") > 0;
+        EXPECT_FALSE(a && b) << "seed " << seed;
+        bad += a ? 1 : 0;
+    }
+    EXPECT_NEAR(bad / 4000.0, 0.2, 0.025); // four standard deviations
+}
+
+TEST_F(SimulatorTest, ReportsLawsThatLeaveNoValues)
+{
+    model_.mode("a.mode", {"ok", "bad!"});
+    model_.fault("a.mode=ok", "a.mode=bad", 1.0 / 4);
+    model_.condition("a.x", {"0", "1"});
+    model_.condition("a.y", {"0", "1"});
+    for (const std::string law :
+         {"a.x=0 | a.y=0", "a.x=0 | a.y=1", "a.x=1 | a.y=0", "a.x=1 | a.y=1"}) {
+        model_.law("!a.mode=bad | " + law);
+    }
+    EXPECT_EQ(problem({{}, {}, {"a.mode=bad"}}).kind, SimulationProblem::Kind::contradiction);
+    step();
+}
+
+TEST_F(SimulatorTest, InputsKeepTheirValueUntilAnotherIsGiven)
+{
+    makeValve();
+    EXPECT_THAT(ids(step().observations), Contains("v.in=zero"));
+    EXPECT_THAT(ids(step({{}, {"v.in=positive"}, {}}).observations), Contains("v.in=positive"));
+    EXPECT_THAT(ids(step().observations), Contains("v.in=positive"));
+    EXPECT_THAT(ids(step({{}, {"v.in=zero"}, {}}).observations), Contains("v.in=zero"));
+}
+
+TEST_F(SimulatorTest, InputsKeepTheirValueWhereAllElseIsDrawn)
+{
+    makeValve();
+    simulator(7);
+    step({{}, {"v.in=positive"}, {}});
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_THAT(ids(step().observations), Contains("v.in=positive")) << "step " << i;
+    }
+}
+
+TEST_F(SimulatorTest, WhatAnObservedVariableShowsIsAnInputAsWell)
+{
+    // The sensor shows the level. When it is stuck, nothing tells the level any more, which stays what it is.
+    model_.condition("tank.level", {"low", "high"});
+    model_.condition("tank.colour", {"red", "blue"}); // nothing shows it
+    model_.mode("sensor.mode", {"ok", "stuck!"});
+    model_.condition("sensor.reading", {"zero", "low", "high"});
+    model_.law("!sensor.mode=ok | !tank.level=low | sensor.reading=low");
+    model_.law("!sensor.mode=ok | !tank.level=high | sensor.reading=high");
+    model_.law("!sensor.mode=stuck | sensor.reading=zero");
+    model_.fault("sensor.mode=ok", "sensor.mode=stuck", 1.0 / 1024);
+    observe("sensor.reading");
+    simulator(5);
+    EXPECT_THAT(ids(step({{}, {"tank.level=high"}, {}}).observations),
+                ElementsAre("sensor.reading=high"));
+    step({{}, {}, {"sensor.mode=stuck"}});
+    int red = 0;
+    for (int i = 0; i < 40; ++i) {
+        const Texts values = ids(step().values);
+        EXPECT_THAT(values, Contains("tank.level=high"));
+        red += std::count(values.begin(), values.end(), "tank.colour=red") > 0 ? 1 : 0;
+    }
+    EXPECT_GT(red, 5);
+    EXPECT_LT(red, 35);
+}
+
+TEST_F(SimulatorTest, OfGivenValuesThoseOfInputsCount)
+{
+    makeValve();
+    step({{"v.request=open"}, {"v.in=positive"}, {}});
+    const SimulatedStep contradictory = step({{}, {"v.out=zero", "v.in=positive"}, {}});
+    EXPECT_THAT(ids(contradictory.ignored), ElementsAre("v.out=zero"));
+    EXPECT_THAT(ids(contradictory.values), Contains("v.in=positive"));
+}
+
+TEST_F(SimulatorTest, AGivenValueOfWhatFollowsFromOthersIsIgnored)
+{
+    makeValve();
+    const SimulatedStep closed = step({{}, {"v.out=positive"}, {}});
+    EXPECT_THAT(ids(closed.ignored), ElementsAre("v.out=positive"));
+    EXPECT_THAT(ids(closed.observations), Contains("v.out=zero"));
+}
+
+TEST_F(SimulatorTest, WhatFlowsInTakesWhatFlowsOutAlong)
+{
+    makeValve();
+    bindings_.channels.clear(); // so that the order of bindings does not tell which one comes first
+    step({{}, {"v.in=positive"}, {}});
+    EXPECT_THAT(ids(step({{"v.request=open"}, {}, {}}).values), Contains("v.out=positive"));
+}
+
+TEST_F(SimulatorTest, WhatNothingDeterminesKeepsItsValue)
+{
+    makeValve();
+    step({{"v.request=open"}, {"v.in=positive"}, {}});
+    step({{}, {}, {"v.position=unknown"}});
+    EXPECT_THAT(ids(step({{}, {"v.in=zero"}, {}}).observations),
+                ElementsAre("v.out=positive", "v.in=zero"));
+}
+
+TEST_F(SimulatorTest, WhatNothingDeterminesIsDrawnFromAllThatIsPossible)
+{
+    makeValve();
+    simulator(3);
+    while (std::get<SimulatedStep>(simulator_->step(input({{"v.request=open"}, {}, {}})))
+               .changes.empty()) {
+    }
+    step({{}, {}, {"v.position=unknown"}});
+    int positive = 0;
+    for (int i = 0; i < 400; ++i) {
+        const Texts seen = ids(step().observations);
+        positive += seen.front() == "v.out=positive" ? 1 : 0;
+    }
+    EXPECT_NEAR(positive / 400.0, 0.5, 0.1); // four standard deviations
+}
+
+TEST_F(SimulatorTest, LostCommandsHaveNoEffect)
+{
+    makeValve();
+    bindings_.lost[model_.atom("v.request=open")->stateVar] = 1.0;
+    simulator(1);
+    for (int i = 0; i < 20; ++i) {
+        const SimulatedStep asked = step({{"v.request=open"}, {}, {"v.position=closed"}});
+        EXPECT_THAT(ids(asked.commands), ElementsAre("v.request=open"));
+        EXPECT_EQ(asked.lost.size(), 1U);
+        EXPECT_THAT(ids(asked.values), Contains("v.request=none"));
+        EXPECT_THAT(asked.changes, IsEmpty()); // nothing else was predicted
+    }
+}
+
+TEST_F(SimulatorTest, CommandsAreLostByTheirProbability)
+{
+    makeValve();
+    bindings_.lost[model_.atom("v.request=open")->stateVar] = 1.0 / 4;
+    simulator(11);
+    int lost = 0;
+    for (int i = 0; i < 1000; ++i) {
+        lost += step({{"v.request=open"}, {}, {}}).lost.empty() ? 0 : 1;
+    }
+    EXPECT_NEAR(lost / 1000.0, 0.25, 0.055); // four standard deviations
+}
+
+TEST_F(SimulatorTest, NoCommandIsLostWhereNothingIsDrawn)
+{
+    makeValve();
+    bindings_.lost[model_.atom("v.request=open")->stateVar] = 1.0;
+    EXPECT_THAT(step({{"v.request=open"}, {}, {}}).lost, IsEmpty());
+}
+
+TEST_F(SimulatorTest, TransitionsAreDrawnByTheirProbability)
+{
+    model_.mode("a.mode", {"ok", "slow!", "dead!"});
+    model_.fault("a.mode=ok", "a.mode=slow", 1.0 / 4);
+    model_.fault("a.mode=ok", "a.mode=dead", 1.0 / 8);
+    active_ = model_.activate();
+    std::map<std::string, int> counts;
+    for (std::uint64_t seed = 0; seed < 4000; ++seed) {
+        simulator_.reset();
+        simulator(seed);
+        const SimulatedStep drawn = step();
+        ++counts[ids(drawn.values).front()];
+        EXPECT_EQ(drawn.changes.empty(), ids(drawn.values).front() == "a.mode=ok");
+    }
+    EXPECT_NEAR(counts["a.mode=ok"] / 4000.0, 5.0 / 8, 0.031); // four standard deviations
+    EXPECT_NEAR(counts["a.mode=slow"] / 4000.0, 1.0 / 4, 0.028);
+    EXPECT_NEAR(counts["a.mode=dead"] / 4000.0, 1.0 / 8, 0.021);
+}
+
+TEST_F(SimulatorTest, FurtherVariablesAreObservedAfterTheBoundOnes)
+{
+    makeValve();
+    active_ = model_.activate();
+    const auto position = active_->plant->variableOf(active_->index("v.position=open"));
+    simulator_ =
+        std::make_unique<Simulator>(*active_->plant, bindings_, SimulatorSettings{{}, {position}});
+    EXPECT_THAT(ids(step().observations),
+                ElementsAre("v.out=zero", "v.in=zero", "v.position=closed"));
+}
+
+TEST_F(SimulatorTest, ObservingMoreChangesNothing)
+{
+    makeValve();
+    bindings_.channels.resize(1); // v.out
+    active_ = model_.activate();
+    const auto inflow = active_->plant->variableOf(active_->index("v.in=zero"));
+    const auto inputs = simulate::randomCommands(*active_->plant, 50, 2);
+    const auto plain = simulate::simulate(*active_->plant, bindings_, inputs, {2, {}});
+    const auto observed = simulate::simulate(*active_->plant, bindings_, inputs, {2, {inflow}});
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        EXPECT_EQ(plain.steps[i].values, observed.steps[i].values);
+    }
+    EXPECT_EQ(observed.steps.front().observations.size(), 2U);
+}
+
+TEST_F(SimulatorTest, NamesTheFaultsThatTheNextStepCouldBring)
+{
+    makeValve();
+    EXPECT_EQ(faults(), Texts{"v.position=stuckClosed"});
+    step({{"v.request=open"}, {}, {}});
+    EXPECT_THAT(faults(),
+                testing::UnorderedElementsAre("v.position=stuckOpen", "v.position=unknown"));
+}
+
+} // namespace

@@ -1,0 +1,44 @@
+#include "text/Wording.h"
+
+namespace text {
+
+namespace {
+
+std::string joined(const std::vector<std::string>& items, std::string_view last)
+{
+    std::string text;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (i > 0) text += i + 1 == items.size() ? last : ", ";
+        text += items[i];
+    }
+    return text;
+}
+
+} // namespace
+
+std::string grouped(std::uint64_t number)
+{
+    std::string digits = std::to_string(number);
+    for (std::size_t at = digits.size(); at > 3;) {
+        at -= 3;
+        digits.insert(at, ",");
+    }
+    return digits;
+}
+
+std::string counted(std::uint64_t number, std::string_view noun)
+{
+    return grouped(number) + " " + std::string(noun) + (number == 1 ? "" : "s");
+}
+
+std::string listed(const std::vector<std::string>& items)
+{
+    return joined(items, " and ");
+}
+
+std::string alternatives(const std::vector<std::string>& items)
+{
+    return joined(items, " or ");
+}
+
+} // namespace text
