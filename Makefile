@@ -31,6 +31,7 @@ test:
 	cmake --preset check
 	cmake --build --preset check -j $(JOBS)
 	ctest --preset check -j $(JOBS)
+	@scripts/count-tests.sh build/release build/check
 
 fuzz:
 	@scripts/install-packages.sh --fuzz
@@ -48,7 +49,7 @@ format:
 
 lint:
 	@scripts/install-packages.sh --all
-	cmake --preset release
+	cmake --preset lint
 	JOBS=$(JOBS) scripts/lint.sh
 
 install:

@@ -39,7 +39,8 @@ endfunction()
 
 # itms_toolkit_folder(language HEADERS ... SOURCES ... LINK PUBLIC ... PRIVATE ...)
 #
-# Makes the static library itms_language of the current folder. LINK is passed on as it is.
+# Makes the static library itms_language of the current folder. LINK is passed on as it is; fmt and JSON are there for
+# all of them.
 function(itms_toolkit_folder name)
     cmake_parse_arguments(PARSE_ARGV 1 folder "" "" "HEADERS;SOURCES;LINK")
     if(folder_UNPARSED_ARGUMENTS)
@@ -48,7 +49,9 @@ function(itms_toolkit_folder name)
     add_library(itms_${name} STATIC ${folder_SOURCES} ${folder_HEADERS})
     target_include_directories(itms_${name} PUBLIC "${PROJECT_SOURCE_DIR}")
     target_link_libraries(itms_${name} ${folder_LINK})
+    target_link_libraries(itms_${name} PRIVATE fmt::fmt nlohmann_json::nlohmann_json)
     itms_our_code(itms_${name})
+    itms_use_precompiled(itms_${name} toolkit)
 endfunction()
 
 # itms_program_folder(SOURCES main.cpp ... LINK PRIVATE itms_report ...)
@@ -63,9 +66,10 @@ function(itms_program_folder)
     add_executable(itms_program ${folder_SOURCES})
     target_include_directories(itms_program PRIVATE "${PROJECT_SOURCE_DIR}")
     target_compile_definitions(itms_program PRIVATE ITMS_VERSION="${PROJECT_VERSION}")
-    target_link_libraries(itms_program ${folder_LINK})
+    target_link_libraries(itms_program ${folder_LINK} fmt::fmt nlohmann_json::nlohmann_json)
     set_target_properties(itms_program PROPERTIES OUTPUT_NAME itms)
     itms_our_code(itms_program)
+    itms_use_precompiled(itms_program toolkit)
 endfunction()
 
 # itms_bench(search SOURCES ... [LINK itms_netlist ...])

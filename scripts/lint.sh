@@ -22,7 +22,7 @@ check 'words' scripts/check-words.sh
 check 'sources are listed' scripts/check-sources.sh
 check 'length of files' scripts/check-length.sh
 check 'format' scripts/format.sh --check
-check 'headers stand alone' cmake --build --preset release --target all_verify_interface_header_sets -- --quiet
+check 'headers stand alone' cmake --build --preset lint --target all_verify_interface_header_sets -- --quiet
 check 'clang-tidy' scripts/tidy.sh
 
 if [ ${#failed[@]} -gt 0 ]; then

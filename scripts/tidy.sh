@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
-# clang-tidy over the sources of the library, the toolkit and the program, with the commands of the release
+# clang-tidy over the sources of the library, the toolkit and the program, with the commands of the lint
 # build (which need only be configured). Prints what it finds; status 1 if anything.
 #
 #   scripts/tidy.sh [REGEX]              of the files whose path matches, all by default
 set -euo pipefail
 cd "$(dirname "$0")/.."
 only="${1:-.}"
-if [ ! -f build/release/compile_commands.json ]; then
-    echo "tidy.sh: no build/release/compile_commands.json: run cmake --preset release first" >&2
+if [ ! -f build/lint/compile_commands.json ]; then
+    echo "tidy.sh: no build/lint/compile_commands.json: run cmake --preset lint first" >&2
     exit 2
 fi
 
@@ -16,7 +16,7 @@ trap 'rm -f "$log"' EXIT
 folders='(text|model|engine|plant|language|netlist|telemetry|monitor|simulate|session|report|app)'
 root="$(pwd -P)"
 status=0
-files="$(grep -oE '"file": "[^"]*"' build/release/compile_commands.json | cut -d'"' -f4 |
+files="$(grep -oE '"file": "[^"]*"' build/lint/compile_commands.json | cut -d'"' -f4 |
     grep -E "^$root/$folders/" | grep -E -e "$only" || true)"
 if [ -z "$files" ]; then
     echo "tidy.sh: no source matches $only" >&2
@@ -25,6 +25,6 @@ fi
 # One file a process, two at a time; the summary lines of clang-tidy are noise. The commands are the compiler's,
 # whose warnings clang need not all know.
 xargs -d '\n' -n 1 -P "${JOBS:-2}" clang-tidy -quiet \
-    --extra-arg=-Wno-unknown-warning-option -p build/release <<<"$files" >"$log" 2>&1 || status=1
+    --extra-arg=-Wno-unknown-warning-option -p build/lint <<<"$files" >"$log" 2>&1 || status=1
 grep -vE '^[0-9]+ warnings?( and [0-9]+ errors?)? (generated|treated as errors)|^Suppressed |^Use -header-filter' "$log" || true
 exit "$status"

@@ -75,7 +75,7 @@ std::string nearestName(std::string_view name, const std::vector<std::string_vie
 std::string didYouMean(std::string_view name, const std::vector<std::string_view>& known)
 {
     const std::string nearest = nearestName(name, known);
-    return nearest.empty() ? "" : "did you mean " + quoted(nearest) + "?";
+    return nearest.empty() ? "" : "did you mean " + text::quoted(nearest) + "?";
 }
 
 } // namespace text
