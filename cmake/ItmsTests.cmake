@@ -1,13 +1,13 @@
-# How a folder of tests becomes a program of tests.
+# How a folder of tests becomes a test program.
 include(GoogleTest)
 
 # itms_tests(model SOURCES keys.cpp ... [LINK itms_language ...] [TIMEOUT seconds] [PROGRAM] [OPTIMISED])
 #
 # Makes the program itms_tests_model of the current folder and registers each of its tests with CTest, as
-# model.Suite.name, one process each. Tests include from the root: "model/Atom.h", "tests/support/...".
-# ITMS_ROOT is the root's path, and with PROGRAM, for tests that run the program, ITMS_PROGRAM is its path.
-# OPTIMISED is for tests that compute much themselves, such as what a reference gives.
-# They are listed when CTest starts, not when the program is built, so that a program that cannot start is
+# model.Suite.name, each in a process of its own. Tests include from the root: "model/Atom.h",
+# "tests/support/...". ITMS_ROOT is the root's path; with PROGRAM, for tests that run the program, ITMS_PROGRAM is
+# its path. OPTIMISED is for tests that compute much themselves, such as the answers of a reference.
+# The tests are listed when CTest starts, not when the program is built, so that a program that cannot start is
 # a failed test run and not a failed build.
 function(itms_tests name)
     cmake_parse_arguments(PARSE_ARGV 1 tests "PROGRAM;OPTIMISED" "TIMEOUT" "SOURCES;LINK")
@@ -27,7 +27,7 @@ function(itms_tests name)
     target_link_libraries(itms_tests_${name} PRIVATE
         ${tests_LINK} itms_test_support itms::itms GTest::gmock GTest::gtest GTest::gtest_main)
     itms_our_code(itms_tests_${name})
-    # What is tested is optimised as elsewhere; the tests themselves compile in half the time without.
+    # What is tested is optimised as elsewhere; without optimisation the tests themselves compile in half the time.
     if(NOT tests_OPTIMISED)
         target_compile_options(itms_tests_${name} PRIVATE $<$<CONFIG:Debug>:-O0> $<$<CONFIG:Release>:-O1>)
     endif()
