@@ -1,4 +1,4 @@
-# The everyday commands. CMake does the work: see CMakePresets.json for the builds.
+# Everyday commands. CMake does the work; the builds are in CMakePresets.json.
 
 PREFIX ?= /usr/local
 JOBS ?= $(shell nproc)
@@ -8,12 +8,12 @@ FUZZ_SECONDS ?= 60
 .DEFAULT_GOAL := help
 
 help:
-	@echo 'make demo             install what is missing, build, and follow a pumping station'
-	@echo 'make test             build and run the tests, plainly and under the sanitizers'
-	@echo 'make fuzz             build the fuzzer of model files, and run it for $(FUZZ_SECONDS) s'
+	@echo 'make demo             install missing packages, build, and follow a pumping station'
+	@echo 'make test             build and run the tests, with and without sanitizers'
+	@echo 'make fuzz             build the fuzzer of model files and run it for $(FUZZ_SECONDS) s'
 	@echo 'make bench            build and run the benchmarks'
 	@echo 'make format           format the C++ files'
-	@echo 'make lint             check format, includes, words, length; run clang-tidy'
+	@echo 'make lint             check format, includes, words, file length; run clang-tidy'
 	@echo 'make install PREFIX=  build and install the library and the program ($(PREFIX))'
 	@echo 'make clean            remove build/'
 

@@ -1,17 +1,17 @@
 # How a folder becomes a target. Sources and headers are listed by name in the folder's CMakeLists.txt.
 
-# The flags of our own code; nobody who links the library gets them.
+# The flags of our own code; they are not passed on to users of the library.
 function(itms_our_code target)
     target_compile_options(${target} PRIVATE
         -Wall -Wextra -Wpedantic -Wshadow -Wconversion $<$<BOOL:${ITMS_WERROR}>:-Werror>)
-    # g++ 12 takes the sum of a text and a std::string for an overlapping copy when it optimises.
+    # When optimising, g++ 12 mistakes the sum of a literal and a std::string for an overlapping copy.
     if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
         target_compile_options(${target} PRIVATE -Wno-restrict)
     endif()
 endfunction()
 
-# Adds the folder of the list of folders, which tells the order, once there is something in it to build.
-# scripts/check-sources.sh finds a folder whose sources are there and whose CMakeLists.txt is not.
+# Adds a folder from the list of folders, which determines the order, as soon as it contains something to build.
+# scripts/check-sources.sh finds a folder that has sources but no CMakeLists.txt.
 function(itms_add_folder folder)
     if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/CMakeLists.txt")
         add_subdirectory(${folder})
@@ -21,7 +21,7 @@ endfunction()
 # itms_library_folder(model HEADERS keys.h ... SOURCES Atom.cpp ...)
 #
 # Makes the object library itms_model of the current folder and adds its objects to libitms. HEADERS are
-# installed; PRIVATE_HEADERS are listed for the tools that read the target, and stay here.
+# installed; PRIVATE_HEADERS are listed for tools that read the target, and are not installed.
 function(itms_library_folder name)
     cmake_parse_arguments(PARSE_ARGV 1 folder "" "" "HEADERS;PRIVATE_HEADERS;SOURCES")
     if(folder_UNPARSED_ARGUMENTS)
@@ -39,8 +39,8 @@ endfunction()
 
 # itms_toolkit_folder(language HEADERS ... SOURCES ... LINK PUBLIC ... PRIVATE ...)
 #
-# Makes the static library itms_language of the current folder. LINK is passed on as it is; fmt and JSON are there for
-# all of them.
+# Makes the static library itms_language of the current folder. LINK is passed to target_link_libraries unchanged; fmt and
+# JSON are linked into every folder's.
 function(itms_toolkit_folder name)
     cmake_parse_arguments(PARSE_ARGV 1 folder "" "" "HEADERS;SOURCES;LINK")
     if(folder_UNPARSED_ARGUMENTS)
@@ -56,8 +56,8 @@ endfunction()
 
 # itms_program_folder(SOURCES main.cpp ... LINK PRIVATE itms_report ...)
 #
-# Makes the program, the target itms_program whose file is itms, of the current folder. Its sources may read
-# the version from ITMS_VERSION.
+# Makes the program of the current folder: the target itms_program, whose file is named itms. Its sources may
+# read the version from ITMS_VERSION.
 function(itms_program_folder)
     cmake_parse_arguments(PARSE_ARGV 0 folder "" "" "SOURCES;LINK")
     if(folder_UNPARSED_ARGUMENTS)
@@ -74,7 +74,7 @@ endfunction()
 
 # itms_bench(search SOURCES ... [LINK itms_netlist ...])
 #
-# Makes the program itms_bench_search of the current folder, which `make bench` runs with all others.
+# Makes the program itms_bench_search of the current folder, which `make bench` runs along with all others.
 function(itms_bench name)
     cmake_parse_arguments(PARSE_ARGV 1 bench "" "" "SOURCES;LINK")
     if(bench_UNPARSED_ARGUMENTS)

@@ -1,5 +1,5 @@
-# For fuzzers, all of our code is built with the sanitizers and so that libFuzzer sees which branches it takes.
-# Included before any target is made.
+# For fuzzers, all of our code is built with the sanitizers, and instrumented so that libFuzzer sees which branches
+# are taken. Included before any target is made.
 if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     message(FATAL_ERROR "ITMS_BUILD_FUZZ needs clang: configure with -DCMAKE_CXX_COMPILER=clang++")
 endif()

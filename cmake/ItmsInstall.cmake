@@ -14,7 +14,7 @@ install(EXPORT itms-targets
     NAMESPACE itms::
     DESTINATION "${itms_cmakedir}")
 
-# The program finds a shared library by its own place, so that the installed tree can be moved.
+# The program finds a shared library relative to its own location, so that the installed tree can be moved.
 if(TARGET itms_program)
     if(BUILD_SHARED_LIBS AND NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
         file(RELATIVE_PATH itms_bin_to_lib "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
@@ -35,8 +35,8 @@ install(FILES
     "${PROJECT_BINARY_DIR}/itms-config-version.cmake"
     DESTINATION "${itms_cmakedir}")
 
-# The installed tree can be moved as long as the folders below the prefix are relative ones: itms.pc then
-# finds the prefix from its own place.
+# The installed tree can be moved as long as the folders below the prefix are relative: itms.pc then finds the
+# prefix from its own location.
 set(itms_pcdir "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}" OR IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
     set(itms_pc_prefix "${CMAKE_INSTALL_PREFIX}")

@@ -1,4 +1,4 @@
-# How a folder of tests becomes a program of tests.
+# How a folder of tests becomes a test program.
 
 # The presets share the work: each folder of tests is built and run where it tells most.
 set(ITMS_TEST_FOLDERS all CACHE STRING "Folders of tests to build and run: a list of them, or all")
@@ -29,10 +29,10 @@ itms_precompiled_headers(optimised_tests
 
 # itms_tests(model SOURCES keys.cpp ... [LINK itms_language ...] [SHARDS 4] [TIMEOUT seconds] [PROGRAM] [OPTIMISED])
 #
-# Makes the program itms_tests_model of the current folder and registers it with CTest as model, or in so many SHARDS, that
-# run side by side, as model.1, model.2 ... Tests include from the root: "model/Atom.h", "tests/support/...".
+# Makes the program itms_tests_model of the current folder and registers it with CTest as model, or as that many SHARDS,
+# which run side by side: model.1, model.2 ... Tests include from the root: "model/Atom.h", "tests/support/...".
 # ITMS_ROOT is the root's path, and with PROGRAM, for tests that run the program, ITMS_PROGRAM is its path.
-# OPTIMISED is for tests that compute much themselves, such as what a reference gives.
+# OPTIMISED is for tests that compute much themselves, such as the answers of a reference.
 function(itms_tests name)
     cmake_parse_arguments(PARSE_ARGV 1 tests "PROGRAM;OPTIMISED" "SHARDS;TIMEOUT" "SOURCES;LINK")
     if(tests_UNPARSED_ARGUMENTS)
@@ -52,7 +52,7 @@ function(itms_tests name)
     target_link_libraries(${target} PRIVATE
         ${tests_LINK} itms_test_support itms::itms GTest::gmock GTest::gtest GTest::gtest_main)
     itms_our_code(${target})
-    # What is tested is optimised as elsewhere; the tests themselves compile in half the time without.
+    # What is tested is optimised as elsewhere; without optimisation the tests themselves compile in half the time.
     if(tests_OPTIMISED)
         itms_use_precompiled(${target} optimised_tests)
     else()

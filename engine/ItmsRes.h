@@ -13,20 +13,28 @@
 class ItmsRes {
 public:
     State* state;           ///< the candidate's time step
-    ElMap* already_changed; ///< elements decided on the way here: never flipped again below
+    ElMap* already_changed; ///< elements decided on the way here: no candidates below
     ElMap* focus;           ///< elements touched by the latest decision
-    std::vector<TrajEl*>* retracted; ///< elements set back to "unknown": propagation resumes from them
-    std::queue<Clause*>* constraints; ///< violated clauses still to be resolved, first in, first out
+    /// Elements set back to "unknown": propagation resumes from them.
+    std::vector<TrajEl*>* retracted;
+    /// Violated clauses still to be resolved, first in, first out.
+    std::queue<Clause*>* constraints;
 
     /// A record on `st` itself, with empty containers.
+    /// Ensures: the record has taken `st` over; see clear().
     explicit ItmsRes(State* st);
-    /// A record on a copy of `st`, with a copy of the queue. `already_changed` is null: the maker sets it.
+    /// A record on a copy of `st`, with a copy of the queue. Linear in the state.
+    /// Requires: neither is null.
+    /// Ensures: `already_changed` is null, and the maker sets it; `st` and `q` stay with the caller.
     ItmsRes(State* st, std::queue<Clause*>* q);
+    /// Releases the four containers, not the state.
     ~ItmsRes();
     ItmsRes(const ItmsRes&) = delete;
     ItmsRes& operator=(const ItmsRes&) = delete;
 
-    /// Releases the state with its elements. Once per record; `state` is null afterwards.
+    /// Releases the state with its elements. Linear in the state.
+    /// Requires: `state` is not null: once per record.
+    /// Ensures: `state` is null. Elements that other members refer to are gone.
     void clear();
 
 private:

@@ -1,8 +1,10 @@
 // Conflicts: clauses that the labels violate, looked for around the elements that changed.
 //
-// (a | !b) is violated when a is "false" and b "true". One unknown literal and it is open, which the focused
-// checks leave alone and the full scan lists. A variable's own clauses (exactly one value holds) contribute at
-// most one conflict per check: the last. Linear in the clauses around the focus; the full scan in the model.
+// (a | !b) is violated when a is "false" and b is "true". With one unknown literal it is open: the focused checks
+// leave it alone, and the full scan lists it. A variable's own clauses (exactly one value holds) contribute at
+// most one conflict per check: the last. No label is changed here.
+//
+// Cost: linear in the clauses around the focus; the full scan is linear in the model.
 #include "engine/itms.h"
 #include "model/trace.h"
 

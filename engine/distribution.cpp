@@ -2,7 +2,8 @@
 //
 // "Rough" asks no more of a transition than what its formula touches. Let its formula be {m}, m a value of
 // component C. A variable of C, or of a component that C imports, has the value that some clause opposes to m
-// with probability 1, and any other with 0; a variable out of reach has each of its n values with 1/n.
+// with probability 1, and any other with 0; a variable out of reach has each of its n values with 1/n. The
+// clause (!m | a) gives a the probability 1, and 0 to the values of a's variable that no clause opposes to m.
 //
 // Distributions are not normalised here. Rating one element against one transition costs the clauses of the
 // formula's atoms at most; the likelihood of a step's observations is quadratic in its elements.

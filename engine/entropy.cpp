@@ -7,10 +7,13 @@
 //
 // Natural logarithms; the weights Z(a) are not normalised over the atoms; transitions of probability 0 are
 // left out, and so are terms with p = 0. A value that no transition admits has Z = 0 and makes the result NaN.
-// For minimal expected entropy as the choice of the next measurement: J. de Kleer and B. C. Williams,
-// "Diagnosing multiple faults", Artificial Intelligence 32 (1987).
+// Example: two transitions of probability 1/2, one of which admits only a and the other only b, give H = 0:
+// once the variable is known, nothing is left open. If both admit both values alike, each with 1/2, H is ln 2.
 //
-// A rating weighs every likely transition of the state's components once for each value of the variable.
+// Cost: a rating weighs every likely transition of the state's components once for each value of the variable.
+//
+// Source: minimal expected entropy as the choice of the next measurement, "Diagnosing multiple faults",
+// Artificial Intelligence 32 (1987).
 #include "engine/itms.h"
 
 #include <cmath>

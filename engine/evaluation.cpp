@@ -2,8 +2,10 @@
 //
 // In the clause (a | !b) with a "unknown" and b "false" the literal !b holds, so testClause is true; unitClause
 // still reports a, for only a positive literal that holds stops its scan. With several unknown literals
-// unitClause gives the last, getUnknown the first. Every look at a clause instantiates the components of the
-// atoms that it reaches. Each function is linear in the clauses that it walks.
+// unitClause gives the last, getUnknown the first.
+//
+// Every look at a clause instantiates the components of the atoms that it reaches, so a state grows around what
+// is looked at, and never shrinks. Cost: each function is linear in the clauses that it walks.
 #include "engine/itms.h"
 
 TrajEl* itms::getElt(const char* id, State* state, Trajectory* traj, const int& rank,

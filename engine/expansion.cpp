@@ -6,7 +6,12 @@
 // or one for the atom alone. A child starts from a copy of the state: the flip, the conflict as its support, the
 // retraction of dependents that lost theirs, and the distribution given the flipped atom are made at once.
 //
-// Cost: one copy of the state for each child but the last, one rating for each candidate.
+// Invariant: an element that was decided on the way to a record is no candidate below it, so every way down ends.
+//
+// Cost: one copy of the state for each child but the last, one rating for each element that may be flipped.
+//
+// Source: branching over the members of a conflict, "A theory of diagnosis from first principles", Artificial
+// Intelligence 32 (1987); the order of the branches, see entropy.cpp.
 #include "engine/itms.h"
 #include "model/trace.h"
 
@@ -117,7 +122,7 @@ void itms::collectCandidates(Expansion& expansion)
 }
 
 // With type rules conditions may only be switched off, and modes that a transition produced stay. Without them a
-// command may only be switched off, but for the command "none", which may only be switched on.
+// command may only be switched off, except that the command "none" may also be switched on.
 void itms::considerCandidate(Expansion& expansion, Atom* atom, TrajEl* el)
 {
     if (expansion.typeRules) {

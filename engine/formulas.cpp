@@ -1,7 +1,7 @@
 // Does a formula hold at a step? A flat conjunction or disjunction over the labels of a trajectory.
 //
-// {(true, a), (false, b)} with "and" holds when a is "true" and b is not. Every atom's element is fetched and
-// evaluated, also when the result is settled already. Linear in the formula.
+// {(true, a), (false, b)} with "and" holds when a is "true" and b is not: "unknown" counts as not holding. Every
+// atom's element is fetched and evaluated, even when the result is settled already. Linear in the formula.
 #include "engine/itms.h"
 
 bool itms::evalStateFormula(StateFormula* formula, Trajectory* trajectory, int step)

@@ -4,7 +4,7 @@
 //
 // gives valve.pos=closed two sets, {sensor.flow=zero, pump.state=on} and {sensor.press=low}. Nothing is trimmed:
 // a stray space makes an empty name, which no atom has, and ends the reading. Characters after the last
-// newline are no line. Linear in the file.
+// newline are not a line. Linear in the file, except that each head is looked for among the components' names.
 #include "engine/itms.h"
 #include "model/trace.h"
 

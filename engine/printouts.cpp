@@ -1,7 +1,7 @@
 // Printouts of the engine's containers, for inspection.
 //
-// An atom is printed with its own label and, when it has one, its support clause. The hash map's printout, other
-// than those of the vector and of the multimap, ends without an empty line.
+// An atom is printed with its own label and, when it has one, its support clause. The printout of the hash map,
+// unlike those of the vector and of the multimap, does not end with an empty line.
 #include "engine/itms.h"
 #include "model/trace.h"
 

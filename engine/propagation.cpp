@@ -1,12 +1,19 @@
 // The propagation driver: a depth-first loop over open candidate records.
 //
 // Within a record unit propagation and the resolution of violated clauses take turns until neither has anything
-// left to do: then the record is a candidate. A violated clause that can be resolved in three ways continues
-// with the first of the three, and leaves two on the agenda, a stack. The line that announces a discarded
-// candidate is printed once at the start as well.
+// left to do: then the record is a candidate. Where the violated clause (!ok | !a | y) can be resolved in three
+// ways, the loop goes on with the first of the three records and leaves two on the agenda, a stack. The line that
+// announces a discarded candidate is printed once at the start as well.
 //
-// The number of records is bounded by nothing but the fault bound and DataManager::searchLimits. A limit is looked
-// at where the next record would be taken up or expanded; everything still open is released then.
+// Invariants: a record is on the agenda, being worked on, among the results, or released, and never in two of
+// these places; its queue holds the clauses that were found violated on the way to it, and one that holds again
+// when its turn comes is passed over.
+//
+// Cost: the number of records is bounded by nothing but the fault bound and DataManager::searchLimits. A limit is
+// looked at where the next record would be taken up or expanded; everything still open is released then.
+//
+// Source: unit propagation is that of "A machine program for theorem-proving", Communications of the ACM 5
+// (1962), except that an unknown element is set to "true" whatever its sign.
 #include "engine/itms.h"
 #include "model/trace.h"
 

@@ -1,7 +1,9 @@
 // Adding propositions: the entry of one time step.
 //
 // Labels are written in the order of the propositions, before anything is propagated, so a later proposition
-// sees the labels of the earlier ones. The search then starts from one record on the caller's own state.
+// sees the labels of the earlier ones. The search then starts from one record on the caller's own state. A
+// proposition {(true, valve.position=stuck)} whose element is "false" counts as one fault towards the bound.
+// Linear in the propositions, up to where the search begins.
 #include "engine/itms.h"
 #include "model/trace.h"
 

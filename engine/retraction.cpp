@@ -3,7 +3,12 @@
 // With e supported by (!a | e), and f by (!e | f), retracting e when a changes sets e to "unknown"; (!e | f) has
 // no true literal then, unless f's own, so f is looked at next, and so on down the dependents. The walk keeps
 // its own stack: a chain may be as long as memory allows. Resupport is the other way round: a satisfied clause
-// around a changed element becomes the support of the unknown elements in it. Linear in what is visited.
+// around a changed element becomes the support of the unknown elements in it.
+//
+// Invariant: a retracted element has no support and no dependents. Cost: linear in what is visited.
+//
+// Source: retraction along recorded supports is the method of truth-maintenance systems ("A truth maintenance
+// system", Artificial Intelligence 12, 1979).
 #include "engine/itms.h"
 #include "model/trace.h"
 
@@ -64,7 +69,7 @@ void itms::resupportDependence(TrajEl* el, ElMap* focus, State* state, Trajector
                     removeDependent(getElt(atom->getId(), state, traj, rank), other);
                 }
             }
-            // Other than setSupport, this enters no dependents at the new support's elements.
+            // Unlike setSupport, this enters no dependents at the new support's elements.
             other->support = clause;
             other->propagationNumber = maxPropagationNumber(clause, other, state, traj, rank) + 1;
             focus->insert({other->getId(), other});

@@ -2,7 +2,9 @@
 //
 // An element e with support (a | b | e) stands in the dependents of a and of b, never in its own. The depth of
 // a newly supported element is one more than the largest among the elements of its clause, its own included.
-// Unit propagation sets labels and records no support. Linear in the clause and its elements' dependents.
+// Unit propagation sets labels and records no support.
+//
+// Cost: linear in the clause and its elements' dependents.
 #include "engine/itms.h"
 #include "model/trace.h"
 

@@ -2,7 +2,8 @@
 //
 // A transition's weight is its probability over the number of *all* transitions of its component: 0.3, 0.6
 // and 0.1 in a component of three weigh 0.1, 0.2 and 0.0333333. An idle or failure transition that no command
-// guards can happen under any command, so every command value of the component refers to it.
+// guards can happen under any command, so every command value of the component refers to it. Linear in the
+// component's transitions and guards, times its command values.
 #include "engine/itms.h"
 #include "model/trace.h"
 

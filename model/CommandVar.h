@@ -3,5 +3,6 @@
 
 #include "model/StateVar.h"
 
-/// A command variable. Being a StateVar it stands in its component's `stateVars` too.
+/// A command variable; its `type` is "Command". Being a StateVar, it stands in its component's `stateVars`
+/// as well as in its `commandVars`.
 class CommandVar : public StateVar {};

@@ -10,13 +10,13 @@
 
 /// One benchmark entry: what a call of itms::addPropositions took, found and was given.
 struct ItmsBmkEntry {
-    double seconds = 0.0;         ///< processor time
+    double seconds = 0.0;         ///< processor time, in seconds
     unsigned int count = 0;       ///< candidates in the result
     std::vector<std::string> ids; ///< identifiers of the propositions, in their order
 };
 
 /// The active model and what belongs to the process as a whole. The objects in it belong to whoever loaded
-/// them. Single-threaded, as is all of the library.
+/// them, and must stay alive until reset(). Single-threaded, as is all of the library.
 class DataManager {
 public:
     static std::string model_name;      ///< base name; `model_name`.pi holds prime implicates
@@ -28,22 +28,29 @@ public:
     static SearchLimits searchLimits;                ///< bounds every search; unlimited by default
     static SearchWork searchWork;                    ///< what the latest search did
 
-    /// The atom with that identifier, or null. Finds every atom of the model: the active ones in constant
-    /// time, others (atoms of an active component that stand in no clause) in time linear in the components.
+    /// Same as findAtom.
     Atom* getAtom(const char* id) { return findAtom(id); }
+    /// The atom with that identifier, or null. Finds every atom of the model: an active one in constant
+    /// time, any other (an atom of an active component that stands in no clause) in time linear in the
+    /// atoms of all components. The characters of `id` need not be the atom's own.
     static Atom* findAtom(const char* id);
 
-    /// Files an entry; copies the identifiers.
+    /// Appends an entry to `itmsBmkEntries`; copies the identifiers.
+    /// Requires: `ids` is not null.
     static void addItmsBmkEntry(double seconds, unsigned int count, std::vector<const char*>* ids);
 
-    /// Makes `atoms` the active atoms and keeps it allocated until reset(), since callers may hold the map.
-    /// The map that it replaces is not released either: one that was made here lives until reset(), any other
-    /// stays with its maker.
+    /// Ensures: `atoms` is the map of active atoms, and stays allocated until reset(), since callers may hold
+    /// it. The map that it replaces is not released either: one that was made here lives until reset(), any
+    /// other stays with its maker.
     static void replaceActiveAtoms(std::unique_ptr<AtomMap> atoms);
-    /// Makes a table that lives until reset(), longer than any engine that uses it.
+    /// A new, empty table.
+    /// Ensures: it lives until reset(), longer than any engine that uses it; the caller never releases it.
     static PiTable* newPiTable();
 
-    /// Unloads the model: every container is an empty one again, the maps and tables kept so far are
-    /// released, entries are dropped and limits lifted. The model's objects are left to their owner.
+    /// Unloads the model.
+    /// Ensures: every container is an empty one of the registry's own again; the maps and tables kept so far
+    /// are released, so pointers to them (`itms::piTable` among them) are not valid any more; entries are
+    /// dropped, limits lifted, and what was noted of the latest search is cleared. The model's objects are
+    /// left to their owner.
     static void reset();
 };

@@ -15,11 +15,14 @@
 struct SearchLimits {
     static constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
 
-    std::uint64_t maxRecords = unlimited; ///< records expanded (conflicts resolved), 0..unlimited
-    std::uint64_t maxCandidates = unlimited; ///< candidates that the call appends to its results
-    double maxSeconds = std::numeric_limits<double>::infinity(); ///< wall-clock seconds, >= 0
-    /// Not owned, and read before every record: once it is true the search ends. For a signal handler, or another
-    /// thread, that wants no further answer. Null: nobody does.
+    /// Records expanded (conflicts resolved), 0..unlimited.
+    std::uint64_t maxRecords = unlimited;
+    /// Candidates that the call appends to its results, 0..unlimited.
+    std::uint64_t maxCandidates = unlimited;
+    /// Wall-clock seconds, >= 0; infinite by default.
+    double maxSeconds = std::numeric_limits<double>::infinity();
+    /// Ends the search once it is true. Read before every record; not owned, and it must outlive the search.
+    /// For a signal handler, or another thread, that wants no further answer. Null by default: nobody does.
     const std::atomic<bool>* stop = nullptr;
 };
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs every benchmark of the bench build, one after the other. Arguments go to each of them.
+# Runs every benchmark of the bench build, one after another. Arguments are passed on to each of them.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -6,7 +6,7 @@
 # The rules, for the folders and rooms in the list (tests/, bench/ and fuzz/ may include anything):
 #   - our own headers are included as "folder/Header.h" or "folder/room/Header.h", from the root;
 #   - model/ includes model/ only, engine/ model/ and itself, and both of them the standard library and nothing else;
-#   - a room of the toolkit includes model/, the engine's public headers, and the rooms up to itself.
+#   - a room of the toolkit includes model/, the engine's public headers, its own headers, and those of rooms above it.
 set -euo pipefail
 root="${1:-$(dirname "$0")/..}"
 # shellcheck source=scripts/files.sh

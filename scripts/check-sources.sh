@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Sources are listed by name, so a file that is forgotten is not built, and its tests are not run, without a
-# word from anybody but this check: every .cpp, and every header of the library, is named in the nearest
-# CMakeLists.txt above it, or by its path from the root in any file for CMake.
+# Sources are listed by name, so a forgotten file is not built, and its tests are not run, and only this check
+# notices: every .cpp, and every header of the library, is named in the nearest CMakeLists.txt above it, or by its
+# path from the root in any CMake file.
 #
 #   scripts/check-sources.sh [ROOT]      prints the files that are not; status 1 if there is one
 set -euo pipefail
@@ -10,7 +10,7 @@ root="${1:-$(dirname "$0")/..}"
 source "$(dirname "$0")/files.sh"
 
 cd "$root"
-# The words of the given files, without remarks; what stands after the root's name is a path from the root.
+# The words of the given files, without comments; what follows the root's variable is a path from the root.
 words() { sed -e 's/#.*//' -e 's/\${PROJECT_SOURCE_DIR}\///' "$@" | tr -s ' \t()"' '\n'; }
 
 mapfile -t cmake_files < <(files . '*CMakeLists.txt' '*.cmake')
@@ -22,7 +22,7 @@ while IFS= read -r file; do
     *.h) continue ;;
     esac
     if grep -qxF -e "$file" <<<"$paths"; then continue; fi
-    # The CMakeLists.txt of a folder lists its rooms' files, too, as room/File.cpp.
+    # The CMakeLists.txt of a folder also lists the files of its rooms, as room/File.cpp.
     folder="$(dirname "$file")"
     while [ "$folder" != . ] && [ ! -f "$folder/CMakeLists.txt" ]; do folder="$(dirname "$folder")"; done
     if [ "$folder" = . ]; then

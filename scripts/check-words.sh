@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Some words and paths have no place in the tree: the code is its own description, and no file knows the
-# machine it was written on.
+# Some words and paths do not belong in the tree: the code is its own description, and no file depends on the
+# machine on which it was written.
 #
 #   scripts/check-words.sh [ROOT]        prints the lines and file names that have one; status 1 if any
 set -euo pipefail

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The main job on a real example. This is the one place that says what `make demo` runs.
+# The main job on a real example. This is the one place that defines what `make demo` runs.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 program=build/release/bin/itms

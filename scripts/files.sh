@@ -1,10 +1,10 @@
-# Sourced by the checks. files ROOT [PATTERN...]: the files below ROOT that match one of the patterns, one a
-# line, relative to ROOT: the tracked ones in a git work tree, all outside build/ otherwise.
+# Sourced by the checks. files ROOT [PATTERN...] prints the files below ROOT that match one of the patterns, one
+# per line, relative to ROOT: in a git work tree the tracked ones, otherwise all outside build/.
 files() {
     local root="$1"
     shift
     if [ -e "$root/.git" ]; then
-        # A file that is deleted but still in the index is nobody's fault yet.
+        # A file that is deleted but still in the index is skipped.
         git -C "$root" ls-files -- "$@" | while IFS= read -r file; do
             if [ -f "$root/$file" ]; then printf '%s\n' "$file"; fi
         done

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Formats the C++ files of the tree, or with --check prints what formatting would change (status 1 if any).
+# Formats the C++ files of the tree, or with --check prints what formatting would change (status 1 if there is anything).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 # shellcheck source=scripts/files.sh

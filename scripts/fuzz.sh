@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Builds fuzzers and lets each run for a while, from the texts in fuzz/corpus and what earlier runs found.
+# Builds fuzzers and runs each for a while, starting from the texts in fuzz/corpus and what earlier runs found.
 #
-#   scripts/fuzz.sh SECONDS [NAME...]    names as in fuzz/NAME_fuzzer.cpp; without one: model
+#   scripts/fuzz.sh SECONDS [NAME...]    names as in fuzz/NAME_fuzzer.cpp; default: model
 #
-# Status 1 when one of them found something: the text is in build/fuzz/found/NAME, and is printed how to see it again.
+# Status 1 when one of them found something: the text is in build/fuzz/found/NAME, and a note explains how to
+# reproduce the failure.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that the build, the tests and the checks need: only what is missing.
+# Installs the Debian packages that the build, the tests and the checks need, if they are missing.
 #
 #   scripts/install-packages.sh          what a build with its tests needs
-#   scripts/install-packages.sh --all    and what the checks of the source need
-#   scripts/install-packages.sh --fuzz   ... what the fuzzers need
-#   ... --check                          installs nothing: lists what is missing, status 1 if anything is
+#   scripts/install-packages.sh --all    the same, and what the checks of the source need
+#   scripts/install-packages.sh --fuzz   the same, and what the fuzzers need
+#   ... --check                          installs nothing: lists what is missing; status 1 if anything is
 set -euo pipefail
 
 build=(
@@ -35,7 +35,7 @@ if ! command -v dpkg-query >/dev/null; then
     exit 0
 fi
 
-# One call for all: dpkg-query prints what it knows and complains about the rest.
+# One call for all packages: dpkg-query prints those that it knows and complains about the rest.
 installed="$(dpkg-query -W -f='${db:Status-Status} ${Package}\n' "${wanted[@]}" 2>/dev/null || true)"
 missing=()
 for package in "${wanted[@]}"; do

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Every check of the source that is not a test. All are made, whatever fails; status 1 if one does.
+# Runs every check of the source that is not a test, even after a failure; status 1 if one fails.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

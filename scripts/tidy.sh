@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # clang-tidy over the sources of the library, the toolkit and the program, with the commands of the lint
-# build (which need only be configured). Prints what it finds; status 1 if anything.
+# build (which only needs to be configured). Prints what it finds; status 1 if there is anything.
 #
-#   scripts/tidy.sh [REGEX]              of the files whose path matches, all by default
+#   scripts/tidy.sh [REGEX]              only files whose path matches; by default all of them
 set -euo pipefail
 cd "$(dirname "$0")/.."
 only="${1:-.}"
@@ -22,8 +22,8 @@ if [ -z "$files" ]; then
     echo "tidy.sh: no source matches $only" >&2
     exit 2
 fi
-# One file a process, two at a time; the summary lines of clang-tidy are noise. The commands are the compiler's,
-# whose warnings clang need not all know.
+# One file per process, two at a time; the summary lines of clang-tidy are noise. The commands are those of the
+# compiler, not all of whose warnings clang knows.
 xargs -d '\n' -n 1 -P "${JOBS:-2}" clang-tidy -quiet \
     --extra-arg=-Wno-unknown-warning-option -p build/lint <<<"$files" >"$log" 2>&1 || status=1
 grep -vE '^[0-9]+ warnings?( and [0-9]+ errors?)? (generated|treated as errors)|^Suppressed |^Use -header-filter' "$log" || true
