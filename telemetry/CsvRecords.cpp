@@ -44,7 +44,7 @@ bool CsvRecords::takeLine()
     if (next_ == window_.size()) {
         std::string_view line;
         if (!lines_.next(line)) return false;
-        if (lines_.tooLong()) tooLong_ = next_;
+        if (lines_.tooLong() || line.size() > mostBytes_) tooLong_ = next_;
         window_ += line;
         window_ += '\n';
     }

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "telemetry/Complaint.h"
-#include "telemetry/LineReader.h"
+#include "telemetry/LineSource.h"
 #include "text/Diagnostic.h"
 
 #include <string>
@@ -24,10 +24,11 @@ public:
     };
     enum class Got { record, mistake, end, interrupted };
 
-    /// The reader outlives this. A record may have `mostBytes` bytes.
-    CsvRecords(LineReader& lines, std::size_t mostBytes) : lines_(lines), mostBytes_(mostBytes) {}
+    /// A record may have `mostBytes` bytes.
+    /// Requires: `lines` outlives this.
+    CsvRecords(LineSource& lines, std::size_t mostBytes) : lines_(lines), mostBytes_(mostBytes) {}
 
-    /// Takes back the line that the reader gave last.
+    /// Takes back the line that the source gave last.
     void takeBack(std::string_view line);
     /// Passes over lines until `count` of them are done with; false when there are not so many (yet).
     bool skipTo(std::size_t count);
@@ -56,7 +57,7 @@ private:
     text::Diagnostic errorIn(const Complaint& complaint, std::size_t offset,
                              std::size_t length) const;
 
-    LineReader& lines_;
+    LineSource& lines_;
     std::size_t mostBytes_;
     // Lines that were read, each with LF behind it: those of the record, and after a mistake those to be read again.
     std::string window_;
