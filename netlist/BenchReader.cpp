@@ -4,12 +4,9 @@
 #include "netlist/BenchText.h"
 #include "netlist/Draft.h"
 #include "netlist/DraftChecks.h"
+#include "text/File.h"
 
-#include <cerrno>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
-#include <system_error>
 #include <variant>
 
 namespace netlist {
@@ -77,18 +74,12 @@ BenchResult readBench(std::string_view text, const std::string& fileName)
 
 BenchResult readBenchFile(const std::string& path)
 {
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    if (file && file.peek() != std::ifstream::traits_type::eof()) text << file.rdbuf();
-    if (errno != 0) {
-        BenchResult result;
-        text::Diagnostic& error = result.errors.emplace_back();
-        error.file = path;
-        error.message = "cannot be read: " + std::generic_category().message(errno);
-        return result;
-    }
-    return readBench(text.view(), path);
+    const text::FileText file = text::readFile(path);
+    if (file.text) return readBench(*file.text, path);
+    BenchResult result;
+    result.errors.push_back(
+        text::errorAt({"cannot be read: " + file.failure, "", ""}, path, {}, {}, 0));
+    return result;
 }
 
 } // namespace netlist

@@ -5,7 +5,6 @@
 // otherwise take with it all up to the next quote.
 #pragma once
 
-#include "telemetry/Complaint.h"
 #include "telemetry/LineSource.h"
 #include "text/Diagnostic.h"
 
@@ -39,7 +38,7 @@ public:
     /// What is wrong with the record, after Got::mistake. The name of the file is left to the caller.
     const text::Diagnostic& mistake() const { return mistake_; }
     /// An error about a cell of the record; past the last one, about the end of the record.
-    text::Diagnostic errorAtCell(const Complaint& complaint, std::size_t cell) const;
+    text::Diagnostic errorAtCell(const text::Message& what, std::size_t cell) const;
 
     std::size_t firstLine() const { return firstLine_; } ///< of the record
     std::size_t linesDone() const { return linesDone_; } ///< up to the end of the record
@@ -51,10 +50,10 @@ private:
     bool isBlank() const;
     Got readCells();
     Got readQuoted(Cell& cell);
-    Got refuse(const Complaint& complaint, std::size_t offset, std::size_t length);
+    Got refuse(const text::Message& what, std::size_t offset, std::size_t length);
     Got stop();
     void rewind(std::size_t lines);
-    text::Diagnostic errorIn(const Complaint& complaint, std::size_t offset,
+    text::Diagnostic errorIn(const text::Message& what, std::size_t offset,
                              std::size_t length) const;
 
     LineSource& lines_;

@@ -55,12 +55,11 @@ std::optional<StepReader::Next> StepReader::begin()
     }
     if (isTooLong(line)) return tooLong(line, true);
     if (const std::size_t bracket = line.find_first_not_of(" \t"); line[bracket] == '[') {
-        return mistake(
-            errorAt({Complaint::About::value, "found an array where a step or a header begins",
-                     "JSON, a step a line, or a table with a header",
-                     "write each step on a line of its own, without brackets around them"},
-                    line, lines_->lineNumber(), bracket, 1),
-            true);
+        const text::Message array{
+            "found an array where a step or a header begins",
+            "JSON, a step a line, or a table with a header",
+            "write each step on a line of its own, without brackets around them"};
+        return mistake(text::errorAt(array, {}, {lines_->lineNumber(), bracket + 1}, line, 1), true);
     }
     table_.emplace(*lines_, builder_, settings_.mostBytes, line);
     return readHeader();
@@ -83,10 +82,9 @@ bool StepReader::isTooLong(std::string_view line) const
 
 StepReader::Next StepReader::tooLong(std::string_view line, bool endsReading)
 {
-    const Complaint complaint{Complaint::About::value,
-                              fmt::format("this line has more than {} bytes", settings_.mostBytes),
-                              "shorter lines", ""};
-    return mistake(errorAt(complaint, line, lines_->lineNumber(), 0, 1), endsReading);
+    const text::Message what{fmt::format("this line has more than {} bytes", settings_.mostBytes),
+                             "shorter lines", ""};
+    return mistake(text::errorAt(what, {}, {lines_->lineNumber(), 1}, line, 1), endsReading);
 }
 
 // Passes over what was done with before the state that was restored.

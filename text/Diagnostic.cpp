@@ -130,7 +130,7 @@ Diagnostic errorAt(Message message, std::string file, Place place, std::string_v
     static_cast<Message&>(error) = std::move(message);
     error.file = std::move(file);
     error.place = place;
-    if (place.line > 0) error.quote(line, length);
+    if (place != Place{}) error.quote(line, length);
     return error;
 }
 

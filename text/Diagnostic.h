@@ -51,7 +51,7 @@ struct Diagnostic : Message {
 };
 
 /// The message as an error at a place. `line` is the whole line there, without its end, and the mark stands under `length`
-/// bytes; both are ignored for an error of the file as a whole. An empty `file` may be filled in later.
+/// bytes; both are ignored for an error of the file as a whole. Name and line number may be filled in later.
 Diagnostic errorAt(Message message, std::string file, Place place, std::string_view line,
                    std::size_t length);
 
