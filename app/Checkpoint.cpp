@@ -2,14 +2,10 @@
 
 #include "app/Output.h"
 #include "plant/Fingerprint.h"
+#include "text/File.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <fcntl.h>
 #include <fmt/format.h>
-#include <memory>
-#include <system_error>
-#include <unistd.h>
+#include <utility>
 
 namespace app {
 
@@ -17,12 +13,6 @@ namespace {
 
 constexpr const char* formatName = "itms-checkpoint";
 constexpr int version = 1;
-
-[[noreturn]] void fail(const std::string& path, const char* what)
-{
-    const std::string why = std::generic_category().message(errno);
-    throw FileFailure(fmt::format("{}: {}: {}\n", path, what, why));
-}
 
 [[noreturn]] void refuse(const std::string& path, const std::string& what)
 {
@@ -32,45 +22,12 @@ constexpr int version = 1;
                     path, what));
 }
 
-// Closes the file in any case.
-bool writeAll(int file, std::string_view text)
-{
-    while (!text.empty()) {
-        const ssize_t written = write(file, text.data(), text.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) break;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    const bool synced = text.empty() && fsync(file) == 0;
-    return close(file) == 0 && synced;
-}
-
-// The name of a file is safe only when its folder is written, too.
-void syncFolder(const std::string& path)
-{
-    const std::size_t slash = path.rfind('/');
-    const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-    const int file = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (file < 0) fail(path, "the folder cannot be opened");
-    const bool synced = fsync(file) == 0 || errno == EINVAL;
-    close(file);
-    if (!synced) fail(path, "the folder cannot be written");
-}
-
 std::string readAll(const std::string& path)
 {
-    struct Close {
-        void operator()(std::FILE* file) const { static_cast<void>(std::fclose(file)); }
-    };
-    const std::unique_ptr<std::FILE, Close> file(std::fopen(path.c_str(), "rbe"));
-    if (!file) fail(path, "cannot be opened");
-    std::string text;
-    char buffer[65536];
-    while (const std::size_t count = std::fread(buffer, 1, sizeof buffer, file.get())) {
-        text.append(buffer, count);
-    }
-    if (std::ferror(file.get()) != 0) fail(path, "cannot be read");
-    return text;
+    text::FileText file = text::readFile(path);
+    if (file.text) return std::move(*file.text);
+    throw FileFailure(fmt::format(
+        "{}: {}: {}\n", path, file.wasOpened ? "cannot be read" : "cannot be opened", file.failure));
 }
 
 } // namespace
@@ -82,12 +39,11 @@ void writeCheckpoint(const std::string& path, const nlohmann::json& content)
                               {"v", version},
                               {"bytes", body.size()},
                               {"hash", plant::fingerprint(body)}};
-    const std::string beside = path + ".new";
-    const int file = open(beside.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (file < 0) fail(beside, "cannot be opened");
-    if (!writeAll(file, head.dump() + "\n" + body)) fail(beside, "cannot be written");
-    if (std::rename(beside.c_str(), path.c_str()) != 0) fail(path, "cannot be replaced");
-    syncFolder(path);
+    try {
+        text::writeWhole(path, head.dump() + "\n" + body);
+    } catch (const text::WriteFailure& failure) {
+        throw FileFailure(fmt::format("{}\n", failure.what()));
+    }
 }
 
 nlohmann::json readCheckpoint(const std::string& path)

@@ -128,12 +128,9 @@ netlist::Circuit readCircuit(const std::string& path)
     return std::move(*read.circuit);
 }
 
-Failure argumentError(const std::string& option, const Complaint& complaint)
+Failure argumentError(const std::string& option, const text::Message& what)
 {
-    std::string text = option + ": " + complaint.message + "\n";
-    if (!complaint.expected.empty()) text += "  expected: " + complaint.expected + "\n";
-    if (!complaint.hint.empty()) text += "  hint: " + complaint.hint + "\n";
-    return Failure(text);
+    return Failure(option + ": " + what.format());
 }
 
 std::string_view trimmed(std::string_view text)

@@ -3,11 +3,9 @@
 #include "app/Output.h"
 #include "language/Reader.h"
 #include "language/json/ModelJson.h"
+#include "text/File.h"
 
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
 
 namespace app {
 
@@ -39,12 +37,10 @@ void write(const std::string& path, const std::string& model, const std::string&
     if (std::filesystem::equivalent(path, model, error)) {
         throw FileFailure(path + ": is the model itself\n  expected: another file\n");
     }
-    errno = 0;
-    std::ofstream file(path, std::ios::binary);
-    file << text;
-    file.close();
-    if (file.fail()) {
-        throw FileFailure(path + ": cannot be written: " + std::strerror(errno) + "\n");
+    try {
+        text::writeFile(path, text);
+    } catch (const text::WriteFailure& failure) {
+        throw FileFailure(std::string(failure.what()) + "\n");
     }
 }
 

@@ -3,16 +3,11 @@
 #include "app/Arguments.h"
 #include "app/Output.h"
 #include "language/syntax/Formatter.h"
+#include "text/File.h"
 
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <iterator>
-#include <stdlib.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <utility>
 
 namespace app {
 
@@ -47,47 +42,18 @@ std::string readAll(std::istream& in, const std::string& name)
 
 std::string readFile(const std::string& name)
 {
-    std::ifstream in(name, std::ios::binary);
-    if (!in || std::filesystem::is_directory(name)) {
-        throw FileFailure(
-            name + ": cannot be opened: " + std::strerror(errno == 0 ? EISDIR : errno) + "\n");
-    }
-    return readAll(in, name);
+    text::FileText file = text::readFile(name);
+    if (file.text) return std::move(*file.text);
+    throw FileFailure(name + ": cannot be opened: " + file.failure + "\n");
 }
 
-[[noreturn]] void failToWrite(const std::string& name, const std::string& leftover)
-{
-    const int reason = errno;
-    if (!leftover.empty()) ::unlink(leftover.c_str());
-    throw FileFailure(name + ": cannot be written: " + std::strerror(reason) + "\n");
-}
-
-// Writes beside the file and renames, so that whoever reads the file sees the old text or the new one. The permissions
-// stay, and a link goes on leading to its file.
 void replaceFile(const std::string& name, const std::string& text)
 {
-    std::error_code error;
-    const std::filesystem::path file = std::filesystem::canonical(name, error);
-    struct stat status {};
-    if (error || ::stat(file.c_str(), &status) != 0) failToWrite(name, {});
-    std::string beside =
-        (file.parent_path() / ("." + file.filename().string() + ".XXXXXX")).string();
-    const int handle = ::mkstemp(beside.data());
-    if (handle < 0) failToWrite(name, {});
-    bool good = ::fchmod(handle, status.st_mode & 07777U) == 0;
-    for (std::size_t at = 0; good && at < text.size();) {
-        const ssize_t written = ::write(handle, text.data() + at, text.size() - at);
-        if (written < 0 && errno == EINTR) continue;
-        good = written > 0;
-        if (good) at += static_cast<std::size_t>(written);
+    try {
+        text::replaceAtomically(name, text);
+    } catch (const text::WriteFailure& failure) {
+        throw FileFailure(std::string(failure.what()) + "\n");
     }
-    good = good && ::fsync(handle) == 0;
-    const int reason = errno;
-    if (::close(handle) != 0 || !good) {
-        if (!good) errno = reason;
-        failToWrite(name, beside);
-    }
-    if (::rename(beside.c_str(), file.c_str()) != 0) failToWrite(name, beside);
 }
 
 // Returns whether all is well with the file.

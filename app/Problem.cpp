@@ -1,8 +1,7 @@
 #include "app/Problem.h"
 
-#include "report/Text.h"
-#include "text/Diagnostic.h"
 #include "text/NearestName.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -29,16 +28,21 @@ std::string nameOf(Side side)
     return side == Side::input ? "input" : "output";
 }
 
+std::vector<std::string_view> namesOf(const netlist::Circuit& circuit,
+                                      const std::vector<SignalIndex>& signals)
+{
+    std::vector<std::string_view> names;
+    for (const SignalIndex signal : signals) {
+        names.emplace_back(circuit.signals[signal]);
+    }
+    return names;
+}
+
 // The names of some signals: all of a few, else the first ones and how many there are.
 std::string some(const netlist::Circuit& circuit, const std::vector<SignalIndex>& signals)
 {
     constexpr std::size_t shown = 8;
-    std::string text;
-    for (std::size_t i = 0; i < std::min(signals.size(), shown); ++i) {
-        text += (i == 0 ? "" : ", ") + circuit.signals[signals[i]];
-    }
-    if (signals.size() > shown) text += fmt::format(", ... ({} in all)", signals.size());
-    return text;
+    return text::enumerated(namesOf(circuit, signals), shown, text::Rest::total);
 }
 
 } // namespace
@@ -50,7 +54,7 @@ ProblemBuilder::ProblemBuilder(const netlist::Circuit& circuit) : circuit_(circu
     }
 }
 
-std::optional<Complaint> ProblemBuilder::add(Side side, std::string_view signal, bool value)
+std::optional<text::Message> ProblemBuilder::add(Side side, std::string_view signal, bool value)
 {
     const std::vector<SignalIndex>& own = declared(circuit_, side);
     const Side otherSide = side == Side::input ? Side::output : Side::input;
@@ -58,18 +62,12 @@ std::optional<Complaint> ProblemBuilder::add(Side side, std::string_view signal,
         fmt::format("an {} of {}: {}", nameOf(side), circuit_.name, some(circuit_, own));
     const std::optional<SignalIndex> index = circuit_.signal(std::string(signal));
     if (!index) {
-        std::vector<std::string_view> known;
-        for (const SignalIndex one : own) {
-            known.emplace_back(circuit_.signals[one]);
-        }
-        const std::string nearest = text::nearestName(signal, known);
-        return Complaint{fmt::format("{} has no signal {}", circuit_.name, text::quoted(signal)),
-                         expected,
-                         nearest.empty() ? "" : fmt::format("did you mean '{}'?", nearest)};
+        return text::Message{fmt::format("{} has no signal {}", circuit_.name, text::quoted(signal)),
+                             expected, text::didYouMean(signal, namesOf(circuit_, own))};
     }
     if (!isDeclared(circuit_, side, *index)) {
         const bool other = isDeclared(circuit_, otherSide, *index);
-        return Complaint{
+        return text::Message{
             fmt::format("{} is {}, not an {}", text::quoted(signal),
                         other ? "an " + nameOf(otherSide) : "a signal inside the circuit",
                         nameOf(side)),
@@ -77,14 +75,14 @@ std::optional<Complaint> ProblemBuilder::add(Side side, std::string_view signal,
     }
     std::optional<bool>& slot = values_[static_cast<std::size_t>(side)][*index];
     if (slot) {
-        return Complaint{fmt::format("{} {} is given twice", nameOf(side), text::quoted(signal)),
-                         fmt::format("each {} once", nameOf(side)), ""};
+        return text::Message{fmt::format("{} {} is given twice", nameOf(side), text::quoted(signal)),
+                             fmt::format("each {} once", nameOf(side)), ""};
     }
     slot = value;
     return std::nullopt;
 }
 
-std::optional<Complaint> ProblemBuilder::missing(Side side) const
+std::optional<text::Message> ProblemBuilder::missing(Side side) const
 {
     const std::vector<std::optional<bool>>& values = values_[static_cast<std::size_t>(side)];
     std::vector<SignalIndex> absent;
@@ -93,18 +91,17 @@ std::optional<Complaint> ProblemBuilder::missing(Side side) const
     }
     if (side == Side::output) {
         if (absent.size() < circuit_.outputs.size()) return std::nullopt;
-        return Complaint{"no output is given", "one output at least: " + some(circuit_, absent), ""};
+        return text::Message{"no output is given", "one output at least: " + some(circuit_, absent),
+                             ""};
     }
     if (absent.empty()) return std::nullopt;
-    std::string names;
-    for (const SignalIndex signal : absent) {
-        names += (names.empty() ? "" : ", ") + circuit_.signals[signal];
-    }
-    return Complaint{fmt::format("{} of {} {} missing: {}", absent.size() == 1 ? "input" : "inputs",
-                                 circuit_.name, absent.size() == 1 ? "is" : "are", names),
-                     fmt::format("a value for every input ({} of {} given)",
-                                 circuit_.inputs.size() - absent.size(), circuit_.inputs.size()),
-                     ""};
+    const std::string names = text::enumerated(namesOf(circuit_, absent), absent.size());
+    return text::Message{
+        fmt::format("{} of {} {} missing: {}", absent.size() == 1 ? "input" : "inputs",
+                    circuit_.name, absent.size() == 1 ? "is" : "are", names),
+        fmt::format("a value for every input ({} of {} given)",
+                    circuit_.inputs.size() - absent.size(), circuit_.inputs.size()),
+        ""};
 }
 
 Problem ProblemBuilder::finish() const

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "netlist/Circuit.h"
+#include "text/Diagnostic.h"
 
 #include <optional>
 #include <string>
@@ -21,25 +22,20 @@ struct Problem {
     std::vector<Reading> outputs; ///< of one output at least
 };
 
-/// What is wrong with a value, in the parts of a text::Diagnostic.
-struct Complaint {
-    std::string message;
-    std::string expected;
-    std::string hint;
-};
-
 enum class Side { input, output };
 
-/// Gathers a problem. The circuit outlives the builder.
+/// Gathers a problem.
 class ProblemBuilder {
 public:
+    /// Requires: the circuit outlives the builder.
     explicit ProblemBuilder(const netlist::Circuit& circuit);
 
-    /// Takes a value in, or tells why it is wrong: the signal is unknown or on the other side, or was given before.
-    std::optional<Complaint> add(Side side, std::string_view signal, bool value);
+    /// Takes a value in, or says why it is wrong: the signal is unknown or on the other side, or was given before.
+    std::optional<text::Message> add(Side side, std::string_view signal, bool value);
     /// What is missing on a side, once everything was added.
-    std::optional<Complaint> missing(Side side) const;
-    /// The problem, of which nothing is missing.
+    std::optional<text::Message> missing(Side side) const;
+    /// The problem.
+    /// Requires: nothing is missing on either side.
     Problem finish() const;
 
 private:

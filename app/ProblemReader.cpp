@@ -1,7 +1,7 @@
-// The JSON is read event by event, so that a signal given twice is seen and every complaint has its place.
+// The JSON is read event by event, so that a signal given twice is seen and every mistake has its place.
 #include "app/ProblemReader.h"
 
-#include "telemetry/JsonText.h"
+#include "text/JsonText.h"
 #include "text/NearestName.h"
 
 #include <fmt/format.h>
@@ -78,11 +78,8 @@ private:
         --depth_;
         return true;
     }
-    bool complain(std::size_t offset, std::size_t length, const Complaint& complaint);
-    bool complainOfKey(const Complaint& complaint)
-    {
-        return complain(keyOffset_, keyLength_, complaint);
-    }
+    bool refuse(std::size_t offset, std::size_t length, const text::Message& what);
+    bool refuseKey(const text::Message& what) { return refuse(keyOffset_, keyLength_, what); }
     bool require(Section section, const char* name, Side side);
 
     std::string_view line_;
@@ -102,7 +99,7 @@ private:
 bool Handler::key(string_t& name)
 {
     if (depth_ > 2 || (depth_ == 2 && !atSignal())) return true;
-    const telemetry::Extent key = telemetry::textBefore(line_, taken_);
+    const text::Extent key = text::textBefore(line_, taken_);
     keyOffset_ = key.offset;
     keyLength_ = key.length;
     if (depth_ == 2) {
@@ -119,7 +116,7 @@ bool Handler::key(string_t& name)
     }
     std::size_t& seen = sectionOffset_[static_cast<std::size_t>(section_)];
     if (seen != 0) {
-        return complainOfKey(
+        return refuseKey(
             {fmt::format("'{}' stands twice in the problem", name), "each key once", ""});
     }
     seen = keyOffset_ + 1;
@@ -129,28 +126,28 @@ bool Handler::key(string_t& name)
 bool Handler::signal(bool given)
 {
     const Side side = section_ == Section::inputs ? Side::input : Side::output;
-    const auto complaint = builder_.add(side, signal_, given);
-    return !complaint || complainOfKey(*complaint);
+    const auto mistake = builder_.add(side, signal_, given);
+    return !mistake || refuseKey(*mistake);
 }
 
 bool Handler::value(const std::string& found)
 {
     if (depth_ == 0) {
-        return complain(0, line_.size(),
-                        {"found " + found + " where a problem begins", wholeProblem, ""});
+        return refuse(0, line_.size(),
+                      {"found " + found + " where a problem begins", wholeProblem, ""});
     }
     if (atSignal()) {
-        return complainOfKey(
+        return refuseKey(
             {fmt::format("the value of {} is {}", text::quoted(signal_), found), "0 or 1",
              section_ == Section::observed ? "an output that was not observed is left out" : ""});
     }
     if (depth_ > 1 || section_ == Section::other) return true;
     if (section_ == Section::id) {
-        return complainOfKey({"the value of 'id' is " + found, "a text", "write it in quotes"});
+        return refuseKey({"the value of 'id' is " + found, "a text", "write it in quotes"});
     }
-    return complainOfKey({fmt::format("the value of '{}' is {}",
-                                      section_ == Section::inputs ? "inputs" : "observed", found),
-                          R"(an object of signals and their values, such as {"a": 0, "b": 1})", ""});
+    return refuseKey({fmt::format("the value of '{}' is {}",
+                                  section_ == Section::inputs ? "inputs" : "observed", found),
+                      R"(an object of signals and their values, such as {"a": 0, "b": 1})", ""});
 }
 
 // An array or object where it may be passed over, or is an error.
@@ -165,37 +162,33 @@ bool Handler::open(const std::string& found)
 bool Handler::parse_error(std::size_t position, const std::string& /*lastToken*/,
                           const nlohmann::detail::exception& error)
 {
-    const telemetry::SyntaxMistake mistake = telemetry::syntaxMistake(error.what());
-    return complain(std::min(position == 0 ? 0 : position - 1, line_.size()), 1,
-                    {fmt::format("this is not JSON: {}", mistake.found), mistake.expected,
-                     fmt::format("a problem is one line: {}", wholeProblem)});
+    const text::JsonMistake mistake = text::jsonMistake(error.what());
+    return refuse(
+        std::min(position == 0 ? 0 : position - 1, line_.size()), 1,
+        {fmt::format("this is not JSON: {}", mistake.found.empty() ? error.what() : mistake.found),
+         mistake.expected, fmt::format("a problem is one line: {}", wholeProblem)});
 }
 
-bool Handler::complain(std::size_t offset, std::size_t length, const Complaint& complaint)
+bool Handler::refuse(std::size_t offset, std::size_t length, const text::Message& what)
 {
-    text::Diagnostic& error = error_.emplace();
-    error.place.column = offset + 1;
-    error.message = complaint.message;
-    error.expected = complaint.expected;
-    error.hint = complaint.hint;
-    error.quote(line_, length);
+    error_ = text::errorAt(what, {}, {0, offset + 1}, line_, length);
     return false;
 }
 
-// Whether the section is there with everything that it needs; complains otherwise.
+// Whether the section is there with everything that it needs; an error otherwise.
 bool Handler::require(Section section, const char* name, Side side)
 {
     const std::size_t offset = sectionOffset_[static_cast<std::size_t>(section)];
     if (offset == 0) {
         const std::vector<std::string_view> known(otherKeys_.begin(), otherKeys_.end());
         const std::string nearest = text::nearestName(name, known);
-        return complain(
+        return refuse(
             0, 1,
             {fmt::format("the problem has no '{}'", name), wholeProblem,
              nearest.empty() ? "" : fmt::format("is '{}' meant to be '{}'?", nearest, name)});
     }
-    const auto complaint = builder_.missing(side);
-    return !complaint || complain(offset - 1, std::string_view(name).size() + 2, *complaint);
+    const auto mistake = builder_.missing(side);
+    return !mistake || refuse(offset - 1, std::string_view(name).size() + 2, *mistake);
 }
 
 std::variant<Problem, text::Diagnostic> Handler::result()
@@ -216,8 +209,8 @@ std::variant<Problem, text::Diagnostic> readProblem(std::string_view line,
 {
     std::size_t taken = 0;
     Handler handler(line, circuit, taken);
-    Json::sax_parse(telemetry::CountingIterator(line.data(), &taken),
-                    telemetry::CountingIterator(line.data() + line.size(), &taken), &handler);
+    Json::sax_parse(text::CountingIterator(line.data(), &taken),
+                    text::CountingIterator(line.data() + line.size(), &taken), &handler);
     return handler.result();
 }
 

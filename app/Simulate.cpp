@@ -233,8 +233,7 @@ private:
         if (problem.kind == Kind::unreachable) {
             const Atom* injected = plant_.atom(problem.injected);
             refuseValue("--fault",
-                        {telemetry::Complaint::About::value,
-                         fmt::format("no transition leads '{}' to '{}' at step {}",
+                        {fmt::format("no transition leads '{}' to '{}' at step {}",
                                      nameOf(*injected->stateVar), injected->value, step_),
                          list, "what it can be depends on its value before and on the commands"});
         }

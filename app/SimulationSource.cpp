@@ -27,33 +27,26 @@ std::optional<SourceStep> DrawnSteps::next()
 }
 
 TelemetrySteps::TelemetrySteps(const ModelFile& model, const std::string& path, bool skipBad)
-    : plant_(model.plant()), reader_(path, *model.read().model, model.bindings(), {skipBad})
+    : plant_(model.plant()), reader_(path, *model.read().model, model.bindings(), {skipBad}),
+      steps_(
+          reader_, [](const text::Diagnostic& error) { complain(error.format()); },
+          [] { return interruption().load(); })
 {
 }
 
 std::optional<SourceStep> TelemetrySteps::next()
 {
-    while (!interruption()) {
-        auto next = reader_.next();
-        if (const auto* mistake = std::get_if<telemetry::Mistake>(&next)) {
-            if (mistake->endsReading) throw FileFailure(mistake->error.format());
-            complain(mistake->error.format());
-            ++leftOut_;
-            continue;
-        }
-        const auto* read = std::get_if<telemetry::Step>(&next);
-        if (!read) break;
-        SourceStep step;
-        step.t = read->t;
-        for (const Atom* command : read->commands) {
-            step.input.commands.push_back(plant_.indexOf(command));
-        }
-        for (const telemetry::Observation& observation : read->observations) {
-            step.input.observations.push_back(plant_.indexOf(observation.value));
-        }
-        return step;
+    const std::optional<telemetry::Step> read = steps_.next();
+    if (!read) return std::nullopt;
+    SourceStep step;
+    step.t = read->t;
+    for (const Atom* command : read->commands) {
+        step.input.commands.push_back(plant_.indexOf(command));
     }
-    return std::nullopt;
+    for (const telemetry::Observation& observation : read->observations) {
+        step.input.observations.push_back(plant_.indexOf(observation.value));
+    }
+    return step;
 }
 
 } // namespace app

@@ -3,6 +3,7 @@
 
 #include "app/ModelFile.h"
 #include "simulate/Simulation.h"
+#include "telemetry/SoundSteps.h"
 #include "telemetry/StepReader.h"
 
 #include <optional>
@@ -23,8 +24,8 @@ public:
     SimulationSource(const SimulationSource&) = delete;
     SimulationSource& operator=(const SimulationSource&) = delete;
 
-    /// The next step; none at the end, or after an interruption. Throws FileFailure for a mistake in
-    /// the input, and telemetry::ReadFailure.
+    /// The next step; none at the end, or after an interruption. Throws telemetry::BadInput for a
+    /// mistake in the input, and telemetry::ReadFailure.
     virtual std::optional<SourceStep> next() = 0;
     /// How many steps there are, where that is known before.
     virtual std::optional<std::size_t> length() const { return std::nullopt; }
@@ -51,17 +52,17 @@ private:
 /// Commands and observations of a file, or of standard input as they come.
 class TelemetrySteps : public SimulationSource {
 public:
-    /// The model outlives this. With `skipBad`, lines in error are told on standard error and left out. Throws
+    /// The model outlives this. With `skipBad`, lines in error are reported on standard error and left out. Throws
     /// telemetry::ReadFailure when the file cannot be opened.
     TelemetrySteps(const ModelFile& model, const std::string& path, bool skipBad);
 
     std::optional<SourceStep> next() override;
-    std::size_t leftOut() const override { return leftOut_; }
+    std::size_t leftOut() const override { return steps_.leftOut(); }
 
 private:
     const plant::Plant& plant_;
     telemetry::StepReader reader_;
-    std::size_t leftOut_ = 0;
+    telemetry::SoundSteps steps_;
 };
 
 } // namespace app

@@ -3,6 +3,7 @@
 #include "app/Output.h"
 #include "plant/ModelBuilder.h"
 #include "text/NearestName.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <charconv>
@@ -13,15 +14,9 @@ namespace app {
 
 namespace {
 
-using telemetry::Complaint;
 using telemetry::Names;
 using telemetry::Variable;
 using text::quoted;
-
-Complaint complaint(std::string message, std::string expected, std::string hint = "")
-{
-    return {Complaint::About::name, std::move(message), std::move(expected), std::move(hint)};
-}
 
 std::optional<std::size_t> stepNumber(std::string_view text)
 {
@@ -33,20 +28,20 @@ std::optional<std::size_t> stepNumber(std::string_view text)
 }
 
 // Why the name is not one of a mode variable.
-Complaint noMode(const std::string& name, const Names& names)
+text::Message noMode(const std::string& name, const Names& names)
 {
     std::vector<std::string_view> modes;
     for (const Variable& variable : names.variables()) {
         if (variable.name == name) {
-            return complaint(quoted(name) + (variable.variable->type == "Command"
-                                                 ? " is a command, no mode"
-                                                 : " is a condition, no mode"),
-                             "a mode variable: what breaks is the mode of a component");
+            return text::Message{quoted(name) + (variable.variable->type == "Command"
+                                                     ? " is a command, no mode"
+                                                     : " is a condition, no mode"),
+                                 "a mode variable: what breaks is the mode of a component", ""};
         }
         if (variable.variable->type == "Mode") modes.push_back(variable.name);
     }
-    return complaint("no mode variable is called " + quoted(name), "COMPONENT.VARIABLE",
-                     telemetry::didYouMean(text::nearestName(name, modes)));
+    return text::Message{"no mode variable is called " + quoted(name), "COMPONENT.VARIABLE",
+                         text::didYouMean(name, modes)};
 }
 
 const Variable& findVariable(const std::string& option, Expected expected, const std::string& name,
@@ -61,21 +56,18 @@ const Variable& findVariable(const std::string& option, Expected expected, const
     const Variable& variable = names.variables()[names[index].observed.front()];
     if (isMode && variable.variable->type != "Mode") refuseValue(option, noMode(name, names));
     if (!isMode && variable.variable->type == "Mode") {
-        refuseValue(option, complaint(quoted(name) + " is a mode, no input",
-                                      "a variable that nothing in the plant determines",
-                                      "--fault sets modes"));
+        refuseValue(option, text::Message{quoted(name) + " is a mode, no input",
+                                          "a variable that nothing in the plant determines",
+                                          "--fault sets modes"});
     }
     return variable;
 }
 
 } // namespace
 
-void refuseValue(const std::string& option, const Complaint& complaint)
+void refuseValue(const std::string& option, const text::Message& what)
 {
-    std::string text = option + ": " + complaint.message + "\n";
-    if (!complaint.expected.empty()) text += "  expected: " + complaint.expected + "\n";
-    if (!complaint.hint.empty()) text += "  hint: " + complaint.hint + "\n";
-    throw Failure(text);
+    throw Failure(option + ": " + what.format());
 }
 
 StepValue readStepValue(const std::string& option, Expected expected, const std::string& text,
@@ -86,16 +78,18 @@ StepValue readStepValue(const std::string& option, Expected expected, const std:
     const std::size_t at = text.rfind('@');
     const bool hasStep = at != std::string::npos && equals != std::string::npos && at > equals;
     if (equals == std::string::npos || (isMode && !hasStep)) {
-        refuseValue(option, complaint("found " + quoted(text),
-                                      isMode ? "VARIABLE=VALUE@STEP"
-                                             : "VARIABLE=VALUE, or VARIABLE=VALUE@STEP"));
+        refuseValue(option, text::Message{"found " + quoted(text),
+                                          isMode ? "VARIABLE=VALUE@STEP"
+                                                 : "VARIABLE=VALUE, or VARIABLE=VALUE@STEP",
+                                          ""});
     }
     StepValue result{text, nullptr, 1};
     if (hasStep) {
         const auto step = stepNumber(std::string_view(text).substr(at + 1));
         if (!step) {
-            refuseValue(option, complaint(fmt::format("the step is {}", quoted(text.substr(at + 1))),
-                                          "a whole number, 1 for the first step"));
+            refuseValue(option,
+                        text::Message{fmt::format("the step is {}", quoted(text.substr(at + 1))),
+                                      "a whole number, 1 for the first step", ""});
         }
         result.step = *step;
     }
@@ -104,14 +98,13 @@ StepValue readStepValue(const std::string& option, Expected expected, const std:
     result.value = plant::value(variable.variable, value);
     if (!result.value) {
         std::vector<std::string_view> known;
-        std::string list;
         for (const Atom* atom : *variable.variable->atomLinks) {
             known.push_back(atom->value);
-            list += (list.empty() ? "" : ", ") + atom->value;
         }
-        refuseValue(option,
-                    complaint(fmt::format("{} is not a value of '{}'", quoted(value), variable.name),
-                              list, telemetry::didYouMean(text::nearestName(value, known))));
+        refuseValue(
+            option,
+            text::Message{fmt::format("{} is not a value of '{}'", quoted(value), variable.name),
+                          text::enumerated(known, known.size()), text::didYouMean(value, known)});
     }
     return result;
 }
@@ -127,9 +120,9 @@ std::vector<StepValue> readStepValues(const std::string& option, Expected expect
             return other.step == added.step && other.value->stateVar == added.value->stateVar;
         });
         if (first != values.end() - 1) {
-            refuseValue(option, complaint(fmt::format("{} and {} are for the same step",
-                                                      quoted(first->text), quoted(text)),
-                                          "one value of a variable at a step"));
+            refuseValue(option, text::Message{fmt::format("{} and {} are for the same step",
+                                                          quoted(first->text), quoted(text)),
+                                              "one value of a variable at a step", ""});
         }
     }
     std::stable_sort(values.begin(), values.end(),

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "telemetry/Names.h"
+#include "text/Diagnostic.h"
 
 #include <string>
 #include <vector>
@@ -27,7 +28,7 @@ std::vector<StepValue> readStepValues(const std::string& option, Expected expect
                                       const std::vector<std::string>& texts,
                                       const telemetry::Names& names);
 
-/// A failure in the value of an option, as the verbs tell it.
-[[noreturn]] void refuseValue(const std::string& option, const telemetry::Complaint& complaint);
+/// A failure in the value of an option, as the verbs report it.
+[[noreturn]] void refuseValue(const std::string& option, const text::Message& what);
 
 } // namespace app

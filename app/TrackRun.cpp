@@ -39,6 +39,13 @@ monitor::TrackSettings settingsOf(const TrackOptions& options)
     return settings;
 }
 
+// Mistakes are reported and passed over, or end the reading.
+telemetry::SoundSteps::PassOver passOver(bool skipBad)
+{
+    if (!skipBad) return {};
+    return [](const text::Diagnostic& error) { complain(error.format()); };
+}
+
 } // namespace
 
 const char* const trackHelp =
@@ -79,31 +86,22 @@ void addStepOption(CLI::App& verb, std::optional<std::size_t>& step)
 }
 
 TrackRun::TrackRun(const std::string& verb, const TrackOptions& options, bool trace)
-    : model_(verb, options.model, options.quiet, trace), skipBad_(options.skipBad),
+    : model_(verb, options.model, options.quiet, trace),
       reader_(telemetryOf(verb, options), *model_.read().model, model_.bindings(),
               {.skipBad = options.skipBad}),
+      steps_(reader_, passOver(options.skipBad), [] { return interruption().load(); }),
       tracker_(model_.engine(), model_.plant(), settingsOf(options))
 {
 }
 
 bool TrackRun::next()
 {
-    while (!interruption()) {
-        auto next = reader_.next();
-        if (const auto* mistake = std::get_if<telemetry::Mistake>(&next)) {
-            if (!skipBad_ || mistake->endsReading) throw FileFailure(mistake->error.format());
-            complain(mistake->error.format());
-            ++linesLeftOut_;
-            continue;
-        }
-        auto* step = std::get_if<telemetry::Step>(&next);
-        if (!step) return false;
-        step_ = std::move(*step);
-        input_ = trackInput(model_.plant(), model_.bindings(), step_);
-        tracker_.advance(input_);
-        return true;
-    }
-    return false;
+    std::optional<telemetry::Step> step = steps_.next();
+    if (!step) return false;
+    step_ = std::move(*step);
+    input_ = trackInput(model_.plant(), model_.bindings(), step_);
+    tracker_.advance(input_);
+    return true;
 }
 
 void TrackRun::takeUntil(std::optional<std::size_t> wanted, const std::function<void()>& before)

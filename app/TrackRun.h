@@ -3,6 +3,7 @@
 
 #include "app/ModelFile.h"
 #include "monitor/track/Tracker.h"
+#include "telemetry/SoundSteps.h"
 #include "telemetry/StepReader.h"
 
 #include <functional>
@@ -39,7 +40,7 @@ public:
     /// Throws Failure when model or telemetry is not named, and FileFailure when one of them cannot be read.
     TrackRun(const std::string& verb, const TrackOptions& options, bool trace = false);
 
-    /// Takes the next step of the telemetry. False at its end, and when a signal has come. A bad line ends the run with FileFailure;
+    /// Takes the next step of the telemetry. False at its end, and when a signal has come. A bad line ends the run with telemetry::BadInput;
     /// with `skipBad` it is reported on standard error, counted and passed over.
     bool next();
 
@@ -57,17 +58,16 @@ public:
     const plant::Plant& plant() const { return model_.plant(); }
     monitor::Tracker& tracker() { return tracker_; }
     telemetry::StepReader& reader() { return reader_; }
-    std::size_t linesLeftOut() const { return linesLeftOut_; }
-    void setLinesLeftOut(std::size_t count) { linesLeftOut_ = count; }
+    std::size_t linesLeftOut() const { return steps_.leftOut(); }
+    void setLinesLeftOut(std::size_t count) { steps_.setLeftOut(count); }
 
 private:
     ModelFile model_;
-    bool skipBad_;
     telemetry::StepReader reader_;
+    telemetry::SoundSteps steps_;
     monitor::Tracker tracker_;
     telemetry::Step step_;
     monitor::TrackInput input_;
-    std::size_t linesLeftOut_ = 0;
 };
 
 /// A step of telemetry as the tracker takes it.

@@ -7,7 +7,7 @@
 #include "language/meaning/TransitionBuilder.h"
 #include "language/meaning/TypeChecks.h"
 #include "language/meaning/Usage.h"
-#include "text/FileText.h"
+#include "text/File.h"
 
 #include <algorithm>
 #include <array>
@@ -156,7 +156,7 @@ private:
 
 ReadResult readJsonFile(const std::string& path, const ReadOptions& options)
 {
-    text::FileText file = text::readFileText(path, options.syntax.fileBytes);
+    text::FileText file = text::readFile(path, options.syntax.fileBytes);
     text::Diagnostic error;
     error.file = path;
     if (!file.text) {

@@ -1,5 +1,7 @@
 #include "netlist/Circuit.h"
 
+#include "text/Wording.h"
+
 namespace netlist {
 
 std::string_view gateKindName(GateKind kind)
@@ -25,11 +27,11 @@ std::optional<GateKind> gateKind(std::string_view name)
 
 std::string gateKindNames()
 {
-    std::string names;
+    std::vector<std::string_view> names;
     for (const auto& [kind, name] : gateKinds) {
-        names += (names.empty() ? "" : ", ") + std::string(name);
+        names.push_back(name);
     }
-    return names;
+    return text::enumerated(names);
 }
 
 bool isUnary(GateKind kind)

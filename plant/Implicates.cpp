@@ -1,6 +1,6 @@
 #include "plant/Implicates.h"
 
-#include "text/FileText.h"
+#include "text/File.h"
 #include "text/NearestName.h"
 #include "text/SourceText.h"
 
@@ -87,7 +87,7 @@ ImplicateFile checkImplicates(const Model& model)
     std::error_code error;
     if (!std::filesystem::exists(file.path, error)) return file;
     file.found = true;
-    text::FileText contents = text::readFileText(file.path, mostBytes);
+    text::FileText contents = text::readFile(file.path, mostBytes);
     if (!contents.text || contents.text->size() > mostBytes) {
         text::Diagnostic& unread = file.errors.emplace_back();
         unread.file = file.path;

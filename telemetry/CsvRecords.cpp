@@ -44,7 +44,7 @@ bool CsvRecords::takeLine()
     if (next_ == window_.size()) {
         std::string_view line;
         if (!lines_.next(line)) return false;
-        if (lines_.tooLong()) tooLong_ = next_;
+        if (lines_.tooLong() || line.size() > mostBytes_) tooLong_ = next_;
         window_ += line;
         window_ += '\n';
     }
@@ -83,8 +83,7 @@ CsvRecords::Got CsvRecords::readCells()
         } else {
             const std::size_t end = std::min(lineEnd_, taken().find_first_of(",\"", at_));
             if (end < lineEnd_ && window_[end] == '"') {
-                return refuse({Complaint::About::value, "a quote within a cell",
-                               "a cell that is in quotes as a whole",
+                return refuse({"a quote within a cell", "a cell that is in quotes as a whole",
                                "a quote in it is written twice: \"a \"\"b\"\"\""},
                               end, 1);
             }
@@ -127,13 +126,12 @@ CsvRecords::Got CsvRecords::readQuoted(Cell& cell)
                 rewind(0);
                 return Got::interrupted;
             }
-            return refuse({Complaint::About::value, "this quote is not closed",
-                           "a closing quote before the end of the input", ""},
-                          begin, 1);
+            return refuse(
+                {"this quote is not closed", "a closing quote before the end of the input", ""},
+                begin, 1);
         }
         if (at_ == tooLong_ || next_ - recordBegin_ > mostBytes_) {
-            return refuse({Complaint::About::value,
-                           fmt::format("this quote is not closed within {} bytes", mostBytes_),
+            return refuse({fmt::format("this quote is not closed within {} bytes", mostBytes_),
                            "a closing quote", ""},
                           begin, 1);
         }
@@ -142,8 +140,7 @@ CsvRecords::Got CsvRecords::readQuoted(Cell& cell)
     cell.length = at_ - begin;
     at_ = std::min(window_.find_first_not_of(blanks, at_), lineEnd_);
     if (at_ < lineEnd_ && window_[at_] != ',') {
-        return refuse({Complaint::About::value, "text after a closing quote",
-                       "a comma, or the end of the line",
+        return refuse({"text after a closing quote", "a comma, or the end of the line",
                        "a quote in a cell is written twice: \"a \"\"b\"\"\""},
                       at_, 1);
     }
@@ -151,18 +148,16 @@ CsvRecords::Got CsvRecords::readQuoted(Cell& cell)
 }
 
 // The record ends with its first line.
-CsvRecords::Got CsvRecords::refuse(const Complaint& complaint, std::size_t offset,
-                                   std::size_t length)
+CsvRecords::Got CsvRecords::refuse(const text::Message& what, std::size_t offset, std::size_t length)
 {
-    mistake_ = errorIn(complaint, offset, length);
+    mistake_ = errorIn(what, offset, length);
     rewind(1);
     return Got::mistake;
 }
 
 CsvRecords::Got CsvRecords::stop()
 {
-    return refuse({Complaint::About::value,
-                   fmt::format("this line has more than {} bytes", mostBytes_), "shorter lines", ""},
+    return refuse({fmt::format("this line has more than {} bytes", mostBytes_), "shorter lines", ""},
                   recordBegin_, 1);
 }
 
@@ -173,7 +168,7 @@ void CsvRecords::rewind(std::size_t lines)
     linesDone_ = firstLine_ - 1 + lines;
 }
 
-text::Diagnostic CsvRecords::errorIn(const Complaint& complaint, std::size_t offset,
+text::Diagnostic CsvRecords::errorIn(const text::Message& what, std::size_t offset,
                                      std::size_t length) const
 {
     const std::string_view window = window_;
@@ -182,14 +177,15 @@ text::Diagnostic CsvRecords::errorIn(const Complaint& complaint, std::size_t off
     const std::size_t end = window.find('\n', offset);
     const auto before = std::count(window.begin() + static_cast<std::ptrdiff_t>(recordBegin_),
                                    window.begin() + static_cast<std::ptrdiff_t>(offset), '\n');
-    return errorAt(complaint, window.substr(begin, end - begin),
-                   firstLine_ + static_cast<std::size_t>(before), offset - begin, length);
+    return text::errorAt(what, {},
+                         {firstLine_ + static_cast<std::size_t>(before), offset - begin + 1},
+                         window.substr(begin, end - begin), length);
 }
 
-text::Diagnostic CsvRecords::errorAtCell(const Complaint& complaint, std::size_t cell) const
+text::Diagnostic CsvRecords::errorAtCell(const text::Message& what, std::size_t cell) const
 {
-    if (cell >= cells_.size()) return errorIn(complaint, lineEnd_, 1);
-    return errorIn(complaint, recordBegin_ + cells_[cell].offset,
+    if (cell >= cells_.size()) return errorIn(what, lineEnd_, 1);
+    return errorIn(what, recordBegin_ + cells_[cell].offset,
                    std::max<std::size_t>(cells_[cell].length, 1));
 }
 

@@ -5,8 +5,7 @@
 // otherwise take with it all up to the next quote.
 #pragma once
 
-#include "telemetry/Complaint.h"
-#include "telemetry/LineReader.h"
+#include "telemetry/LineSource.h"
 #include "text/Diagnostic.h"
 
 #include <string>
@@ -24,10 +23,11 @@ public:
     };
     enum class Got { record, mistake, end, interrupted };
 
-    /// The reader outlives this. A record may have `mostBytes` bytes.
-    CsvRecords(LineReader& lines, std::size_t mostBytes) : lines_(lines), mostBytes_(mostBytes) {}
+    /// A record may have `mostBytes` bytes.
+    /// Requires: `lines` outlives this.
+    CsvRecords(LineSource& lines, std::size_t mostBytes) : lines_(lines), mostBytes_(mostBytes) {}
 
-    /// Takes back the line that the reader gave last.
+    /// Takes back the line that the source gave last.
     void takeBack(std::string_view line);
     /// Passes over lines until `count` of them are done with; false when there are not so many (yet).
     bool skipTo(std::size_t count);
@@ -38,7 +38,7 @@ public:
     /// What is wrong with the record, after Got::mistake. The name of the file is left to the caller.
     const text::Diagnostic& mistake() const { return mistake_; }
     /// An error about a cell of the record; past the last one, about the end of the record.
-    text::Diagnostic errorAtCell(const Complaint& complaint, std::size_t cell) const;
+    text::Diagnostic errorAtCell(const text::Message& what, std::size_t cell) const;
 
     std::size_t firstLine() const { return firstLine_; } ///< of the record
     std::size_t linesDone() const { return linesDone_; } ///< up to the end of the record
@@ -50,13 +50,13 @@ private:
     bool isBlank() const;
     Got readCells();
     Got readQuoted(Cell& cell);
-    Got refuse(const Complaint& complaint, std::size_t offset, std::size_t length);
+    Got refuse(const text::Message& what, std::size_t offset, std::size_t length);
     Got stop();
     void rewind(std::size_t lines);
-    text::Diagnostic errorIn(const Complaint& complaint, std::size_t offset,
+    text::Diagnostic errorIn(const text::Message& what, std::size_t offset,
                              std::size_t length) const;
 
-    LineReader& lines_;
+    LineSource& lines_;
     std::size_t mostBytes_;
     // Lines that were read, each with LF behind it: those of the record, and after a mistake those to be read again.
     std::string window_;

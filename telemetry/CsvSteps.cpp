@@ -10,8 +10,6 @@ namespace telemetry {
 
 namespace {
 
-constexpr auto aboutName = Complaint::About::name;
-constexpr auto aboutValue = Complaint::About::value;
 constexpr const char* headers = "'t' and names, such as t,XV-A,FT-101, or t,name,value";
 
 } // namespace
@@ -44,17 +42,17 @@ CsvSteps::Problem CsvSteps::readColumns()
             given.push_back(cell.text);
         }
         const bool semicolons = cells.size() == 1 && cells[0].text.find(';') != std::string::npos;
-        return records_.errorAtCell(
-            {aboutName, "the first line is neither a step nor a header with 't'",
-             fmt::format("JSON, a step a line, or a header of {}", headers),
-             semicolons ? "columns are separated by commas" : "the column of the time is called 't'"},
-            0);
+        return records_.errorAtCell({"the first line is neither a step nor a header with 't'",
+                                     fmt::format("JSON, a step a line, or a header of {}", headers),
+                                     semicolons ? "columns are separated by commas"
+                                                : "the column of the time is called 't'"},
+                                    0);
     }
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const auto [first, isNew] = seen.emplace(cells[i].text, i);
         if (!isNew) {
             return records_.errorAtCell(
-                {aboutName, fmt::format("column {} is there twice", text::quoted(cells[i].text)),
+                {fmt::format("column {} is there twice", text::quoted(cells[i].text)),
                  "each column once",
                  fmt::format("it is the {}. and the {}. column", first->second + 1, i + 1)},
                 i);
@@ -74,8 +72,8 @@ CsvSteps::Problem CsvSteps::find(const std::string& name, std::size_t cell, Colu
     column.text = name;
     column.name = builder_.names().find(name);
     if (name.empty()) {
-        return records_.errorAtCell(
-            {aboutName, "the name is missing", "a channel, or COMPONENT.VARIABLE", ""}, cell);
+        return records_.errorAtCell({"the name is missing", "a channel, or COMPONENT.VARIABLE", ""},
+                                    cell);
     }
     if (column.name == Names::none)
         return records_.errorAtCell(builder_.names().unknown(name), cell);
@@ -123,8 +121,7 @@ CsvSteps::Problem CsvSteps::readTime(std::size_t cell, double& t) const
         return std::nullopt;
     }
     return records_.errorAtCell(
-        {aboutValue,
-         text.empty() ? "the time is missing" : fmt::format("the time is {}", text::quoted(text)),
+        {text.empty() ? "the time is missing" : fmt::format("the time is {}", text::quoted(text)),
          "a finite number of seconds", ""},
         cell);
 }
@@ -133,7 +130,7 @@ CsvSteps::Problem CsvSteps::checkTime(std::size_t cell, double t, std::optional<
 {
     if (!before || t > *before) return std::nullopt;
     return records_.errorAtCell(
-        {aboutValue, fmt::format("the time is {}", t),
+        {fmt::format("the time is {}", t),
          fmt::format("a time later than that of the step before, {}", *before), ""},
         cell);
 }
@@ -143,8 +140,7 @@ CsvSteps::Result CsvSteps::wideRow()
     const std::vector<CsvRecords::Cell>& cells = records_.cells();
     if (cells.size() != columns_.size()) {
         return records_.errorAtCell(
-            {aboutValue,
-             fmt::format("this row has {} cell{}", cells.size(), cells.size() == 1 ? "" : "s"),
+            {fmt::format("this row has {} cell{}", cells.size(), cells.size() == 1 ? "" : "s"),
              fmt::format("{}, as many as the header", columns_.size()), ""},
             columns_.size());
     }
@@ -156,9 +152,9 @@ CsvSteps::Result CsvSteps::wideRow()
         const Column& column = columns_[i];
         if (i == timeColumn_ || cells[i].text.empty()) continue;
         const Reading reading{Reading::Kind::cell, 0, cells[i].text};
-        if (const auto complaint = builder_.add(column.name, column.text, column.side, reading)) {
+        if (const auto mistake = builder_.add(column.name, column.text, column.side, reading)) {
             builder_.begin();
-            return records_.errorAtCell(*complaint, i);
+            return records_.errorAtCell(*mistake, i);
         }
     }
     return builder_.finish(t);
@@ -170,8 +166,7 @@ CsvSteps::Problem CsvSteps::longRow(std::optional<Step>& step)
     const std::vector<CsvRecords::Cell>& cells = records_.cells();
     if (cells.size() != 3) {
         return records_.errorAtCell(
-            {aboutValue,
-             fmt::format("this row has {} cell{}", cells.size(), cells.size() == 1 ? "" : "s"),
+            {fmt::format("this row has {} cell{}", cells.size(), cells.size() == 1 ? "" : "s"),
              "3, as many as the header: t,name,value", ""},
             3);
     }
@@ -187,10 +182,10 @@ CsvSteps::Problem CsvSteps::longRow(std::optional<Step>& step)
     const Reading reading{Reading::Kind::cell, 0, cells[2].text};
     const bool isGiven = !reading.text.empty();
     if (isGiven) {
-        const auto complaint = isOfDraft
-                                   ? builder_.add(column.name, column.text, column.side, reading)
-                                   : builder_.check(column.name, column.text, column.side, reading);
-        if (complaint) return records_.errorAtCell(*complaint, 2);
+        const auto mistake = isOfDraft
+                                 ? builder_.add(column.name, column.text, column.side, reading)
+                                 : builder_.check(column.name, column.text, column.side, reading);
+        if (mistake) return records_.errorAtCell(*mistake, 2);
     }
     if (isOfDraft) return std::nullopt;
     if (draftTime_) step = builder_.finish(*draftTime_);

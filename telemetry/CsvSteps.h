@@ -21,9 +21,9 @@ namespace telemetry {
 
 class CsvSteps {
 public:
-    /// The reader and the builder outlive this.
-    /// `line` is the last one that the reader gave, and the first one of the header.
-    CsvSteps(LineReader& lines, StepBuilder& builder, std::size_t mostBytes, std::string_view line)
+    /// `line` is the last one that the source gave, and the first one of the header.
+    /// Requires: `lines` and the builder outlive this.
+    CsvSteps(LineSource& lines, StepBuilder& builder, std::size_t mostBytes, std::string_view line)
         : records_(lines, mostBytes), builder_(builder)
     {
         records_.takeBack(line);

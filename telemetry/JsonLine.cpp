@@ -1,6 +1,6 @@
 #include "telemetry/JsonLine.h"
 
-#include "telemetry/JsonText.h"
+#include "text/JsonText.h"
 #include "text/NearestName.h"
 
 #include <cmath>
@@ -84,22 +84,23 @@ private:
     bool number(double number, std::string_view text);
     bool reading(const Reading& reading);
     bool misplaced(std::string_view found);
-    bool complain(const Complaint& complaint)
+    bool refuse(const text::Message& what, text::Extent extent)
     {
-        return complain(complaint, complaint.about == Complaint::About::name
-                                       ? textBefore(line_, keyEnd_)
-                                       : valueAfter(line_, keyEnd_));
-    }
-    bool complain(const Complaint& complaint, Extent extent)
-    {
-        error_ = errorAt(complaint, line_, lineNumber_, extent.offset, extent.length);
+        error_ = text::errorAt(what, {}, {lineNumber_, extent.offset + 1}, line_, extent.length);
         return false;
+    }
+    bool refuseKey(const text::Message& what)
+    {
+        return refuse(what, text::textBefore(line_, keyEnd_));
+    }
+    bool refuseValue(const text::Message& what)
+    {
+        return refuse(what, text::valueAfter(line_, keyEnd_));
     }
     bool repeated(const std::string& name)
     {
-        return complain({Complaint::About::name,
-                         fmt::format("{} stands twice in this step", text::quoted(name)),
-                         "each name once", ""});
+        return refuseKey({fmt::format("{} stands twice in this step", text::quoted(name)),
+                          "each name once", ""});
     }
 
     StepBuilder& builder_;
@@ -127,16 +128,15 @@ bool Handler::outerKey(const std::string& name)
                                     : Key::none;
     if (key_ == Key::none) {
         // A name that is far from all three may be one of the plant.
-        std::string hint = didYouMean(text::nearestName(name, {"t", "commands", "observations"}));
+        std::string hint = text::didYouMean(name, {"t", "commands", "observations"});
         const std::uint32_t index = builder_.names().find(name);
         if (hint.empty() && index != Names::none) {
             hint =
                 fmt::format("it belongs in '{}'",
                             builder_.names()[index].observed.empty() ? "commands" : "observations");
         }
-        return complain({Complaint::About::name,
-                         fmt::format("{} is no key of a step", text::quoted(name)),
-                         "'t', 'commands' or 'observations'", hint});
+        return refuseKey({fmt::format("{} is no key of a step", text::quoted(name)),
+                          "'t', 'commands' or 'observations'", hint});
     }
     bool& before = has_[static_cast<std::size_t>(key_)];
     if (before) return repeated(name);
@@ -149,7 +149,7 @@ bool Handler::innerKey(const std::string& name)
     const Side side = key_ == Key::commands ? Side::command : Side::observation;
     nameIndex_ = builder_.names().find(name);
     if (nameIndex_ == Names::none || builder_.names()[nameIndex_].on(side).empty())
-        return complain(builder_.names().unknown(name, side));
+        return refuseKey(builder_.names().unknown(name, side));
     std::size_t& before = seen_[static_cast<std::size_t>(side)][nameIndex_];
     if (before == stamp_) return repeated(name);
     before = stamp_;
@@ -169,29 +169,27 @@ bool Handler::number(double number, std::string_view text)
 bool Handler::reading(const Reading& reading)
 {
     const Side side = key_ == Key::commands ? Side::command : Side::observation;
-    const auto complaint = builder_.add(nameIndex_, name_, side, reading);
-    return !complaint || complain(*complaint);
+    const auto mistake = builder_.add(nameIndex_, name_, side, reading);
+    return !mistake || refuseValue(*mistake);
 }
 
 // A value that cannot stand where it does.
 bool Handler::misplaced(std::string_view found)
 {
-    const auto about = Complaint::About::value;
     if (depth_ == 0) {
         const std::size_t begin = std::min(line_.find_first_not_of(" \t"), line_.size());
-        return complain({about, fmt::format("found {} where a step begins", found), wholeStep, ""},
-                        {begin, 1});
+        return refuse({fmt::format("found {} where a step begins", found), wholeStep, ""},
+                      {begin, 1});
     }
     if (depth_ == 2) {
-        return complain({about, fmt::format("the value of {} is {}", text::quoted(name_), found),
-                         "a number or a text", "leave out what was not observed, or write null"});
+        return refuseValue({fmt::format("the value of {} is {}", text::quoted(name_), found),
+                            "a number or a text", "leave out what was not observed, or write null"});
     }
     if (key_ == Key::time)
-        return complain({about, fmt::format("the time is {}", found), "a number of seconds", ""});
-    return complain({about,
-                     fmt::format("the value of '{}' is {}",
-                                 key_ == Key::commands ? "commands" : "observations", found),
-                     R"(an object of names and values, such as {"FT-101": 0.02})", ""});
+        return refuseValue({fmt::format("the time is {}", found), "a number of seconds", ""});
+    return refuseValue({fmt::format("the value of '{}' is {}",
+                                    key_ == Key::commands ? "commands" : "observations", found),
+                        R"(an object of names and values, such as {"FT-101": 0.02})", ""});
 }
 
 bool Handler::parse_error(std::size_t position, const std::string& /*lastToken*/,
@@ -199,12 +197,13 @@ bool Handler::parse_error(std::size_t position, const std::string& /*lastToken*/
 {
     constexpr int outOfRange = 406;
     if (error.id == outOfRange)
-        return complain({Complaint::About::value, "this number is too large", "a finite number", ""});
-    const SyntaxMistake mistake = syntaxMistake(error.what());
+        return refuseValue({"this number is too large", "a finite number", ""});
+    const text::JsonMistake mistake = text::jsonMistake(error.what());
     const std::size_t offset = std::min(position == 0 ? 0 : position - 1, line_.size());
-    return complain({Complaint::About::value, fmt::format("this is not JSON: {}", mistake.found),
-                     mistake.expected, fmt::format("a step is one line: {}", wholeStep)},
-                    {offset, 1});
+    return refuse(
+        {fmt::format("this is not JSON: {}", mistake.found.empty() ? error.what() : mistake.found),
+         mistake.expected, fmt::format("a step is one line: {}", wholeStep)},
+        {offset, 1});
 }
 
 std::variant<Step, text::Diagnostic> Handler::result()
@@ -213,13 +212,13 @@ std::variant<Step, text::Diagnostic> Handler::result()
         const auto before = builder_.time();
         const double t = time_ ? *time_ : before ? *before + builder_.stepSeconds() : 0;
         if (!std::isfinite(t) || !builder_.timeIsLater(t)) {
-            const Extent extent = time_ ? valueAfter(line_, timeKeyEnd_) : Extent{0, 1};
+            const text::Extent extent =
+                time_ ? text::valueAfter(line_, timeKeyEnd_) : text::Extent{0, 1};
             const std::string same = time_ ? "" : ", one step length after the step before";
-            complain(
-                {Complaint::About::value, fmt::format("the time is {}{}", t, same),
-                 fmt::format("a time later than that of the step before, {}", before.value_or(0)),
-                 ""},
-                extent);
+            refuse({fmt::format("the time is {}{}", t, same),
+                    fmt::format("a time later than that of the step before, {}", before.value_or(0)),
+                    ""},
+                   extent);
         }
         if (!error_) return builder_.finish(t);
     }
@@ -241,8 +240,8 @@ std::variant<Step, text::Diagnostic> JsonLineParser::parse(std::string_view line
     builder_.begin();
     std::size_t taken = 0;
     Handler handler(builder_, seen_, ++lines_, line, lineNumber, taken);
-    Json::sax_parse(CountingIterator(line.data(), &taken),
-                    CountingIterator(line.data() + line.size(), &taken), &handler);
+    Json::sax_parse(text::CountingIterator(line.data(), &taken),
+                    text::CountingIterator(line.data() + line.size(), &taken), &handler);
     auto result = handler.result();
     builder_.begin();
     return result;

@@ -1,5 +1,6 @@
 #include "telemetry/Names.h"
 
+#include "plant/Names.h"
 #include "text/NearestName.h"
 
 #include <algorithm>
@@ -7,23 +8,6 @@
 #include <unordered_set>
 
 namespace telemetry {
-
-text::Diagnostic errorAt(const Complaint& complaint, std::string_view line, std::size_t lineNumber,
-                         std::size_t offset, std::size_t length)
-{
-    text::Diagnostic error;
-    error.place = {lineNumber, offset + 1};
-    error.message = complaint.message;
-    error.expected = complaint.expected;
-    error.hint = complaint.hint;
-    error.quote(line, length);
-    return error;
-}
-
-std::string didYouMean(const std::string& name)
-{
-    return name.empty() ? "" : fmt::format("did you mean '{}'?", name);
-}
 
 Names::Names(const plant::Model& model, const plant::Bindings& bindings)
 {
@@ -64,7 +48,7 @@ Names::Names(const plant::Model& model, const plant::Bindings& bindings)
 
 void Names::addVariable(StateVar* variable, const plant::ChannelBinding* binding)
 {
-    variables_.push_back({variable, variable->comp->name + "." + variable->name, binding});
+    variables_.push_back({variable, plant::nameOf(*variable), binding});
 }
 
 void Names::addName(const std::string& name, std::uint32_t variable, bool isChannel)
@@ -85,43 +69,40 @@ std::uint32_t Names::find(std::string_view name) const
     return found == indices_.end() ? none : found->second;
 }
 
-std::string Names::nearest(std::string_view name, bool observed, bool commanded) const
+std::string Names::hint(std::string_view name, bool observed, bool commanded) const
 {
     std::vector<std::string_view> known;
     for (std::size_t i = 0; i < names_.size(); ++i) {
         if ((observed && !names_[i].observed.empty()) || (commanded && !names_[i].commanded.empty()))
             known.push_back(texts_[i]);
     }
-    return text::nearestName(name, known);
+    return text::didYouMean(name, known);
 }
 
-Complaint Names::unknown(std::string_view name, Side side) const
+text::Message Names::unknown(std::string_view name, Side side) const
 {
     const bool command = side == Side::command;
     if (find(name) != none) {
-        return {Complaint::About::name,
-                text::quoted(name) + (command ? " is observed, it is not a command"
+        return {text::quoted(name) + (command ? " is observed, it is not a command"
                                               : " is a command, it is not observed"),
                 "", fmt::format("it belongs in '{}'", command ? "observations" : "commands")};
     }
     return {
-        Complaint::About::name,
         fmt::format("{} {} is not known", command ? "command" : "observation", text::quoted(name)),
-        "a channel, or COMPONENT.VARIABLE", didYouMean(nearest(name, !command, command))};
+        "a channel, or COMPONENT.VARIABLE", hint(name, !command, command)};
 }
 
-Complaint Names::unknown(std::string_view name) const
+text::Message Names::unknown(std::string_view name) const
 {
     const std::uint32_t index = find(name);
     if (index != none) {
-        return {Complaint::About::name,
-                fmt::format("{} is a channel of an observation and of a command", text::quoted(name)),
+        return {fmt::format("{} is a channel of an observation and of a command", text::quoted(name)),
                 "COMPONENT.VARIABLE, which says which of them is meant",
                 fmt::format("'{}' or '{}'", variables_[names_[index].observed.front()].name,
                             variables_[names_[index].commanded.front()].name)};
     }
-    return {Complaint::About::name, fmt::format("{} is not known", text::quoted(name)),
-            "a channel, or COMPONENT.VARIABLE", didYouMean(nearest(name, true, true))};
+    return {fmt::format("{} is not known", text::quoted(name)), "a channel, or COMPONENT.VARIABLE",
+            hint(name, true, true)};
 }
 
 } // namespace telemetry

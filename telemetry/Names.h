@@ -3,7 +3,7 @@
 
 #include "plant/Bindings.h"
 #include "plant/Model.h"
-#include "telemetry/Complaint.h"
+#include "text/Diagnostic.h"
 
 #include <cstdint>
 #include <functional>
@@ -55,9 +55,9 @@ public:
     static constexpr std::uint32_t none = UINT32_MAX;
 
     /// Why a name does not stand for anything on that side. Linear in the names.
-    Complaint unknown(std::string_view name, Side side) const;
+    text::Message unknown(std::string_view name, Side side) const;
     /// The same where both sides are meant.
-    Complaint unknown(std::string_view name) const;
+    text::Message unknown(std::string_view name) const;
 
 private:
     struct Hash {
@@ -70,7 +70,7 @@ private:
 
     void addVariable(StateVar* variable, const plant::ChannelBinding* binding);
     void addName(const std::string& name, std::uint32_t variable, bool isChannel);
-    std::string nearest(std::string_view name, bool observed, bool commanded) const;
+    std::string hint(std::string_view name, bool observed, bool commanded) const;
 
     std::vector<Variable> variables_;
     std::size_t observedCount_ = 0;

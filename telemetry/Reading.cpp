@@ -1,6 +1,7 @@
 #include "telemetry/Reading.h"
 
 #include "text/NearestName.h"
+#include "text/Wording.h"
 
 #include <charconv>
 #include <cmath>
@@ -44,47 +45,35 @@ Atom* named(const Variable& variable, std::string_view text)
     return nullptr;
 }
 
-// What is listed of many values.
-class List {
-public:
-    void add(const std::string& item)
-    {
-        if (++count_ > most) return;
-        text_ += (text_.empty() ? "" : ", ") + item;
-    }
-    std::string text() const
-    {
-        return count_ > most ? fmt::format("{} and {} more", text_, count_ - most) : text_;
-    }
+constexpr std::size_t mostListed = 12;
 
-private:
-    static constexpr std::size_t most = 12;
-    std::string text_;
-    std::size_t count_ = 0;
-};
-
-std::string valueNames(const Variable& variable)
+std::vector<std::string_view> valueNames(const Variable& variable)
 {
-    List list;
+    std::vector<std::string_view> names;
     for (const Atom* atom : *variable.variable->atomLinks) {
-        list.add(atom->value);
+        names.push_back(atom->value);
     }
-    return list.text();
+    return names;
+}
+
+std::string shortened(const std::vector<std::string_view>& items)
+{
+    return text::enumerated(items, mostListed, text::Rest::more);
 }
 
 std::string allowed(const Variable& variable)
 {
-    if (hasThresholds(variable)) return "a finite number, or " + valueNames(variable);
-    List list;
-    if (const ReadingTable* table = tableOf(variable)) {
-        for (const auto& [reading, atom] : table->readings) {
-            const double* number = std::get_if<double>(&reading);
-            list.add(number ? fmt::format("{}", *number)
-                            : fmt::format("\"{}\"", std::get<std::string>(reading)));
-        }
+    const std::string values = shortened(valueNames(variable));
+    if (hasThresholds(variable)) return "a finite number, or " + values;
+    const ReadingTable* table = tableOf(variable);
+    if (!table || table->readings.empty()) return values;
+    std::vector<std::string> readings;
+    for (const auto& [reading, atom] : table->readings) {
+        const double* number = std::get_if<double>(&reading);
+        readings.push_back(number ? fmt::format("{}", *number)
+                                  : fmt::format("\"{}\"", std::get<std::string>(reading)));
     }
-    const std::string readings = list.text();
-    return readings.empty() ? valueNames(variable) : readings + ", or " + valueNames(variable);
+    return shortened({readings.begin(), readings.end()}) + ", or " + values;
 }
 
 std::string hintFor(const Variable& variable, const Reading& reading)
@@ -98,11 +87,7 @@ std::string hintFor(const Variable& variable, const Reading& reading)
     }
     if (number && !variable.binding)
         return "a number needs a binding in the model that says which value it stands for";
-    std::vector<std::string_view> known;
-    for (const Atom* atom : *variable.variable->atomLinks) {
-        known.push_back(atom->value);
-    }
-    return didYouMean(text::nearestName(reading.text, known));
+    return text::didYouMean(reading.text, valueNames(variable));
 }
 
 } // namespace
@@ -135,12 +120,12 @@ Atom* valueOf(const Variable& variable, bool byChannel, const Reading& reading, 
     return binding->read(reading.text);
 }
 
-Complaint notAValue(const Variable& variable, std::string_view name, const Reading& reading)
+text::Message notAValue(const Variable& variable, std::string_view name, const Reading& reading)
 {
     const std::string found = reading.kind == Reading::Kind::number ? std::string(reading.text)
                                                                     : text::quoted(reading.text);
-    return {Complaint::About::value, fmt::format("the value of {} is {}", text::quoted(name), found),
-            allowed(variable), hintFor(variable, reading)};
+    return {fmt::format("the value of {} is {}", text::quoted(name), found), allowed(variable),
+            hintFor(variable, reading)};
 }
 
 } // namespace telemetry

@@ -1,8 +1,8 @@
 // One reading as the input has it, and the value of a variable that it stands for.
 #pragma once
 
-#include "telemetry/Complaint.h"
 #include "telemetry/Names.h"
+#include "text/Diagnostic.h"
 
 #include <optional>
 #include <string_view>
@@ -27,6 +27,6 @@ std::optional<double> parseNumber(std::string_view text);
 Atom* valueOf(const Variable& variable, bool byChannel, const Reading& reading, const Atom* last);
 
 /// Why the reading has no meaning; `name` is what the input calls the variable.
-Complaint notAValue(const Variable& variable, std::string_view name, const Reading& reading);
+text::Message notAValue(const Variable& variable, std::string_view name, const Reading& reading);
 
 } // namespace telemetry

@@ -28,8 +28,8 @@ void StepBuilder::begin()
     drafted_.clear();
 }
 
-std::optional<Complaint> StepBuilder::add(std::uint32_t name, std::string_view text, Side side,
-                                          const Reading& reading)
+std::optional<text::Message> StepBuilder::add(std::uint32_t name, std::string_view text, Side side,
+                                              const Reading& reading)
 {
     const std::vector<std::uint32_t>& meant = names_[name].on(side);
     values_.clear();
@@ -38,10 +38,9 @@ std::optional<Complaint> StepBuilder::add(std::uint32_t name, std::string_view t
         Atom* value = valueOf(variable, names_[name].isChannel, reading, last_[index].value);
         if (!value) return notAValue(variable, text, reading);
         if (draft_[index] && draft_[index] != value) {
-            return Complaint{Complaint::About::value,
-                             fmt::format("'{}' is both {} and {} in this step", variable.name,
-                                         draft_[index]->value, value->value),
-                             "readings that say the same", ""};
+            return text::Message{fmt::format("'{}' is both {} and {} in this step", variable.name,
+                                             draft_[index]->value, value->value),
+                                 "readings that say the same", ""};
         }
         values_.push_back(value);
     }
@@ -53,8 +52,8 @@ std::optional<Complaint> StepBuilder::add(std::uint32_t name, std::string_view t
 }
 
 // Which value it is may depend on the last one; whether it is one does not.
-std::optional<Complaint> StepBuilder::check(std::uint32_t name, std::string_view text, Side side,
-                                            const Reading& reading) const
+std::optional<text::Message> StepBuilder::check(std::uint32_t name, std::string_view text,
+                                                Side side, const Reading& reading) const
 {
     for (const std::uint32_t index : names_[name].on(side)) {
         const Variable& variable = names_.variables()[index];

@@ -1,7 +1,7 @@
 // Readings gathered to a step, and what is remembered from one step to the next: the time, and the last value of each channel.
 //
 //     builder.begin();
-//     if (auto complaint = builder.add(name, Side::observation, reading)) ...   // the reading is not taken
+//     if (auto mistake = builder.add(name, Side::observation, reading)) ...   // the reading is not taken
 //     if (builder.timeIsLater(t)) Step step = builder.finish(t);
 //
 // Nothing is remembered of a draft that is not finished.
@@ -25,13 +25,13 @@ public:
     const Names& names() const { return names_; }
     /// Begins a draft without readings. Linear in those of the one before.
     void begin();
-    /// Adds a reading of what the name stands for on that side, all of it or, with a complaint, nothing. `text` is the name
+    /// Adds a reading of what the name stands for on that side, all of it or, when something is wrong, nothing. `text` is the name
     /// as the input has it.
-    std::optional<Complaint> add(std::uint32_t name, std::string_view text, Side side,
-                                 const Reading& reading);
-    /// The complaint that a reading would bring in a draft without readings.
-    std::optional<Complaint> check(std::uint32_t name, std::string_view text, Side side,
-                                   const Reading& reading) const;
+    std::optional<text::Message> add(std::uint32_t name, std::string_view text, Side side,
+                                     const Reading& reading);
+    /// What would be wrong with a reading in a draft without readings.
+    std::optional<text::Message> check(std::uint32_t name, std::string_view text, Side side,
+                                       const Reading& reading) const;
     /// Whether a step may have that time, finite and in seconds.
     bool timeIsLater(double t) const { return !time_ || t > *time_; }
     /// The step of the draft, and begins a new one. Linear in the commands of the model, the channels that are held, and

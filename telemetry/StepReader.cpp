@@ -1,6 +1,9 @@
 #include "telemetry/StepReader.h"
 
+#include "telemetry/LineReader.h"
+
 #include <fmt/format.h>
+#include <utility>
 
 namespace telemetry {
 
@@ -15,16 +18,21 @@ bool isBlank(std::string_view line)
 
 } // namespace
 
+StepReader::StepReader(std::unique_ptr<LineSource> lines, const plant::Model& model,
+                       const plant::Bindings& bindings, const ReadSettings& settings)
+    : settings_(settings), lines_(std::move(lines)), builder_(model, bindings), json_(builder_)
+{
+}
+
 StepReader::StepReader(const std::string& path, const plant::Model& model,
                        const plant::Bindings& bindings, const ReadSettings& settings)
-    : settings_(settings), lines_(path, settings.mostBytes), builder_(model, bindings),
-      json_(builder_)
+    : StepReader(std::make_unique<LineReader>(path, settings.mostBytes), model, bindings, settings)
 {
 }
 
 StepReader::Next StepReader::mistake(text::Diagnostic error, bool endsReading)
 {
-    error.file = lines_.name();
+    error.file = lines_->name();
     ended_ = endsReading || !settings_.skipBad;
     return Mistake{std::move(error), ended_};
 }
@@ -35,26 +43,25 @@ std::optional<StepReader::Next> StepReader::begin()
     if (table_) return readHeader();
     std::string_view line;
     do {
-        if (!lines_.next(line)) return End{lines_.interrupted()};
-        if (lines_.lineNumber() == 1 && line.starts_with(byteOrderMark))
+        if (!lines_->next(line)) return End{lines_->interrupted()};
+        if (lines_->lineNumber() == 1 && line.starts_with(byteOrderMark))
             line.remove_prefix(byteOrderMark.size());
     } while (isBlank(line));
     if (line[line.find_first_not_of(" \t")] == '{') {
         first_ = line;
-        firstLine_ = lines_.lineNumber();
+        firstLine_ = lines_->lineNumber();
         begun_ = true;
         return std::nullopt;
     }
-    if (lines_.tooLong()) return tooLong(line, true);
+    if (isTooLong(line)) return tooLong(line, true);
     if (const std::size_t bracket = line.find_first_not_of(" \t"); line[bracket] == '[') {
-        return mistake(
-            errorAt({Complaint::About::value, "found an array where a step or a header begins",
-                     "JSON, a step a line, or a table with a header",
-                     "write each step on a line of its own, without brackets around them"},
-                    line, lines_.lineNumber(), bracket, 1),
-            true);
+        const text::Message array{
+            "found an array where a step or a header begins",
+            "JSON, a step a line, or a table with a header",
+            "write each step on a line of its own, without brackets around them"};
+        return mistake(text::errorAt(array, {}, {lines_->lineNumber(), bracket + 1}, line, 1), true);
     }
-    table_.emplace(lines_, builder_, settings_.mostBytes, line);
+    table_.emplace(*lines_, builder_, settings_.mostBytes, line);
     return readHeader();
 }
 
@@ -68,12 +75,16 @@ std::optional<StepReader::Next> StepReader::readHeader()
     return std::nullopt;
 }
 
+bool StepReader::isTooLong(std::string_view line) const
+{
+    return lines_->tooLong() || line.size() > settings_.mostBytes;
+}
+
 StepReader::Next StepReader::tooLong(std::string_view line, bool endsReading)
 {
-    const Complaint complaint{Complaint::About::value,
-                              fmt::format("this line has more than {} bytes", settings_.mostBytes),
-                              "shorter lines", ""};
-    return mistake(errorAt(complaint, line, lines_.lineNumber(), 0, 1), endsReading);
+    const text::Message what{fmt::format("this line has more than {} bytes", settings_.mostBytes),
+                             "shorter lines", ""};
+    return mistake(text::errorAt(what, {}, {lines_->lineNumber(), 1}, line, 1), endsReading);
 }
 
 // Passes over what was done with before the state that was restored.
@@ -85,17 +96,17 @@ std::optional<StepReader::Next> StepReader::skip()
     } else {
         std::string_view line;
         if (firstLine_ <= skipTo_) firstLine_ = 0;
-        while (skipped && lines_.lineNumber() < skipTo_) {
-            skipped = lines_.next(line);
+        while (skipped && lines_->lineNumber() < skipTo_) {
+            skipped = lines_->next(line);
         }
     }
-    if (!skipped && lines_.interrupted()) return End{true};
+    if (!skipped && lines_->interrupted()) return End{true};
     const std::size_t wanted = skipTo_;
     skipTo_ = 0;
     if (skipped) return std::nullopt;
     text::Diagnostic error;
     error.message = fmt::format("the input ends after {} lines, and {} of it were read before",
-                                lines_.lineNumber(), wanted);
+                                lines_->lineNumber(), wanted);
     return mistake(std::move(error), true);
 }
 
@@ -124,15 +135,15 @@ StepReader::Next StepReader::nextLine()
         return parseLine(line);
     }
     do {
-        if (!lines_.next(line)) return End{lines_.interrupted()};
+        if (!lines_->next(line)) return End{lines_->interrupted()};
     } while (isBlank(line));
     return parseLine(line);
 }
 
 StepReader::Next StepReader::parseLine(std::string_view line)
 {
-    if (lines_.tooLong()) return tooLong(line, false);
-    auto result = json_.parse(line, lines_.lineNumber());
+    if (isTooLong(line)) return tooLong(line, false);
+    auto result = json_.parse(line, lines_->lineNumber());
     if (auto* step = std::get_if<Step>(&result)) return std::move(*step);
     return mistake(std::move(std::get<text::Diagnostic>(result)), false);
 }
@@ -145,7 +156,7 @@ ReaderState StepReader::state() const
     } else if (table_) {
         state.lines = table_->linesDone();
     } else {
-        state.lines = lines_.lineNumber() - (firstLine_ > 0 ? 1 : 0);
+        state.lines = lines_->lineNumber() - (firstLine_ > 0 ? 1 : 0);
     }
     return state;
 }

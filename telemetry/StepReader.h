@@ -1,4 +1,4 @@
-// What happened in a plant, read step by step from a file or from standard input as it comes.
+// What happened in a plant, read step by step from a file, from standard input as it comes, or from any other source of lines.
 //
 //     telemetry::StepReader reader(path, *model, bindings, {});
 //     while (true) {
@@ -8,21 +8,22 @@
 //         else break;
 //     }
 //
-// The first line that is not empty tells the format: `{` begins JSON Lines (JsonLine.h), anything else is the header of a table
+// SoundSteps.h has this loop. The first line that is not empty tells the format: `{` begins JSON Lines (JsonLine.h), anything else is the header of a table
 // (CsvSteps.h). A step is returned as soon as it is complete: with the end of its line, or in a long table, whose rows of one
-// time are a step, with the first row of a later time. A byte order mark at the begin is passed over; lines end with LF or CR LF.
+// time are a step, with the first row of a later time. A byte order mark at the beginning is passed over; lines end with LF or CR LF.
 #pragma once
 
 #include "plant/Bindings.h"
 #include "plant/Model.h"
 #include "telemetry/CsvSteps.h"
 #include "telemetry/JsonLine.h"
-#include "telemetry/LineReader.h"
+#include "telemetry/LineSource.h"
 #include "telemetry/ReaderState.h"
-#include "telemetry/Step.h"
 #include "telemetry/StepBuilder.h"
+#include "telemetry/StepSource.h"
 #include "text/Diagnostic.h"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
@@ -36,44 +37,25 @@ struct ReadSettings {
     std::size_t mostBytes = std::size_t{16} << 20;
 };
 
-/// Something wrong in a line.
-struct Mistake {
-    text::Diagnostic error;
-    bool endsReading = false; ///< nothing comes after it
-};
-
-/// There is no further step.
-struct End {
-    bool interrupted =
-        false; ///< a signal ended a read that waited; a further call of next() goes on
-};
-
-class StepReader {
+class StepReader : public StepSource {
 public:
-    /// `-` is standard input. The model and the bindings outlive this, and the bindings are not changed. Throws ReadFailure
-    /// when the file cannot be opened.
+    /// Reads the lines that the source gives.
+    /// Requires: the model and the bindings outlive this, and the bindings are not changed.
+    StepReader(std::unique_ptr<LineSource> lines, const plant::Model& model,
+               const plant::Bindings& bindings, const ReadSettings& settings = {});
+    /// Reads a file; `-` is standard input. Requires the same. Throws ReadFailure when the file cannot be opened.
     StepReader(const std::string& path, const plant::Model& model, const plant::Bindings& bindings,
                const ReadSettings& settings = {});
 
     /// The next step, or what is wrong with a line; the plant's state as far as it is remembered here is the same after a mistake as
-    /// before. Throws ReadFailure when the file cannot be read. Linear in the line and in the commands of the model.
-    std::variant<Step, Mistake, End> next();
+    /// before. Linear in the line and in the commands of the model.
+    std::variant<Step, Mistake, End> next() override;
 
-    /// What is remembered after the last step that next() returned.
-    ReaderState state() const;
+    ReaderState state() const override;
+    void restore(const ReaderState& state, Input input = Input::same) override;
 
-    /// Where reading goes on after restore().
-    enum class Input {
-        same, ///< this is the input that the state was taken of, from its begin: what was done with is passed over
-        continuation ///< this begins where that input ended (a table has its header again)
-    };
-    /// Before the first call of next(). Throws std::invalid_argument when the state is not one of this model.
-    void restore(const ReaderState& state, Input input = Input::same);
-
-    /// How much of a file was read, 0 to 1; 0 of what has no size, such as a pipe.
-    double doneShare() const { return lines_.doneShare(); }
-    /// The input's name for messages.
-    const std::string& name() const { return lines_.name(); }
+    double doneShare() const override { return lines_->doneShare(); }
+    const std::string& name() const override { return lines_->name(); }
 
 private:
     using Next = std::variant<Step, Mistake, End>;
@@ -81,13 +63,14 @@ private:
     std::optional<Next> begin();
     std::optional<Next> readHeader();
     std::optional<Next> skip();
+    bool isTooLong(std::string_view line) const;
     Next tooLong(std::string_view line, bool endsReading);
     Next mistake(text::Diagnostic error, bool endsReading);
     Next nextLine();
     Next parseLine(std::string_view line);
 
     ReadSettings settings_;
-    LineReader lines_;
+    std::unique_ptr<LineSource> lines_;
     StepBuilder builder_;
     JsonLineParser json_;
     std::optional<CsvSteps> table_;

@@ -1,13 +1,13 @@
 #include "telemetry/Writer.h"
 
-#include "model/Comp.h"
+#include "plant/Names.h"
 #include "telemetry/Reading.h"
+#include "text/JsonText.h"
 
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <numeric>
 
 namespace telemetry {
@@ -19,15 +19,10 @@ using plant::ReadingTable;
 using plant::ThresholdTable;
 using Candidate = std::variant<double, std::string>;
 
-std::string jsonText(const std::string& text)
-{
-    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-}
-
 std::string jsonReading(const Candidate& candidate)
 {
     const double* number = std::get_if<double>(&candidate);
-    return number ? fmt::format("{}", *number) : jsonText(std::get<std::string>(candidate));
+    return number ? fmt::format("{}", *number) : text::jsonQuoted(std::get<std::string>(candidate));
 }
 
 // The number, and before it one with fewer digits.
@@ -88,11 +83,6 @@ bool isReadAs(const ChannelBinding& binding, const Candidate& candidate, const A
                        [&](const Atom* last) { return binding.read(number, last) == atom; });
 }
 
-std::string variableName(const StateVar& variable)
-{
-    return variable.comp->name + "." + variable.name;
-}
-
 } // namespace
 
 StepWriter::StepWriter(const plant::Bindings& bindings)
@@ -146,7 +136,7 @@ std::string StepWriter::object(const std::vector<Atom*>& atoms)
     std::unordered_map<std::size_t, std::string> shared;
     std::string text;
     const auto add = [&text](const std::string& name, const std::string& reading) {
-        text += (text.empty() ? "" : ", ") + jsonText(name) + ": " + reading;
+        text += (text.empty() ? "" : ", ") + text::jsonQuoted(name) + ": " + reading;
     };
     for (const Atom* atom : atoms) {
         const auto found = bound_.find(atom->stateVar);
@@ -173,7 +163,7 @@ std::string StepWriter::object(const std::vector<Atom*>& atoms)
                 continue;
             }
         }
-        add(variableName(*atom->stateVar), jsonText(atom->value));
+        add(plant::nameOf(*atom->stateVar), text::jsonQuoted(atom->value));
     }
     return "{" + text + "}";
 }

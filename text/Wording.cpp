@@ -31,6 +31,22 @@ std::string counted(std::uint64_t number, std::string_view noun)
     return grouped(number) + " " + std::string(noun) + (number == 1 ? "" : "s");
 }
 
+std::string enumerated(const std::vector<std::string_view>& items, std::size_t most, Rest rest)
+{
+    std::string text;
+    for (std::size_t i = 0; i < items.size() && i < most; ++i) {
+        if (i > 0) text += ", ";
+        text += items[i];
+    }
+    if (items.size() <= most) return text;
+    switch (rest) {
+    case Rest::ellipsis: return text + ", ...";
+    case Rest::more: return text + " and " + std::to_string(items.size() - most) + " more";
+    case Rest::total: break;
+    }
+    return text + ", ... (" + std::to_string(items.size()) + " in all)";
+}
+
 std::string listed(const std::vector<std::string>& items)
 {
     return joined(items, " and ");

@@ -1,6 +1,7 @@
 // Numbers and lists in sentences.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -12,6 +13,15 @@ namespace text {
 std::string grouped(std::uint64_t number);
 /// "1 gate", "2 gates".
 std::string counted(std::uint64_t number, std::string_view noun);
+/// What stands for the items that are left out of a long list of N.
+enum class Rest {
+    ellipsis, ///< "a, b, ..."
+    more,     ///< "a, b and 7 more"
+    total     ///< "a, b, ... (9 in all)"
+};
+/// "a, b, c", with the first `most` items of a longer list.
+std::string enumerated(const std::vector<std::string_view>& items, std::size_t most = 12,
+                       Rest rest = Rest::ellipsis);
 /// "a", "a and b", "a, b and c".
 std::string listed(const std::vector<std::string>& items);
 /// "a", "a or b", "a, b or c".

@@ -1,5 +1,7 @@
 #include "language/json/JsonText.h"
 
+#include "text/JsonText.h"
+
 #include <algorithm>
 #include <unordered_set>
 #include <vector>
@@ -48,7 +50,8 @@ public:
     bool parse_error(std::size_t position, const std::string& token, const json::exception& error)
     {
         const std::size_t size = source_.text().size();
-        const std::string reason = reasonOf(error.what());
+        const text::JsonMistake mistake = text::jsonMistake(error.what());
+        const std::string reason = reasonOf(mistake, error.what());
         // Only for some tokens is `token` the token alone.
         const bool isToken = reason.ends_with(" string literal") ||
                              reason.ends_with(" number literal") || reason == tooLarge;
@@ -56,7 +59,7 @@ public:
         const std::size_t end = std::min(position, size + 1);
         report_.take(source_.number(),
                      source_.error(source_.range(end - std::min(end, length), length),
-                                   "this is not JSON: " + reason, expectedOf(error.what())));
+                                   "this is not JSON: " + reason, expectedOf(mistake)));
         return false;
     }
 
@@ -101,23 +104,17 @@ private:
         return shown.substr(1, shown.size() - 2);
     }
 
-    // "[...] parse error at line 1, column 2: syntax error while parsing value - unexpected ','; expected ..."
-    static std::string reasonOf(const std::string& what)
+    static std::string reasonOf(const text::JsonMistake& mistake, std::string_view parserMessage)
     {
-        if (what.find("number overflow") != std::string::npos) return tooLarge;
-        const std::size_t begin = what.find(" - ");
-        if (begin == std::string::npos) return "it cannot be read";
-        return what.substr(begin + 3, what.find(';', begin) - begin - 3);
+        if (parserMessage.find("number overflow") != std::string_view::npos) return tooLarge;
+        return mistake.found.empty() ? "it cannot be read" : mistake.found;
     }
 
-    static std::string expectedOf(const std::string& what)
+    static std::string expectedOf(const text::JsonMistake& mistake)
     {
-        const std::string word = "; expected ";
-        const std::size_t begin = what.rfind(word);
-        const bool quotesText = what.find("; last read: ") != std::string::npos;
-        if (begin == std::string::npos || quotesText) return {};
-        const std::string wanted = what.substr(begin + word.size());
-        return wanted == "'}'" || wanted == "']'" ? "',' or " + wanted : wanted;
+        if (mistake.quotesText) return {};
+        const bool closing = mistake.expected == "'}'" || mistake.expected == "']'";
+        return closing ? "',' or " + mistake.expected : mistake.expected;
     }
 
     const text::SourceText& source_;

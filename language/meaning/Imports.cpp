@@ -1,6 +1,6 @@
 #include "language/meaning/Imports.h"
 
-#include "text/FileText.h"
+#include "text/File.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -25,7 +25,7 @@ std::string identityOf(const std::string& path)
 
 void ImportReader::read(const std::string& path)
 {
-    text::FileText contents = text::readFileText(path, limits_.fileBytes);
+    text::FileText contents = text::readFile(path, limits_.fileBytes);
     if (!contents.text) {
         text::Diagnostic error;
         error.file = path;
@@ -104,7 +104,7 @@ void ImportReader::followImport(const syntax::Import& import, std::uint32_t impo
                           {}, "move what both need into a file of its own");
             return;
         }
-        text::FileText contents = text::readFileText(path, limits_.fileBytes);
+        text::FileText contents = text::readFile(path, limits_.fileBytes);
         if (contents.text) {
             if (open_.size() >= deepestImport) {
                 report_.error(import.path.range, "imports are nested deeper than " +

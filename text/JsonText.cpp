@@ -1,8 +1,9 @@
-#include "telemetry/JsonText.h"
+#include "text/JsonText.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
-namespace telemetry {
+namespace text {
 
 // From the closing quote back to the opening one: the first that no odd run of backslashes precedes.
 Extent textBefore(std::string_view line, std::size_t end)
@@ -37,12 +38,12 @@ Extent valueAfter(std::string_view line, std::size_t end)
 
 // "... at line 1, column 9: syntax error while parsing value - invalid literal; last read: 'x'; expected ...", and for numbers
 // "... - invalid number; expected digit after '.'; last read: '1.x'". What was read last are bytes of the line, of any kind.
-SyntaxMistake syntaxMistake(std::string_view parserMessage)
+JsonMistake jsonMistake(std::string_view parserMessage)
 {
     constexpr std::string_view expects = "; expected ";
     const std::size_t dash = parserMessage.find(" - ");
-    const std::string_view whole =
-        dash == std::string_view::npos ? parserMessage : parserMessage.substr(dash + 3);
+    if (dash == std::string_view::npos) return {};
+    const std::string_view whole = parserMessage.substr(dash + 3);
     const std::size_t lastRead = std::min(whole.find("; last read: "), whole.size());
     std::string_view found = whole.substr(0, lastRead);
     std::string_view expected;
@@ -55,7 +56,12 @@ SyntaxMistake syntaxMistake(std::string_view parserMessage)
     }
     const bool shows = std::all_of(expected.begin(), expected.end(),
                                    [](char each) { return each >= ' ' && each <= '~'; });
-    return {std::string(found), shows ? std::string(expected) : ""};
+    return {std::string(found), shows ? std::string(expected) : "", lastRead < whole.size()};
 }
 
-} // namespace telemetry
+std::string jsonQuoted(std::string_view text)
+{
+    return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+} // namespace text

@@ -1,0 +1,58 @@
+#include "text/Wording.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using text::enumerated;
+using text::Rest;
+
+TEST(Wording, GroupsDigitsByThree)
+{
+    EXPECT_EQ(text::grouped(0), "0");
+    EXPECT_EQ(text::grouped(999), "999");
+    EXPECT_EQ(text::grouped(1000), "1,000");
+    EXPECT_EQ(text::grouped(1234567), "1,234,567");
+    EXPECT_EQ(text::grouped(18446744073709551615U), "18,446,744,073,709,551,615");
+}
+
+TEST(Wording, CountsInSingularAndPlural)
+{
+    EXPECT_EQ(text::counted(0, "gate"), "0 gates");
+    EXPECT_EQ(text::counted(1, "gate"), "1 gate");
+    EXPECT_EQ(text::counted(2000, "gate"), "2,000 gates");
+}
+
+TEST(Wording, JoinsWithAndOrOr)
+{
+    EXPECT_EQ(text::listed({}), "");
+    EXPECT_EQ(text::listed({"a"}), "a");
+    EXPECT_EQ(text::listed({"a", "b"}), "a and b");
+    EXPECT_EQ(text::listed({"a", "b", "c"}), "a, b and c");
+    EXPECT_EQ(text::alternatives({}), "");
+    EXPECT_EQ(text::alternatives({"a"}), "a");
+    EXPECT_EQ(text::alternatives({"a", "b"}), "a or b");
+    EXPECT_EQ(text::alternatives({"a", "b", "c"}), "a, b or c");
+}
+
+TEST(Wording, EnumeratesAllOfAShortList)
+{
+    EXPECT_EQ(enumerated({}), "");
+    EXPECT_EQ(enumerated({"a"}), "a");
+    for (const Rest rest : {Rest::ellipsis, Rest::more, Rest::total}) {
+        EXPECT_EQ(enumerated({"a", "b", "c"}, 3, rest), "a, b, c");
+    }
+    EXPECT_EQ(enumerated(std::vector<std::string_view>(12, "x")),
+              "x, x, x, x, x, x, x, x, x, x, x, x");
+}
+
+TEST(Wording, EnumeratesTheFirstOfALongList)
+{
+    EXPECT_EQ(enumerated(std::vector<std::string_view>(13, "x")),
+              "x, x, x, x, x, x, x, x, x, x, x, x, ...");
+    EXPECT_EQ(enumerated({"a", "b", "c"}, 2), "a, b, ...");
+    EXPECT_EQ(enumerated({"a", "b", "c"}, 2, Rest::more), "a, b and 1 more");
+    EXPECT_EQ(enumerated({"a", "b", "c"}, 2, Rest::total), "a, b, ... (3 in all)");
+}
+
+} // namespace
