@@ -1,5 +1,7 @@
 #include "text/Wording.h"
 
+#include <charconv>
+
 namespace text {
 
 namespace {
@@ -15,6 +17,23 @@ std::string joined(const std::vector<std::string>& items, std::string_view last)
 }
 
 } // namespace
+
+std::string shown(double number)
+{
+    char text[32];
+    const auto end = std::to_chars(text, text + sizeof text, number, std::chars_format::general, 6);
+    return {text, end.ptr};
+}
+
+std::string enumerated(const std::vector<std::string_view>& items)
+{
+    constexpr std::size_t most = 12;
+    std::string text;
+    for (std::size_t i = 0; i < items.size() && i < most; ++i) {
+        text += (i > 0 ? ", " : "") + std::string(items[i]);
+    }
+    return items.size() > most ? text + ", ..." : text;
+}
 
 std::string grouped(std::uint64_t number)
 {

@@ -8,6 +8,10 @@
 
 namespace text {
 
+/// A number as a message shows it: six digits, without an exponent where it reads well.
+std::string shown(double number);
+/// "a, b, c", cut after twelve: "a, b, c, ...".
+std::string enumerated(const std::vector<std::string_view>& items);
 /// Digits in groups of three: 1234567 is "1,234,567".
 std::string grouped(std::uint64_t number);
 /// "1 gate", "2 gates".
