@@ -10,6 +10,8 @@
 // `)` `,` `=` `#`. What a name stands for (INPUT, a kind of gate, a signal) is not a matter of the grammar.
 #pragma once
 
+#include "text/Diagnostic.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -34,12 +36,9 @@ struct Statement {
 };
 
 /// Why a line does not follow the grammar, and how far it did.
-struct LineError {
-    std::size_t offset = 0; ///< bytes of the line before the place
-    std::size_t length = 0; ///< bytes of what stands there, 0 at the line's end
-    std::string message;
-    std::string expected;
-    std::string hint;
+struct LineError : text::Message {
+    std::size_t offset = 0;      ///< bytes of the line before the place
+    std::size_t length = 0;      ///< bytes of what stands there, 0 at the line's end
     Statement read;              ///< what had been read before the place
     bool sawEquals = false;      ///< it is a gate's line
     bool isWhole = false;        ///< `read` is a whole statement: what follows it is wrong

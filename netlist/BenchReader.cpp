@@ -1,6 +1,7 @@
 #include "netlist/BenchReader.h"
 
 #include "netlist/BenchLine.h"
+#include "netlist/BenchText.h"
 #include "netlist/Draft.h"
 #include "netlist/DraftChecks.h"
 
@@ -15,56 +16,41 @@ namespace netlist {
 
 namespace {
 
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-constexpr char controlZ = '\x1A';
-
-std::vector<std::string_view> splitLines(std::string_view text)
-{
-    if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
-    if (text.ends_with(controlZ)) text.remove_suffix(1);
-    std::vector<std::string_view> lines;
-    while (!text.empty()) {
-        const std::size_t end = text.find('\n');
-        std::string_view line = text.substr(0, end);
-        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-        if (line.ends_with('\r')) line.remove_suffix(1);
-        lines.push_back(line);
-    }
-    return lines;
-}
-
 // A byte that no text holds: its line and column are found, and nothing else is read.
-bool isText(const std::vector<std::string_view>& lines, text::ErrorList& errors)
+bool isText(const BenchText& text, text::Diagnostics& errors)
 {
-    for (std::size_t line = 0; line < lines.size(); ++line) {
-        const std::size_t offset = lines[line].find('\0');
+    for (std::size_t line = 1; line <= text.lineCount(); ++line) {
+        const std::size_t offset = text.line(line).find('\0');
         if (offset != std::string_view::npos) {
-            errors.add({line + 1, offset + 1}, 1, "found a NUL byte: this is not a text file",
-                       "a circuit in the .bench format, as UTF-8 text",
-                       "if it is UTF-16 text, save it as UTF-8; if it is compressed, unpack it");
+            errors.error(
+                0, text.error(
+                       {line, offset + 1}, 1,
+                       {"found a NUL byte: this is not a text file",
+                        "a circuit in the .bench format, as UTF-8 text",
+                        "if it is UTF-16 text, save it as UTF-8; if it is compressed, unpack it"}));
             return false;
         }
     }
     return true;
 }
 
-void readLines(const std::vector<std::string_view>& lines, Draft& draft, text::ErrorList& errors)
+void readLines(const BenchText& text, Draft& draft, text::Diagnostics& errors)
 {
-    bool open =
-        false; // a statement was broken off, which has been reported, and its rest may follow
-    for (std::size_t line = 0; line < lines.size(); ++line) {
-        const std::variant<Statement, LineError> read = readBenchLine(lines[line]);
+    // A statement was broken off, which has been reported, and its rest may follow.
+    bool open = false;
+    for (std::size_t line = 1; line <= text.lineCount(); ++line) {
+        const std::variant<Statement, LineError> read = readBenchLine(text.line(line));
         if (const auto* error = std::get_if<LineError>(&read)) {
             const bool isRest = open && error->looksLikeRest;
             if (!isRest) {
-                errors.add({line + 1, error->offset + 1}, error->length, error->message,
-                           error->expected, error->hint);
+                errors.error(0, text.error({line, error->offset + 1}, error->length, *error));
             }
-            open = error->staysOpen || (isRest && lines[line].find(')') == std::string_view::npos);
-            draft.salvage(*error, line + 1);
+            open =
+                error->staysOpen || (isRest && text.line(line).find(')') == std::string_view::npos);
+            draft.salvage(*error, line);
         } else if (!std::get<Statement>(read).head.text.empty()) {
             open = false;
-            draft.add(std::get<Statement>(read), line + 1);
+            draft.add(std::get<Statement>(read), line);
         }
     }
 }
@@ -73,15 +59,15 @@ void readLines(const std::vector<std::string_view>& lines, Draft& draft, text::E
 
 BenchResult readBench(std::string_view text, const std::string& fileName)
 {
-    const std::vector<std::string_view> lines = splitLines(text);
-    text::ErrorList errors(fileName, lines);
-    Draft draft(errors);
+    const BenchText lines(fileName, text);
+    text::Diagnostics errors(text::Diagnostics::unlimited, text::Diagnostics::WholeFile::last);
+    Draft draft(lines, errors);
     if (isText(lines, errors)) {
         readLines(lines, draft, errors);
-        checkDraft(draft, errors);
+        checkDraft(draft, lines, errors);
     }
     BenchResult result;
-    result.errors = errors.take();
+    result.errors = errors.takeErrors();
     if (result.errors.empty()) {
         result.circuit = draft.finish();
         result.circuit->name = std::filesystem::path(fileName).stem().string();

@@ -2,11 +2,11 @@
 
 #include "text/NearestName.h"
 
+#include <utility>
+
 namespace netlist {
 
 namespace {
-
-using text::Place;
 
 text::Place placeOf(const Token& token, std::size_t line)
 {
@@ -24,13 +24,12 @@ bool isWord(std::string_view text, std::string_view word)
     return text::editDistance(text, word, 0) == 0;
 }
 
-std::string didYouMean(std::string_view name, const std::vector<std::string_view>& known)
-{
-    const std::string nearest = text::nearestName(name, known);
-    return nearest.empty() ? "" : "did you mean " + text::quoted(nearest) + "?";
-}
-
 } // namespace
+
+void Draft::report(text::Place place, std::size_t length, text::Message message)
+{
+    errors_.error(0, text_.error(place, length, std::move(message)));
+}
 
 void Draft::add(const Statement& statement, std::size_t line)
 {
@@ -84,10 +83,9 @@ void Draft::declare(const Statement& statement, std::size_t line)
     if (statement.arguments.size() > 1) {
         const std::string word = input ? "INPUT" : "OUTPUT";
         const Token& second = statement.arguments[1];
-        errors_.add(placeOf(second, line), second.text.size(),
-                    word + " declares one signal, found " +
-                        std::to_string(statement.arguments.size()),
-                    "')' after the first", "write a line " + word + "(name) for each signal");
+        report(placeOf(second, line), second.text.size(),
+               {word + " declares one signal, found " + std::to_string(statement.arguments.size()),
+                "')' after the first", "write a line " + word + "(name) for each signal"});
     }
     for (const Token& name : statement.arguments) {
         if (input) {
@@ -102,19 +100,19 @@ void Draft::unknownDeclaration(const Statement& statement, std::size_t line)
 {
     const Token& head = statement.head;
     if (gateKind(head.text)) {
-        errors_.add(placeOf(head, line), head.text.size(),
-                    "gate " + text::quoted(head.text) + " has no output", "y = gate(a, b, ...)",
-                    "name the signal that the gate drives, and '=', before it");
+        report(placeOf(head, line), head.text.size(),
+               {"gate " + text::quoted(head.text) + " has no output", "y = gate(a, b, ...)",
+                "name the signal that the gate drives, and '=', before it"});
         for (const Token& argument : statement.arguments) {
             use(argument, line, true);
         }
         return;
     }
-    const std::string hint = didYouMean(head.text, {"INPUT", "OUTPUT"});
-    errors_.add(placeOf(head, line), head.text.size(),
-                "unknown statement " + text::quoted(head.text),
-                "INPUT(a), OUTPUT(a) or y = gate(a, b, ...)",
-                hint.empty() ? "only INPUTs and OUTPUTs are declared" : hint);
+    const std::string hint = text::didYouMean(head.text, {"INPUT", "OUTPUT"});
+    report(placeOf(head, line), head.text.size(),
+           {"unknown statement " + text::quoted(head.text),
+            "INPUT(a), OUTPUT(a) or y = gate(a, b, ...)",
+            hint.empty() ? "only INPUTs and OUTPUTs are declared" : hint});
     mayLackOutputs_ = true;
     for (const Token& argument : statement.arguments) {
         signals_[signal(argument.text)].excused = true;
@@ -126,16 +124,16 @@ void Draft::declareInput(const Token& name, text::Place place)
     const SignalIndex index = signal(name.text);
     DraftSignal& declared = signals_[index];
     if (declared.input) {
-        errors_.add(place, name.text.size(),
-                    "INPUT " + text::quoted(name.text) + " is declared twice, first in " +
-                        lineText(*declared.input),
-                    "each INPUT once", "remove one of the two, or rename it");
+        report(place, name.text.size(),
+               {"INPUT " + text::quoted(name.text) + " is declared twice, first in " +
+                    lineText(*declared.input),
+                "each INPUT once", "remove one of the two, or rename it"});
     } else if (declared.driver) {
-        errors_.add(place, name.text.size(),
-                    text::quoted(name.text) + " is declared INPUT, but the gate in " +
-                        lineText(*declared.driver) + " drives it",
-                    "an INPUT that no gate drives",
-                    "remove this INPUT, or rename the output of the gate");
+        report(place, name.text.size(),
+               {text::quoted(name.text) + " is declared INPUT, but the gate in " +
+                    lineText(*declared.driver) + " drives it",
+                "an INPUT that no gate drives",
+                "remove this INPUT, or rename the output of the gate"});
         declared.input = place;
     } else {
         declared.input = place;
@@ -149,10 +147,10 @@ void Draft::declareOutput(const Token& name, text::Place place)
     const SignalIndex index = signal(name.text);
     DraftSignal& declared = signals_[index];
     if (declared.output) {
-        errors_.add(place, name.text.size(),
-                    "OUTPUT " + text::quoted(name.text) + " is declared twice, first in " +
-                        lineText(*declared.output),
-                    "each OUTPUT once", "remove one of the two, or rename it");
+        report(place, name.text.size(),
+               {"OUTPUT " + text::quoted(name.text) + " is declared twice, first in " +
+                    lineText(*declared.output),
+                "each OUTPUT once", "remove one of the two, or rename it"});
         return;
     }
     declared.output = place;
@@ -188,13 +186,12 @@ void Draft::checkArity(GateKind kind, const Statement& statement, std::size_t li
 {
     if (!isUnary(kind) || statement.arguments.size() == 1) return;
     const Token& second = statement.arguments[1];
-    errors_.add(placeOf(second, line), second.text.size(),
-                std::string(gateKindName(kind)) + " has one input, found " +
-                    std::to_string(statement.arguments.size()),
-                "')' after the first",
-                kind == GateKind::notGate
-                    ? "of several inputs, NAND and NOR are the inverting gates"
-                    : "of several inputs, AND and OR are the gates");
+    report(placeOf(second, line), second.text.size(),
+           {std::string(gateKindName(kind)) + " has one input, found " +
+                std::to_string(statement.arguments.size()),
+            "')' after the first",
+            kind == GateKind::notGate ? "of several inputs, NAND and NOR are the inverting gates"
+                                      : "of several inputs, AND and OR are the gates"});
 }
 
 void Draft::unknownKind(const Token& kind, std::size_t line)
@@ -203,7 +200,7 @@ void Draft::unknownKind(const Token& kind, std::size_t line)
     for (const auto& [known, name] : gateKinds) {
         names.push_back(name);
     }
-    std::string hint = didYouMean(kind.text, names);
+    std::string hint = text::didYouMean(kind.text, names);
     if (hint.empty()) hint = "build it of gates of these kinds";
     for (const std::string_view stateful : {"DFF", "DFFSR", "LATCH"}) {
         if (isWord(kind.text, stateful)) {
@@ -212,26 +209,25 @@ void Draft::unknownKind(const Token& kind, std::size_t line)
                    "INPUTs and whose inputs become OUTPUTs";
         }
     }
-    errors_.add(placeOf(kind, line), kind.text.size(),
-                "unknown kind of gate " + text::quoted(kind.text), gateKindNames(), hint);
+    report(placeOf(kind, line), kind.text.size(),
+           {"unknown kind of gate " + text::quoted(kind.text), gateKindNames(), hint});
 }
 
 void Draft::drive(SignalIndex driven, const Token& name, text::Place place)
 {
     DraftSignal& signal = signals_[driven];
     if (signal.driver) {
-        errors_.add(place, name.text.size(),
-                    text::quoted(name.text) + " is driven twice, first by the gate in " +
-                        lineText(*signal.driver),
-                    "one gate for each signal", "remove one of the two gates, or rename its output");
+        report(place, name.text.size(),
+               {text::quoted(name.text) + " is driven twice, first by the gate in " +
+                    lineText(*signal.driver),
+                "one gate for each signal", "remove one of the two gates, or rename its output"});
         return;
     }
     if (signal.input) {
-        errors_.add(place, name.text.size(),
-                    text::quoted(name.text) + " is driven by a gate, but declared INPUT in " +
-                        lineText(*signal.input),
-                    "a signal that is no INPUT",
-                    "remove the INPUT, or rename the output of the gate");
+        report(place, name.text.size(),
+               {text::quoted(name.text) + " is driven by a gate, but declared INPUT in " +
+                    lineText(*signal.input),
+                "a signal that is no INPUT", "remove the INPUT, or rename the output of the gate"});
     }
     signal.driver = place;
 }

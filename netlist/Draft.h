@@ -2,9 +2,10 @@
 #pragma once
 
 #include "netlist/BenchLine.h"
+#include "netlist/BenchText.h"
 #include "netlist/Circuit.h"
 #include "netlist/Cycles.h"
-#include "text/ErrorList.h"
+#include "text/Diagnostics.h"
 
 #include <optional>
 #include <string_view>
@@ -28,10 +29,11 @@ struct DraftSignal {
 };
 
 /// Takes in the statements of a file and reports what is wrong with each by itself or against an earlier one.
-/// The names are views: the text must outlive the draft.
+/// The names are views into the text.
 class Draft {
 public:
-    explicit Draft(text::ErrorList& errors) : errors_(errors) {}
+    /// Requires: `text` and `errors` outlive the draft.
+    Draft(const BenchText& text, text::Diagnostics& errors) : text_(text), errors_(errors) {}
 
     /// Takes in the statement of line `line`, which has one.
     void add(const Statement& statement, std::size_t line);
@@ -50,6 +52,7 @@ public:
     Circuit finish();
 
 private:
+    void report(text::Place place, std::size_t length, text::Message message);
     SignalIndex signal(std::string_view name);
     void use(const Token& token, std::size_t line, bool byGate);
     void declare(const Statement& statement, std::size_t line);
@@ -61,7 +64,8 @@ private:
     void unknownKind(const Token& kind, std::size_t line);
     void drive(SignalIndex driven, const Token& name, text::Place place);
 
-    text::ErrorList& errors_;
+    const BenchText& text_;
+    text::Diagnostics& errors_;
     Circuit circuit_;
     std::vector<DraftSignal> signals_;
     std::unordered_map<std::string_view, SignalIndex> byName_;

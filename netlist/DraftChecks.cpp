@@ -2,9 +2,14 @@
 
 #include "text/NearestName.h"
 
+#include <functional>
+#include <utility>
+
 namespace netlist {
 
 namespace {
+
+using Report = std::function<void(text::Place, std::size_t, text::Message)>;
 
 // Looks for names near to one that is not known, until it has compared that many.
 class Suggestions {
@@ -16,11 +21,11 @@ public:
         }
     }
 
-    std::string near(std::string_view name)
+    std::string hint(std::string_view name)
     {
         if (comparisons_ < known_.size()) return {};
         comparisons_ -= known_.size();
-        return text::nearestName(name, known_);
+        return text::didYouMean(name, known_);
     }
 
 private:
@@ -28,7 +33,7 @@ private:
     std::size_t comparisons_ = 1'000'000;
 };
 
-void checkDefined(const Draft& draft, text::ErrorList& errors)
+void checkDefined(const Draft& draft, const Report& report)
 {
     Suggestions suggestions(draft);
     for (const DraftSignal& signal : draft.signals()) {
@@ -40,11 +45,10 @@ void checkDefined(const Draft& draft, text::ErrorList& errors)
             message += "; gates use it " + std::to_string(signal.uses) +
                        (signal.uses == 1 ? " time" : " times");
         }
-        const std::string nearest = suggestions.near(signal.name);
-        errors.add(*signal.use, signal.name.size(), std::move(message),
-                   "an INPUT or the output of a gate",
-                   nearest.empty() ? "declare it INPUT, or add the gate that drives it"
-                                   : "did you mean " + text::quoted(nearest) + "?");
+        std::string hint = suggestions.hint(signal.name);
+        if (hint.empty()) hint = "declare it INPUT, or add the gate that drives it";
+        report(*signal.use, signal.name.size(),
+               {std::move(message), "an INPUT or the output of a gate", std::move(hint)});
     }
 }
 
@@ -67,7 +71,7 @@ std::string cycleText(const Circuit& circuit, const std::vector<DraftSignal>& si
     return text + text::quoted(signals[circuit.gates[cycle.front()].output].name);
 }
 
-void checkCycles(const Draft& draft, text::ErrorList& errors)
+void checkCycles(const Draft& draft, const Report& report)
 {
     const Circuit& circuit = draft.circuit();
     const std::vector<std::size_t> drivers = draft.drivers();
@@ -75,31 +79,34 @@ void checkCycles(const Draft& draft, text::ErrorList& errors)
     for (const GateList& cycle : gateCycles(circuit, drivers)) {
         const Gate& first = circuit.gates[cycle.front()];
         const std::string_view name = draft.signals()[first.output].name;
-        errors.add(first.place, name.size(),
-                   cycle.size() == 1
-                       ? "gate " + text::quoted(name) + " has itself as an input"
-                       : "gates in a cycle: " + cycleText(circuit, draft.signals(), cycle),
-                   "gates that follow from the INPUTs, without a way back",
-                   "one of these inputs is wrong, or has to be cut and declared INPUT");
+        report(first.place, name.size(),
+               {cycle.size() == 1 ? "gate " + text::quoted(name) + " has itself as an input"
+                                  : "gates in a cycle: " + cycleText(circuit, draft.signals(), cycle),
+                "gates that follow from the INPUTs, without a way back",
+                "one of these inputs is wrong, or has to be cut and declared INPUT"});
     }
 }
 
 } // namespace
 
-void checkDraft(const Draft& draft, text::ErrorList& errors)
+void checkDraft(const Draft& draft, const BenchText& text, text::Diagnostics& errors)
 {
+    const Report report = [&](text::Place place, std::size_t length, text::Message message) {
+        errors.error(0, text.error(place, length, std::move(message)));
+    };
     if (!draft.sawStatement()) {
-        errors.add("there is no statement in the file",
-                   "INPUT(a), OUTPUT(a) and y = gate(a, b, ...)",
-                   "is it the right file, and complete?");
+        report({}, 0,
+               {"there is no statement in the file", "INPUT(a), OUTPUT(a) and y = gate(a, b, ...)",
+                "is it the right file, and complete?"});
         return;
     }
-    checkDefined(draft, errors);
-    checkCycles(draft, errors);
+    checkDefined(draft, report);
+    checkCycles(draft, report);
     if (draft.circuit().outputs.empty() && !draft.mayLackOutputs()) {
-        errors.add("there is no OUTPUT",
-                   "one OUTPUT at least, since nothing of the circuit can be seen without",
-                   "add OUTPUT(name) for each signal that is seen outside");
+        report({}, 0,
+               {"there is no OUTPUT",
+                "one OUTPUT at least, since nothing of the circuit can be seen without",
+                "add OUTPUT(name) for each signal that is seen outside"});
     }
 }
 

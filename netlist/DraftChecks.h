@@ -2,11 +2,12 @@
 #pragma once
 
 #include "netlist/Draft.h"
-#include "text/ErrorList.h"
+#include "text/Diagnostics.h"
 
 namespace netlist {
 
 /// Reports signals that nothing defines, cycles of gates, and that there is no statement or no OUTPUT.
-void checkDraft(const Draft& draft, text::ErrorList& errors);
+/// Requires: every line of `text` was given to the draft.
+void checkDraft(const Draft& draft, const BenchText& text, text::Diagnostics& errors);
 
 } // namespace netlist

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <compare>
+#include <utility>
 
 namespace text {
 
@@ -120,6 +121,17 @@ std::string Diagnostic::format() const
     if (marked > 0)
         text += "  " + std::string(caret, ' ') + "^" + std::string(marked - 1, '~') + "\n";
     return text + adviceLines(*this);
+}
+
+Diagnostic errorAt(Message message, std::string file, Place place, std::string_view line,
+                   std::size_t length)
+{
+    Diagnostic error;
+    static_cast<Message&>(error) = std::move(message);
+    error.file = std::move(file);
+    error.place = place;
+    if (place.line > 0) error.quote(line, length);
+    return error;
 }
 
 std::string quoted(std::string_view text)

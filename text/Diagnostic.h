@@ -50,6 +50,11 @@ struct Diagnostic : Message {
     static constexpr std::size_t shownCharacters = 100;
 };
 
+/// The message as an error at a place. `line` is the whole line there, without its end, and the mark stands under `length`
+/// bytes; both are ignored for an error of the file as a whole. An empty `file` may be filled in later.
+Diagnostic errorAt(Message message, std::string file, Place place, std::string_view line,
+                   std::size_t length);
+
 /// The text in single quotes for a message: what is not printable as `?`, and a long one cut to 60 characters
 /// and `...`.
 std::string quoted(std::string_view text);

@@ -51,14 +51,8 @@ std::string_view SourceText::at(const Range& range) const
 Diagnostic SourceText::error(const Range& range, std::string message, std::string expected,
                              std::string hint) const
 {
-    Diagnostic error;
-    error.file = name_;
-    error.place = {range.line, range.column};
-    error.message = std::move(message);
-    error.expected = std::move(expected);
-    error.hint = std::move(hint);
-    if (range.line > 0) error.quote(line(range.line), range.length);
-    return error;
+    return errorAt({std::move(message), std::move(expected), std::move(hint)}, name_,
+                   {range.line, range.column}, line(range.line), range.length);
 }
 
 } // namespace text

@@ -1,13 +1,10 @@
 #include "text/Diagnostic.h"
 
-#include "text/ErrorList.h"
-
 #include <gtest/gtest.h>
 
 namespace {
 
 using text::Diagnostic;
-using text::ErrorList;
 using text::utf8Length;
 
 Diagnostic errorAt(std::size_t column, std::size_t length, const std::string& line)
@@ -118,31 +115,6 @@ TEST(Utf8Length, IsZeroForWhatIsNotUtf8)
           "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF"}) {
         EXPECT_EQ(utf8Length(bytes), 0U);
     }
-}
-
-TEST(ErrorListTest, GivesErrorsByPlaceWithThoseOfTheWholeFileLast)
-{
-    const std::vector<std::string_view> lines{"one", "two"};
-    ErrorList errors("f", lines);
-    errors.add("whole", "", "");
-    errors.add({2, 1}, 1, "c", "", "");
-    errors.add({1, 3}, 1, "b", "", "");
-    errors.add({1, 1}, 1, "a", "", "");
-    errors.add({2, 1}, 1, "d", "", "");
-    std::string order;
-    for (const Diagnostic& error : errors.take()) {
-        order += error.message + " ";
-    }
-    EXPECT_EQ(order, "a b c d whole ");
-    EXPECT_TRUE(errors.empty());
-}
-
-TEST(ErrorListTest, ShowsTheLineOfEachError)
-{
-    const std::vector<std::string_view> lines{"one", "two"};
-    ErrorList errors("f", lines);
-    errors.add({2, 3}, 1, "wrong", "right", "");
-    EXPECT_EQ(errors.take().at(0).format(), "f:2:3: wrong\n  two\n    ^\n  expected: right\n");
 }
 
 } // namespace
