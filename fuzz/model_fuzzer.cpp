@@ -2,7 +2,7 @@
 // shown; what it accepts must be laid out as a text that says the same, and laying that out again must change nothing.
 #include "language/syntax/Formatter.h"
 #include "language/syntax/Parser.h"
-#include "language/syntax/SyntaxText.h"
+#include "tests/language/syntax/SyntaxText.h"
 
 #include <cstdint>
 #include <cstdio>

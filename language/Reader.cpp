@@ -2,11 +2,11 @@
 
 #include "language/json/ModelJson.h"
 #include "language/meaning/BindingBuilder.h"
-#include "language/meaning/Contradictions.h"
 #include "language/meaning/LawBuilder.h"
 #include "language/meaning/TransitionBuilder.h"
 #include "language/meaning/TypeChecks.h"
 #include "language/meaning/Usage.h"
+#include "plant/Contradictions.h"
 #include "text/File.h"
 
 #include <algorithm>
@@ -43,7 +43,8 @@ public:
     Reading(const std::string& path, const ReadOptions& options)
         : options_(options), report_(files_.texts, options.mostErrors),
           imports_(files_, report_, options.searchPath, options.syntax),
-          builder_(std::filesystem::path(path).replace_extension().string())
+          builder_(std::filesystem::path(path).replace_extension().string(),
+                   options.expansion.domainClauses)
     {
     }
 
@@ -87,11 +88,11 @@ private:
         Elaboration plant(types_, report_, builder_, options_.expansion);
         if (!plant.run()) return;
         const double step = plant.stepSeconds();
-        result_.bindings.stepSeconds = step;
+        builder_.step(step);
         result_.system = types_.system->name;
         LawBuilder laws(plant, builder_, report_, options_.expansion.lawClauses);
         TransitionBuilder transitions(plant, builder_, report_, step, options_.expansion.lawClauses);
-        BindingBuilder channels(plant, files_, report_);
+        BindingBuilder channels(plant, builder_, files_, report_);
         plant.forEach([&](Instance& instance) {
             plant.forEachMember(instance, Elaboration::Wanted::lawsAndBindings,
                                 [&](const syntax::Member& member, Environment& here) {
@@ -99,22 +100,25 @@ private:
                                         laws.build(*law, instance, here);
                                     } else if (const auto* binding =
                                                    std::get_if<syntax::Binding>(&member)) {
-                                        channels.build(*binding, instance, here, result_.bindings);
+                                        channels.build(*binding, instance, here);
                                     }
                                 });
             transitions.build(instance);
         });
-        result_.bindings.lost = plant.lost();
+        result_.bindings = builder_.takeBindings();
         result_.model = builder_.build();
         if (result_.model->components().empty() && !report_.failed()) {
             report_.error(types_.system->range, "the system has no variables",
                           "parts, or variables of its own");
         }
         if (report_.failed()) return;
-        reportContradictions(*result_.model, laws.origins(), report_);
+        plant::reportContradictions(*result_.model, [&](std::size_t law) {
+            const LawOrigin& origin = laws.origins()[law];
+            return plant::WrittenLaw{report_.at(origin.range), origin.instance->path};
+        });
         if (report_.failed()) return;
         result_.warnings = warnings();
-        measure(laws, transitions);
+        measure(laws);
     }
 
     std::vector<text::Diagnostic> warnings()
@@ -123,17 +127,15 @@ private:
         return report_.warnings();
     }
 
-    void measure(const LawBuilder& laws, const TransitionBuilder& transitions)
+    void measure(const LawBuilder& laws)
     {
         ModelSize& size = result_.size;
         size.components = result_.model->components().size();
-        for (const auto& component : result_.model->components()) {
-            size.variables += component->stateVars->size();
-        }
+        size.variables = builder_.variableCount();
         size.atoms = result_.model->atoms().size();
         size.laws = laws.count();
         size.clauses = result_.model->clauseCount();
-        size.transitions = transitions.count();
+        size.transitions = builder_.transitionCount();
         std::map<std::array<std::uint32_t, 3>, std::uint32_t> known;
         for (const LawOrigin& origin : laws.origins()) {
             const text::Range& range = origin.range;
@@ -150,7 +152,7 @@ private:
     Report report_;
     Types types_;
     ImportReader imports_;
-    plant::ModelBuilder builder_;
+    plant::CheckedBuilder builder_;
     ReadResult result_;
 };
 

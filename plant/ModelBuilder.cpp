@@ -209,14 +209,4 @@ Transition* ModelBuilder::transition(Atom* from, Atom* to,
     return made;
 }
 
-Atom* value(const StateVar* variable, const std::string& text)
-{
-    for (Atom* atom : *variable->atomLinks) {
-        if (atom->value == text) {
-            return atom;
-        }
-    }
-    return nullptr;
-}
-
 } // namespace plant

@@ -14,6 +14,7 @@
 #pragma once
 
 #include "plant/Model.h"
+#include "plant/Names.h"
 
 #include <cstdint>
 #include <optional>
@@ -82,8 +83,5 @@ private:
     std::unordered_set<std::vector<std::uintptr_t>, ClauseHash> knownLaws_;
     std::unordered_map<Comp*, std::unordered_set<Comp*>> knownImports_;
 };
-
-/// The variable's atom with that value text, or null.
-Atom* value(const StateVar* variable, const std::string& text);
 
 } // namespace plant

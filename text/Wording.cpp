@@ -1,5 +1,7 @@
 #include "text/Wording.h"
 
+#include <charconv>
+
 namespace text {
 
 namespace {
@@ -15,6 +17,13 @@ std::string joined(const std::vector<std::string>& items, std::string_view last)
 }
 
 } // namespace
+
+std::string shown(double number)
+{
+    char text[32];
+    const auto end = std::to_chars(text, text + sizeof text, number, std::chars_format::general, 6);
+    return {text, end.ptr};
+}
 
 std::string grouped(std::uint64_t number)
 {

@@ -9,6 +9,8 @@
 
 namespace text {
 
+/// A number as a message shows it: six digits, without an exponent where it reads well.
+std::string shown(double number);
 /// Digits in groups of three: 1234567 is "1,234,567".
 std::string grouped(std::uint64_t number);
 /// "1 gate", "2 gates".

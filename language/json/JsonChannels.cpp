@@ -1,9 +1,6 @@
 #include "language/json/JsonChannels.h"
 
-#include "language/meaning/Numbers.h"
-
-#include <algorithm>
-#include <set>
+#include "plant/BindingRules.h"
 
 namespace language {
 
@@ -15,19 +12,13 @@ void JsonChannels::add(const JsonNode& node)
     }
     StateVar* variable = names_.variable(node["variable"]);
     if (!variable) return;
-    const std::string name = variable->comp->name + "." + variable->name;
-    const auto [first, isNew] = bound_.insert({variable, node.pointer()});
-    if (!isNew) {
-        node.error(text::quoted(name) + " is bound twice", "one channel for it",
-                   "the first is " + first->second);
-        return;
-    }
+    if (!builder_.bind(variable, node.at())) return;
     plant::ChannelBinding made;
     made.variable = variable;
     const auto kind = kindOf(node["kind"], *variable);
     if (!kind) return;
     made.kind = *kind;
-    made.channel = name;
+    made.channel = plant::nameOf(*variable);
     if (node.has("channel")) {
         const auto channel = node["channel"].text();
         if (!channel) return;
@@ -37,37 +28,26 @@ void JsonChannels::add(const JsonNode& node)
     if (node.has("holdSeconds")) {
         made.holdSeconds = node["holdSeconds"].number();
         if (!made.holdSeconds) return;
-        if (*made.holdSeconds < 0) {
-            node["holdSeconds"].error("the time is " + shown(*made.holdSeconds), "0 or more");
-            return;
-        }
+        if (!plant::checkSeconds(*made.holdSeconds, node["holdSeconds"].at())) return;
     }
-    bindings_.channels.push_back(std::move(made));
+    builder_.channel(std::move(made));
 }
 
 std::optional<plant::ChannelBinding::Kind> JsonChannels::kindOf(const JsonNode& node,
-                                                                const StateVar& variable) const
+                                                                const StateVar& variable)
 {
-    const auto written = node.text();
-    if (!written) return std::nullopt;
-    if (*written != "observe" && *written != "command") {
-        node.error("found " + text::quoted(*written), "observe, command",
-                   didYouMean(*written, {"observe", "command"}));
-        return std::nullopt;
-    }
-    const std::string name = variable.comp->name + "." + variable.name;
+    const auto word = node.oneOf({"observe", "command"});
+    if (!word) return std::nullopt;
+    const auto kind = *word == 1 ? plant::ChannelBinding::Kind::command
+                                 : plant::ChannelBinding::Kind::observation;
     const bool isCommand = variable.type == "Command";
-    if (isCommand != (*written == "command")) {
-        node.error(isCommand ? text::quoted(name) + " is a command: it is given, not observed"
-                             : text::quoted(name) + " is not a command",
-                   isCommand ? "command" : "observe");
+    if (!plant::checkDirection(isCommand, kind, plant::nameOf(variable), node.at())) {
         return std::nullopt;
     }
-    return isCommand ? plant::ChannelBinding::Kind::command
-                     : plant::ChannelBinding::Kind::observation;
+    return kind;
 }
 
-bool JsonChannels::readTranslation(const JsonNode& node, plant::ChannelBinding& made) const
+bool JsonChannels::readTranslation(const JsonNode& node, plant::ChannelBinding& made)
 {
     if (node.has("thresholds") && (node.has("readings") || node.has("otherwise"))) {
         node.error("a channel with thresholds and readings", "one of them");
@@ -93,20 +73,13 @@ std::optional<plant::ThresholdTable> JsonChannels::thresholds(const JsonNode& no
     plant::ThresholdTable table;
     const JsonNode values = node["values"];
     if (!values.isArray()) return std::nullopt;
+    plant::ThresholdRow row;
     for (std::size_t i = 0; i < values.size(); ++i) {
-        Atom* atom = PlantNames::value(values[i], variable);
-        if (!atom) return std::nullopt;
-        if (std::find(table.values.begin(), table.values.end(), atom) != table.values.end()) {
-            values[i].error(text::quoted(atom->value) + " is in the row twice", "each value once");
-            return std::nullopt;
-        }
+        Atom* atom = JsonNames::value(values[i], variable);
+        if (!atom || !row.add(atom->value, values[i].at())) return std::nullopt;
         table.values.push_back(atom);
     }
-    if (table.values.size() < variable.atomLinks->size()) {
-        values.error(std::to_string(table.values.size()) + " of the " +
-                         std::to_string(variable.atomLinks->size()) + " values of " +
-                         text::quoted(variable.comp->name + "." + variable.name) + " are in the row",
-                     "all of them, from the lowest to the highest");
+    if (!row.checkComplete(variable.atomLinks->size(), plant::nameOf(variable), values.at())) {
         return std::nullopt;
     }
     if (!readLimits(node["limits"], table)) return std::nullopt;
@@ -114,7 +87,7 @@ std::optional<plant::ThresholdTable> JsonChannels::thresholds(const JsonNode& no
     const auto hysteresis = node["hysteresis"].number();
     if (!hysteresis) return std::nullopt;
     table.hysteresis = *hysteresis;
-    if (!checkHysteresis(node["hysteresis"], table)) return std::nullopt;
+    if (!plant::checkHysteresis(table, node["hysteresis"].at())) return std::nullopt;
     return table;
 }
 
@@ -128,14 +101,8 @@ bool JsonChannels::readLimits(const JsonNode& node, plant::ThresholdTable& table
         std::optional<bool> above = true;
         if (limit.has("belongsAbove")) above = limit["belongsAbove"].flag();
         if (!number || !above) return false;
-        if (i > 0 && *number <= table.limits.back().number) {
-            limit["number"].error("the limit " + shown(*number) +
-                                      " is not above the one before it, " +
-                                      shown(table.limits.back().number),
-                                  "limits from the lowest to the highest");
-            return false;
-        }
         table.limits.push_back({*number, *above});
+        if (!plant::checkLimit(table, i, limit["number"].at())) return false;
     }
     if (table.limits.size() + 1 == table.values.size()) return true;
     node.error("the number of limits is " + std::to_string(table.limits.size()) +
@@ -144,35 +111,18 @@ bool JsonChannels::readLimits(const JsonNode& node, plant::ThresholdTable& table
     return false;
 }
 
-bool JsonChannels::checkHysteresis(const JsonNode& node, const plant::ThresholdTable& table)
-{
-    if (table.hysteresis < 0) {
-        node.error("the hysteresis is " + shown(table.hysteresis), "0 or more");
-        return false;
-    }
-    for (std::size_t i = 1; i < table.limits.size(); ++i) {
-        const double distance = table.limits[i].number - table.limits[i - 1].number;
-        if (table.hysteresis * 2 < distance) continue;
-        node.error("the hysteresis is " + shown(table.hysteresis) + ", and two limits are only " +
-                       shown(distance) + " apart",
-                   "less than half of the distance between two limits");
-        return false;
-    }
-    return true;
-}
-
 std::optional<plant::ReadingTable> JsonChannels::readings(const JsonNode& channel,
                                                           const StateVar& variable)
 {
     plant::ReadingTable table;
     if (channel.has("otherwise")) {
-        table.otherwise = PlantNames::value(channel["otherwise"], variable);
+        table.otherwise = JsonNames::value(channel["otherwise"], variable);
         if (!table.otherwise) return std::nullopt;
     }
     if (!channel.has("readings")) return table;
     const JsonNode list = channel["readings"];
     if (!list.isArray()) return std::nullopt;
-    std::set<std::variant<double, std::string>> seen;
+    plant::ReadingSet seen;
     for (std::size_t i = 0; i < list.size(); ++i) {
         const JsonNode entry = list[i];
         if (!entry.isObject({"reading", "value"})) return std::nullopt;
@@ -185,12 +135,9 @@ std::optional<plant::ReadingTable> JsonChannels::readings(const JsonNode& channe
             if (!number) return std::nullopt;
             known = *number;
         }
-        Atom* atom = PlantNames::value(entry["value"], variable);
+        Atom* atom = JsonNames::value(entry["value"], variable);
         if (!atom) return std::nullopt;
-        if (!seen.insert(known).second) {
-            reading.error("this reading stands for two values");
-            return std::nullopt;
-        }
+        if (!seen.add(known, "this reading", reading.at())) return std::nullopt;
         table.readings.emplace_back(std::move(known), atom);
     }
     return table;

@@ -1,8 +1,10 @@
 #include "language/json/JsonNode.h"
 
-#include "language/meaning/Numbers.h"
+#include "text/NearestName.h"
+#include "text/Wording.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 namespace language {
 
@@ -18,7 +20,8 @@ std::string kindOf(const nlohmann::json& value)
     case nlohmann::json::value_t::boolean: return value.get<bool>() ? "true" : "false";
     case nlohmann::json::value_t::number_integer:
     case nlohmann::json::value_t::number_unsigned:
-    case nlohmann::json::value_t::number_float: return "the number " + shown(value.get<double>());
+    case nlohmann::json::value_t::number_float:
+        return "the number " + text::shown(value.get<double>());
     default: return "something else";
     }
 }
@@ -40,10 +43,51 @@ std::string JsonNode::pointer() const
 
 void JsonNode::error(std::string message, std::string expected, std::string hint) const
 {
-    const std::string place = pointer();
-    report_.take(source_.number(),
-                 source_.error({}, place.empty() ? std::move(message) : place + ": " + message,
-                               std::move(expected), std::move(hint)));
+    error(text::Message{std::move(message), std::move(expected), std::move(hint)});
+}
+
+void JsonNode::error(text::Message what) const
+{
+    places_.error(pointer(), std::move(what));
+}
+
+plant::PlaceHandle JsonNode::at() const
+{
+    if (parent_ && key_.empty()) return places_.at(parent_->pointer(), index_, {});
+    if (parent_ && parent_->parent_ && parent_->key_.empty()) {
+        return places_.at(parent_->parent_->pointer(), parent_->index_, key_);
+    }
+    return places_.at(pointer());
+}
+
+bool JsonNode::has(std::string_view key) const
+{
+    return value_.contains(key);
+}
+
+JsonNode JsonNode::operator[](std::string_view key) const&
+{
+    return {value_.at(std::string(key)), *this, key, 0};
+}
+
+std::size_t JsonNode::size() const
+{
+    return value_.size();
+}
+
+JsonNode JsonNode::operator[](std::size_t index) const&
+{
+    return {value_[index], *this, {}, index};
+}
+
+bool JsonNode::isText() const
+{
+    return value_.is_string();
+}
+
+bool JsonNode::isNull() const
+{
+    return value_.is_null();
 }
 
 bool JsonNode::isObject(const Keys& required, const Keys& optional) const
@@ -62,8 +106,8 @@ bool JsonNode::isObject(const Keys& required, const Keys& optional) const
     }
     for (const auto& [key, value] : value_.items()) {
         if (std::find(known.begin(), known.end(), key) != known.end()) continue;
-        error("the key " + text::quoted(key) + " is not known", listed(known),
-              worthAHint() ? didYouMean(key, known) : "");
+        error("the key " + text::quoted(key) + " is not known", text::enumerated(known),
+              worthAHint() ? text::didYouMean(key, known) : "");
     }
     return complete;
 }
@@ -124,6 +168,16 @@ std::optional<std::string> JsonNode::name() const
     if (!found) return std::nullopt;
     if (!found->empty() && std::all_of(found->begin(), found->end(), canBeInAName)) return found;
     errorOfKind("a name: one character at least, no blanks, and none of . , : = ! | \"");
+    return std::nullopt;
+}
+
+std::optional<std::size_t> JsonNode::oneOf(const Keys& words) const
+{
+    const std::optional<std::string> found = text();
+    if (!found) return std::nullopt;
+    const auto word = std::find(words.begin(), words.end(), *found);
+    if (word != words.end()) return static_cast<std::size_t>(word - words.begin());
+    error("found " + text::quoted(*found), text::enumerated(words), text::didYouMean(*found, words));
     return std::nullopt;
 }
 

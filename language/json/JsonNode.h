@@ -1,13 +1,14 @@
-// A value in a JSON document that knows where it is, so that what is wrong with it is told with its place:
+// A value in a JSON document that knows where it is, so that what is wrong with it is reported with its place:
 //
 //     plant.json: /components/3/variables/0/values: found a number
 //       expected: an array
 #pragma once
 
-#include "language/meaning/Report.h"
-#include "language/meaning/Types.h"
+#include "language/json/JsonPlaces.h"
 
-#include <nlohmann/json.hpp>
+#include <cstddef>
+#include <cstdint>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,32 +22,28 @@ public:
     using Keys = std::vector<std::string_view>;
 
     /// The whole document.
-    JsonNode(const nlohmann::json& value, const text::SourceText& source, Report& report)
-        : value_(value), source_(source), report_(report)
-    {
-    }
+    JsonNode(const nlohmann::json& value, JsonPlaces& places) : value_(value), places_(places) {}
 
     /// `/components/3/name`; empty for the whole.
     std::string pointer() const;
+    /// The same for the checks of plant/.
+    plant::PlaceHandle at() const;
     void error(std::string message, std::string expected = {}, std::string hint = {}) const;
-    /// Whether an error would still be shown: a hint that takes a search is not worth while otherwise.
-    bool worthAHint() const { return !report_.full(); }
+    void error(text::Message what) const;
+    bool worthAHint() const { return places_.worthAHint(); }
 
     /// An object with these keys and no others; false, and an error reported for each mistake, when a required one is missing or
     /// it is none. Unknown keys are reported, and do no harm.
     bool isObject(const Keys& required, const Keys& optional = {}) const;
     bool isArray() const;
 
-    bool has(std::string_view key) const { return value_.contains(key); }
+    bool has(std::string_view key) const;
     /// Requires that there is one.
-    JsonNode operator[](std::string_view key) const&
-    {
-        return {value_.at(std::string(key)), *this, key, 0};
-    }
+    JsonNode operator[](std::string_view key) const&;
     JsonNode operator[](std::string_view key) const&& = delete;
-    std::size_t size() const { return value_.size(); }
+    std::size_t size() const;
     /// Requires an array, and an index in it.
-    JsonNode operator[](std::size_t index) const& { return {value_[index], *this, {}, index}; }
+    JsonNode operator[](std::size_t index) const&;
     JsonNode operator[](std::size_t index) const&& = delete;
 
     // Each reports a value of another kind, and returns nothing then.
@@ -60,22 +57,23 @@ public:
     /// What can be a name in identifiers and in files of implicates: no blanks and none of . , : = ! | "
     std::optional<std::string> name() const;
 
-    bool isText() const { return value_.is_string(); }
-    bool isNull() const { return value_.is_null(); }
+    /// One of these words; another one is reported with the nearest. Returns the number of the word.
+    std::optional<std::size_t> oneOf(const Keys& words) const;
+
+    bool isText() const;
+    bool isNull() const;
 
 private:
     JsonNode(const nlohmann::json& value, const JsonNode& parent, std::string_view key,
              std::size_t index)
-        : value_(value), source_(parent.source_), report_(parent.report_), parent_(&parent),
-          key_(key), index_(index)
+        : value_(value), places_(parent.places_), parent_(&parent), key_(key), index_(index)
     {
     }
 
     void errorOfKind(const std::string& expected) const;
 
     const nlohmann::json& value_;
-    const text::SourceText& source_;
-    Report& report_;
+    JsonPlaces& places_;
     const JsonNode* parent_ = nullptr;
     std::string_view key_; ///< empty in an array
     std::size_t index_ = 0;

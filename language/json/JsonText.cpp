@@ -3,6 +3,7 @@
 #include "text/JsonText.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <unordered_set>
 #include <vector>
 
@@ -124,11 +125,13 @@ private:
 
 } // namespace
 
-std::optional<json> parseJson(const text::SourceText& source, Report& report)
+std::unique_ptr<json> parseJson(const text::SourceText& source, Report& report)
 {
     SyntaxCheck check(source, report);
-    if (json::sax_parse(source.text(), &check)) return json::parse(source.text());
-    return std::nullopt;
+    if (json::sax_parse(source.text(), &check)) {
+        return std::make_unique<json>(json::parse(source.text()));
+    }
+    return nullptr;
 }
 
 } // namespace language

@@ -3,13 +3,13 @@
 
 #include "language/meaning/Report.h"
 
-#include <nlohmann/json.hpp>
-#include <optional>
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
 
 namespace language {
 
-/// The document. Nothing, and an error with its line and column reported, for a text that is not JSON, a number that no double
+/// The document. Null, and an error with its line and column reported, for a text that is not JSON, a number that no double
 /// can hold, and an object that has a key twice, of which any other reader would take one in silence.
-std::optional<nlohmann::json> parseJson(const text::SourceText& source, Report& report);
+std::unique_ptr<nlohmann::json> parseJson(const text::SourceText& source, Report& report);
 
 } // namespace language

@@ -1,14 +1,12 @@
 #include "language/json/JsonVariables.h"
 
+#include "text/NearestName.h"
+#include "text/Wording.h"
+
+#include <array>
 #include <unordered_map>
 
 namespace language {
-
-namespace {
-
-constexpr std::size_t mostValues = 200;
-
-} // namespace
 
 void JsonVariables::add(const JsonNode& list, Comp* component)
 {
@@ -25,11 +23,10 @@ void JsonVariables::add(const JsonNode& list, Comp* component)
         if (name) {
             const auto [known, isNew] = first.insert({*name, i});
             if (!isNew) {
-                node["name"].error("the variable " + text::quoted(*name) +
+                plant::reportTwice(node["name"].at(), list[known->second].at(),
+                                   "the variable " + text::quoted(*name) +
                                        " is declared twice in " + text::quoted(component->name),
-                                   "a name that no other variable of it has",
-                                   "the first is " + list.pointer() + "/" +
-                                       std::to_string(known->second));
+                                   "a name that no other variable of it has");
                 names_.noteUnread(component);
                 continue;
             }
@@ -56,32 +53,29 @@ bool JsonVariables::addOne(const JsonNode& node, Comp* component)
         lost = written.probability();
         if (!lost) return false;
     }
-    if (!fits(node["values"], values->size())) return false;
-    StateVar* made = builder_.variable(component, *node["name"].name(), *kind, *values, initial);
+    StateVar* made = builder_.variable(component, *node["name"].name(), *kind, *values, initial,
+                                       node["values"].at());
+    if (!made) return false;
     names_.add(made);
-    if (lost) bindings_.lost[made] = *lost;
-    ++count_;
+    if (lost) builder_.lose(made, *lost);
     return true;
 }
 
 std::optional<plant::VariableKind> JsonVariables::kindOf(const JsonNode& node)
 {
-    const auto written = node.text();
-    if (!written) return std::nullopt;
-    if (*written == "mode") return plant::VariableKind::mode;
-    if (*written == "cond") return plant::VariableKind::condition;
-    if (*written == "command") return plant::VariableKind::command;
-    node.error("found " + text::quoted(*written), "mode, cond, command",
-               didYouMean(*written, {"mode", "cond", "command"}));
-    return std::nullopt;
+    constexpr std::array kinds{plant::VariableKind::mode, plant::VariableKind::condition,
+                               plant::VariableKind::command};
+    const auto word = node.oneOf({"mode", "cond", "command"});
+    return word ? std::optional(kinds[*word]) : std::nullopt;
 }
 
 std::optional<std::vector<plant::ValueDeclaration>> JsonVariables::valuesOf(const JsonNode& node)
 {
     if (!node.isArray()) return std::nullopt;
-    if (node.size() < 2 || node.size() > mostValues) {
+    if (node.size() < plant::leastValues || node.size() > plant::mostValues) {
         node.error("found " + std::to_string(node.size()) + (node.size() == 1 ? " value" : " values"),
-                   "2 to " + std::to_string(mostValues) + " values");
+                   std::to_string(plant::leastValues) + " to " + std::to_string(plant::mostValues) +
+                       " values");
         return std::nullopt;
     }
     std::vector<plant::ValueDeclaration> values;
@@ -95,10 +89,9 @@ std::optional<std::vector<plant::ValueDeclaration>> JsonVariables::valuesOf(cons
         if (!name || !fault) return std::nullopt;
         const auto [known, isNew] = first.insert({*name, i});
         if (!isNew) {
-            value["name"].error("the value " + text::quoted(*name) + " is declared twice",
-                                "a name that no other value of it has",
-                                "the first is " + node.pointer() + "/" +
-                                    std::to_string(known->second));
+            plant::reportTwice(value["name"].at(), node[known->second].at(),
+                               "the value " + text::quoted(*name) + " is declared twice",
+                               "a name that no other value of it has");
             return std::nullopt;
         }
         values.push_back({*name, *fault});
@@ -126,20 +119,8 @@ bool JsonVariables::readInitial(const JsonNode& variable, plant::VariableKind ki
         if (values[i].name == *written) initial = i;
     }
     if (initial) return true;
-    node.error(text::quoted(*written) + " is not a value of the variable", listed(names),
-               node.worthAHint() ? didYouMean(*written, names) : "");
-    return false;
-}
-
-bool JsonVariables::fits(const JsonNode& node, std::size_t values)
-{
-    const std::size_t before = domainClauses_;
-    domainClauses_ += 1 + values * (values - 1) / 2;
-    if (domainClauses_ <= limits_.domainClauses) return true;
-    if (before <= limits_.domainClauses) {
-        node.error("the values of all variables would need more than " +
-                   std::to_string(limits_.domainClauses) + " clauses");
-    }
+    node.error(text::quoted(*written) + " is not a value of the variable", text::enumerated(names),
+               node.worthAHint() ? text::didYouMean(*written, names) : "");
     return false;
 }
 

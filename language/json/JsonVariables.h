@@ -1,10 +1,8 @@
 // The variables of the components of a JSON model.
 #pragma once
 
-#include "language/json/PlantNames.h"
-#include "language/meaning/Elaboration.h"
-#include "plant/Bindings.h"
-#include "plant/ModelBuilder.h"
+#include "language/json/JsonNames.h"
+#include "plant/CheckedBuilder.h"
 
 #include <optional>
 #include <vector>
@@ -13,16 +11,13 @@ namespace language {
 
 class JsonVariables {
 public:
-    JsonVariables(plant::ModelBuilder& builder, PlantNames& names, plant::Bindings& bindings,
-                  const ExpansionLimits& limits)
-        : builder_(builder), names_(names), bindings_(bindings), limits_(limits)
+    JsonVariables(plant::CheckedBuilder& builder, JsonNames& names)
+        : builder_(builder), names_(names)
     {
     }
 
     /// Makes those of a component. `list` is the node of all of them.
     void add(const JsonNode& list, Comp* component);
-
-    std::size_t count() const { return count_; }
 
 private:
     bool addOne(const JsonNode& node, Comp* component);
@@ -31,14 +26,9 @@ private:
     static bool readInitial(const JsonNode& variable, plant::VariableKind kind,
                             const std::vector<plant::ValueDeclaration>& values,
                             std::optional<std::size_t>& initial);
-    bool fits(const JsonNode& node, std::size_t values);
 
-    plant::ModelBuilder& builder_;
-    PlantNames& names_;
-    plant::Bindings& bindings_;
-    const ExpansionLimits& limits_;
-    std::size_t domainClauses_ = 0;
-    std::size_t count_ = 0;
+    plant::CheckedBuilder& builder_;
+    JsonNames& names_;
 };
 
 } // namespace language

@@ -4,10 +4,12 @@
 #include "language/json/JsonText.h"
 #include "language/json/JsonTransitions.h"
 #include "language/json/JsonVariables.h"
-#include "language/meaning/Contradictions.h"
-#include "language/meaning/Numbers.h"
+#include "plant/BindingRules.h"
+#include "plant/Contradictions.h"
+#include "text/Wording.h"
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 namespace language {
 
@@ -19,7 +21,7 @@ constexpr std::uint32_t mostLines = 0xFFFFFFFF;
 class JsonReading {
 public:
     JsonReading(const std::string& baseName, const ReadOptions& options, ReadResult& result)
-        : options_(options), result_(result), builder_(baseName)
+        : options_(options), result_(result), builder_(baseName, options.expansion.domainClauses)
     {
     }
 
@@ -28,7 +30,7 @@ public:
         readHead(root);
         if (!eachOf(root["components"], [&](const JsonNode& node) { addComponent(node); })) return;
         const JsonNode components = root["components"];
-        JsonVariables variables(builder_, names_, result_.bindings, options_.expansion);
+        JsonVariables variables(builder_, names_);
         for (std::size_t i = 0; i < made_.size(); ++i) {
             const JsonNode node = components[i];
             if (made_[i] && node.has("variables")) variables.add(node["variables"], made_[i]);
@@ -43,15 +45,16 @@ public:
         list("laws", [&](const JsonNode& node) { addLaw(node); });
         JsonTransitions transitions(builder_, names_);
         list("transitions", [&](const JsonNode& node) { transitions.add(node); });
-        if (transitions.count() > 0) transitions.checkSums(root["transitions"]);
-        JsonChannels channels(names_, result_.bindings);
+        transitions.finish();
+        JsonChannels channels(builder_, names_);
         list("channels", [&](const JsonNode& node) { channels.add(node); });
+        result_.bindings = builder_.takeBindings();
         result_.model = builder_.build();
         if (!report.failed() && result_.model->atoms().empty()) {
             root["components"].error("the model has no variables", "components with variables");
         }
         if (!report.failed() && !result_.model->laws().empty()) findContradictions(root["laws"]);
-        measure(transitions.count(), variables.count());
+        measure();
     }
 
 private:
@@ -69,11 +72,7 @@ private:
         if (root.has("stepSeconds")) {
             const JsonNode step = root["stepSeconds"];
             const double seconds = step.number().value_or(1);
-            if (seconds > 0) {
-                result_.bindings.stepSeconds = seconds;
-            } else {
-                step.error("the length of a step is " + shown(seconds), "more than 0");
-            }
+            if (plant::checkStepLength(seconds, step.at())) builder_.step(seconds);
         }
         if (!root.has("files")) return;
         result_.files.clear();
@@ -95,15 +94,12 @@ private:
             names_.noteUnread(nullptr);
             return;
         }
-        if (const auto first = names_.indexOf(*name)) {
-            node["name"].error("the component " + text::quoted(*name) + " is declared twice",
-                               "a name that no other component has",
-                               "the first is /components/" + std::to_string(*first));
+        made_.back() = builder_.component(*name, node.at(), node["name"].at());
+        if (!made_.back()) {
             names_.noteUnread(nullptr);
             return;
         }
-        made_.back() = builder_.component(*name);
-        names_.add(made_.back(), index);
+        names_.add(made_.back());
         if (!complete) names_.noteUnread(made_.back());
     }
 
@@ -125,7 +121,7 @@ private:
         std::optional<LawPlace> place = LawPlace{};
         if (node.has("place")) place = placeOf(node["place"]);
         const JsonNode list = node["literals"];
-        std::vector<plant::Literal> literals;
+        plant::ClauseLiterals literals;
         bool sound = place.has_value();
         const bool isList = eachOf(list, [&](const JsonNode& each) {
             bool negated = false;
@@ -134,11 +130,7 @@ private:
             if (atom) literals.push_back({negated, atom});
         });
         if (!isList || !sound) return;
-        if (literals.empty()) {
-            list.error("a law without literals, which no assignment satisfies", "one at least");
-            return;
-        }
-        if (builder_.law(owner, literals)) {
+        if (builder_.law(owner, {literals}, list.at()) > 0) {
             result_.lawPlaces.push_back(*place);
             laws_.push_back(lawIndex_);
         }
@@ -162,38 +154,25 @@ private:
 
     void findContradictions(const JsonNode& laws)
     {
-        constexpr std::size_t mostNamed = 6;
-        const Contradictions search(*result_.model, [](std::size_t, std::size_t) { return false; });
-        search.find([&](const Contradiction& found) {
-            if (found.laws.empty()) return;
-            std::string others;
-            for (std::size_t i = 0; i + 1 < found.laws.size() && i < mostNamed; ++i) {
-                others += (i > 0 ? ", " : " together with ") + laws.pointer() + "/" +
-                          std::to_string(laws_[found.laws[i]]);
-            }
-            if (found.laws.size() > mostNamed + 1) others += ", ...";
-            const bool ofModes = !found.modes.empty();
-            laws[laws_[found.laws.back()]].error(
-                "nothing satisfies this law" + others +
-                    (ofModes ? " while " + namesOf(found.modes) : ""),
-                "laws that can hold together" + std::string(ofModes ? " in the initial modes" : ""));
+        plant::reportContradictions(*result_.model, [&](std::size_t law) {
+            return plant::WrittenLaw{laws[laws_[law]].at(), {}};
         });
     }
 
-    void measure(std::size_t transitions, std::size_t variables)
+    void measure()
     {
         result_.size.components = result_.model->components().size();
-        result_.size.variables = variables;
+        result_.size.variables = builder_.variableCount();
         result_.size.atoms = result_.model->atoms().size();
         result_.size.laws = result_.model->laws().size();
         result_.size.clauses = result_.model->clauseCount();
-        result_.size.transitions = transitions;
+        result_.size.transitions = builder_.transitionCount();
     }
 
     const ReadOptions& options_;
     ReadResult& result_;
-    plant::ModelBuilder builder_;
-    PlantNames names_;
+    plant::CheckedBuilder builder_;
+    JsonNames names_;
     std::vector<Comp*> made_;
     std::vector<std::size_t> laws_; ///< for each law of the model, its number in the list
     std::size_t lawIndex_ = 0;
@@ -237,7 +216,8 @@ ReadResult readModelJson(const std::string& path, std::string text, const ReadOp
     const text::SourceText& source = *texts.front();
     Report report(texts, options.mostErrors);
     if (const auto document = parseJson(source, report)) {
-        const JsonNode root(*document, source, report);
+        JsonPlaces places(source, report);
+        const JsonNode root(*document, places);
         if (isModel(root)) {
             JsonReading(baseNameOf(path, root), options, result).read(root, report);
         }

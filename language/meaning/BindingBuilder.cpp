@@ -2,30 +2,30 @@
 
 #include "language/syntax/Parser.h"
 #include "language/syntax/Words.h"
-#include "plant/ModelBuilder.h"
+#include "plant/BindingRules.h"
+#include "plant/Names.h"
+#include "text/NearestName.h"
+#include "text/Wording.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace language {
 
+plant::ChannelBinding::Kind kindOf(const syntax::Binding& binding)
+{
+    return binding.kind == syntax::Binding::Kind::command ? plant::ChannelBinding::Kind::command
+                                                          : plant::ChannelBinding::Kind::observation;
+}
+
 void BindingBuilder::build(const syntax::Binding& binding, Instance& within,
-                           const Environment& environment, plant::Bindings& bindings)
+                           const Environment& environment)
 {
     plant::ChannelBinding made;
     made.variable = plant_.find(within, binding.variable, environment);
     if (!made.variable) return;
-    const std::string name = made.variable->comp->name + "." + made.variable->name;
-    const auto [first, isNew] = bound_.insert({made.variable, binding.range});
-    if (!isNew) {
-        report_.error(binding.range, text::quoted(name) + " is bound twice", "one channel for it",
-                      "the first is at " + report_.where(first->second, binding.range));
-        return;
-    }
-    made.kind = binding.kind == syntax::Binding::Kind::command
-                    ? plant::ChannelBinding::Kind::command
-                    : plant::ChannelBinding::Kind::observation;
-    made.channel = name;
+    if (!builder_.bind(made.variable, report_.at(binding.range))) return;
+    made.kind = kindOf(binding);
+    made.channel = plant::nameOf(*made.variable);
     if (binding.channel) {
         const auto channel = channelName(*binding.channel, environment);
         if (!channel) return;
@@ -44,7 +44,7 @@ void BindingBuilder::build(const syntax::Binding& binding, Instance& within,
         made.holdSeconds = seconds(*binding.hold, environment);
         if (!made.holdSeconds) return;
     }
-    bindings.channels.push_back(std::move(made));
+    builder_.channel(std::move(made));
 }
 
 std::optional<plant::ThresholdTable> BindingBuilder::thresholds(const syntax::Thresholds& written,
@@ -72,32 +72,11 @@ std::optional<plant::ThresholdTable> BindingBuilder::thresholds(const syntax::Th
 bool BindingBuilder::checkLimits(const syntax::Thresholds& written,
                                  const plant::ThresholdTable& table)
 {
-    double least = 0;
-    for (std::size_t i = 1; i < table.limits.size(); ++i) {
-        const double before = table.limits[i - 1].number;
-        const double number = table.limits[i].number;
-        if (number <= before) {
-            report_.error(written.limits[i].number.range,
-                          "the limit " + shown(number) + " is not above the one before it, " +
-                              shown(before),
-                          "limits from the lowest to the highest");
-            return false;
-        }
-        least = i == 1 ? number - before : std::min(least, number - before);
+    for (std::size_t i = 0; i < table.limits.size(); ++i) {
+        if (!plant::checkLimit(table, i, report_.at(written.limits[i].number.range))) return false;
     }
-    if (table.hysteresis < 0) {
-        report_.error(written.hysteresis->range, "'within' is " + shown(table.hysteresis),
-                      "0 or more");
-        return false;
-    }
-    if (table.limits.size() > 1 && table.hysteresis * 2 >= least) {
-        report_.error(written.hysteresis->range,
-                      "'within' is " + shown(table.hysteresis) + ", and two limits are only " +
-                          shown(least) + " apart",
-                      "less than half of the distance between two limits");
-        return false;
-    }
-    return true;
+    return !written.hysteresis ||
+           plant::checkHysteresis(table, report_.at(written.hysteresis->range));
 }
 
 std::optional<plant::ReadingTable> BindingBuilder::readings(const syntax::Readings& written,
@@ -105,6 +84,7 @@ std::optional<plant::ReadingTable> BindingBuilder::readings(const syntax::Readin
                                                             const Environment& environment)
 {
     plant::ReadingTable table;
+    plant::ReadingSet numbers;
     for (const syntax::Reading& reading : written.readings) {
         Atom* atom = plant::value(variable, reading.value.text);
         if (const auto* text = std::get_if<syntax::Text>(&reading.reading)) {
@@ -112,14 +92,8 @@ std::optional<plant::ReadingTable> BindingBuilder::readings(const syntax::Readin
         } else if (const auto* expression = std::get_if<syntax::Expression>(&reading.reading)) {
             const auto number = evaluate(*expression, environment, report_);
             if (!number) return std::nullopt;
-            const auto known =
-                std::find_if(table.readings.begin(), table.readings.end(), [&](const auto& entry) {
-                    const double* other = std::get_if<double>(&entry.first);
-                    return other && *other == *number;
-                });
-            if (known != table.readings.end()) {
-                report_.error(expression->range,
-                              "the reading " + shown(*number) + " stands for two values");
+            if (!numbers.add(*number, "the reading " + text::shown(*number),
+                             report_.at(expression->range))) {
                 return std::nullopt;
             }
             table.readings.emplace_back(*number, atom);
@@ -162,12 +136,12 @@ std::optional<std::string> BindingBuilder::channelName(const syntax::Text& text,
             report_.error(text.range, "{" + written + "} is not a number",
                           "an index or a computation with it: {" +
                               std::string(environment.local.back().first) + "}",
-                          didYouMean(written, known));
+                          text::didYouMean(written, known));
             return std::nullopt;
         }
         name += *number == std::floor(*number) && std::abs(*number) < 1e15
                     ? std::to_string(static_cast<long long>(*number))
-                    : shown(*number);
+                    : text::shown(*number);
         at = close + 1;
     }
     return name + text.text.substr(at);
@@ -178,10 +152,7 @@ std::optional<double> BindingBuilder::seconds(const syntax::Duration& duration,
 {
     const auto amount = evaluate(duration.amount, environment, report_);
     if (!amount) return std::nullopt;
-    if (*amount < 0) {
-        report_.error(duration.amount.range, "the time is " + shown(*amount), "0 or more");
-        return std::nullopt;
-    }
+    if (!plant::checkSeconds(*amount, report_.at(duration.amount.range))) return std::nullopt;
     return *amount * secondsOf(duration.unit.text).value_or(1);
 }
 

@@ -6,20 +6,21 @@
 
 #include <optional>
 #include <string>
-#include <unordered_map>
 
 namespace language {
 
+plant::ChannelBinding::Kind kindOf(const syntax::Binding& binding);
+
 class BindingBuilder {
 public:
-    BindingBuilder(Elaboration& plant, const SourceFiles& files, Report& report)
-        : plant_(plant), files_(files), report_(report)
+    BindingBuilder(Elaboration& plant, plant::CheckedBuilder& builder, const SourceFiles& files,
+                   Report& report)
+        : plant_(plant), builder_(builder), files_(files), report_(report)
     {
     }
 
     /// Adds what a binding says, for the values of the indices around it.
-    void build(const syntax::Binding& binding, Instance& within, const Environment& environment,
-               plant::Bindings& bindings);
+    void build(const syntax::Binding& binding, Instance& within, const Environment& environment);
 
 private:
     std::optional<plant::ThresholdTable> thresholds(const syntax::Thresholds& written,
@@ -33,9 +34,9 @@ private:
     std::optional<double> seconds(const syntax::Duration& duration, const Environment& environment);
 
     Elaboration& plant_;
+    plant::CheckedBuilder& builder_;
     const SourceFiles& files_;
     Report& report_;
-    std::unordered_map<const StateVar*, text::Range> bound_;
 };
 
 } // namespace language

@@ -1,6 +1,8 @@
 #include "language/meaning/Elaboration.h"
 
 #include "language/syntax/Words.h"
+#include "plant/BindingRules.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 
@@ -47,9 +49,10 @@ std::optional<double> probability(const syntax::Expression& expression,
 {
     const std::optional<double> value = evaluate(expression, environment, report);
     if (!value || (*value >= 0 && *value <= 1)) return value;
-    report.error(expression.range, "the probability is " + shown(*value), "a number from 0 to 1",
+    report.error(expression.range, "the probability is " + text::shown(*value),
+                 "a number from 0 to 1",
                  *value >= 2 && *value <= 100
-                     ? "percent are written as a fraction: " + shown(*value / 100)
+                     ? "percent are written as a fraction: " + text::shown(*value / 100)
                      : "");
     return std::nullopt;
 }
@@ -68,8 +71,8 @@ bool Elaboration::run()
     if (!makeParts(*root_)) return false;
     bool fits = true;
     forEach(*root_, [&](Instance& instance) {
-        if (domainClauses_ <= limits_.domainClauses) makeVariables(instance);
-        fits = domainClauses_ <= limits_.domainClauses;
+        if (fits) makeVariables(instance);
+        fits = builder_.variablesFit();
     });
     return fits;
 }
@@ -193,7 +196,7 @@ std::optional<std::size_t> Elaboration::initialOf(const Instance& instance, std:
         if (variable.values.size() < 2) return value;
         report_.error(variable.syntax->name.range,
                       "mode " + variableName(instance, variable) + " has no initial value",
-                      "'initial' after one of its values: " + listed(variable.values),
+                      "'initial' after one of its values: " + text::enumerated(variable.values),
                       "or, where the part is declared: initially " + variable.syntax->name.text +
                           " = " + std::string(variable.values.front()));
     }
@@ -204,8 +207,9 @@ void Elaboration::makeVariables(Instance& instance)
 {
     const ComponentType& type = *instance.type;
     if (!type.variables.empty() || (hasLaws(type) && !type.system)) {
+        const plant::PlaceHandle at = report_.at(type.range);
         instance.component =
-            builder_.component(type.system ? std::string(type.name) : instance.path);
+            builder_.component(type.system ? std::string(type.name) : instance.path, at, at);
     }
     const Environment environment = environmentOf(instance);
     for (std::size_t i = 0; i < type.variables.size(); ++i) {
@@ -213,24 +217,18 @@ void Elaboration::makeVariables(Instance& instance)
         const std::size_t count = variable.values.size();
         instance.variables.push_back(nullptr);
         if (count == 0) continue;
-        domainClauses_ += 1 + count * (count - 1) / 2;
-        if (domainClauses_ > limits_.domainClauses) {
-            report_.error(variable.syntax->range,
-                          "the values of all variables would need more than " +
-                              std::to_string(limits_.domainClauses) + " clauses");
-            return;
-        }
         std::vector<plant::ValueDeclaration> values;
         for (std::size_t v = 0; v < count; ++v) {
             values.push_back({std::string(variable.values[v]), variable.isFault(v)});
         }
-        StateVar* made =
-            builder_.variable(instance.component, variable.syntax->name.text,
-                              builderKind(variable.syntax->kind), values, initialOf(instance, i));
+        StateVar* made = builder_.variable(
+            instance.component, variable.syntax->name.text, builderKind(variable.syntax->kind),
+            values, initialOf(instance, i), report_.at(variable.syntax->range));
+        if (!made) return;
         instance.variables.back() = made;
         if (!variable.syntax->lost || !types_.sound(variable.syntax)) continue;
         if (const auto lost = probability(*variable.syntax->lost, environment, report_)) {
-            lost_[made] = *lost;
+            builder_.lose(made, *lost);
         }
     }
 }
@@ -277,7 +275,7 @@ bool Elaboration::repeat(const syntax::Loop& loop, Wanted wanted, Environment& e
     bool fits = true;
     for (long i = *first; i <= *last && fits; ++i) {
         if (++repetitions_ > limits_.repetitions) {
-            // Told of the loop that went too far, not of those after it.
+            // Reported for the loop that went too far, not of those after it.
             if (repetitions_ == limits_.repetitions + 1)
                 report_.error(loop.range, "the loops are repeated more than " +
                                               std::to_string(limits_.repetitions) + " times");
@@ -336,9 +334,9 @@ double Elaboration::stepSeconds()
         if (!step || !types_.sound(step)) continue;
         const auto amount = evaluate(step->duration.amount, {types_, {}}, report_);
         if (!amount) return 1;
-        if (*amount > 0) return *amount * secondsOf(step->duration.unit.text).value_or(1);
-        report_.error(step->duration.amount.range, "the length of a step is " + shown(*amount),
-                      "more than 0");
+        if (plant::checkStepLength(*amount, report_.at(step->duration.amount.range))) {
+            return *amount * secondsOf(step->duration.unit.text).value_or(1);
+        }
     }
     return 1;
 }

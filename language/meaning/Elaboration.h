@@ -8,7 +8,7 @@
 
 #include "language/meaning/Numbers.h"
 #include "language/meaning/Types.h"
-#include "plant/ModelBuilder.h"
+#include "plant/CheckedBuilder.h"
 
 #include <functional>
 #include <memory>
@@ -44,7 +44,7 @@ struct Instance {
 /// Makes the instances and their components and variables.
 class Elaboration {
 public:
-    Elaboration(Types& types, Report& report, plant::ModelBuilder& builder,
+    Elaboration(Types& types, Report& report, plant::CheckedBuilder& builder,
                 const ExpansionLimits& limits)
         : types_(types), report_(report), builder_(builder), limits_(limits)
     {
@@ -65,8 +65,6 @@ public:
 
     /// The length of a step, as the system says, or 1 s.
     double stepSeconds();
-    /// How many commands of which probability can be lost.
-    const std::unordered_map<const StateVar*, double>& lost() const { return lost_; }
 
 private:
     struct Place {
@@ -94,13 +92,11 @@ private:
 
     Types& types_;
     Report& report_;
-    plant::ModelBuilder& builder_;
+    plant::CheckedBuilder& builder_;
     ExpansionLimits limits_;
     std::unique_ptr<Instance> root_;
     std::size_t components_ = 0;
     std::size_t repetitions_ = 0;
-    std::size_t domainClauses_ = 0;
-    std::unordered_map<const StateVar*, double> lost_;
 };
 
 /// Reports a probability that is none.

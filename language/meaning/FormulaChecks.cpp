@@ -1,6 +1,8 @@
 // Formulas: every comparison is one of a variable with a value, a set of values, or a variable of the same values.
 #include "language/meaning/TypeChecks.h"
 
+#include "text/Wording.h"
+
 #include <algorithm>
 
 namespace language {
@@ -46,8 +48,8 @@ bool TypeChecks::checkSameValues(const Formula& formula, const VariableType& lef
                   text::quoted(left.syntax->name.text) + " and " +
                       text::quoted(right.syntax->name.text) + " have different values",
                   "two variables with the same values",
-                  left.syntax->name.text + ": " + listed(left.values) + "; " +
-                      right.syntax->name.text + ": " + listed(right.values));
+                  left.syntax->name.text + ": " + text::enumerated(left.values) + "; " +
+                      right.syntax->name.text + ": " + text::enumerated(right.values));
     return false;
 }
 

@@ -4,6 +4,8 @@
 #include "language/meaning/PlantPaths.h"
 #include "language/meaning/Types.h"
 #include "language/syntax/Parser.h"
+#include "plant/Names.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 
@@ -13,18 +15,9 @@ namespace {
 
 using Kind = syntax::Formula::Kind;
 
-std::string nameOf(const StateVar& variable)
+std::string quotedName(const StateVar& variable)
 {
-    return text::quoted(variable.comp->name + "." + variable.name);
-}
-
-std::vector<std::string_view> valuesOf(const StateVar& variable)
-{
-    std::vector<std::string_view> values;
-    for (const Atom* atom : *variable.atomLinks) {
-        values.emplace_back(atom->value);
-    }
-    return values;
+    return text::quoted(plant::nameOf(variable));
 }
 
 // Finds what is wrong with the names of a formula.
@@ -74,35 +67,31 @@ private:
     void checkValue(const StateVar& variable, const syntax::Name& name, bool orVariable)
     {
         if (plant::value(&variable, name.text)) return;
-        const std::vector<std::string_view> values = valuesOf(variable);
-        std::vector<std::string_view> known = values;
-        if (orVariable) {
-            const std::vector<std::string_view> first = names_.first();
-            known.insert(known.end(), first.begin(), first.end());
-        }
-        std::string hint = didYouMean(name.text, known);
+        const std::vector<std::string_view> values = plant::valuesOf(variable);
+        const std::string owner = plant::nameOf(variable);
+        text::Message what = orVariable
+                                 ? plant::unknownOperand(name.text, owner, values, names_.first())
+                                 : plant::unknownValue(name.text, owner, values);
         for (const StateVar* other : *variable.comp->stateVars) {
-            if (hint.empty() && plant::value(other, name.text)) {
-                hint = "it is a value of " + nameOf(*other);
+            if (what.hint.empty() && plant::value(other, name.text)) {
+                what.hint = "it is a value of " + quotedName(*other);
             }
         }
-        report_.error(name.range, text::quoted(name.text) + " is not a value of " + nameOf(variable),
-                      listed(values) + (orVariable ? ", or a variable with the same values" : ""),
-                      hint);
+        report_.at(name.range).report(std::move(what));
     }
 
     void checkSameValues(const syntax::Formula& formula, const StateVar& left, const StateVar& right)
     {
-        std::vector<std::string_view> a = valuesOf(left);
-        std::vector<std::string_view> b = valuesOf(right);
+        std::vector<std::string_view> a = plant::valuesOf(left);
+        std::vector<std::string_view> b = plant::valuesOf(right);
         std::sort(a.begin(), a.end());
         std::sort(b.begin(), b.end());
         if (a == b) return;
         report_.error(formula.range,
-                      nameOf(left) + " and " + nameOf(right) + " have different values",
+                      quotedName(left) + " and " + quotedName(right) + " have different values",
                       "two variables with the same values",
-                      nameOf(left) + ": " + listed(valuesOf(left)) + "; " + nameOf(right) + ": " +
-                          listed(valuesOf(right)));
+                      quotedName(left) + ": " + text::enumerated(plant::valuesOf(left)) + "; " +
+                          quotedName(right) + ": " + text::enumerated(plant::valuesOf(right)));
     }
 
     const PlantPaths& names_;

@@ -21,21 +21,12 @@ void LawBuilder::build(const syntax::Law& law, Instance& within, const Environme
         return;
     }
     ++count_;
-    for (const plant::ClauseLiterals& clause : *clauses) {
-        if (clause.empty()) {
-            report_.error(law.formula.range, "no assignment satisfies this law",
-                          "a formula that can hold");
-            return;
-        }
-    }
     if (clauses->empty()) {
         report_.warning(law.formula.range, "this law says nothing: it always holds");
     }
-    for (const plant::ClauseLiterals& clause : *clauses) {
-        if (builder_.law(within.type->system ? nullptr : within.component, clause)) {
-            origins_.push_back({law.range, &within});
-        }
-    }
+    const std::size_t added = builder_.law(within.type->system ? nullptr : within.component,
+                                           *clauses, report_.at(law.formula.range));
+    origins_.insert(origins_.end(), added, LawOrigin{law.range, &within});
 }
 
 } // namespace language

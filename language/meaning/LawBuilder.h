@@ -16,7 +16,7 @@ struct LawOrigin {
 
 class LawBuilder {
 public:
-    LawBuilder(Elaboration& plant, plant::ModelBuilder& builder, Report& report,
+    LawBuilder(Elaboration& plant, plant::CheckedBuilder& builder, Report& report,
                std::uint64_t mostClauses)
         : plant_(plant), builder_(builder), report_(report), mostClauses_(mostClauses)
     {
@@ -32,7 +32,7 @@ public:
 
 private:
     Elaboration& plant_;
-    plant::ModelBuilder& builder_;
+    plant::CheckedBuilder& builder_;
     Report& report_;
     std::uint64_t mostClauses_;
     std::vector<LawOrigin> origins_;

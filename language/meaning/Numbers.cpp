@@ -1,9 +1,9 @@
 #include "language/meaning/Numbers.h"
 
 #include "text/NearestName.h"
+#include "text/Wording.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 
 namespace language {
@@ -65,18 +65,11 @@ std::optional<long> evaluateWhole(const Expression& expression, const Environmen
     if (!value) return std::nullopt;
     if (*value < static_cast<double>(least) || *value > static_cast<double>(most) ||
         *value != std::floor(*value)) {
-        report.error(expression.range, what + " is " + shown(*value),
+        report.error(expression.range, what + " is " + text::shown(*value),
                      "a whole number from " + std::to_string(least) + " to " + std::to_string(most));
         return std::nullopt;
     }
     return static_cast<long>(*value);
-}
-
-std::string shown(double number)
-{
-    char text[32];
-    const auto end = std::to_chars(text, text + sizeof text, number, std::chars_format::general, 6);
-    return {text, end.ptr};
 }
 
 bool checkNames(const Expression& expression, const std::vector<std::string_view>& local,
@@ -99,10 +92,11 @@ bool checkNames(const Expression& expression, const std::vector<std::string_view
     }
     // A hash map has no order that a message could rely on.
     std::sort(known.begin() + static_cast<std::ptrdiff_t>(local.size()), known.end());
-    const std::string hint = didYouMean(expression.name, known);
+    const std::string hint = text::didYouMean(expression.name, known);
     if (files.unreadWords.contains(expression.name) || (files.unread && hint.empty())) return false;
     report.error(expression.range, "no number is called " + text::quoted(expression.name),
-                 known.empty() ? "a number" : "a number, or the name of one: " + listed(known),
+                 known.empty() ? "a number"
+                               : "a number, or the name of one: " + text::enumerated(known),
                  hint.empty() ? "declare it: const " + expression.name + " = ..." : hint);
     return false;
 }

@@ -28,9 +28,6 @@ std::optional<long> evaluateWhole(const syntax::Expression& expression,
                                   const Environment& environment, Report& report, long least,
                                   long most, const std::string& what);
 
-/// A number as a message shows it.
-std::string shown(double number);
-
 /// Reports the names of an expression that nothing in `local` and no constant has. Marks constants as used.
 bool checkNames(const syntax::Expression& expression, const std::vector<std::string_view>& local,
                 const SourceFiles& files, Types& types, Report& report);

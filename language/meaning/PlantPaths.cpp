@@ -1,7 +1,9 @@
 #include "language/meaning/PlantPaths.h"
 
 #include "language/meaning/Numbers.h"
-#include "plant/ModelBuilder.h"
+#include "plant/Names.h"
+#include "text/NearestName.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 
@@ -16,15 +18,6 @@ bool hasName(const syntax::Expression& expression)
 }
 
 } // namespace
-
-StateVar* variableNamed(const Comp* component, const std::string& name)
-{
-    if (!component) return nullptr;
-    const auto& variables = *component->stateVars;
-    const auto found = std::find_if(variables.begin(), variables.end(),
-                                    [&](const StateVar* other) { return other->name == name; });
-    return found == variables.end() ? nullptr : *found;
-}
 
 PlantPaths::PlantPaths(const plant::Model& model, const std::string& system) : system_(system)
 {
@@ -69,7 +62,7 @@ StateVar* PlantPaths::find(const syntax::Path& path, Report& report) const
     std::string owner;
     for (; i + 1 < path.segments.size(); ++i) {
         const syntax::Segment& segment = path.segments[i];
-        if (variableNamed(here->component, segment.name.text)) {
+        if (plant::variableNamed(here->component, segment.name.text)) {
             report.error(segment.name.range,
                          text::quoted(segment.name.text) + " is a variable, and has no parts");
             return nullptr;
@@ -79,7 +72,7 @@ StateVar* PlantPaths::find(const syntax::Path& path, Report& report) const
         owner = segment.name.text;
     }
     const syntax::Segment& last = path.segments.back();
-    StateVar* variable = variableNamed(here->component, last.name.text);
+    StateVar* variable = plant::variableNamed(here->component, last.name.text);
     if (variable && last.index) {
         report.error(last.name.range,
                      text::quoted(last.name.text) + " is a variable, not an array");
@@ -88,7 +81,8 @@ StateVar* PlantPaths::find(const syntax::Path& path, Report& report) const
     if (variable) return variable;
     if (const Part* part = step(*here, last, owner, report)) {
         report.error(path.range, text::quoted(last.name.text) + " is a part, not a variable",
-                     "a variable of it: " + last.name.text + ". and " + listed(namesIn(*part)));
+                     "a variable of it: " + last.name.text + ". and " +
+                         text::enumerated(namesIn(*part)));
     }
     return nullptr;
 }
@@ -138,7 +132,7 @@ void PlantPaths::reportUnknown(const Part& from, const syntax::Segment& segment,
 {
     const std::string& name = segment.name.text;
     const std::vector<std::string_view> known = namesIn(from);
-    std::string hint = didYouMean(name, known);
+    std::string hint = text::didYouMean(name, known);
     if (hint.empty() && from.component) {
         for (const StateVar* variable : *from.component->stateVars) {
             if (plant::value(variable, name)) {
@@ -153,17 +147,13 @@ void PlantPaths::reportUnknown(const Part& from, const syntax::Segment& segment,
                      ? text::quoted(name) + " is not known in " +
                            (system_.empty() ? "the model" : text::quoted(system_))
                      : text::quoted(owner) + " has no variable or part " + text::quoted(name),
-                 "a variable or part: " + listed(known), hint);
+                 "a variable or part: " + text::enumerated(known), hint);
 }
 
 std::vector<std::string_view> PlantPaths::namesIn(const Part& part)
 {
     std::vector<std::string_view> names;
-    if (part.component) {
-        for (const StateVar* variable : *part.component->stateVars) {
-            names.emplace_back(variable->name);
-        }
-    }
+    if (part.component) names = plant::variablesOf(*part.component);
     names.insert(names.end(), part.names.begin(), part.names.end());
     return names;
 }

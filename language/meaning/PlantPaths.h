@@ -49,7 +49,4 @@ private:
     Part root_;
 };
 
-/// The variable with that name, or null.
-StateVar* variableNamed(const Comp* component, const std::string& name);
-
 } // namespace language

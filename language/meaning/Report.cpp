@@ -12,6 +12,11 @@ std::string keyOf(const text::Range& at, const std::string& message)
            std::to_string(at.column) + ":" + message;
 }
 
+text::Range rangeOf(const plant::PlaceKey& key)
+{
+    return {key[0], key[1], key[2], key[3]};
+}
+
 std::vector<text::Diagnostic> listed(
     std::multimap<std::tuple<std::uint32_t, std::size_t, std::size_t>, text::Diagnostic>& byPlace)
 {
@@ -46,6 +51,32 @@ void Report::take(std::uint32_t file, text::Diagnostic error)
     if (++errorCount_ > limit_) return;
     const Key key{file, error.place.line, error.place.column};
     errors_.insert({key, std::move(error)});
+}
+
+void Report::report(const plant::PlaceKey& at, text::Message what)
+{
+    error(rangeOf(at), std::move(what.message), std::move(what.expected), std::move(what.hint));
+}
+
+std::string Report::reference(const plant::PlaceKey& to, const plant::PlaceKey& from) const
+{
+    return where(rangeOf(to), rangeOf(from));
+}
+
+const plant::Words& Report::words() const
+{
+    static const plant::Words words{
+        .fullNames = false,
+        .at = "at ",
+        .law = "the law at ",
+        .laws = "the laws at ",
+        .lastLaw = " and ",
+        .guardThatHolds = "a formula that can hold",
+        .hysteresis = "'within'",
+        .unsatisfiable = {"no assignment satisfies this law", "a formula that can hold", ""},
+        .commandObserved = {"", "a cond or a mode", "write 'command' in place of 'observe'"},
+        .conditionCommanded = {"", "a command", "write 'observe' in place of 'command'"}};
+    return words;
 }
 
 std::string Report::where(const text::Range& range, const text::Range& seenFrom) const

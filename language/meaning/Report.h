@@ -2,6 +2,7 @@
 #pragma once
 
 #include "language/syntax/Syntax.h"
+#include "plant/PlaceHandle.h"
 #include "text/SourceText.h"
 
 #include <cstddef>
@@ -19,7 +20,7 @@ using SourceTexts = std::vector<std::unique_ptr<text::SourceText>>;
 
 /// Gathers what is wrong, each once: an expression in a component is wrong in all of its instances, and said to be so for the
 /// first. After `limit` errors it only counts.
-class Report {
+class Report : public plant::PlaceBook {
 public:
     Report(const SourceTexts& sources, std::size_t limit) : sources_(sources), limit_(limit) {}
 
@@ -28,6 +29,15 @@ public:
     void warning(const text::Range& at, std::string message, std::string hint = {});
     /// An error that was made elsewhere, such as in the parser.
     void take(std::uint32_t file, text::Diagnostic error);
+
+    /// The place of a range, for the checks of plant/.
+    plant::PlaceHandle at(const text::Range& range)
+    {
+        return {*this, {range.file, range.line, range.column, range.length}};
+    }
+    void report(const plant::PlaceKey& at, text::Message what) override;
+    std::string reference(const plant::PlaceKey& to, const plant::PlaceKey& from) const override;
+    const plant::Words& words() const override;
 
     bool failed() const { return errorCount_ > 0; }
     /// Further errors would only be counted.

@@ -1,7 +1,10 @@
 // Transitions: which mode they are of, from where to where, and none twice.
 #include "language/meaning/TypeChecks.h"
 
-#include "language/meaning/Numbers.h"
+#include "language/meaning/TransitionBuilder.h"
+#include "plant/TransitionRules.h"
+#include "text/NearestName.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 
@@ -11,14 +14,9 @@ using namespace syntax;
 
 namespace {
 
-const char* kindName(TransitionKind kind)
+const char* kindName(const Transition& transition)
 {
-    switch (kind) {
-    case TransitionKind::nominal: return "nominal";
-    case TransitionKind::fault: return "fault";
-    case TransitionKind::idle: return "idle";
-    }
-    return "";
+    return plant::word(kindOf(transition));
 }
 
 } // namespace
@@ -35,11 +33,12 @@ const VariableType* TypeChecks::modeOf(const Transition& transition)
             const VariableType& variable = type_->variables[mode];
             if (variable.syntax->name.text == name) return &variable;
         }
-        const std::string hint = didYouMean(name, modes);
+        const std::string hint = text::didYouMean(name, modes);
         if (files_.unreadWords.contains(name) || (files_.unread && hint.empty())) return nullptr;
         report_.error(transition.variable->range,
                       text::quoted(name) + " is not a mode of " + text::quoted(type_->name),
-                      modes.empty() ? "a mode; there is none" : "a mode: " + listed(modes), hint);
+                      modes.empty() ? "a mode; there is none" : "a mode: " + text::enumerated(modes),
+                      hint);
         return nullptr;
     }
     if (modes.size() == 1) return &type_->variables[type_->modes.front()];
@@ -50,8 +49,8 @@ const VariableType* TypeChecks::modeOf(const Transition& transition)
         return nullptr;
     }
     report_.error(transition.sourcesRange,
-                  text::quoted(type_->name) + " has several modes: " + listed(modes),
-                  "the one that changes: " + std::string(kindName(transition.kind)) + " " +
+                  text::quoted(type_->name) + " has several modes: " + text::enumerated(modes),
+                  "the one that changes: " + std::string(kindName(transition)) + " " +
                       std::string(modes.front()) + " = ...");
     return nullptr;
 }
@@ -84,12 +83,11 @@ bool TypeChecks::checkSources(const Transition& transition, const VariableType& 
             report_.error(source.range, text::quoted(source.text) + " is in the list twice");
             sound = false;
         }
-        if (transition.kind == TransitionKind::fault && transition.target &&
-            transition.target->text == source.text) {
-            report_.error(transition.target->range,
-                          "a fault that leads from " + text::quoted(source.text) + " to itself",
-                          "another value of " + text::quoted(mode.syntax->name.text));
-            sound = false;
+        if (transition.target) {
+            sound = plant::checkFault(kindOf(transition), source.text, transition.target->text,
+                                      "another value of " + text::quoted(mode.syntax->name.text),
+                                      report_.at(transition.target->range)) &&
+                    sound;
         }
     }
     return sound;
@@ -108,7 +106,7 @@ bool TypeChecks::checkRepetition(const Transition& transition, const VariableTyp
             if (!mode.isFault(i) && !target) sources.push_back(mode.values[i]);
         }
     }
-    std::string rest = std::string(" ") + kindName(transition.kind) + " " + mode.syntax->name.text +
+    std::string rest = std::string(" ") + kindName(transition) + " " + mode.syntax->name.text +
                        " " + (transition.target ? transition.target->text : "") + " ";
     if (transition.guard) {
         const text::Range& range = transition.guard->range;

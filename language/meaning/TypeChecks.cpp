@@ -1,6 +1,9 @@
 #include "language/meaning/TypeChecks.h"
 
 #include "language/meaning/Numbers.h"
+#include "plant/Names.h"
+#include "text/NearestName.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 
@@ -99,8 +102,8 @@ void TypeChecks::checkVariable(const Variable& variable)
 void TypeChecks::checkStep(const StepLength& step)
 {
     if (step_) {
-        report_.error(step.range, "a second length of a step", "one 'step'",
-                      "the first is at " + report_.where(step_->range, step.range));
+        plant::reportTwice(report_.at(step.range), report_.at(step_->range),
+                           "a second length of a step", "one 'step'");
         types_.broken.insert(&step);
         return;
     }
@@ -136,8 +139,8 @@ void TypeChecks::checkArguments(const Part& part, const ComponentType& type)
         if (std::find(known.begin(), known.end(), name) == known.end()) {
             report_.error(argument.name.range,
                           text::quoted(type.name) + " has no parameter " + text::quoted(name),
-                          known.empty() ? "no arguments" : "a parameter: " + listed(known),
-                          didYouMean(name, known));
+                          known.empty() ? "no arguments" : "a parameter: " + text::enumerated(known),
+                          text::didYouMean(name, known));
             types_.broken.insert(&part);
         } else if (std::find(given.begin(), given.end(), name) != given.end()) {
             report_.error(argument.name.range,
@@ -215,9 +218,9 @@ TypeChecks::Resolved TypeChecks::resolve(ComponentType& within, const Path& path
         part.mentioned = true;
         if (!part.type || !checkIndex(part, segment)) return {};
         if (last) {
-            report_.error(
-                path.range, text::quoted(segment.name.text) + " is a part, not a variable",
-                "a variable of it: " + segment.name.text + ". and " + listed(namesIn(*part.type)));
+            report_.error(path.range, text::quoted(segment.name.text) + " is a part, not a variable",
+                          "a variable of it: " + segment.name.text + ". and " +
+                              text::enumerated(namesIn(*part.type)));
             return {};
         }
         here = part.type;
@@ -242,7 +245,7 @@ bool TypeChecks::checkIndex(const PartType& part, const Segment& segment)
 bool TypeChecks::reportUnknown(const ComponentType& within, const Segment& segment, bool first)
 {
     const std::vector<std::string_view> known = namesIn(within);
-    std::string hint = didYouMean(segment.name.text, known);
+    std::string hint = text::didYouMean(segment.name.text, known);
     if (files_.unreadWords.contains(segment.name.text) || (files_.unread && hint.empty())) {
         return false;
     }
@@ -253,13 +256,14 @@ bool TypeChecks::reportUnknown(const ComponentType& within, const Segment& segme
                    variable.syntax->name.text + " = " + segment.name.text;
         }
     }
-    report_.error(
-        segment.name.range,
-        first ? text::quoted(segment.name.text) + " is not known in " + text::quoted(within.name)
-              : text::quoted(within.name) + " has no variable or part " +
-                    text::quoted(segment.name.text),
-        known.empty() ? "a variable or part; there is none" : "a variable or part: " + listed(known),
-        hint);
+    report_.error(segment.name.range,
+                  first ? text::quoted(segment.name.text) + " is not known in " +
+                              text::quoted(within.name)
+                        : text::quoted(within.name) + " has no variable or part " +
+                              text::quoted(segment.name.text),
+                  known.empty() ? "a variable or part; there is none"
+                                : "a variable or part: " + text::enumerated(known),
+                  hint);
     return false;
 }
 
@@ -268,23 +272,18 @@ bool TypeChecks::checkValue(const VariableType& variable, const Name& value, boo
     if (variable.values.size() < 2 || variable.indexOf(value.text)) {
         return variable.values.size() >= 2;
     }
-    std::vector<std::string_view> known = variable.values;
-    if (orVariable) {
-        for (const std::string_view name : namesIn(*type_)) {
-            known.push_back(name);
-        }
-    }
-    std::string hint = didYouMean(value.text, known);
-    if (files_.unreadWords.contains(value.text) || (files_.unread && hint.empty())) return false;
+    text::Message what =
+        orVariable ? plant::unknownOperand(value.text, variable.syntax->name.text, variable.values,
+                                           namesIn(*type_))
+                   : plant::unknownValue(value.text, variable.syntax->name.text, variable.values);
+    if (files_.unreadWords.contains(value.text) || (files_.unread && what.hint.empty()))
+        return false;
     for (const VariableType& other : type_->variables) {
-        if (hint.empty() && &other != &variable && other.indexOf(value.text)) {
-            hint = "it is a value of " + text::quoted(other.syntax->name.text);
+        if (what.hint.empty() && &other != &variable && other.indexOf(value.text)) {
+            what.hint = "it is a value of " + text::quoted(other.syntax->name.text);
         }
     }
-    report_.error(
-        value.range,
-        text::quoted(value.text) + " is not a value of " + text::quoted(variable.syntax->name.text),
-        listed(variable.values) + (orVariable ? ", or a variable with the same values" : ""), hint);
+    report_.at(value.range).report(std::move(what));
     return false;
 }
 

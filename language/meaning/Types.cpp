@@ -1,7 +1,9 @@
 #include "language/meaning/Types.h"
 
 #include "language/meaning/Numbers.h"
+#include "plant/CheckedBuilder.h"
 #include "text/NearestName.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 
@@ -9,7 +11,6 @@ namespace language {
 
 namespace {
 
-constexpr std::size_t mostValues = 200;
 constexpr std::size_t deepestNesting = 100;
 
 std::string tooDeep()
@@ -39,22 +40,6 @@ std::optional<std::size_t> VariableType::marked() const
     return std::nullopt;
 }
 
-std::string listed(const std::vector<std::string_view>& names)
-{
-    constexpr std::size_t most = 12;
-    std::string text;
-    for (std::size_t i = 0; i < names.size() && i < most; ++i) {
-        text += (i > 0 ? ", " : "") + std::string(names[i]);
-    }
-    return names.size() > most ? text + ", ..." : text;
-}
-
-std::string didYouMean(std::string_view name, const std::vector<std::string_view>& known)
-{
-    const std::string nearest = text::nearestName(name, known);
-    return nearest.empty() ? "" : "did you mean " + text::quoted(nearest) + "?";
-}
-
 void Declarations::enter()
 {
     for (const std::uint32_t file : files_.order) {
@@ -79,10 +64,9 @@ void Declarations::enterConstant(const syntax::Constant& constant)
 {
     const auto known = types_.constants.find(constant.name.text);
     if (known != types_.constants.end()) {
-        report_.error(constant.name.range,
-                      "constant " + text::quoted(constant.name.text) + " is declared twice",
-                      "a new name",
-                      "the first is at " + report_.where(known->second.range, constant.name.range));
+        plant::reportTwice(report_.at(constant.name.range), report_.at(known->second.range),
+                           "constant " + text::quoted(constant.name.text) + " is declared twice",
+                           "a new name");
         return;
     }
     ConstantValue made;
@@ -105,9 +89,9 @@ void Declarations::enterComponent(const syntax::Component& component)
     type.members = &component.members;
     const auto known = types_.byName.find(component.name.text);
     if (known != types_.byName.end()) {
-        report_.error(
-            type.range, "component " + text::quoted(component.name.text) + " is declared twice",
-            "a new name", "the first is at " + report_.where(known->second->range, type.range));
+        plant::reportTwice(report_.at(type.range), report_.at(known->second->range),
+                           "component " + text::quoted(component.name.text) + " is declared twice",
+                           "a new name");
         return;
     }
     types_.components.push_back(std::move(type));
@@ -137,8 +121,8 @@ void Declarations::enterSystem(const syntax::System& system)
         return;
     }
     if (types_.system) {
-        report_.error(system.name.range, "a second system", "one system",
-                      "the first is at " + report_.where(types_.system->range, system.name.range));
+        plant::reportTwice(report_.at(system.name.range), report_.at(types_.system->range),
+                           "a second system", "one system");
         return;
     }
     ComponentType type;
@@ -170,10 +154,9 @@ bool Declarations::enterName(ComponentType& type, const syntax::Name& name,
     const syntax::Name& first = known->second.part
                                     ? type.parts[known->second.index].syntax->name
                                     : type.variables[known->second.index].syntax->name;
-    report_.error(name.range,
-                  text::quoted(name.text) + " is declared twice in " + text::quoted(type.name),
-                  "a name that no other variable or part of it has",
-                  "the first is at " + report_.where(first.range, name.range));
+    plant::reportTwice(report_.at(name.range), report_.at(first.range),
+                       text::quoted(name.text) + " is declared twice in " + text::quoted(type.name),
+                       "a name that no other variable or part of it has");
     return false;
 }
 
@@ -197,11 +180,11 @@ void Declarations::enterValues(VariableType& made)
                                                 text::quoted(value.name.text) + " twice");
             continue;
         }
-        if (made.values.size() >= mostValues) {
+        if (made.values.size() >= plant::mostValues) {
             report_.error(variable.name.range,
                           text::quoted(variable.name.text) + " has " +
                               std::to_string(variable.values.size()) + " values",
-                          "at most " + std::to_string(mostValues));
+                          "at most " + std::to_string(plant::mostValues));
             break;
         }
         made.values.push_back(value.name.text);
@@ -217,7 +200,7 @@ void Declarations::enterValues(VariableType& made)
             initial = &value;
         }
     }
-    if (made.values.size() < 2 && !(files_.unread && variable.values.empty())) {
+    if (made.values.size() < plant::leastValues && !(files_.unread && variable.values.empty())) {
         report_.error(variable.name.range, text::quoted(variable.name.text) + " has only one value",
                       "two values or more",
                       made.isMode() ? "a mode that cannot change says nothing: add the faults" : "");
@@ -241,11 +224,11 @@ void Declarations::enterPart(ComponentType& type, const syntax::Part& part)
     for (const ComponentType& component : types_.components) {
         if (!component.system) names.push_back(component.name);
     }
-    const std::string hint = didYouMean(part.type.text, names);
+    const std::string hint = text::didYouMean(part.type.text, names);
     if (files_.unreadWords.contains(part.type.text) || (files_.unread && hint.empty())) return;
     report_.error(part.type.range, "no component is called " + text::quoted(part.type.text),
                   names.empty() ? "a component that is declared here or imported"
-                                : "a component: " + listed(names),
+                                : "a component: " + text::enumerated(names),
                   hint.empty() ? "declare it, or import the file that does" : hint);
 }
 

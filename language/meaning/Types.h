@@ -79,11 +79,6 @@ struct Types {
     bool sound(const void* node) const { return !broken.contains(node); }
 };
 
-/// `a, b, c`, cut after some names.
-std::string listed(const std::vector<std::string_view>& names);
-/// "did you mean 'x'?" or nothing.
-std::string didYouMean(std::string_view name, const std::vector<std::string_view>& known);
-
 /// Enters the declarations of all files, and reports what is wrong with them: names declared twice, unknown component types,
 /// variables with too few values, component types that contain each other.
 class Declarations {

@@ -1,12 +1,13 @@
 #include "language/syntax/Parser.h"
 
-#include "language/syntax/Actions.h"
+#include "language/syntax/Grammar.h"
 #include "language/syntax/Mistakes.h"
 
 #include <tao/pegtl/normal.hpp>
 #include <tao/pegtl/parse.hpp>
 
-#include <algorithm>
+#include <charconv>
+#include <cmath>
 
 namespace language {
 
@@ -31,7 +32,7 @@ template <typename Rule> struct Control : tao::pegtl::normal<Rule> {
     }
 };
 
-bool fits(const text::SourceText& source, const Limits& limits,
+bool fits(const text::SourceText& source, const syntax::Limits& limits,
           std::vector<text::Diagnostic>& errors)
 {
     if (source.text().size() <= limits.fileBytes) return true;
@@ -54,10 +55,10 @@ void joinPathsBySlashes(std::vector<Token>& tokens)
 
 } // namespace
 
-Text readText(const TokenInput::Span& span)
+syntax::Text grammar::readText(const TokenInput::Span& span)
 {
     const std::string_view written = span.text();
-    Text read{{}, span.range()};
+    syntax::Text read{{}, span.range()};
     for (std::size_t i = 1; i + 1 < written.size();) {
         if (written[i] == '\\') {
             ++i;
@@ -68,7 +69,7 @@ Text readText(const TokenInput::Span& span)
                               "write '\\\\' for the sign itself"};
             }
         }
-        const std::size_t length = text::utf8Length(written.substr(i));
+        const std::size_t length = ::text::utf8Length(written.substr(i));
         if (length == 0)
             throw Mistake{&span.first(), "a text that is not UTF-8", {}, "save the file in UTF-8"};
         if (static_cast<unsigned char>(written[i]) < ' ') {
@@ -80,7 +81,7 @@ Text readText(const TokenInput::Span& span)
     return read;
 }
 
-double readNumber(const TokenInput::Span& span)
+double grammar::readNumber(const TokenInput::Span& span)
 {
     const std::string_view text = span.text();
     double value = 0;
@@ -91,7 +92,7 @@ double readNumber(const TokenInput::Span& span)
     return value;
 }
 
-ParsedFile parse(const text::SourceText& source, const Limits& limits)
+ParsedFile parse(const text::SourceText& source, const syntax::Limits& limits)
 {
     ParsedFile parsed;
     if (!fits(source, limits, parsed.errors)) return parsed;
@@ -99,14 +100,14 @@ ParsedFile parse(const text::SourceText& source, const Limits& limits)
     Mistakes mistakes(source, limits, list);
     TokenInput in(source, list.tokens, limits, mistakes);
     try {
-        tao::pegtl::parse<grammar::file, Action, Control>(in, parsed.file.declarations);
+        tao::pegtl::parse<grammar::file, grammar::Action, Control>(in, parsed.file.declarations);
     } catch (const TooManyMistakes&) {
     }
     parsed.errors = mistakes.take();
     return parsed;
 }
 
-ParsedFormula parseFormula(const text::SourceText& source, const Limits& limits)
+ParsedFormula parseFormula(const text::SourceText& source, const syntax::Limits& limits)
 {
     ParsedFormula parsed;
     if (!fits(source, limits, parsed.errors)) return parsed;
@@ -120,7 +121,7 @@ ParsedFormula parseFormula(const text::SourceText& source, const Limits& limits)
     Mistakes mistakes(source, limits, list, "the formula");
     TokenInput in(source, list.tokens, limits, mistakes);
     try {
-        tao::pegtl::parse<grammar::recovering<grammar::lone_formula>, Action, Control>(
+        tao::pegtl::parse<grammar::recovering<grammar::lone_formula>, grammar::Action, Control>(
             in, parsed.formula);
     } catch (const TooManyMistakes&) {
     }

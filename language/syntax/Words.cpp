@@ -73,11 +73,6 @@ const std::vector<std::string_view>& reservedWords()
     return words;
 }
 
-bool isReserved(std::string_view word)
-{
-    return wordKind(word) != TokenKind::name;
-}
-
 const std::vector<std::string_view>& timeUnits()
 {
     static const std::vector<std::string_view> names = [] {

@@ -9,7 +9,6 @@ namespace language {
 
 /// `mode`, `law`, `any`, ...: none of them can be a name.
 const std::vector<std::string_view>& reservedWords();
-bool isReserved(std::string_view word);
 
 /// `ms`, `s`, `second`, `seconds`, `min`, `minute`, `minutes`, `h`, `hour`, `hours`, `d`, `day`, `days`.
 const std::vector<std::string_view>& timeUnits();

@@ -1,7 +1,7 @@
 // The layout of model files, and that laying out changes neither what a file says nor what is laid out already.
 #include "language/syntax/Formatter.h"
 #include "language/syntax/Parser.h"
-#include "language/syntax/SyntaxText.h"
+#include "tests/language/syntax/SyntaxText.h"
 
 #include <gtest/gtest.h>
 #include <random>

@@ -1,6 +1,6 @@
 // What the parser makes of each construct. The tree is compared as the text that syntaxText() writes.
 #include "language/syntax/Parser.h"
-#include "language/syntax/SyntaxText.h"
+#include "tests/language/syntax/SyntaxText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // After a mistake the parser goes on: which mistakes of a file are told, and what of the file is in the tree all the same.
 #include "language/syntax/Parser.h"
-#include "language/syntax/SyntaxText.h"
+#include "tests/language/syntax/SyntaxText.h"
 
 #include <gtest/gtest.h>
 #include <random>

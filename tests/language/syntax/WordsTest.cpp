@@ -1,4 +1,5 @@
 // The words of the language, and that the editors know them.
+#include "language/syntax/Token.h"
 #include "language/syntax/Words.h"
 
 #include <fstream>
@@ -42,10 +43,10 @@ TEST(Words, AreKnownToTheEditors)
 
 TEST(Words, ThatAreReservedAreNotUnits)
 {
-    EXPECT_TRUE(language::isReserved("mode"));
-    EXPECT_FALSE(language::isReserved("Mode"));
+    EXPECT_EQ(language::wordKind("mode"), language::TokenKind::modeWord);
+    EXPECT_EQ(language::wordKind("Mode"), language::TokenKind::name);
     for (const std::string_view unit : language::timeUnits()) {
-        EXPECT_FALSE(language::isReserved(unit)) << unit;
+        EXPECT_EQ(language::wordKind(unit), language::TokenKind::name) << unit;
     }
 }
 

@@ -1,5 +1,5 @@
-// A syntax tree as a text without places: two files say the same when these texts are equal. For tests and for finding out
-// how a file was read.
+// A syntax tree as a text without places: two files say the same when these texts are equal. For tests, which compare
+// what was read.
 //
 //     law a = b & c != d       ->      (law (& (= a b) (!= c d)))
 #pragma once

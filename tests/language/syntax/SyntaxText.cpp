@@ -1,4 +1,4 @@
-#include "language/syntax/SyntaxText.h"
+#include "tests/language/syntax/SyntaxText.h"
 
 #include <array>
 #include <charconv>

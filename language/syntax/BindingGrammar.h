@@ -1,0 +1,98 @@
+// What only a system says: which channels observe and command its variables, and how long a step is.
+#pragma once
+
+#include "language/syntax/StatementGrammar.h"
+
+namespace language::grammar {
+
+struct bound_variable : path {
+    using action = makes_member<Path, &Binding::variable>;
+};
+struct channel : text {
+    using action = sets_text<&Binding::channel>;
+};
+struct below_less : token<TokenKind::less> {
+    using action = sets<&Thresholds::Limit::below, Order::less>;
+};
+struct below_less_or_equal : token<TokenKind::lessOrEqual> {
+    using action = sets<&Thresholds::Limit::below, Order::lessOrEqual>;
+};
+struct above_less : token<TokenKind::less> {
+    using action = sets<&Thresholds::Limit::above, Order::less>;
+};
+struct above_less_or_equal : token<TokenKind::lessOrEqual> {
+    using action = sets<&Thresholds::Limit::above, Order::lessOrEqual>;
+};
+struct limit_number : sum {
+    using action = makes_expression<&Thresholds::Limit::number>;
+};
+struct limit : seq<sor<below_less, below_less_or_equal>,
+                   must<limit_number, sor<above_less, above_less_or_equal>>> {
+    struct action : makes_member<Thresholds::Limit, &Thresholds::limits> {
+        static void apply(const TokenInput::Span& span, const Thresholds::Limit& limit)
+        {
+            if (limit.below != limit.above) return;
+            throw Mistake{&span.first(),
+                          "a limit that does not say which side the number itself belongs to",
+                          "'<' on one side of the number and '<=' on the other",
+                          {},
+                          span.range().length};
+        }
+    };
+};
+struct threshold_value : value_name {
+    using action = sets_name<&Thresholds::values>;
+};
+struct hysteresis : sum {
+    using action = makes_expression<&Thresholds::hysteresis>;
+};
+struct thresholds : seq<begins_thresholds, threshold_value, plus<limit, must<threshold_value>>,
+                        opt<if_must<token<TokenKind::withinWord>, hysteresis>>> {
+    using action = makes_member<Thresholds, &Binding::translation>;
+};
+struct read_value : value_name {
+    using action = sets_name<&Reading::value>;
+};
+struct read_number : sum {
+    using action = makes_expression<&Reading::reading>;
+};
+struct read_text : text {
+    using action = sets_text<&Reading::reading>;
+};
+struct otherwise : token<TokenKind::otherwiseWord> {};
+struct reading
+    : seq<read_value,
+          must<sor<if_must<token<TokenKind::equals>, sor<read_text, read_number>>, otherwise>>> {
+    using action = makes_member<Reading, &Readings::readings>;
+};
+struct readings : comma_list<reading> {
+    using action = makes_member<Readings, &Binding::translation>;
+};
+struct unit : named<"a unit of time (ms, s, min, h, d)", time_unit> {
+    using action = sets_name<&Duration::unit>;
+};
+struct duration : seq<amount, must<unit>> {
+    using action = makes<Duration>;
+};
+struct hold : if_must<token<TokenKind::holdWord>, duration> {};
+struct binding_rest
+    : seq<must<bound_variable>, opt<if_must<token<TokenKind::fromWord>, channel>>,
+          opt<if_must<token<TokenKind::colon>, sor<thresholds, readings>>>, opt<hold>> {};
+struct observe_word : token<TokenKind::observeWord> {
+    using action = sets<&Binding::kind, Binding::Kind::observation>;
+};
+struct observation : in_context<"an observation", seq<observe_word, binding_rest>> {};
+struct bind_command_word : token<TokenKind::commandWord> {
+    using action = sets<&Binding::kind, Binding::Kind::command>;
+};
+struct command_binding
+    : in_context<"a command", seq<command_is_bound, bind_command_word, binding_rest>> {};
+struct binding : sor<observation, command_binding> {
+    using action = makes<Binding>;
+};
+struct step_length
+    : in_context<"the length of a step", if_must<token<TokenKind::stepWord>, duration>> {
+    using action = makes<StepLength>;
+};
+
+} // namespace language::grammar

@@ -1,0 +1,63 @@
+// What every channel has to keep to, whatever it was written in.
+//
+// A front end calls each check as soon as it knows enough for it: a model file has types, and is told once about all instances of
+// a component; data is told about each variable.
+#pragma once
+
+#include "plant/Bindings.h"
+#include "plant/PlaceHandle.h"
+
+#include <cstddef>
+#include <set>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace plant {
+
+/// Reports a command that is observed, and something else that is commanded. `name` is the variable's, as messages show it.
+bool checkDirection(bool isCommand, ChannelBinding::Kind kind, const std::string& name,
+                    const PlaceHandle& at);
+
+/// The values of a row of thresholds, from the lowest to the highest.
+class ThresholdRow {
+public:
+    /// Reports a value that is in the row already. `value` outlives the row.
+    bool add(std::string_view value, const PlaceHandle& at);
+    std::size_t size() const { return seen_.size(); }
+    /// Those of `values` that are not in the row.
+    std::vector<std::string_view> missing(const std::vector<std::string_view>& values) const;
+    /// Reports a row that does not have all values of a variable; `hint` may say which ones.
+    bool checkComplete(std::size_t values, const std::string& name, const PlaceHandle& at,
+                       std::string hint = {}) const;
+
+private:
+    std::vector<std::string_view> seen_;
+};
+
+/// Reports a limit that is not above the one before it.
+/// Requires: `limit` is less than the number of limits.
+bool checkLimit(const ThresholdTable& table, std::size_t limit, const PlaceHandle& at);
+
+/// Reports a hysteresis that is negative, or so large that two limits would be in each other's way.
+/// Requires: the limits are rising.
+bool checkHysteresis(const ThresholdTable& table, const PlaceHandle& at);
+
+/// The readings of one channel that stand for values.
+class ReadingSet {
+public:
+    /// False for one that stands for a value already. `called` is how the message at `at` names it.
+    bool add(std::variant<double, std::string> reading, const std::string& called,
+             const PlaceHandle& at);
+
+private:
+    std::set<std::variant<double, std::string>> seen_;
+};
+
+/// Reports a time that is negative.
+bool checkSeconds(double seconds, const PlaceHandle& at);
+/// Reports a length of a step that is not above 0.
+bool checkStepLength(double seconds, const PlaceHandle& at);
+
+} // namespace plant

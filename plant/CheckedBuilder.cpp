@@ -1,0 +1,81 @@
+#include "plant/CheckedBuilder.h"
+
+#include "plant/Names.h"
+
+#include <algorithm>
+
+namespace plant {
+
+CheckedBuilder::CheckedBuilder(std::string name, std::size_t mostDomainClauses)
+    : builder_(std::move(name)), mostDomainClauses_(mostDomainClauses)
+{
+}
+
+Comp* CheckedBuilder::component(const std::string& name, const PlaceHandle& at,
+                                const PlaceHandle& nameAt)
+{
+    const auto [first, isNew] = components_.try_emplace(name, at);
+    if (isNew) return builder_.component(name);
+    reportTwice(nameAt, first->second, "the component " + text::quoted(name) + " is declared twice",
+                "a name that no other component has");
+    return nullptr;
+}
+
+StateVar* CheckedBuilder::variable(Comp* component, const std::string& name, VariableKind kind,
+                                   const std::vector<ValueDeclaration>& values,
+                                   std::optional<std::size_t> initial, const PlaceHandle& at)
+{
+    const bool fitted = variablesFit();
+    domainClauses_ += 1 + values.size() * (values.size() - 1) / 2;
+    if (!variablesFit()) {
+        if (fitted) {
+            at.report("the values of all variables would need more than " +
+                      std::to_string(mostDomainClauses_) + " clauses");
+        }
+        return nullptr;
+    }
+    ++variableCount_;
+    return builder_.variable(component, name, kind, values, initial);
+}
+
+std::size_t CheckedBuilder::law(Comp* owner, const std::vector<ClauseLiterals>& clauses,
+                                const PlaceHandle& at)
+{
+    if (std::any_of(clauses.begin(), clauses.end(),
+                    [](const ClauseLiterals& clause) { return clause.empty(); })) {
+        at.report(at.words().unsatisfiable);
+        return 0;
+    }
+    return static_cast<std::size_t>(
+        std::count_if(clauses.begin(), clauses.end(), [&](const ClauseLiterals& clause) {
+            return builder_.law(owner, clause) != nullptr;
+        }));
+}
+
+std::size_t CheckedBuilder::change(const Change& change)
+{
+    for (const Conjunction& alternative : change.alternatives) {
+        switch (change.kind) {
+        case ChangeKind::nominal:
+            builder_.nominal(change.from, change.to, alternative, *change.probability);
+            break;
+        case ChangeKind::fault:
+            builder_.fault(change.from, change.to, *change.probability, alternative);
+            break;
+        case ChangeKind::idle: builder_.idle(change.from, *change.probability, alternative); break;
+        }
+    }
+    transitionCount_ += change.alternatives.size();
+    return change.alternatives.size();
+}
+
+bool CheckedBuilder::bind(const StateVar* variable, const PlaceHandle& at)
+{
+    const auto [first, isNew] = bound_.try_emplace(variable, at);
+    if (isNew) return true;
+    reportTwice(at, first->second, text::quoted(nameOf(*variable)) + " is bound twice",
+                "one channel for it");
+    return false;
+}
+
+} // namespace plant

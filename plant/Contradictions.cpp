@@ -1,0 +1,208 @@
+// The laws, the domains of the variables that they mention and the initial modes go to a satisfiability search. What it finds to be
+// contradictory is made minimal by leaving out one law or mode after the other and asking again.
+#include "plant/Contradictions.h"
+
+#include "plant/Satisfiability.h"
+
+#include <algorithm>
+#include <numeric>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+namespace plant {
+
+namespace {
+
+constexpr std::size_t mostConflicts = 2000;
+constexpr std::size_t mostReported = 10;
+constexpr std::size_t mostMinimized = 200;
+constexpr std::size_t mostNamed = 6;
+
+using LawPlaces = std::function<WrittenLaw(std::size_t)>;
+
+// What cannot hold together. Both lists are in the order of the model.
+struct Contradiction {
+    std::vector<std::size_t> laws;  // indices in Model::laws
+    std::vector<const Atom*> modes; // initial ones that are needed for it
+};
+
+class Contradictions {
+public:
+    Contradictions(const Model& model, const LawPlaces& written);
+
+    void find(const std::function<void(const Contradiction&)>& report) const;
+
+private:
+    static constexpr std::size_t domain = static_cast<std::size_t>(-1);
+    using Origins = std::vector<std::size_t>; // indices of laws, then of modes
+
+    std::optional<Origins> conflict(const Origins& within, std::size_t budget) const;
+    Origins minimal(Origins core) const;
+    Contradiction contradiction(const Origins& core) const;
+    bool isMode(std::size_t origin) const { return origin >= model_.laws().size(); }
+
+    const Model& model_;
+    const LawPlaces& written_;
+    std::vector<const StateVar*> variables_;
+    std::vector<Atom*> initials_; // of modes
+    std::unordered_map<const Atom*, std::size_t> numbers_;
+};
+
+Contradictions::Contradictions(const Model& model, const LawPlaces& written)
+    : model_(model), written_(written)
+{
+    for (const auto& atom : model.atoms()) {
+        numbers_.insert({atom.get(), numbers_.size()});
+    }
+    for (const auto& component : model.components()) {
+        for (const StateVar* variable : *component->stateVars) {
+            variables_.push_back(variable);
+            if (variable->type == "Mode" && variable->initial) {
+                initials_.push_back(variable->initial);
+            }
+        }
+    }
+}
+
+void Contradictions::find(const std::function<void(const Contradiction&)>& report) const
+{
+    Origins all(model_.laws().size() + initials_.size());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    for (std::size_t reported = 0; reported < mostReported; ++reported) {
+        const auto core = conflict(all, mostConflicts);
+        if (!core) return;
+        const Origins least = minimal(*core);
+        report(contradiction(least));
+        // Without the law that was reported, in all instances, there may be others.
+        const auto last = std::find_if(least.rbegin(), least.rend(),
+                                       [&](std::size_t origin) { return !isMode(origin); });
+        if (last == least.rend()) return;
+        const PlaceHandle at = written_(*last).at;
+        std::erase_if(all, [&](std::size_t origin) {
+            return !isMode(origin) && (origin == *last || written_(origin).at == at);
+        });
+    }
+}
+
+std::optional<Contradictions::Origins> Contradictions::conflict(const Origins& within,
+                                                                std::size_t budget) const
+{
+    Satisfiability solver(numbers_.size());
+    std::vector<Satisfiability::Literal> literals;
+    const auto add = [&](const Clause& clause, std::size_t origin) {
+        literals.clear();
+        for (const auto& [negated, atom] : *clause.literals) {
+            literals.push_back(2 * numbers_.at(atom) + (negated ? 1U : 0U));
+        }
+        solver.add(literals, origin);
+    };
+    std::unordered_set<const StateVar*> needed;
+    for (const std::size_t origin : within) {
+        if (isMode(origin)) {
+            const Atom* initial = initials_[origin - model_.laws().size()];
+            solver.add({2 * numbers_.at(initial)}, origin);
+            needed.insert(initial->stateVar);
+            continue;
+        }
+        add(*model_.laws()[origin], origin);
+        for (const auto& [negated, atom] : *model_.laws()[origin]->literals) {
+            needed.insert(atom->stateVar);
+        }
+    }
+    // In the order of the model: what is found must not depend on addresses.
+    for (const StateVar* variable : variables_) {
+        if (!needed.contains(variable)) continue;
+        for (const Clause* clause : *variable->clauses) {
+            add(*clause, domain);
+        }
+    }
+    if (solver.solve(budget) != Satisfiability::Answer::unsatisfiable) return std::nullopt;
+    Origins core = solver.core();
+    std::erase(core, domain);
+    return core;
+}
+
+// Modes are tried first: laws that contradict each other in any mode are reported without one.
+Contradictions::Origins Contradictions::minimal(Origins core) const
+{
+    if (core.size() > mostMinimized) return core;
+    const Origins tried(core.rbegin(), core.rend());
+    for (const std::size_t origin : tried) {
+        Origins rest = core;
+        if (std::erase(rest, origin) == 0) continue;
+        if (const auto smaller = conflict(rest, mostConflicts)) core = *smaller;
+    }
+    return core;
+}
+
+Contradiction Contradictions::contradiction(const Origins& core) const
+{
+    Contradiction found;
+    for (const std::size_t origin : core) {
+        if (isMode(origin)) {
+            found.modes.push_back(initials_[origin - model_.laws().size()]);
+        } else {
+            found.laws.push_back(origin);
+        }
+    }
+    return found;
+}
+
+// `a, b, c`: of the modes, as many as are worth naming.
+std::string namesOf(const std::vector<const Atom*>& modes)
+{
+    std::string names;
+    for (std::size_t i = 0; i < modes.size() && i < mostNamed; ++i) {
+        names += (i > 0 ? ", " : "") + modes[i]->id;
+    }
+    return modes.size() > mostNamed ? names + ", ..." : names;
+}
+
+// The laws other than the last one, as the front end speaks of places.
+std::string othersOf(const std::vector<WrittenLaw>& laws)
+{
+    if (laws.size() < 2) return "";
+    const PlaceHandle& last = laws.back().at;
+    const Words& words = last.words();
+    std::string others(" together with ");
+    others += laws.size() == 2 ? words.law : words.laws;
+    for (std::size_t i = 0; i + 1 < laws.size() && i < mostNamed; ++i) {
+        if (i > 0) others += i + 2 == laws.size() ? words.lastLaw : ", ";
+        others += laws[i].at.seenFrom(last);
+    }
+    return laws.size() > mostNamed + 1 ? others + ", ..." : others;
+}
+
+void report(const Contradiction& found, const LawPlaces& written)
+{
+    std::vector<WrittenLaw> laws;
+    for (const std::size_t law : found.laws) {
+        const WrittenLaw place = written(law);
+        if (std::none_of(laws.begin(), laws.end(),
+                         [&](const WrittenLaw& known) { return known.at == place.at; })) {
+            laws.push_back(place);
+        }
+    }
+    if (laws.empty()) return;
+    std::stable_sort(laws.begin(), laws.end(),
+                     [](const WrittenLaw& a, const WrittenLaw& b) { return a.at < b.at; });
+    const WrittenLaw& last = laws.back();
+    const std::string where = last.instance.empty() ? "" : " in " + text::quoted(last.instance);
+    const bool ofModes = !found.modes.empty();
+    last.at.report("nothing satisfies this law" + where + othersOf(laws) +
+                       (ofModes ? " while " + namesOf(found.modes) : ""),
+                   std::string("laws that can hold together") +
+                       (ofModes ? " in the initial modes" : ""));
+}
+
+} // namespace
+
+void reportContradictions(const Model& model, const LawPlaces& written)
+{
+    Contradictions(model, written).find([&](const Contradiction& found) { report(found, written); });
+}
+
+} // namespace plant
