@@ -4,6 +4,7 @@
 
 #include "language/Reader.h"
 #include "language/meaning/FormulaReader.h"
+#include "monitor/step/EngineExplanations.h"
 #include "plant/ActiveModel.h"
 #include "session/CheckpointJson.h"
 #include "session/StepInput.h"
@@ -49,7 +50,8 @@ public:
     Work(language::ReadResult&& model, const Settings& wanted, const OpenOptions& options,
          const std::string& name)
         : settings(wanted), quiet(!options.trace), read(sound(std::move(model), name)),
-          active(activate()), tracker(active->engine(), plant, trackSettings(settings)),
+          active(activate()), plant(*read.model),
+          tracker(searching(), plant, trackSettings(settings)),
           history(settings.history == Settings::wholeHistory ? 0 : settings.history)
     {
         const plant::ImplicateFile& implicates = active->implicates();
@@ -89,6 +91,12 @@ public:
     std::vector<text::Diagnostic> warnings;
 
 private:
+    std::shared_ptr<monitor::ExplanationSearch> searching() const
+    {
+        if (settings.search) return settings.search;
+        return std::make_shared<monitor::EngineExplanations>(
+            *active, monitor::Successors::recordsBeforeSplit);
+    }
     std::unique_ptr<plant::ActiveModel> activate()
     {
         const Quiet silence(quiet);

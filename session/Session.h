@@ -29,9 +29,7 @@
 #include <string>
 #include <vector>
 
-namespace monitor {
-class ExplanationSearch;
-}
+class itms;
 
 namespace session {
 
