@@ -10,8 +10,8 @@ namespace app {
 
 class AnswerFile {
 public:
-    /// Standard output without a path. A file is made, or emptied; with `keepBytes` it is continued behind so many bytes of
-    /// it, and what follows them is dropped. Throws Failure when that is not possible.
+    /// Standard output without a path. A file is made, or emptied; with `keepBytes` it is continued after its first so many
+    /// bytes, and what follows them is dropped. Throws Failure when that is not possible.
     explicit AnswerFile(const std::optional<std::string>& path,
                         std::optional<std::uint64_t> keepBytes = {});
     ~AnswerFile();
@@ -20,9 +20,9 @@ public:
 
     /// Writes at once. Throws Failure.
     void write(std::string_view text);
-    /// Comes back when all that was written is on the disk. Nothing for standard output.
+    /// Waits until all that was written is on the disk. Does nothing for standard output.
     void sync();
-    /// That were written to the file, with those of the run that is continued.
+    /// How many were written to the file, with those of the run that is continued.
     std::uint64_t bytes() const { return bytes_; }
 
 private:

@@ -15,7 +15,7 @@ namespace app {
 /// A signal and its value.
 using Reading = std::pair<netlist::SignalIndex, bool>;
 
-/// What was given, what was seen. Both in the order of the circuit's declarations, whatever order they came in.
+/// The values that were given and those that were seen, both in the order of the circuit's declarations, whatever order they came in.
 struct Problem {
     std::optional<std::string> id;
     std::vector<Reading> inputs;  ///< of every input
@@ -30,7 +30,7 @@ public:
     /// Requires: the circuit outlives the builder.
     explicit ProblemBuilder(const netlist::Circuit& circuit);
 
-    /// Takes a value in, or says why it is wrong: the signal is unknown or on the other side, or was given before.
+    /// Takes a value in, or gives the reason why it is wrong: the signal is unknown or on the other side, or was given before.
     std::optional<text::Message> add(Side side, std::string_view signal, bool value);
     /// What is missing on a side, once everything was added.
     std::optional<text::Message> missing(Side side) const;

@@ -16,7 +16,7 @@ using Json = nlohmann::json;
 constexpr const char* wholeProblem =
     R"({"id": "p1", "inputs": {"a": 0, ...}, "observed": {"y": 1, ...}})";
 
-// Takes the events of one line.
+// Takes the parser's events of one line.
 class Handler : public nlohmann::json_sax<Json> {
 public:
     Handler(std::string_view line, const netlist::Circuit& circuit, const std::size_t& taken)
@@ -150,7 +150,7 @@ bool Handler::value(const std::string& found)
                       R"(an object of signals and their values, such as {"a": 0, "b": 1})", ""});
 }
 
-// An array or object where it may be passed over, or is an error.
+// Passes over an array or object where that is allowed, else refuses it.
 bool Handler::open(const std::string& found)
 {
     const bool other = depth_ > 0 && (section_ == Section::other || (depth_ > 1 && !atSignal()));

@@ -27,7 +27,7 @@ std::optional<std::size_t> stepNumber(std::string_view text)
     return step;
 }
 
-// Why the name is not one of a mode variable.
+// Why no mode variable has that name.
 text::Message noMode(const std::string& name, const Names& names)
 {
     std::vector<std::string_view> modes;

@@ -19,7 +19,7 @@ struct StepValue {
 enum class Expected { mode, input };
 
 /// Reads VARIABLE=VALUE@STEP, the value of `option`; for an input, @STEP may be left out and is 1. A mode is given by its
-/// own name, an input by that or by its channel. Throws Failure that says what is wrong, and the nearest right name.
+/// own name, an input by that or by its channel. Throws Failure with what is wrong and the nearest right name.
 StepValue readStepValue(const std::string& option, Expected expected, const std::string& text,
                         const telemetry::Names& names);
 

@@ -16,7 +16,7 @@ namespace {
 namespace pegtl = tao::pegtl;
 
 // Spaces that look like nothing (no-break, zero width, byte order mark) are no part of a name: they come with
-// text copied from elsewhere, and would make two signals of one that look the same.
+// text copied from elsewhere, and would make two signals that look the same out of one.
 // clang-format off
 struct NameCharacter : pegtl::sor<
     pegtl::ranges<'!', '"', '$', '\'', '*', '+', '-', '<', '>', '~'>,
@@ -46,7 +46,7 @@ struct CommentOrEnd : pegtl::sor<Comment, pegtl::eof> {};
 struct Content : pegtl::must<Head, Blanks, DeclarationOrFunction, Blanks, CommentOrEnd> {};
 struct Line : pegtl::seq<Blanks, pegtl::sor<CommentOrEnd, Content>> {};
 
-// For a line that is in error: every name on it.
+// Finds every name on a line that is in error.
 struct Mention : Name {};
 struct Mentions : pegtl::star<pegtl::not_at<pegtl::one<'#'>>, pegtl::sor<Mention, pegtl::any>> {};
 
@@ -118,7 +118,7 @@ template <> struct Action<Mention> {
 
 using LineInput = pegtl::memory_input<pegtl::tracking_mode::lazy, pegtl::eol::lf, const char*>;
 
-// What stands at a place of the line.
+// What was found at a place of the line.
 struct Found {
     enum Kind { nothing, name, separatorCharacter, invisible, notText };
     Kind kind = nothing;
@@ -176,7 +176,7 @@ bool isKeyword(std::string_view text)
     return text::editDistance(text, "INPUT", 0) == 0 || text::editDistance(text, "OUTPUT", 0) == 0;
 }
 
-// What to do about a name that is missing, or about what follows one, in a list in parentheses.
+// The hint for a list in parentheses where a name is missing, or where something wrong follows a name.
 std::string listHint(const Found& found, bool nameIsMissing)
 {
     if (found.kind == Found::nothing) {
@@ -194,7 +194,7 @@ std::string listHint(const Found& found, bool nameIsMissing)
     return nameIsMissing ? "name it, or take the comma away" : "";
 }
 
-// The three texts of an error: what is wrong, what may stand there, what to do.
+// Sets the three texts of an error.
 void explain(Missing missingPart, const Found& found, LineError& error)
 {
     const Statement& read = error.read;

@@ -47,7 +47,8 @@ struct LineError : text::Message {
     std::vector<Token> mentions; ///< every name on the line, comments excepted
 };
 
-/// Reads a line, without its end. Linear. The tokens are valid as long as the line is.
+/// Reads a line, without its end. Linear.
+/// Requires: the line outlives the tokens, which are views into it.
 std::variant<Statement, LineError> readBenchLine(std::string_view line);
 
 } // namespace netlist

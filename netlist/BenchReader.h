@@ -10,11 +10,11 @@
 // A statement is one line, whatever their order: a signal may be used before its line. INPUT, OUTPUT and the
 // kinds of gates are written in any letter case; signals that differ in letter case are different signals.
 // Names may hold anything printable but `(` `)` `,` `=` `#`. Blanks and blank lines count for nothing; lines
-// end with LF or CR LF; the text is UTF-8 outside comments. A byte order mark at the start and a Ctrl-Z at the
-// end are passed over.
+// end with LF or CR LF; the text is UTF-8 outside comments. A byte order mark at the beginning and a Ctrl-Z at
+// the end are passed over.
 //
-// Errors: all of a file in one reading, in the order of their places. What follows from another error is left
-// out: a line that cannot be read still defines the signals that it seems to define, an undefined signal is
+// All errors of a file are reported at once, in the order of their places. An error that follows from another one is
+// left out: a line that cannot be read still defines the signals that it seems to define, an undefined signal is
 // reported where it is used first, and a group of gates that depend on each other is one cycle.
 #pragma once
 
@@ -28,7 +28,7 @@
 
 namespace netlist {
 
-/// What came of a text: a circuit, or errors.
+/// A circuit, or errors.
 struct BenchResult {
     std::optional<Circuit> circuit; ///< set exactly when there is no error
     std::vector<text::Diagnostic> errors;
@@ -39,7 +39,7 @@ struct BenchResult {
 /// comparisons.
 BenchResult readBench(std::string_view text, const std::string& fileName);
 
-/// The same from a file. One that cannot be read is an error without a line.
+/// Reads a circuit from a file. One that cannot be read is an error without a line.
 BenchResult readBenchFile(const std::string& path);
 
 } // namespace netlist

@@ -1,4 +1,4 @@
-// A combinational circuit at the level of gates, as it was read and found sound.
+// A combinational circuit at the level of gates, read and checked.
 #pragma once
 
 #include "text/Diagnostic.h"

@@ -60,7 +60,7 @@ public:
 
 private:
     // One input at `dominant` gives the output that value, and all inputs at the other value give the other
-    // one; the other way round when inverted.
+    // one. Inverting gates give the opposite.
     void dominated(const std::vector<Bits>& inputs, bool dominant, bool inverting)
     {
         for (const Bits& input : inputs) {

@@ -17,8 +17,8 @@
 // and XNOR have one for each of the 2^n input vectors up to n = 4; a larger one has further conditions `x2`,
 // `x3`, ..., `x(n-1)` in its component, the parity of its first 2, 3, ... inputs, with four laws each and no
 // fault in them, since they only name something; then 4 laws take `x(n-1)` and the last input to the output. A
-// signal that stands twice among the inputs makes no literal twice, and no law that would need it to be 0 and
-// 1.
+// signal that stands twice among the inputs makes no literal twice, and no law that would need it to be both 0
+// and 1.
 #pragma once
 
 #include "netlist/Circuit.h"
@@ -44,11 +44,12 @@ struct CircuitModel {
     std::vector<Atom*> faulty;             ///< by index of the gate: `SIGNAL.mode=faulty`
 };
 
-/// Makes the model of a circuit: components in the order of the inputs, then of the gates. Linear in the size
-/// of the circuit.
+/// Makes the model of a circuit: components in the order of the inputs, then of the gates. Linear in the size of the circuit.
+/// Requires: 0 < `faultProbability` < 1.
 CircuitModel buildModel(const Circuit& circuit, const CircuitModelOptions& options = {});
 
-/// The atom `SIGNAL.out=BIT` of a circuit's model. The circuit must have the signal: null otherwise.
+/// The atom `SIGNAL.out=BIT` of a circuit's model; null when the circuit has no such signal.
+/// Requires: the model was made of the circuit.
 Atom* outAtom(const Circuit& circuit, const CircuitModel& model, const std::string& signal,
               bool bit);
 

@@ -1,6 +1,7 @@
-// The order is found by counting down: a gate is ready when every gate that drives it has been listed (Kahn
-// 1962). Groups are found by one depth-first walk (Tarjan 1972), with a stack of its own, since a circuit can
-// be deeper than the program's.
+// The order is found by counting down: a gate is ready when every gate that drives it has been listed ("Topological sorting of
+// large networks", Communications of the ACM, 1962). Groups are strongly connected components, found by one depth-first walk
+// ("Depth-first search and linear graph algorithms", SIAM Journal on Computing, 1972) with a stack of its own, since a circuit can
+// be deeper than the stack of the program.
 #include "netlist/Cycles.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@ namespace netlist {
 
 namespace {
 
-// Gate by gate, the gates that its output feeds: once for each input that it feeds.
+// By gate, the gates that its output feeds, once for each input.
 std::vector<GateList> readers(const Circuit& circuit, const std::vector<std::size_t>& driver)
 {
     std::vector<GateList> result(circuit.gates.size());

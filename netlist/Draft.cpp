@@ -41,7 +41,7 @@ void Draft::add(const Statement& statement, std::size_t line)
     }
 }
 
-// A gate's line defines its output, whatever is wrong with the rest. Of any other text nothing is sure.
+// The line of a gate defines its output, whatever is wrong with the rest. Any other line may define every name on it.
 void Draft::salvage(const LineError& error, std::size_t line)
 {
     sawStatement_ = true;

@@ -1,4 +1,4 @@
-// A circuit while it is read: what is known of each signal so far, and where it was said.
+// A circuit while it is read: what is known of each signal so far, and from which line.
 #pragma once
 
 #include "netlist/BenchLine.h"
@@ -35,7 +35,8 @@ public:
     /// Requires: `text` and `errors` outlive the draft.
     Draft(const BenchText& text, text::Diagnostics& errors) : text_(text), errors_(errors) {}
 
-    /// Takes in the statement of line `line`, which has one.
+    /// Takes in the statement of line `line`.
+    /// Requires: the line has a statement.
     void add(const Statement& statement, std::size_t line);
     /// Takes in what line `line`, which could not be read, may have said.
     void salvage(const LineError& error, std::size_t line);
@@ -45,10 +46,11 @@ public:
     const Circuit& circuit() const { return circuit_; }
     /// By signal, its gate: `noGate` when none drives it, or when it is an INPUT all the same.
     std::vector<std::size_t> drivers() const;
-    /// A line that could not be read, or made out, may have been an OUTPUT.
+    /// A line that could not be read or understood may have been an OUTPUT.
     bool mayLackOutputs() const { return mayLackOutputs_; }
     bool sawStatement() const { return sawStatement_; }
-    /// The circuit with its signals' names. The draft is spent.
+    /// The circuit with its signals' names.
+    /// Requires: no error was found; nothing else of the draft is used afterwards.
     Circuit finish();
 
 private:

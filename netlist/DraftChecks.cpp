@@ -11,7 +11,7 @@ namespace {
 
 using Report = std::function<void(text::Place, std::size_t, text::Message)>;
 
-// Looks for names near to one that is not known, until it has compared that many.
+// Looks for names near to one that is not known, up to a number of comparisons.
 class Suggestions {
 public:
     explicit Suggestions(const Draft& draft)

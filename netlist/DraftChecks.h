@@ -1,4 +1,4 @@
-// What can be said of a circuit only when all of its text was read.
+// The checks of a circuit that need all of its text.
 #pragma once
 
 #include "netlist/Draft.h"

@@ -38,7 +38,7 @@ void CsvRecords::beginRecord()
     recordBegin_ = next_;
 }
 
-// Makes the next line the current one: one of the window, or else of the file.
+// Makes the next line the current one. It comes from the window, or else from the source.
 bool CsvRecords::takeLine()
 {
     if (next_ == window_.size()) {
@@ -104,7 +104,7 @@ CsvRecords::Got CsvRecords::readCells()
     return Got::record;
 }
 
-// From the opening quote to the comma or the end of the line after the closing one.
+// Reads from the opening quote to the comma after the closing one, or to the end of the line.
 CsvRecords::Got CsvRecords::readQuoted(Cell& cell)
 {
     const std::size_t begin = at_;
@@ -147,7 +147,7 @@ CsvRecords::Got CsvRecords::readQuoted(Cell& cell)
     return Got::record;
 }
 
-// The record ends with its first line.
+// Gives the record up: reading goes on after its first line.
 CsvRecords::Got CsvRecords::refuse(const text::Message& what, std::size_t offset, std::size_t length)
 {
     mistake_ = errorIn(what, offset, length);
@@ -161,7 +161,7 @@ CsvRecords::Got CsvRecords::stop()
                   recordBegin_, 1);
 }
 
-// Goes back to where that many lines of the record are done with.
+// Goes back to the end of the record's first line, or with 0, to its beginning.
 void CsvRecords::rewind(std::size_t lines)
 {
     next_ = lines == 0 ? recordBegin_ : window_.find('\n', recordBegin_) + 1;

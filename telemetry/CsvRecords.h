@@ -27,7 +27,8 @@ public:
     /// Requires: `lines` outlives this.
     CsvRecords(LineSource& lines, std::size_t mostBytes) : lines_(lines), mostBytes_(mostBytes) {}
 
-    /// Takes back the line that the source gave last.
+    /// Takes back a line.
+    /// Requires: it is the line that the source gave last.
     void takeBack(std::string_view line);
     /// Passes over lines until `count` of them are done with; false when there are not so many (yet).
     bool skipTo(std::size_t count);
@@ -35,7 +36,8 @@ public:
     /// Goes on to the next record. Linear in its length.
     Got next();
     const std::vector<Cell>& cells() const { return cells_; }
-    /// What is wrong with the record, after Got::mistake. The name of the file is left to the caller.
+    /// What is wrong with the record. The name of the file is left to the caller.
+    /// Requires: next() gave Got::mistake.
     const text::Diagnostic& mistake() const { return mistake_; }
     /// An error about a cell of the record; past the last one, about the end of the record.
     text::Diagnostic errorAtCell(const text::Message& what, std::size_t cell) const;

@@ -160,7 +160,7 @@ CsvSteps::Result CsvSteps::wideRow()
     return builder_.finish(t);
 }
 
-// Adds the row to the draft. One of a later time ends the step before, once it is known that there is nothing wrong with it.
+// Adds the row to the draft. A row of a later time ends the step before, but only after it was found to be right.
 CsvSteps::Problem CsvSteps::longRow(std::optional<Step>& step)
 {
     const std::vector<CsvRecords::Cell>& cells = records_.cells();

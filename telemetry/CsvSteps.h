@@ -1,12 +1,12 @@
-// Steps from comma-separated values, in one of two shapes that the header tells apart:
+// Steps from comma-separated values, in one of two shapes. The header shows which:
 //
 //     t,XV-A,FT-101              t,name,value
 //     0,open,0.02                0,XV-A,open
 //     1,,0.06                    0,FT-101,0.02
 //                                1,FT-101,0.06
 //
-// wide, a row a step, and long, the rows of one time a step. A name that is a command's gives a command, any other is observed; an empty
-// cell says nothing. A row with a mistake is left out; in the long shape the other rows of its time stand.
+// Wide: each row is a step. Long: the rows of one time are a step. The name of a command gives a command, any other name is
+// observed; an empty cell counts for nothing. A row with a mistake is left out; in the long shape the other rows of its time stay.
 #pragma once
 
 #include "telemetry/CsvRecords.h"
@@ -29,16 +29,17 @@ public:
         records_.takeBack(line);
     }
 
-    /// At the end (`interrupted`: for now), nothing.
+    /// There is nothing more, or with `interrupted`, nothing yet.
     struct None {
         bool interrupted = false;
     };
 
-    /// Reads the header, before all else. Interrupted, it is to be called again; after an error nothing is to be called.
+    /// Reads the header. When it is interrupted, it is called again.
+    /// Requires: it is called first, and nothing is called after an error.
     std::variant<std::monostate, text::Diagnostic, None> readHeader();
     /// Passes over lines until `count` of them are done with; false when there are not so many (yet).
     bool skipTo(std::size_t count);
-    /// The name of the file in errors is left to the caller.
+    /// The next step, or a mistake, in which the name of the file is left to the caller.
     std::variant<Step, text::Diagnostic, None> next();
     /// Lines of the input that are done with, with the last step.
     std::size_t linesDone() const { return linesDone_; }

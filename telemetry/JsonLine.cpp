@@ -18,7 +18,7 @@ constexpr const char* wholeStep =
 
 enum class Key { none, time, commands, observations };
 
-// Takes the events of one line.
+// Takes the parser's events of one line.
 class Handler : public nlohmann::json_sax<Json> {
 public:
     Handler(StepBuilder& builder, std::vector<std::size_t>* seen, std::size_t stamp,
@@ -127,7 +127,7 @@ bool Handler::outerKey(const std::string& name)
            : name == "observations" ? Key::observations
                                     : Key::none;
     if (key_ == Key::none) {
-        // A name that is far from all three may be one of the plant.
+        // A name that is not near to any of the three may be a name of the plant.
         std::string hint = text::didYouMean(name, {"t", "commands", "observations"});
         const std::uint32_t index = builder_.names().find(name);
         if (hint.empty() && index != Names::none) {

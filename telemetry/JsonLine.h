@@ -2,7 +2,7 @@
 //
 //     {"t": 12.5, "commands": {"XV-A": "open"}, "observations": {"FT-101": 0.02, "valveB.outflow": "zero"}}
 //
-// Every key may be missing. Without `t`, a step is one of the model's step lengths after the one before; the first one is at 0.
+// Every key may be missing. Without `t`, a step comes one step length of the model after the one before; the first one is at 0.
 #pragma once
 
 #include "telemetry/StepBuilder.h"
@@ -16,11 +16,11 @@ namespace telemetry {
 
 class JsonLineParser {
 public:
-    /// The builder outlives this.
+    /// Requires: the builder outlives this.
     explicit JsonLineParser(StepBuilder& builder);
 
-    /// The step of a line, or the first error in it, with which the builder remembers nothing of the line. The name of the file is left
-    /// to the caller. Linear in the line.
+    /// The step of a line, or the first error in it, in which the name of the file is left to the caller. Linear in the line.
+    /// Ensures: after an error the builder remembers nothing of the line.
     std::variant<Step, text::Diagnostic> parse(std::string_view line, std::size_t lineNumber);
 
 private:

@@ -39,7 +39,7 @@ LineReader::~LineReader()
     if (file_ != STDIN_FILENO) close(file_);
 }
 
-// One read: what is there, and not until the buffer is full.
+// Reads once, and takes what is there: it does not wait until the buffer is full.
 LineReader::Filled LineReader::fill()
 {
     if (atEnd_) return Filled::end;

@@ -44,7 +44,7 @@ private:
     std::vector<char> buffer_;
     std::size_t begin_ = 0; // of the bytes in the buffer that were not returned
     std::size_t end_ = 0;
-    std::size_t searched_ = 0; // of these, the first ones in which there is no line end
+    std::size_t searched_ = 0; // of these, so many at the beginning have no line end
     bool cutting_ = false;     // the beginning of a line that is too long is in `cut_`
     std::string cut_;
     bool atEnd_ = false;

@@ -1,4 +1,4 @@
-// The names under which telemetry speaks of a plant's variables: channels, and COMPONENT.VARIABLE.
+// The names of a plant's variables in telemetry: channels, and COMPONENT.VARIABLE.
 #pragma once
 
 #include "plant/Bindings.h"
@@ -35,11 +35,12 @@ struct Name {
     }
 };
 
-/// All names of a model. A name that is a channel means the channel, even if there is a variable of this name. A variable of a
+/// All names of a model. The name of a channel means the channel, even if there is a variable of this name. A variable of a
 /// part of a part has two names, `branch/valve.position` and `branch.valve.position`.
 class Names {
 public:
-    /// The model and the bindings outlive this, and the bindings are not changed. Linear in the variables.
+    /// Linear in the variables.
+    /// Requires: the model and the bindings outlive this, and the bindings are not changed.
     Names(const plant::Model& model, const plant::Bindings& bindings);
 
     /// First those that are observed, the bound ones in the order of the bindings and then the others in the model's order; then the
@@ -54,7 +55,8 @@ public:
     std::size_t size() const { return names_.size(); }
     static constexpr std::uint32_t none = UINT32_MAX;
 
-    /// Why a name does not stand for anything on that side. Linear in the names.
+    /// Why a name stands for nothing on that side. Linear in the names.
+    /// Requires: it stands for nothing there.
     text::Message unknown(std::string_view name, Side side) const;
     /// The same where both sides are meant.
     text::Message unknown(std::string_view name) const;

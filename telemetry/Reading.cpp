@@ -99,7 +99,7 @@ std::optional<double> parseNumber(std::string_view text)
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error == std::errc::invalid_argument || end != text.data() + text.size())
         return std::nullopt;
-    // Neither what is too large nor what is too near to zero gives a number here; strtod tells them apart.
+    // Numbers too large and numbers too near to zero both give this error; strtod distinguishes them.
     if (error == std::errc::result_out_of_range)
         number = std::strtod(std::string(text).c_str(), nullptr);
     return number;

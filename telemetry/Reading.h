@@ -18,8 +18,8 @@ struct Reading {
     std::string_view text; ///< as written, for a number too
 };
 
-/// A decimal number, `-1.5e-3`, in all of the text. One that is too large is infinite, and so are `inf` and `nan` what
-/// they say; hexadecimal ones are none.
+/// The decimal number, such as `-1.5e-3`, that the whole text is. One that is too large is infinite; `inf` and `nan` are read,
+/// hexadecimal numbers are not.
 std::optional<double> parseNumber(std::string_view text);
 
 /// The value, or null where the reading has no meaning. `last` is the value before, for the hysteresis; `byChannel`: the variable was
@@ -27,6 +27,7 @@ std::optional<double> parseNumber(std::string_view text);
 Atom* valueOf(const Variable& variable, bool byChannel, const Reading& reading, const Atom* last);
 
 /// Why the reading has no meaning; `name` is what the input calls the variable.
+/// Requires: valueOf() gave null for it.
 text::Message notAValue(const Variable& variable, std::string_view name, const Reading& reading);
 
 } // namespace telemetry

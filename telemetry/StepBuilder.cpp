@@ -51,7 +51,7 @@ std::optional<text::Message> StepBuilder::add(std::uint32_t name, std::string_vi
     return std::nullopt;
 }
 
-// Which value it is may depend on the last one; whether it is one does not.
+// Which value a reading stands for may depend on the last value; whether it stands for one does not.
 std::optional<text::Message> StepBuilder::check(std::uint32_t name, std::string_view text,
                                                 Side side, const Reading& reading) const
 {
@@ -63,7 +63,7 @@ std::optional<text::Message> StepBuilder::check(std::uint32_t name, std::string_
     return std::nullopt;
 }
 
-// The difference of two times is as inexact as the times are; readings each 0.2 s with `hold 0.2 s` have to be held.
+// The difference of two times is as inexact as the times are: readings that come every 0.2 s must be held by `hold 0.2 s`.
 bool StepBuilder::stillHolds(std::uint32_t variable, double t) const
 {
     const Last& last = last_[variable];

@@ -19,7 +19,7 @@ namespace telemetry {
 
 class StepBuilder {
 public:
-    /// The model and the bindings outlive this, and the bindings are not changed.
+    /// Requires: the model and the bindings outlive this, and the bindings are not changed.
     StepBuilder(const plant::Model& model, const plant::Bindings& bindings);
 
     const Names& names() const { return names_; }
@@ -34,7 +34,7 @@ public:
                                        const Reading& reading) const;
     /// Whether a step may have that time, finite and in seconds.
     bool timeIsLater(double t) const { return !time_ || t > *time_; }
-    /// The step of the draft, and begins a new one. Linear in the commands of the model, the channels that are held, and
+    /// Gives the step of the draft, and begins a new draft. Linear in the commands of the model, the channels that are held, and
     /// the readings (times their logarithm).
     Step finish(double t);
 
@@ -43,7 +43,7 @@ public:
 
     /// All but `lines`. Linear in the channels.
     ReaderState state() const;
-    /// Throws std::invalid_argument when the state has a variable or value that the model has not, or one that is not bound.
+    /// Throws std::invalid_argument when the state has a variable or value that the model does not have, or a variable that is not bound.
     void restore(const ReaderState& state);
 
 private:

@@ -37,7 +37,7 @@ StepReader::Next StepReader::mistake(text::Diagnostic error, bool endsReading)
     return Mistake{std::move(error), ended_};
 }
 
-// Looks at the first line. Nothing to return: it is known what the input is.
+// Finds out the format from the first line. Returns nothing when that is done, else what next() is to return.
 std::optional<StepReader::Next> StepReader::begin()
 {
     if (table_) return readHeader();
@@ -87,7 +87,7 @@ StepReader::Next StepReader::tooLong(std::string_view line, bool endsReading)
     return mistake(text::errorAt(what, {}, {lines_->lineNumber(), 1}, line, 1), endsReading);
 }
 
-// Passes over what was done with before the state that was restored.
+// Passes over the lines that were done with when the restored state was taken. Returns as begin() does.
 std::optional<StepReader::Next> StepReader::skip()
 {
     bool skipped = true;

@@ -34,7 +34,7 @@ public:
 
     /// The next step, or what is wrong in the input, or its end.
     /// Ensures: steps are numbered from 1, without gaps and with rising times; after a mistake the next step is what it would be
-    /// without the input that is in error. Throws ReadFailure when the input cannot be read.
+    /// without the piece of input that is in error. Throws ReadFailure when the input cannot be read.
     virtual std::variant<Step, Mistake, End> next() = 0;
 
     /// What is remembered after the last step that next() returned. A source that cannot go on from the middle gives an empty

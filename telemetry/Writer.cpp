@@ -25,7 +25,7 @@ std::string jsonReading(const Candidate& candidate)
     return number ? fmt::format("{}", *number) : text::jsonQuoted(std::get<std::string>(candidate));
 }
 
-// The number, and before it one with fewer digits.
+// Adds a rounded form of the number, and then the number itself.
 void addNumber(double number, std::vector<Candidate>& candidates)
 {
     if (const auto shorter = parseNumber(fmt::format("{:.6g}", number)))
@@ -53,7 +53,7 @@ void addNumbers(const ThresholdTable& table, std::vector<Candidate>& candidates)
     addNumber(last + distance(last, last - beforeLast), candidates);
 }
 
-// What could be read as a value of the binding's variable: numbers first, then mapped texts, then names.
+// Adds readings that may stand for a value of the binding's variable: numbers, mapped texts, then names of values.
 void addCandidates(const ChannelBinding& binding, std::vector<Candidate>& candidates)
 {
     if (const auto* thresholds = std::get_if<ThresholdTable>(&binding.translation))
@@ -97,7 +97,7 @@ StepWriter::StepWriter(const plant::Bindings& bindings)
     }
 }
 
-// The channel's reading that means the atom, as JSON; empty when there is none.
+// The reading of the channel that stands for the atom, as JSON; empty when there is none.
 const std::string& StepWriter::reading(const Binding& binding, const Atom* atom)
 {
     const auto [entry, isNew] = readings_.try_emplace(atom);
@@ -125,7 +125,7 @@ std::string StepWriter::sharedReading(const Channel& channel,
     return {};
 }
 
-// A channel of several variables is written once where one reading says all of their values; otherwise each variable is
+// A channel of several variables is written once where one reading stands for all of their values; otherwise each variable is
 // written under its own name.
 std::string StepWriter::object(const std::vector<Atom*>& atoms)
 {

@@ -17,10 +17,12 @@ namespace telemetry {
 /// also the channel of another one.
 class StepWriter {
 public:
-    /// The bindings outlive this, and are not changed. Linear in their number.
+    /// Linear in the number of bindings.
+    /// Requires: the bindings outlive this, and are not changed.
     explicit StepWriter(const plant::Bindings& bindings);
 
-    /// One line, ended by a newline. `t` is finite, in seconds; at most one atom of each variable, in the order in which they are to stand.
+    /// One line, ended by a newline. The atoms stand in the order in which they are given; `t` is in seconds.
+    /// Requires: `t` is finite; there is at most one atom of each variable.
     std::string line(double t, const std::vector<Atom*>& commands,
                      const std::vector<Atom*>& observations);
 

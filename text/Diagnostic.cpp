@@ -37,7 +37,7 @@ bool isInvisible(std::string_view character)
            character == "\uFEFF";
 }
 
-// Appends the character at the front of `text` as one that shows, and returns its bytes.
+// Appends the first character of `text`, made visible, and returns its length in bytes.
 std::size_t appendPrintable(std::string& out, std::string_view text)
 {
     const std::size_t length = utf8Length(text);

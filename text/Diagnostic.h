@@ -1,4 +1,4 @@
-// A mistake in a text that a person wrote, with its place: what every reader of the toolkit reports.
+// A mistake in a text that a person wrote, with its place. Every reader of the toolkit reports mistakes in this form.
 //
 //     c17.bench:12:23: signal 'G3gta' is not defined
 //       G10gat = nand(G1gat, G3gta)
@@ -13,7 +13,7 @@
 
 namespace text {
 
-/// Where an error is. Lines and columns count from 1; a column counts bytes, as compilers do.
+/// Where a mistake is. Lines and columns count from 1; a column counts bytes, as compilers do.
 struct Place {
     std::size_t line = 0;   ///< 0: the file as a whole
     std::size_t column = 0; ///< 0: the line as a whole
@@ -21,30 +21,31 @@ struct Place {
     friend auto operator<=>(const Place&, const Place&) = default;
 };
 
-/// What is wrong, before it is known where.
+/// What is wrong, without the place.
 struct Message {
     std::string message;  ///< what is wrong, and what was found; no full stop
-    std::string expected; ///< what may stand there instead; empty: nothing to say
-    std::string hint;     ///< what to do; empty: nothing to say
+    std::string expected; ///< what may stand there instead; may be empty
+    std::string hint;     ///< what to do about it; may be empty
 
-    /// The message, and a line for each of the others that is there; every line ends with a newline.
+    /// The message on a line, and a line each for what is expected and for the hint, if they are there. Every line ends with a
+    /// newline.
     std::string format() const;
 };
 
-/// One error in a file. An error may be about the file as a whole: then it has no line, and shows none.
+/// One error in a file. An error about the file as a whole has no line, and shows none.
 struct Diagnostic : Message {
     std::string file; ///< as the user named it
     Place place;
     std::string source;    ///< what is shown of the line: printable, and cut around a place far out
     std::size_t caret = 0; ///< characters of `source` before the mark
-    std::size_t marked = 0; ///< characters under the mark, 0: no mark
+    std::size_t marked = 0; ///< characters under the mark; 0: no mark
 
-    /// Takes from `line`, the whole line without its end, what is shown of it: up to `shownCharacters`
-    /// characters, with the mark under the `length` bytes from `place.column` on, as far as they are shown.
-    /// Linear in what is shown, not in the line.
+    /// Takes what is shown from `line`, the whole line without its end: up to `shownCharacters` characters, with the mark under
+    /// the `length` bytes from `place.column` on, as far as they are shown. Linear in what is shown, not in the line.
+    /// Requires: `place` is set.
     void quote(std::string_view line, std::size_t length);
 
-    /// The lines shown at the head of this file, each ended by a newline.
+    /// The lines of the example above, each ended by a newline.
     std::string format() const;
 
     static constexpr std::size_t shownCharacters = 100;
@@ -55,11 +56,11 @@ struct Diagnostic : Message {
 Diagnostic errorAt(Message message, std::string file, Place place, std::string_view line,
                    std::size_t length);
 
-/// The text in single quotes for a message: what is not printable as `?`, and a long one cut to 60 characters
-/// and `...`.
+/// The text in single quotes, for a message. What is not printable becomes `?`; a long text is cut to 60 characters and `...`.
 std::string quoted(std::string_view text);
 
-/// Length in bytes of the character that `text`, which is not empty, begins with; 0 when it is not UTF-8.
+/// Length in bytes of the character that `text` begins with; 0 when it is not UTF-8.
+/// Requires: `text` is not empty.
 std::size_t utf8Length(std::string_view text);
 
 } // namespace text

@@ -23,7 +23,7 @@ public:
     /// Where a diagnostic without a line stands among those of its file.
     enum class WholeFile { first, last };
 
-    /// From the `limit`th error on, further ones are only counted. Warnings have no limit.
+    /// Once there are `limit` errors, further ones are only counted. Warnings have no limit.
     explicit Diagnostics(std::size_t limit = unlimited, WholeFile wholeFile = WholeFile::first)
         : limit_(limit), wholeFile_(wholeFile)
     {

@@ -19,7 +19,8 @@ struct FileText {
 
 constexpr std::size_t anySize = std::numeric_limits<std::size_t>::max();
 
-/// Reads up to `mostBytes` bytes, and a few more of a longer file, so that it can be told from one that fits.
+/// Reads a file.
+/// Ensures: of one with more than `mostBytes` bytes there are more than `mostBytes`, but not all need be there.
 FileText readFile(const std::string& path, std::size_t mostBytes = anySize);
 
 /// A file could not be written. The message is `PATH: cannot be written: REASON`, where PATH is the file at which it failed and

@@ -37,7 +37,7 @@ Extent valueAfter(std::string_view line, std::size_t end)
 }
 
 // "... at line 1, column 9: syntax error while parsing value - invalid literal; last read: 'x'; expected ...", and for numbers
-// "... - invalid number; expected digit after '.'; last read: '1.x'". What was read last are bytes of the line, of any kind.
+// "... - invalid number; expected digit after '.'; last read: '1.x'". What was read last can be any bytes of the text.
 JsonMistake jsonMistake(std::string_view parserMessage)
 {
     constexpr std::string_view expects = "; expected ";

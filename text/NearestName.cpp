@@ -17,9 +17,9 @@ char lower(char letter)
 
 } // namespace
 
-// Dynamic programming over prefixes, three rows kept: distances of a prefix of a to the prefixes of b, of which
-// only those count whose length differs by no more than the limit. The values of two neighbouring rows bound all later
-// ones from below, so the search ends when they exceed the limit.
+// Dynamic programming over prefixes. A row has the distances of one prefix of a to the prefixes of b; only those prefixes count
+// whose lengths differ by no more than the limit. Three rows are kept, since a swap looks two rows back. The values of two
+// neighbouring rows bound all later ones from below, so the search ends when both exceed the limit.
 std::size_t editDistance(std::string_view a, std::string_view b, std::size_t limit)
 {
     const std::size_t difference = a.size() > b.size() ? a.size() - b.size() : b.size() - a.size();
@@ -58,7 +58,7 @@ std::string nearestName(std::string_view name, const std::vector<std::string_vie
 {
     constexpr std::size_t longest = 64;
     if (name.size() > longest) return {};
-    // Of a single letter nothing would be left: there only its case may differ.
+    // Nothing would be left of a single letter: only its case may differ.
     std::size_t limit = name.size() < 2 ? 0 : std::max<std::size_t>(name.size() / 3, 1);
     std::string_view best;
     for (const std::string_view candidate : known) {

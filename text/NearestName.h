@@ -8,14 +8,14 @@
 
 namespace text {
 
-/// The least number of characters to insert, delete, replace, or swap with their neighbour that makes `a` of
-/// `b`; letter case does not count. Where it is more than `limit`, `limit + 1`. Costs the product of the
-/// lengths (bytes) at most.
+/// The edit distance: the least number of insertions, deletions, replacements and swaps of neighbouring bytes that turn `b` into
+/// `a`. Letter case does not count.
+/// Ensures: a distance above `limit` is given as `limit + 1`. Costs the product of the lengths at most.
 std::size_t editDistance(std::string_view a, std::string_view b, std::size_t limit);
 
-/// Of `known`, the name nearest to `name`, the first of equally near ones: not `name` itself, and not farther
-/// than a third of its length, at least 1 (for a single letter, 0). Empty when there is none, or when `name`
-/// has more than 64 bytes.
+/// Of `known`, the name nearest to `name` by edit distance, and the first of equally near ones.
+/// Ensures: it is not `name` itself, and not farther than a third of its length, at least 1 (for a single letter, 0). Empty when
+/// there is none, or when `name` has more than 64 bytes.
 std::string nearestName(std::string_view name, const std::vector<std::string_view>& known);
 
 /// The hint `did you mean 'NAME'?` with the nearest of `known`; empty when there is none.

@@ -1,4 +1,4 @@
-// A text that a person wrote, with its name and its lines: what places in it are counted and shown by.
+// A text that a person wrote, with its name and its lines. It counts places in the text, and shows them.
 #pragma once
 
 #include "text/Diagnostic.h"
@@ -10,8 +10,8 @@
 
 namespace text {
 
-/// A piece of a text. Lines and columns count from 1, columns and the length count bytes. A node may go on over
-/// several lines; its length then counts the bytes of the line ends, too.
+/// A piece of a text. Lines and columns count from 1, columns and the length count bytes. A piece may extend
+/// over several lines; its length then includes the bytes of the line ends.
 struct Range {
     std::uint32_t file = 0; ///< the number of the text
     std::uint32_t line = 0;
@@ -19,7 +19,7 @@ struct Range {
     std::uint32_t length = 0;
 };
 
-/// The text of a file. A byte order mark at its front is taken off. A line ends with LF, CR LF or CR.
+/// The text of a file. A byte order mark at its beginning is removed. A line ends with LF, CR LF or CR.
 class SourceText {
 public:
     /// `name` as the user gave it, for messages; `number` is the `file` of every range in it.
@@ -34,10 +34,13 @@ public:
     std::string_view line(std::size_t number) const;
 
     /// The line and the column of a byte of the text, or of its end. Logarithmic in the number of lines.
+    /// Requires: `offset` is not beyond the end.
     Place place(std::size_t offset) const;
     /// The range of `length` bytes from `offset` on.
+    /// Requires: `offset` is not beyond the end.
     Range range(std::size_t offset, std::size_t length) const;
-    /// The bytes of a range of this text.
+    /// The bytes of a range.
+    /// Requires: the range is one of this text.
     std::string_view at(const Range& range) const;
 
     /// An error with the line and the mark under the range; a range of line 0 is the file as a whole.

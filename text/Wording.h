@@ -1,4 +1,4 @@
-// Numbers and lists in sentences.
+// Numbers and lists, as they stand in sentences.
 #pragma once
 
 #include <cstddef>
@@ -11,9 +11,9 @@ namespace text {
 
 /// A number as a message shows it: six digits, without an exponent where it reads well.
 std::string shown(double number);
-/// Digits in groups of three: 1234567 is "1,234,567".
+/// The digits in groups of three: 1234567 is "1,234,567".
 std::string grouped(std::uint64_t number);
-/// "1 gate", "2 gates".
+/// "1 gate", "2 gates", "1,000 gates". The plural of the noun takes an s.
 std::string counted(std::uint64_t number, std::string_view noun);
 /// What stands for the items that are left out of a long list of N.
 enum class Rest {

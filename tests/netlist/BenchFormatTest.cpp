@@ -1,4 +1,4 @@
-// What is read, and as what.
+// What a text in the format means.
 #include "netlist/BenchReader.h"
 #include "tests/netlist/Circuits.h"
 

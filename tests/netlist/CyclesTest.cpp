@@ -1,4 +1,4 @@
-// The order of gates and their cycles, on random circuits against what the words mean.
+// The order of gates and their cycles, on random circuits, checked against their definitions.
 #include "netlist/Cycles.h"
 #include "tests/reference/Random.h"
 

@@ -1,4 +1,4 @@
-// The circuits and problems of examples/circuits: they are read, and what the problems say of the circuits is so.
+// The circuits and problems of examples/circuits: they are read, and the answers given with the problems are right.
 #include "netlist/BenchReader.h"
 #include "netlist/CircuitModel.h"
 #include "tests/reference/Labellings.h"

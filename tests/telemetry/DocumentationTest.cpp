@@ -42,11 +42,11 @@ TEST(Documentation, OfTelemetryHasExamplesThatAreReadAsItSays)
         ASSERT_EQ(all[i + 1].kind, "steps") << "line " << all[i + 1].line;
         const TemporaryFile file(all[i].text);
         telemetry::StepReader reader(file.path(), *plant.model, plant.bindings, {.skipBad = true});
-        std::string told;
+        std::string reported;
         for (const std::string& each : readAll(reader)) {
-            told += each.starts_with(':') ? "example" + each : each + "\n";
+            reported += each.starts_with(':') ? "example" + each : each + "\n";
         }
-        EXPECT_EQ(told, all[i + 1].text) << "docs/telemetry.md, line " << all[i].line;
+        EXPECT_EQ(reported, all[i + 1].text) << "docs/telemetry.md, line " << all[i].line;
         ++examples;
     }
     EXPECT_EQ(all.size(), 2 * examples + 1);

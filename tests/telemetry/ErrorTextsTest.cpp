@@ -1,4 +1,4 @@
-// Each bad file in errors/ has a text beside it: all that is said about it, bad lines being left out. After a change that is meant
+// Each bad file in errors/ has a text beside it: all that is reported about it when bad lines are left out. After a change that is meant
 // to be one,
 //
 //     ITMS_REGENERATE=1 build/check/bin/itms_tests_telemetry --gtest_filter='*ErrorTexts*'
@@ -45,21 +45,21 @@ TEST_P(TelemetryErrorTexts, AreAsExpected)
     telemetry::ReadSettings settings;
     settings.skipBad = true;
     telemetry::StepReader reader(path.string(), *plant.model, plant.bindings, settings);
-    std::string told;
+    std::string reported;
     while (true) {
         auto next = reader.next();
         if (std::holds_alternative<telemetry::End>(next)) break;
         if (auto* mistake = std::get_if<telemetry::Mistake>(&next)) {
             mistake->error.file = path.filename().string();
-            told += mistake->error.format();
+            reported += mistake->error.format();
         }
     }
-    EXPECT_FALSE(told.empty());
+    EXPECT_FALSE(reported.empty());
     const fs::path expected = path.string() + ".txt";
     if (std::getenv("ITMS_REGENERATE")) {
-        std::ofstream(expected, std::ios::binary) << told;
+        std::ofstream(expected, std::ios::binary) << reported;
     }
-    EXPECT_EQ(contents(expected), told);
+    EXPECT_EQ(contents(expected), reported);
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, TelemetryErrorTexts, testing::ValuesIn(badFiles()),

@@ -1,4 +1,4 @@
-// Bytes to lines and cells: what the formats allow.
+// How bytes become lines and cells, as far as the formats allow.
 #include "tests/telemetry/Telemetry.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-// What a mistake does to the reading that follows it: nothing.
+// A mistake does not change how reading goes on.
 #include "tests/telemetry/Telemetry.h"
 
 #include <gmock/gmock.h>

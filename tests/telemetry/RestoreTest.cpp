@@ -1,4 +1,4 @@
-// What is remembered in the middle is enough for the rest.
+// The state of a reader in the middle is enough to read the rest.
 #include "tests/reference/Random.h"
 #include "tests/telemetry/Telemetry.h"
 

@@ -60,7 +60,7 @@ std::string nextShown(StepReader& reader)
     return step ? shown(*step) : "no step";
 }
 
-// The parts of a text, each but the first one written when a step was read; the times of the steps.
+// Writes the parts of a text, each but the first when a step was read, and expects these steps.
 void expectSteps(const std::vector<std::string>& parts, const std::vector<std::string>& steps)
 {
     const language::ReadResult plant = readPlant();

@@ -1,4 +1,4 @@
-// What steps are made of, whatever the format.
+// The contents of steps, whatever the format.
 #include "tests/telemetry/Telemetry.h"
 
 #include <gmock/gmock.h>

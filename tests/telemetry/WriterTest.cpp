@@ -1,4 +1,4 @@
-// What is written is read as what it was.
+// What is written is read back as the same.
 #include "telemetry/Writer.h"
 
 #include "tests/reference/Random.h"
