@@ -1,4 +1,5 @@
 // Reading model files: a chain of cells of growing length, from its text, and from its JSON, to the model.
+#include "language/Reader.h"
 #include "language/json/ModelJson.h"
 
 #include <benchmark/benchmark.h>

@@ -1,5 +1,6 @@
 // Feeds the reader of JSON models with any bytes. Whatever they are, it must come back with a model or with errors that can be
 // shown; a model that it accepts must be written as one that is read again, and written with the same bytes.
+#include "language/Reader.h"
 #include "language/json/ModelJson.h"
 
 #include <cstdint>

@@ -16,8 +16,10 @@
 
 namespace language {
 
-/// Reads the model in a file; one whose name ends with `.json` is read as JSON (ModelJson.h). Its base name is the path without the suffix, so that its implicates are read from the file
-/// beside it. Throws nothing but std::bad_alloc. Linear in the size of the text and of the plant.
+/// Reads the model in a file; one whose name ends with `.json` is read as JSON (ModelJson.h). Its base name is the path without the
+/// suffix, so that its implicates are read from the file beside it. Throws nothing but std::bad_alloc. Linear in the size of the
+/// text and of the plant.
+/// Ensures: there is a model or an error, unless no system is needed and there is none.
 ReadResult readModel(const std::string& path, const ReadOptions& options = {});
 
 /// The same for a text under the name `path`, from whose folder imports are read.

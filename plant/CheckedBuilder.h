@@ -72,8 +72,10 @@ public:
     std::size_t transitionCount() const { return transitionCount_; }
 
     /// Hands the bindings over.
+    /// Requires: nothing is bound afterwards.
     Bindings takeBindings() { return std::move(bindings_); }
-    /// Hands the model over. The builder is spent.
+    /// Hands the model over.
+    /// Ensures: the builder is spent.
     std::unique_ptr<Model> build() { return builder_.build(); }
 
 private:

@@ -23,8 +23,8 @@ struct ImplicateFile {
     std::vector<text::Diagnostic> warnings;
 };
 
-/// Checks the file BASE.pi of the model, BASE being its name. Nothing is found where there is none. Reports a hundred errors at
-/// most. Linear in the file and the model.
+/// Checks the file BASE.pi of the model, BASE being its name; a model without such a file is fine. Linear in the file and the model.
+/// Ensures: a hundred errors at most.
 ImplicateFile checkImplicates(const Model& model);
 
 } // namespace plant

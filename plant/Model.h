@@ -55,7 +55,8 @@ public:
     Model(const Model&) = delete;
     Model& operator=(const Model&) = delete;
 
-    /// Resets the registry (DataManager::reset) and enters this model in it, ready for itms::rtInit. Linear.
+    /// Resets the registry (DataManager::reset) and enters this model in it. Linear.
+    /// Ensures: the registry is ready for itms::rtInit.
     void activate();
 
     const std::string& name() const { return name_; }

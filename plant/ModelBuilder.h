@@ -1,4 +1,4 @@
-// The one way to make a model: every front end (circuits, model files) goes through this builder.
+// The one way to make the objects of a model.
 //
 //     ModelBuilder builder("pump");
 //     Comp* pump = builder.component("pump");
@@ -9,8 +9,8 @@
 //     std::unique_ptr<Model> model = builder.build();
 //
 // It makes identifiers, domain clauses, the lists that link atoms with clauses and transitions, and the list of
-// imported components; it checks nothing that a front end has to report with a place in a file. What it requires
-// of its caller is checked by assertion.
+// imported components; it checks nothing that has to be reported with a place in a file: that is CheckedBuilder, on top of it. What
+// it requires of its caller is checked by assertion.
 #pragma once
 
 #include "plant/Model.h"
@@ -37,11 +37,13 @@ public:
     /// `name` is the model's base name: its prime implicates are read from NAME.pi.
     explicit ModelBuilder(std::string name);
 
-    /// A component; the name must be new.
+    /// A component.
+    /// Requires: a new name.
     Comp* component(const std::string& name);
 
     /// A variable with one atom for each value, `COMPONENT.NAME=VALUE`, and the clauses that make exactly one of
     /// them hold: (v1 | v2 | ...) and (!vi | !vj) for each pair. `initial` is the index of the initial value.
+    /// Requires: a name that is new in the component, one value at least, and no value twice.
     StateVar* variable(Comp* component, const std::string& name, VariableKind kind,
                        const std::vector<ValueDeclaration>& values,
                        std::optional<std::size_t> initial = {});
@@ -65,7 +67,8 @@ public:
     /// Makes `imported` an imported component of `importer`, once; a component never imports itself.
     void import(Comp* importer, Comp* imported);
 
-    /// Hands the model over. The builder is spent.
+    /// Hands the model over.
+    /// Ensures: the builder is spent.
     std::unique_ptr<Model> build();
 
 private:

@@ -1,3 +1,5 @@
+// How many clauses distribution would make is counted first, for a formula and its negation at once: sums over conjunctions, products
+// over disjunctions. Then the clauses are made, with negations going down on the way.
 #include "plant/NormalForm.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// Each clause is watched by two of its literals: only when one of them becomes false is the clause looked at. A literal that follows
+// remembers its clause as its reason; a conflict blames the clauses behind it, and the search turns back to the last decision that
+// has not been tried the other way.
 #include "plant/Satisfiability.h"
 
 #include <algorithm>

@@ -1,8 +1,9 @@
 // Whether clauses can hold together, and if not, which of them are to blame.
 //
-// Depth-first search with unit propagation over two watched literals (Davis, Logemann, Loveland 1962; Moskewicz et al. 2001),
-// without learning: the laws of a plant mostly determine its conditions from its modes and inputs, so that propagation does
-// nearly all of the work. The search has a budget, and says "unknown" when that is used up.
+// Depth-first search with unit propagation over two watched literals ("A machine program for theorem-proving", Communications of
+// the ACM, 1962; "Engineering an efficient SAT solver", Design Automation Conference, 2001), without learning: the laws of a plant
+// mostly determine its conditions from its modes and inputs, so that propagation does nearly all of the work. The search has a
+// budget, and says "unknown" when that is used up.
 #pragma once
 
 #include <cstddef>
@@ -21,13 +22,17 @@ public:
     {
     }
 
-    /// `origin` says in cores where the clause is from.
+    /// Adds a clause. `origin` stands for it in cores.
+    /// Requires: literals of the variables that there are; solve() has not been called.
     void add(const std::vector<Literal>& literals, std::size_t origin);
 
-    /// To be called once.
+    /// Searches for values that satisfy all clauses.
+    /// Requires: it is called once.
+    /// Ensures: "unknown" only after `mostConflicts` conflicts.
     Answer solve(std::size_t mostConflicts);
 
-    /// After "unsatisfiable": the origins, each once and in order, of clauses that cannot hold together. Not the fewest.
+    /// The origins, each once and in order, of clauses that cannot hold together. Not the fewest.
+    /// Requires: solve() returned "unsatisfiable".
     std::vector<std::size_t> core() const;
 
 private:

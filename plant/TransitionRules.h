@@ -11,6 +11,12 @@ namespace plant {
 /// How far probabilities may be above 1 together.
 constexpr double probabilityTolerance = 1e-9;
 
+/// Whether a number can be a probability: from 0 to 1.
+constexpr bool isProbability(double number)
+{
+    return number >= 0 && number <= 1;
+}
+
 /// Whether some assignment makes all of these literals hold. Costs n log n.
 bool canHold(Conjunction guard);
 

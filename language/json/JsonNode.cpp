@@ -1,5 +1,6 @@
 #include "language/json/JsonNode.h"
 
+#include "plant/TransitionRules.h"
 #include "text/NearestName.h"
 #include "text/Wording.h"
 
@@ -156,7 +157,7 @@ std::optional<double> JsonNode::probability() const
 {
     if (value_.is_number()) {
         const auto number = value_.get<double>();
-        if (0 <= number && number <= 1) return number;
+        if (plant::isProbability(number)) return number;
     }
     errorOfKind("a probability: a number from 0 to 1");
     return std::nullopt;

@@ -1,5 +1,7 @@
 #include "language/json/ModelJson.h"
 
+#include "plant/Names.h"
+
 #include <nlohmann/json.hpp>
 
 namespace language {
@@ -11,11 +13,6 @@ using nlohmann::ordered_json;
 std::string dumped(const ordered_json& value)
 {
     return value.dump(-1, ' ', false, ordered_json::error_handler_t::replace);
-}
-
-std::string nameOf(const StateVar& variable)
-{
-    return variable.comp->name + "." + variable.name;
 }
 
 const char* kindOf(const StateVar& variable)
@@ -120,7 +117,7 @@ ordered_json jsonOf(const plant::ChannelBinding& channel)
     ordered_json made{
         {"kind", channel.kind == plant::ChannelBinding::Kind::command ? "command" : "observe"},
         {"channel", channel.channel},
-        {"variable", nameOf(*channel.variable)}};
+        {"variable", plant::nameOf(*channel.variable)}};
     if (const auto* thresholds = std::get_if<plant::ThresholdTable>(&channel.translation)) {
         made["thresholds"] = jsonOf(*thresholds);
     } else if (const auto* readings = std::get_if<plant::ReadingTable>(&channel.translation)) {

@@ -1,7 +1,11 @@
+// Instances first, from the system down: each gets its parameters and its parts, and the initial values that the parts around it
+// give. Then, in a second walk, their components and variables, so that names stand in the order of the plant. Laws, transitions
+// and bindings are made by others, who come through forEachMember().
 #include "language/meaning/Elaboration.h"
 
 #include "language/syntax/Words.h"
 #include "plant/BindingRules.h"
+#include "plant/TransitionRules.h"
 #include "text/Wording.h"
 
 #include <algorithm>
@@ -48,7 +52,7 @@ std::optional<double> probability(const syntax::Expression& expression,
                                   const Environment& environment, Report& report)
 {
     const std::optional<double> value = evaluate(expression, environment, report);
-    if (!value || (*value >= 0 && *value <= 1)) return value;
+    if (!value || plant::isProbability(*value)) return value;
     report.error(expression.range, "the probability is " + text::shown(*value),
                  "a number from 0 to 1",
                  *value >= 2 && *value <= 100

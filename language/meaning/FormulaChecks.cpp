@@ -1,7 +1,7 @@
 // Formulas: every comparison is one of a variable with a value, a set of values, or a variable of the same values.
 #include "language/meaning/TypeChecks.h"
 
-#include "text/Wording.h"
+#include "language/meaning/NameMistakes.h"
 
 #include <algorithm>
 
@@ -39,17 +39,12 @@ bool TypeChecks::checkComparison(const Formula& formula)
 bool TypeChecks::checkSameValues(const Formula& formula, const VariableType& left,
                                  const VariableType& right)
 {
-    std::vector<std::string_view> a = left.values;
-    std::vector<std::string_view> b = right.values;
-    std::sort(a.begin(), a.end());
-    std::sort(b.begin(), b.end());
-    if (a == b) return true;
-    report_.error(formula.range,
-                  text::quoted(left.syntax->name.text) + " and " +
-                      text::quoted(right.syntax->name.text) + " have different values",
-                  "two variables with the same values",
-                  left.syntax->name.text + ": " + text::enumerated(left.values) + "; " +
-                      right.syntax->name.text + ": " + text::enumerated(right.values));
+    const auto operand = [](const VariableType& variable) {
+        return Operand{variable.syntax->name.text, variable.syntax->name.text, variable.values};
+    };
+    auto what = differentValues(operand(left), operand(right));
+    if (!what) return true;
+    report_.at(formula.range).report(std::move(*what));
     return false;
 }
 

@@ -1,6 +1,7 @@
 #include "language/meaning/FormulaReader.h"
 
 #include "language/meaning/FormulaTranslator.h"
+#include "language/meaning/NameMistakes.h"
 #include "language/meaning/PlantPaths.h"
 #include "language/meaning/Types.h"
 #include "language/syntax/Parser.h"
@@ -82,16 +83,11 @@ private:
 
     void checkSameValues(const syntax::Formula& formula, const StateVar& left, const StateVar& right)
     {
-        std::vector<std::string_view> a = plant::valuesOf(left);
-        std::vector<std::string_view> b = plant::valuesOf(right);
-        std::sort(a.begin(), a.end());
-        std::sort(b.begin(), b.end());
-        if (a == b) return;
-        report_.error(formula.range,
-                      quotedName(left) + " and " + quotedName(right) + " have different values",
-                      "two variables with the same values",
-                      quotedName(left) + ": " + text::enumerated(plant::valuesOf(left)) + "; " +
-                          quotedName(right) + ": " + text::enumerated(plant::valuesOf(right)));
+        const auto operand = [](const StateVar& variable) {
+            return Operand{plant::nameOf(variable), quotedName(variable), plant::valuesOf(variable)};
+        };
+        auto what = differentValues(operand(left), operand(right));
+        if (what) report_.at(formula.range).report(std::move(*what));
     }
 
     const PlantPaths& names_;

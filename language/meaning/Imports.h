@@ -8,6 +8,7 @@
 #include "language/syntax/Parser.h"
 
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 namespace language {

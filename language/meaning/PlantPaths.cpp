@@ -1,5 +1,6 @@
 #include "language/meaning/PlantPaths.h"
 
+#include "language/meaning/NameMistakes.h"
 #include "language/meaning/Numbers.h"
 #include "plant/Names.h"
 #include "text/NearestName.h"
@@ -80,9 +81,7 @@ StateVar* PlantPaths::find(const syntax::Path& path, Report& report) const
     }
     if (variable) return variable;
     if (const Part* part = step(*here, last, owner, report)) {
-        report.error(path.range, text::quoted(last.name.text) + " is a part, not a variable",
-                     "a variable of it: " + last.name.text + ". and " +
-                         text::enumerated(namesIn(*part)));
+        report.at(path.range).report(partForVariable(last.name.text, namesIn(*part)));
     }
     return nullptr;
 }
@@ -93,8 +92,7 @@ const PlantPaths::Part* PlantPaths::step(const Part& from, const syntax::Segment
     const std::string& name = segment.name.text;
     const auto array = from.counts.find(name);
     if (array != from.counts.end() && !segment.index) {
-        report.error(segment.name.range, text::quoted(name) + " is an array of parts",
-                     "one of them: " + name + "[0], ...");
+        report.at(segment.name.range).report(arrayWithoutIndex(name));
         return nullptr;
     }
     if (array != from.counts.end()) return element(from, segment, array->second, report);
@@ -104,8 +102,7 @@ const PlantPaths::Part* PlantPaths::step(const Part& from, const syntax::Segment
         return nullptr;
     }
     if (segment.index) {
-        report.error(segment.name.range, text::quoted(name) + " is not an array of parts",
-                     name + " without an index");
+        report.at(segment.name.range).report(indexWithoutArray(name));
         return nullptr;
     }
     return part->second.get();
@@ -131,23 +128,20 @@ void PlantPaths::reportUnknown(const Part& from, const syntax::Segment& segment,
                                const std::string& owner, Report& report) const
 {
     const std::string& name = segment.name.text;
-    const std::vector<std::string_view> known = namesIn(from);
-    std::string hint = text::didYouMean(name, known);
-    if (hint.empty() && from.component) {
+    text::Message what = unknownVariable(
+        name,
+        owner.empty() ? text::quoted(name) + " is not known in " +
+                            (system_.empty() ? "the model" : text::quoted(system_))
+                      : text::quoted(owner) + " has no variable or part " + text::quoted(name),
+        namesIn(from));
+    if (what.hint.empty() && from.component) {
         for (const StateVar* variable : *from.component->stateVars) {
-            if (plant::value(variable, name)) {
-                hint = "it is a value of " + text::quoted(variable->name) + ": write " +
-                       variable->name + " = " + name;
-                break;
-            }
+            if (!plant::value(variable, name)) continue;
+            what.hint = valueInPlaceOf(variable->name, name);
+            break;
         }
     }
-    report.error(segment.name.range,
-                 owner.empty()
-                     ? text::quoted(name) + " is not known in " +
-                           (system_.empty() ? "the model" : text::quoted(system_))
-                     : text::quoted(owner) + " has no variable or part " + text::quoted(name),
-                 "a variable or part: " + text::enumerated(known), hint);
+    report.at(segment.name.range).report(std::move(what));
 }
 
 std::vector<std::string_view> PlantPaths::namesIn(const Part& part)

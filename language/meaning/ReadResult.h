@@ -18,7 +18,7 @@ struct ReadOptions {
         searchPath; ///< folders where imports are looked for, after the importing file's own
     syntax::Limits syntax;
     ExpansionLimits expansion;
-    std::size_t mostErrors = 100; ///< that are told of one model
+    std::size_t mostErrors = 100; ///< that are reported of one model
     bool systemNeeded = true;     ///< false: a file of components alone is fine; it has no model
 };
 

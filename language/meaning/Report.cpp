@@ -6,26 +6,9 @@ namespace language {
 
 namespace {
 
-std::string keyOf(const text::Range& at, const std::string& message)
-{
-    return std::to_string(at.file) + ":" + std::to_string(at.line) + ":" +
-           std::to_string(at.column) + ":" + message;
-}
-
 text::Range rangeOf(const plant::PlaceKey& key)
 {
     return {key[0], key[1], key[2], key[3]};
-}
-
-std::vector<text::Diagnostic> listed(
-    std::multimap<std::tuple<std::uint32_t, std::size_t, std::size_t>, text::Diagnostic>& byPlace)
-{
-    std::vector<text::Diagnostic> list;
-    for (auto& [place, error] : byPlace) {
-        list.push_back(std::move(error));
-    }
-    byPlace.clear();
-    return list;
 }
 
 } // namespace
@@ -34,23 +17,15 @@ void Report::error(const text::Range& at, std::string message, std::string expec
                    std::string hint)
 {
     // One mistake at one place is one error, whatever instance it was found in.
-    if (!told_.insert(keyOf(at, "")).second) return;
-    take(at.file,
-         sources_[at.file]->error(at, std::move(message), std::move(expected), std::move(hint)));
+    if (!gathered_.isFirstAt(at.file, {at.line, at.column})) return;
+    gathered_.error(at.file, sources_[at.file]->error(at, std::move(message), std::move(expected),
+                                                      std::move(hint)));
 }
 
 void Report::warning(const text::Range& at, std::string message, std::string hint)
 {
-    if (!told_.insert(keyOf(at, message)).second) return;
-    warnings_.insert({Key{at.file, at.line, at.column},
-                      sources_[at.file]->error(at, std::move(message), {}, std::move(hint))});
-}
-
-void Report::take(std::uint32_t file, text::Diagnostic error)
-{
-    if (++errorCount_ > limit_) return;
-    const Key key{file, error.place.line, error.place.column};
-    errors_.insert({key, std::move(error)});
+    gathered_.warning(at.file,
+                      sources_[at.file]->error(at, std::move(message), {}, std::move(hint)));
 }
 
 void Report::report(const plant::PlaceKey& at, text::Message what)
@@ -60,7 +35,9 @@ void Report::report(const plant::PlaceKey& at, text::Message what)
 
 std::string Report::reference(const plant::PlaceKey& to, const plant::PlaceKey& from) const
 {
-    return where(rangeOf(to), rangeOf(from));
+    const std::string line = std::to_string(to[1]);
+    if (to[0] == from[0]) return "line " + line;
+    return sources_[to[0]]->name() + ":" + line;
 }
 
 const plant::Words& Report::words() const
@@ -79,27 +56,15 @@ const plant::Words& Report::words() const
     return words;
 }
 
-std::string Report::where(const text::Range& range, const text::Range& seenFrom) const
-{
-    const std::string line = std::to_string(range.line);
-    if (range.file == seenFrom.file) return "line " + line;
-    return sources_[range.file]->name() + ":" + line;
-}
-
 std::vector<text::Diagnostic> Report::errors()
 {
-    std::vector<text::Diagnostic> list = listed(errors_);
-    if (errorCount_ > limit_) {
+    std::vector<text::Diagnostic> list = gathered_.takeErrors();
+    if (gathered_.notShown() > 0) {
         text::Diagnostic& rest = list.emplace_back();
         rest.file = sources_.empty() ? "" : sources_.front()->name();
-        rest.message = std::to_string(errorCount_ - limit_) + " more errors are not shown";
+        rest.message = std::to_string(gathered_.notShown()) + " more errors are not shown";
     }
     return list;
-}
-
-std::vector<text::Diagnostic> Report::warnings()
-{
-    return listed(warnings_);
 }
 
 } // namespace language

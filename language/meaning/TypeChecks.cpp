@@ -1,5 +1,6 @@
 #include "language/meaning/TypeChecks.h"
 
+#include "language/meaning/NameMistakes.h"
 #include "language/meaning/Numbers.h"
 #include "plant/Names.h"
 #include "text/NearestName.h"
@@ -218,9 +219,7 @@ TypeChecks::Resolved TypeChecks::resolve(ComponentType& within, const Path& path
         part.mentioned = true;
         if (!part.type || !checkIndex(part, segment)) return {};
         if (last) {
-            report_.error(path.range, text::quoted(segment.name.text) + " is a part, not a variable",
-                          "a variable of it: " + segment.name.text + ". and " +
-                              text::enumerated(namesIn(*part.type)));
+            report_.at(path.range).report(partForVariable(segment.name.text, namesIn(*part.type)));
             return {};
         }
         here = part.type;
@@ -231,39 +230,27 @@ TypeChecks::Resolved TypeChecks::resolve(ComponentType& within, const Path& path
 bool TypeChecks::checkIndex(const PartType& part, const Segment& segment)
 {
     if (part.syntax->count.has_value() == segment.index.has_value()) return true;
-    if (segment.index) {
-        report_.error(segment.name.range,
-                      text::quoted(segment.name.text) + " is not an array of parts",
-                      segment.name.text + " without an index");
-    } else {
-        report_.error(segment.name.range, text::quoted(segment.name.text) + " is an array of parts",
-                      "one of them: " + segment.name.text + "[0], ...");
-    }
+    const std::string& name = segment.name.text;
+    report_.at(segment.name.range)
+        .report(segment.index ? indexWithoutArray(name) : arrayWithoutIndex(name));
     return false;
 }
 
 bool TypeChecks::reportUnknown(const ComponentType& within, const Segment& segment, bool first)
 {
-    const std::vector<std::string_view> known = namesIn(within);
-    std::string hint = text::didYouMean(segment.name.text, known);
-    if (files_.unreadWords.contains(segment.name.text) || (files_.unread && hint.empty())) {
-        return false;
-    }
-    // A value on the left side of a comparison.
+    const std::string& name = segment.name.text;
+    text::Message what = unknownVariable(
+        name,
+        first ? text::quoted(name) + " is not known in " + text::quoted(within.name)
+              : text::quoted(within.name) + " has no variable or part " + text::quoted(name),
+        namesIn(within));
+    if (files_.unreadWords.contains(name) || (files_.unread && what.hint.empty())) return false;
     for (const VariableType& variable : within.variables) {
-        if (hint.empty() && variable.indexOf(segment.name.text)) {
-            hint = "it is a value of " + text::quoted(variable.syntax->name.text) + ": write " +
-                   variable.syntax->name.text + " = " + segment.name.text;
+        if (what.hint.empty() && variable.indexOf(name)) {
+            what.hint = valueInPlaceOf(variable.syntax->name.text, name);
         }
     }
-    report_.error(segment.name.range,
-                  first ? text::quoted(segment.name.text) + " is not known in " +
-                              text::quoted(within.name)
-                        : text::quoted(within.name) + " has no variable or part " +
-                              text::quoted(segment.name.text),
-                  known.empty() ? "a variable or part; there is none"
-                                : "a variable or part: " + text::enumerated(known),
-                  hint);
+    report_.at(segment.name.range).report(std::move(what));
     return false;
 }
 

@@ -1,4 +1,4 @@
-// What can be told to be wrong from the types alone: names, values, kinds, duplicates. Numbers are checked when parts are made
+// What can be found wrong from the types alone: names, values, kinds, duplicates. Numbers are checked when parts are made
 // (Elaboration.h), since they depend on the parameters.
 #pragma once
 

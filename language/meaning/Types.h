@@ -28,7 +28,7 @@ struct VariableType {
 
     std::vector<std::size_t> declared; ///< for each value, its place in syntax->values
     std::vector<bool> beginning;       ///< for each value, whether an instance begins with it
-    bool lacksInitial = false;         ///< told already
+    bool lacksInitial = false;         ///< reported already
 };
 
 struct ComponentType;

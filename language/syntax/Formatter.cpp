@@ -2,6 +2,7 @@
 
 #include "language/syntax/Layout.h"
 #include "language/syntax/Parser.h"
+#include "language/syntax/Spacing.h"
 #include "language/syntax/Token.h"
 
 #include <algorithm>
@@ -12,73 +13,6 @@ namespace language {
 namespace {
 
 using namespace syntax;
-
-bool endsOperand(TokenKind kind)
-{
-    return kind == TokenKind::name || kind == TokenKind::number ||
-           kind == TokenKind::closeParenthesis || kind == TokenKind::closeBracket;
-}
-
-// How the tokens of a statement are separated.
-struct Spacing {
-    bool colonStandsFree = false; ///< ` : ` instead of `: `
-    std::size_t tightColons = 0;  ///< so many first ones do not: those of loops
-
-    std::size_t brackets = 0; ///< open `[`
-    bool inSet = false;       ///< within the braces of `in {...}`
-    bool unary = false;       ///< the last token was a sign of a number
-    TokenKind last = TokenKind::end;
-
-    /// Whether a blank stands before the token; notes the token.
-    bool before(TokenKind kind)
-    {
-        const bool blank = last != TokenKind::end && wants(kind);
-        unary = kind == TokenKind::minus && !endsOperand(last);
-        if (kind == TokenKind::openBrace && last == TokenKind::inWord) inSet = true;
-        if (kind == TokenKind::closeBrace) inSet = false;
-        if (kind == TokenKind::colon && tightColons > 0) --tightColons;
-        if (kind == TokenKind::openBracket) ++brackets;
-        if (kind == TokenKind::closeBracket && brackets > 0) --brackets;
-        last = kind;
-        return blank;
-    }
-
-private:
-    bool wants(TokenKind kind) const
-    {
-        switch (last) {
-        case TokenKind::openParenthesis:
-        case TokenKind::openBracket:
-        case TokenKind::dot:
-        case TokenKind::dots:
-        case TokenKind::exclamation: return false;
-        case TokenKind::openBrace:
-            if (inSet) return false;
-            break;
-        default: break;
-        }
-        if (unary) return false;
-        switch (kind) {
-        case TokenKind::comma:
-        case TokenKind::closeParenthesis:
-        case TokenKind::openBracket:
-        case TokenKind::closeBracket:
-        case TokenKind::dot:
-        case TokenKind::dots: return false;
-        case TokenKind::closeBrace: return !inSet;
-        case TokenKind::colon: return colonStandsFree && tightColons == 0;
-        case TokenKind::openParenthesis: return last != TokenKind::name;
-        case TokenKind::plus:
-        case TokenKind::minus:
-        case TokenKind::star:
-        case TokenKind::slash: return brackets == 0 || !endsOperand(last);
-        default: break;
-        }
-        const bool sign = last == TokenKind::plus || last == TokenKind::minus ||
-                          last == TokenKind::star || last == TokenKind::slash;
-        return !(sign && brackets > 0);
-    }
-};
 
 // Where the cells of a statement begin, its first one aside.
 using Starts = std::set<std::size_t>;

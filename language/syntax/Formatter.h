@@ -7,10 +7,9 @@
 // - A statement begins on a line of its own, four columns to the right of the block around it. What its author broke into
 //   several lines stays broken there, eight columns to the right.
 // - In neighbouring lines of one kind what corresponds stands in one column; so do their comments.
-// - Blank lines stay, one where there were several, none at the begin and the end of a block.
+// - Blank lines stay, one where there were several, none at the beginning and the end of a block.
 // - Comments stay as they are: on a line of their own, behind a statement, or within one.
 // - A block of values or of initial values that was written on one line stays on one line.
-// Formatting what is formatted changes nothing, and the syntax tree is the same afterwards.
 #pragma once
 
 #include "language/syntax/Syntax.h"
@@ -27,6 +26,7 @@ struct Formatted {
 };
 
 /// Lays a file out. Linear.
+/// Ensures: formatting the text again gives the same text, and its syntax tree is that of the source.
 Formatted format(const text::SourceText& source, const syntax::Limits& limits = {});
 
 } // namespace language

@@ -86,7 +86,7 @@ struct block_value_token : Leaf {
     }
 };
 
-/// The same elsewhere: there a word at the begin of a line begins a statement, unless the line before cannot end so.
+/// The same elsewhere: there a word at the beginning of a line begins a statement, unless the line before cannot end so.
 struct value_token : Leaf {
     using rule_t = value_token;
     static bool match(TokenInput& in)

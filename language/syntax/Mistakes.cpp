@@ -1,7 +1,10 @@
+// A message is made of the farthest token that was looked at and of what was tried there in vain. Then the statement is passed over:
+// indentation, braces and the words that begin statements tell where the next one begins.
 #include "language/syntax/Mistakes.h"
 
 #include "language/syntax/Words.h"
 #include "text/NearestName.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <iterator>
@@ -97,12 +100,7 @@ std::string listed(const Expectations& expectations)
         const std::string item = isToken ? "'" + std::string(what) + "'" : std::string(what);
         if (std::find(items.begin(), items.end(), item) == items.end()) items.push_back(item);
     }
-    std::string text;
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        if (i > 0) text += i + 1 == items.size() ? " or " : ", ";
-        text += items[i];
-    }
-    return text;
+    return text::alternatives(items);
 }
 
 bool isExpected(const Expectations& expectations, TokenKind kind)

@@ -1,4 +1,4 @@
-// What the parser does about mistakes: tells them, and finds the place to go on from.
+// What the parser does about mistakes: reports them, and finds the place to go on from.
 #pragma once
 
 #include "language/syntax/TokenInput.h"

@@ -18,12 +18,12 @@
 namespace language {
 
 struct ParsedFile {
-    syntax::File file; ///< without the statements that have a mistake
-    std::vector<text::Diagnostic>
-        errors; ///< in the order of their places; the tree is whole when there is none
+    syntax::File file;                    ///< without the statements that have a mistake
+    std::vector<text::Diagnostic> errors; ///< in the order of their places
 };
 
-/// Reads a model file. Never throws but std::bad_alloc, whatever the bytes.
+/// Reads a model file, whatever its bytes are. Throws nothing but std::bad_alloc.
+/// Ensures: the tree is whole when there are no errors.
 ParsedFile parse(const text::SourceText& source, const syntax::Limits& limits = {});
 
 struct ParsedFormula {

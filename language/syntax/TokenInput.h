@@ -16,7 +16,7 @@
 
 namespace language {
 
-/// Thrown at a mistake and caught where the statement began. Without a message, it is told by what was expected.
+/// Thrown at a mistake and caught where the statement began. Without a message, what was expected is reported.
 struct Mistake {
     const Token* at = nullptr; ///< null: the farthest token that was looked at
     std::string message = {};
@@ -31,8 +31,8 @@ class TokenInput;
 class Recovery {
 public:
     virtual ~Recovery() = default;
-    /// `begin` is the first token of the statement, `blocks` the number of braces that were open there. Moves the input on, by
-    /// at least one token.
+    /// `begin` is the first token of the statement, `blocks` the number of braces that were open there.
+    /// Ensures: the input has moved on by at least one token.
     virtual void recover(TokenInput& in, const Token* begin, std::size_t blocks,
                          const Mistake& mistake) = 0;
 };
@@ -65,7 +65,7 @@ public:
     }
 
     const Token& front() const { return *current_; }
-    /// The next but `n`, at most the end.
+    /// The token `n` after the next one, at most the end.
     const Token& peek(std::size_t n) const
     {
         const Token* token = current_;
@@ -130,7 +130,7 @@ public:
     bool isFirst(const Token* token) const { return token == begin_; }
     const Token* farthest() const { return farthest_; }
     const std::vector<Expectation>& expected() const { return expected_; }
-    /// Goes on at a token, what was expected forgotten.
+    /// Goes on at a token and forgets what was expected.
     void restart(const Token* at)
     {
         current_ = farthest_ = at;

@@ -12,7 +12,7 @@ struct Example {
     std::size_t line = 0;
     std::string name;
     std::string text;
-    std::optional<std::string> told;
+    std::optional<std::string> reported;
 };
 
 std::vector<Example> examples()
@@ -26,7 +26,7 @@ std::vector<Example> examples()
     while (std::getline(in, line)) {
         ++number;
         if (block && line == "```") {
-            justEnded = block != (found.back().told ? &*found.back().told : nullptr);
+            justEnded = block != (found.back().reported ? &*found.back().reported : nullptr);
             block = nullptr;
         } else if (block) {
             *block += line + "\n";
@@ -34,7 +34,7 @@ std::vector<Example> examples()
             found.push_back({number, "example." + line.substr(3), {}, {}});
             block = &found.back().text;
         } else if (line == "```text" && justEnded) {
-            block = &found.back().told.emplace();
+            block = &found.back().reported.emplace();
         } else if (!line.empty()) {
             justEnded = false;
         }
@@ -50,12 +50,13 @@ TEST(Documentation, HasExamplesThatAreReadAsItSays)
         options.systemNeeded = false;
         const language::ReadResult result =
             language::readModelText(example.name, example.text, options);
-        std::string told;
+        std::string reported;
         for (const text::Diagnostic& error : result.errors) {
-            told += error.format();
+            reported += error.format();
         }
-        EXPECT_EQ(told, example.told.value_or("")) << "docs/language.md, line " << example.line;
-        wrong += example.told ? 1 : 0;
+        EXPECT_EQ(reported, example.reported.value_or(""))
+            << "docs/language.md, line " << example.line;
+        wrong += example.reported ? 1 : 0;
     }
     EXPECT_GE(examples().size(), 4U);
     EXPECT_GE(wrong, 1U);

@@ -22,17 +22,17 @@ class SyntaxErrorTexts : public testing::TestWithParam<fs::path> {};
 TEST_P(SyntaxErrorTexts, AreAsExpected)
 {
     const fs::path path = GetParam();
-    std::string told;
+    std::string reported;
     for (const text::Diagnostic& error :
          language::parse(text::SourceText(path.filename().string(), contents(path))).errors) {
-        told += error.format();
+        reported += error.format();
     }
-    EXPECT_FALSE(told.empty());
+    EXPECT_FALSE(reported.empty());
     const fs::path expected = fs::path(path).replace_extension(".txt");
     if (std::getenv("ITMS_REGENERATE")) {
-        std::ofstream(expected, std::ios::binary) << told;
+        std::ofstream(expected, std::ios::binary) << reported;
     }
-    EXPECT_EQ(contents(expected), told);
+    EXPECT_EQ(contents(expected), reported);
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, SyntaxErrorTexts, testing::ValuesIn(filesOf(folder, ".itms")),

@@ -27,7 +27,7 @@ language::ReadResult readBad(const fs::path& path)
                                    options);
 }
 
-std::string told(const language::ReadResult& result)
+std::string reported(const language::ReadResult& result)
 {
     std::string text;
     for (const text::Diagnostic& error : result.errors) {
@@ -43,10 +43,10 @@ TEST_P(SemanticErrorTexts, AreAsExpected)
     const language::ReadResult result = readBad(GetParam());
     const fs::path expected = fs::path(GetParam()).replace_extension(".txt");
     if (std::getenv("ITMS_REGENERATE")) {
-        std::ofstream(expected, std::ios::binary) << told(result);
+        std::ofstream(expected, std::ios::binary) << reported(result);
     }
     EXPECT_FALSE(result.errors.empty());
-    EXPECT_EQ(contents(expected), told(result));
+    EXPECT_EQ(contents(expected), reported(result));
 }
 
 TEST_P(SemanticErrorTexts, ComeWithoutAModel)

@@ -48,7 +48,7 @@ protected:
         std::ofstream(folder_ / "room.pi") << text;
     }
 
-    std::vector<std::string> told(const std::vector<text::Diagnostic>& errors) const
+    std::vector<std::string> reported(const std::vector<text::Diagnostic>& errors) const
     {
         std::vector<std::string> texts;
         for (const text::Diagnostic& error : errors) {
@@ -115,7 +115,7 @@ TEST_F(ActiveModelTest, NamesAllUnknownAtomsOfAFileAndReadsNoneOfIt)
     ActiveModel active(*read_.model);
     EXPECT_EQ(active.engine().piTable, nullptr);
     EXPECT_THAT(
-        told(active.implicates().errors),
+        reported(active.implicates().errors),
         ElementsAre("room.pi:1:15: the model has no atom 'lamp.state=goood'\n"
                     "  lamp.light=on:lamp.state=goood\n"
                     "                ^~~~~~~~~~~~~~~~\n"
@@ -131,7 +131,7 @@ TEST_F(ActiveModelTest, WarnsOfALineThatTheEngineDoesNotRead)
     writeImplicates("lamp.light=on:lamp.state=good");
     ActiveModel active(*read_.model);
     EXPECT_EQ(active.implicates().heads, 0U);
-    EXPECT_THAT(told(active.implicates().warnings),
+    EXPECT_THAT(reported(active.implicates().warnings),
                 ElementsAre(testing::StartsWith("room.pi:1:1: the last line is not read")));
 }
 

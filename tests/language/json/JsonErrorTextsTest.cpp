@@ -23,7 +23,7 @@ language::ReadResult readBad(const fs::path& path)
     return language::readModelText((fs::path(folder) / path.filename()).string(), contents(path));
 }
 
-std::string told(const language::ReadResult& result)
+std::string reported(const language::ReadResult& result)
 {
     std::string text;
     for (const text::Diagnostic& error : result.errors) {
@@ -39,10 +39,10 @@ TEST_P(JsonErrorTexts, AreAsExpected)
     const language::ReadResult result = readBad(GetParam());
     const fs::path expected = fs::path(GetParam()).replace_extension(".txt");
     if (std::getenv("ITMS_REGENERATE")) {
-        std::ofstream(expected, std::ios::binary) << told(result);
+        std::ofstream(expected, std::ios::binary) << reported(result);
     }
     EXPECT_FALSE(result.errors.empty());
-    EXPECT_EQ(contents(expected), told(result));
+    EXPECT_EQ(contents(expected), reported(result));
 }
 
 TEST_P(JsonErrorTexts, ComeWithoutAModel)

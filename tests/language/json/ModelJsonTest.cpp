@@ -26,7 +26,7 @@ std::string contents(const fs::path& path)
     return text.str();
 }
 
-std::string told(const ReadResult& read)
+std::string reported(const ReadResult& read)
 {
     std::string text;
     for (const text::Diagnostic& error : read.errors) {
@@ -38,14 +38,14 @@ std::string told(const ReadResult& read)
 ReadResult readText(const std::string& text)
 {
     ReadResult read = language::readModelText("plants/test.itms", text);
-    EXPECT_EQ(told(read), "");
+    EXPECT_EQ(reported(read), "");
     return read;
 }
 
 ReadResult readJson(const std::string& json)
 {
     ReadResult read = language::readModelText("else/where.json", json);
-    EXPECT_EQ(told(read), "");
+    EXPECT_EQ(reported(read), "");
     return read;
 }
 
@@ -211,7 +211,7 @@ TEST(ModelJson, StopsCountingErrorsWhenThereAreMany)
 TEST(ModelJson, IsReadHoweverDeepItIs)
 {
     const std::string deep = std::string(100000, '[') + std::string(100000, ']');
-    EXPECT_THAT(told(language::readModelText("deep.json", deep)), HasSubstr("found an array"));
+    EXPECT_THAT(reported(language::readModelText("deep.json", deep)), HasSubstr("found an array"));
 }
 
 } // namespace

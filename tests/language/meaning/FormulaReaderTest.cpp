@@ -153,7 +153,7 @@ TEST_F(FormulaReader, RefusesAFormulaOfTooManyClauses)
 
 // ---- what is said
 
-std::string told(const language::ReadResult& model, const std::string& formula)
+std::string reported(const language::ReadResult& model, const std::string& formula)
 {
     std::string text = "? " + formula + "\n";
     for (const text::Diagnostic& error :
@@ -206,7 +206,7 @@ TEST(FormulaErrorTexts, AreAsExpected)
     ASSERT_TRUE(model.model);
     std::string text;
     for (const std::string& formula : formulas) {
-        text += told(model, formula);
+        text += reported(model, formula);
     }
     const std::string path = std::string(ITMS_ROOT) + "/tests/language/errors/formulas.txt";
     if (std::getenv("ITMS_REGENERATE")) std::ofstream(path, std::ios::binary) << text;

@@ -13,11 +13,11 @@ using text::SourceText;
 std::string formatted(const std::string& text)
 {
     const language::Formatted result = language::format(SourceText("model.itms", text));
-    std::string told;
+    std::string reported;
     for (const auto& error : result.errors) {
-        told += error.format();
+        reported += error.format();
     }
-    return told.empty() ? result.text : told;
+    return reported.empty() ? result.text : reported;
 }
 
 std::string tree(const std::string& text)

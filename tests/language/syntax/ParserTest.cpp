@@ -11,11 +11,11 @@ using text::SourceText;
 std::string tree(const std::string& text)
 {
     const language::ParsedFile parsed = language::parse(SourceText("model.itms", text));
-    std::string told;
+    std::string reported;
     for (const auto& error : parsed.errors) {
-        told += error.format();
+        reported += error.format();
     }
-    return told.empty() ? language::syntaxText(parsed.file) : told;
+    return reported.empty() ? language::syntaxText(parsed.file) : reported;
 }
 
 // The tree of a statement in a component, or in a system.

@@ -1,4 +1,4 @@
-// After a mistake the parser goes on: which mistakes of a file are told, and what of the file is in the tree all the same.
+// After a mistake the parser goes on: which mistakes of a file are reported, and what of the file is in the tree all the same.
 #include "language/syntax/Parser.h"
 #include "tests/language/syntax/SyntaxText.h"
 

@@ -1,0 +1,28 @@
+// Where blanks stand between the tokens of a statement that is laid out.
+#pragma once
+
+#include "language/syntax/Token.h"
+
+#include <cstddef>
+
+namespace language {
+
+/// Goes through the tokens of one statement.
+class Spacing {
+public:
+    bool colonStandsFree = false; ///< ` : ` instead of `: `
+    std::size_t tightColons = 0;  ///< so many first ones do not: those of loops
+
+    /// Whether a blank stands before the token; notes the token.
+    bool before(TokenKind kind);
+
+private:
+    bool wants(TokenKind kind) const;
+
+    std::size_t brackets_ = 0; ///< open `[`
+    bool inSet_ = false;       ///< within the braces of `in {...}`
+    bool unary_ = false;       ///< the last token was a sign of a number
+    TokenKind last_ = TokenKind::end;
+};
+
+} // namespace language
