@@ -3,7 +3,6 @@
 #include "monitor/step/Budget.h"
 
 #include <algorithm>
-#include <chrono>
 
 namespace app {
 
@@ -27,24 +26,23 @@ report::Explanation explanation(const plant::Plant& plant, const monitor::Candid
 
 CircuitSolver::CircuitSolver(const netlist::Circuit& circuit, double faultProbability)
     : circuit_(circuit), model_(netlist::buildModel(circuit, {faultProbability})),
-      activated_(*model_.model), before_(monitor::initialLabels(plant_)), solver_(engine_, plant_)
+      activated_(*model_.model), plant_(*model_.model), before_(monitor::initialLabels(plant_)),
+      solver_(engine_, plant_)
 {
 }
 
 report::Diagnosis CircuitSolver::solve(const Problem& problem, const SolverSettings& settings,
                                        const std::function<void(int)>& started)
 {
-    const auto start = std::chrono::steady_clock::now();
     const monitor::StepInput input = stepInput(problem);
     const int last = settings.maxRank.value_or(settings.upTo);
-    SearchWork work;
+    monitor::Budget budget(settings.limits);
     monitor::StepAnswer answer;
     int bound = settings.maxRank.value_or(1);
     for (;; ++bound) {
         started(bound);
-        answer = solver_.solve(before_, input,
-                               {bound, monitor::remaining(settings.limits, work, start)});
-        monitor::add(work, answer.work);
+        answer = solver_.solve(before_, input, {bound, budget.remaining()});
+        budget.spend(answer.work);
         if (!answer.candidates.empty() || !answer.complete || bound >= last) break;
     }
 
@@ -58,7 +56,7 @@ report::Diagnosis CircuitSolver::solve(const Problem& problem, const SolverSetti
         diagnosis.explanations.push_back(explanation(plant_, candidate));
     }
     fillOutputs(problem, answer, diagnosis);
-    diagnosis.work = work;
+    diagnosis.work = budget.work();
     return diagnosis;
 }
 

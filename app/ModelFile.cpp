@@ -54,7 +54,8 @@ void addModelOptions(CLI::App& verb, ModelOptions& options)
 }
 
 ModelFile::ModelFile(const std::string& verb, const ModelOptions& options, bool quiet, bool trace)
-    : path_(options.path), read_(openModel(verb, options, quiet, trace)), active_(*read_.model)
+    : path_(options.path), read_(openModel(verb, options, quiet, trace)), active_(*read_.model),
+      plant_(*read_.model)
 {
     const plant::ImplicateFile& implicates = active_.implicates();
     if (!implicates.errors.empty()) fail(implicates.path, implicates.errors);

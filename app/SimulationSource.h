@@ -2,7 +2,8 @@
 #pragma once
 
 #include "app/ModelFile.h"
-#include "simulate/Simulation.h"
+#include "simulate/CommandSource.h"
+#include "simulate/Simulator.h"
 #include "telemetry/StepReader.h"
 
 #include <optional>

@@ -21,7 +21,7 @@ public:
     {
         model_.model->activate();
         engine_.rtInit();
-        plant_ = std::make_unique<plant::Plant>();
+        plant_ = std::make_unique<plant::Plant>(*model_.model);
         std::ifstream lines(folder() + name + ".jsonl");
         for (std::string line; std::getline(lines, line);) {
             problems_.push_back(json::parse(line));

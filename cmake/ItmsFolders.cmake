@@ -40,13 +40,15 @@ endfunction()
 # itms_toolkit_folder(language HEADERS ... SOURCES ... LINK PUBLIC ... PRIVATE ...)
 #
 # Makes the static library itms_language of the current folder. LINK is passed to target_link_libraries unchanged.
+# Where the folder is installed (ItmsInstall.cmake), the library is itms::language, with its headers.
 function(itms_toolkit_folder name)
     cmake_parse_arguments(PARSE_ARGV 1 folder "" "" "HEADERS;SOURCES;LINK")
     if(folder_UNPARSED_ARGUMENTS)
         message(FATAL_ERROR "itms_toolkit_folder(${name}): what is ${folder_UNPARSED_ARGUMENTS}?")
     endif()
-    add_library(itms_${name} STATIC ${folder_SOURCES} ${folder_HEADERS})
-    target_include_directories(itms_${name} PUBLIC "${PROJECT_SOURCE_DIR}")
+    add_library(itms_${name} STATIC ${folder_SOURCES})
+    set_target_properties(itms_${name} PROPERTIES EXPORT_NAME ${name})
+    target_sources(itms_${name} PUBLIC FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${folder_HEADERS})
     target_link_libraries(itms_${name} ${folder_LINK})
     itms_our_code(itms_${name})
 endfunction()

@@ -14,6 +14,19 @@ install(EXPORT itms-targets
     NAMESPACE itms::
     DESTINATION "${itms_cmakedir}")
 
+# The component session: itms::session, which follows a plant, and the folders of the toolkit that it is built on.
+if(TARGET itms_session)
+    foreach(folder IN ITEMS text plant language telemetry monitor session)
+        install(TARGETS itms_${folder}
+            EXPORT itms-session-targets
+            ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+            FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/itms")
+    endforeach()
+    install(EXPORT itms-session-targets
+        NAMESPACE itms::
+        DESTINATION "${itms_cmakedir}")
+endif()
+
 # The program finds a shared library relative to its own location, so that the installed tree can be moved.
 if(TARGET itms_program)
     if(BUILD_SHARED_LIBS AND NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")

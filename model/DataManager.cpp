@@ -1,11 +1,11 @@
 #include "model/DataManager.h"
 
 #include "model/Comp.h"
+#include "model/Registry.h"
 
-namespace {
-
-// The containers that the registry starts with, and what it keeps for callers who may still hold it.
-struct Kept {
+/// The containers that a registry starts with, what it keeps for callers who may still hold it, and, while another one is in
+/// use, what DataManager shows of it.
+struct Registry::Contents {
     AtomMap atoms;
     CompMap comps;
     TransitionMap transitions;
@@ -13,16 +13,84 @@ struct Kept {
     std::vector<std::unique_ptr<AtomMap>> activeAtoms;
     std::vector<AtomMap*> replacedAtoms; // made by others and still theirs
     std::vector<std::unique_ptr<PiTable>> piTables;
+
+    struct Shown {
+        std::string model_name;
+        AtomMap* active_atoms;
+        CompMap* active_comps;
+        TransitionMap* active_trans;
+        std::vector<Clause*>* cls;
+        std::vector<ItmsBmkEntry> itmsBmkEntries;
+        SearchLimits searchLimits;
+        SearchWork searchWork;
+    };
+    Shown shown{{}, &atoms, &comps, &transitions, &clauses, {}, {}, {}};
 };
 
+namespace {
+
 // Never destroyed: engines and models that are static objects may outlive every other static.
-Kept& kept()
+Registry::Contents& first()
 {
-    static Kept& instance = *new Kept;
+    static Registry::Contents& instance = *new Registry::Contents;
     return instance;
 }
 
+Registry::Contents*& inUseNow()
+{
+    static Registry::Contents* contents = &first();
+    return contents;
+}
+
+Registry::Contents& kept()
+{
+    return *inUseNow();
+}
+
+void exchange(Registry::Contents::Shown& shown)
+{
+    using std::swap;
+    swap(shown.model_name, DataManager::model_name);
+    swap(shown.active_atoms, DataManager::active_atoms);
+    swap(shown.active_comps, DataManager::active_comps);
+    swap(shown.active_trans, DataManager::active_trans);
+    swap(shown.cls, DataManager::cls);
+    swap(shown.itmsBmkEntries, DataManager::itmsBmkEntries);
+    swap(shown.searchLimits, DataManager::searchLimits);
+    swap(shown.searchWork, DataManager::searchWork);
+}
+
+// What is in `shown` of the registry in use is meaningless: both exchanges go through it.
+void use(Registry::Contents& contents)
+{
+    if (&contents == &kept()) {
+        return;
+    }
+    exchange(kept().shown);
+    exchange(contents.shown);
+    inUseNow() = &contents;
+}
+
 } // namespace
+
+Registry::Registry() : contents_(std::make_unique<Contents>()) {}
+
+Registry::~Registry()
+{
+    if (inUse()) {
+        useFirst();
+    }
+}
+
+void Registry::use()
+{
+    ::use(*contents_);
+}
+
+bool Registry::inUse() const
+{
+    return contents_.get() == &kept();
+}
 
 std::string DataManager::model_name;
 AtomMap* DataManager::active_atoms = &kept().atoms;
@@ -32,6 +100,11 @@ std::vector<Clause*>* DataManager::cls = &kept().clauses;
 std::vector<ItmsBmkEntry> DataManager::itmsBmkEntries;
 SearchLimits DataManager::searchLimits;
 SearchWork DataManager::searchWork;
+
+void Registry::useFirst()
+{
+    ::use(first());
+}
 
 Atom* DataManager::findAtom(const char* id)
 {
@@ -75,7 +148,7 @@ PiTable* DataManager::newPiTable()
 
 void DataManager::reset()
 {
-    Kept& k = kept();
+    Registry::Contents& k = kept();
     k.atoms.clear();
     k.comps.clear();
     k.transitions.clear();

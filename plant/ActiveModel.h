@@ -1,37 +1,43 @@
-// A model that is at work: the active one, with an engine set up over it and its implicates read.
+// A model that is at work: an engine set up over it, its implicates read, and a registry of its own.
 //
 //     language::ReadResult read = language::readModel("plants/pump.itms");
-//     language::ActiveModel active(*read.model);
+//     plant::ActiveModel active(*read.model);
 //     for (const text::Diagnostic& error : active.implicates().errors) std::cerr << error.format();
 //     active.engine().addPropositions(...);
+//
+// Several of them may be there at a time, and their engines asked in turns. The registry of the one whose engine was asked
+// for last is in use.
 #pragma once
 
 #include "engine/itms.h"
+#include "model/Registry.h"
 #include "plant/Implicates.h"
 #include "plant/Model.h"
 
 namespace plant {
 
-/// There is one registry, so there is one of them at a time. The model outlives it, and stays the active one after it.
 class ActiveModel {
 public:
-    /// Activates the model, sets the engine up, and lets it read BASE.pi where there is such a file and nothing is wrong with it.
-    /// The engine traces that to std::cout. Linear in the model and the file.
+    /// Sets the engine up, and lets it read BASE.pi where there is such a file and nothing is wrong with it. The engine
+    /// traces that to std::cout. The model outlives this. Requires: the model has no other ActiveModel at the time, as what set-up
+    /// derives is kept in the model's objects, too. Ensures: its registry is in use. Linear in the model and the file.
     explicit ActiveModel(Model& model);
 
     Model& model() { return model_; }
-    itms& engine() { return engine_; }
+    /// Ensures: the model's registry is in use. Whoever keeps the reference calls this again before using it, as another model's
+    /// engine may have been asked for in the meantime. Constant time.
+    itms& engine();
     /// The file of implicates. With an error in it the engine has none.
     const ImplicateFile& implicates() const { return implicates_; }
 
 private:
     // In the order in which they have to happen.
-    struct Activated {
-        explicit Activated(Model& model) { model.activate(); }
+    struct OwnRegistry : Registry {
+        explicit OwnRegistry(const Model& model);
     };
 
     Model& model_;
-    Activated activated_;
+    OwnRegistry registry_;
     itms engine_;
     ImplicateFile implicates_;
 };

@@ -10,7 +10,7 @@ namespace plant {
 
 /// Sixteen hexadecimal digits that depend on everything of the model and its bindings that decides how a plant is followed:
 /// names, values, laws, transitions, probabilities, channels. The layout of the files does not count. Linear.
-/// The hash is FNV-1a (G. Fowler, L. C. Noll, K.-P. Vo): it finds mistakes, not forgeries.
+/// The hash is FNV-1a with 64 bits: it finds mistakes, not forgeries.
 std::string fingerprint(const Plant& plant, const Bindings& bindings);
 
 /// The same of any text.

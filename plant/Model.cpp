@@ -1,6 +1,8 @@
 #include "plant/Model.h"
 
 #include "model/DataManager.h"
+#include "model/Registry.h"
+#include "plant/Registration.h"
 
 namespace plant {
 
@@ -18,15 +20,9 @@ Model::~Model()
 
 void Model::activate()
 {
+    Registry::useFirst();
     DataManager::reset();
-    DataManager::model_name = name_;
-    for (const auto& component : components_) {
-        (*DataManager::active_comps)[component->name.c_str()] = component.get();
-    }
-    for (const auto& atom : atoms_) {
-        (*DataManager::active_atoms)[atom->getId()] = atom.get();
-    }
-    *DataManager::cls = laws_;
+    enter(*this);
 }
 
 } // namespace plant

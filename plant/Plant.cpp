@@ -1,12 +1,17 @@
 #include "plant/Plant.h"
 
-#include "model/DataManager.h"
+#include "model/keys.h"
 
 namespace plant {
 
-Plant::Plant()
+Plant::Plant(const Model& model)
 {
-    for (const auto& [name, comp] : *DataManager::active_comps) {
+    // The order in which Model::activate enters the components, and a hash map then lists them.
+    CompMap components;
+    for (const auto& component : model.components()) {
+        components[component->name.c_str()] = component.get();
+    }
+    for (const auto& [name, comp] : components) {
         for (StateVar* variable : *comp->stateVars) {
             addVariable(variable);
         }
@@ -18,7 +23,7 @@ Plant::Plant()
         }
     }
     firstLaw_ = static_cast<ClauseIndex>(clauses_.size());
-    for (const Clause* clause : *DataManager::cls) {
+    for (const Clause* clause : model.laws()) {
         addClause(clause);
     }
 }

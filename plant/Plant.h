@@ -1,4 +1,4 @@
-// A dense view of the active model: atoms, variables and clauses by number.
+// A dense view of a model: atoms, variables and clauses by number.
 //
 // The engine reaches everything by identifier and pointer. The monitor walks the whole plant at every
 // prediction, and wants arrays.
@@ -7,6 +7,7 @@
 #include "model/Atom.h"
 #include "model/Clause.h"
 #include "model/Comp.h"
+#include "plant/Model.h"
 
 #include <cstdint>
 #include <unordered_map>
@@ -32,12 +33,12 @@ struct PlantVariable {
     bool isCommand;
 };
 
-/// The active model by numbers. Components come in the registry's order, their variables and values in
-/// their own, so the numbers are the same at every run. Made once, after the model is loaded; linear.
+/// A model by numbers. Components come in the order in which the registry lists them when the model is the first one in
+/// it, their variables and values in their own, so the numbers are the same at every run. Checkpoints hold them.
 class Plant {
 public:
-    /// Of the model that DataManager holds.
-    Plant();
+    /// The model outlives the plant, and is not changed; it need not be active. Linear.
+    explicit Plant(const Model& model);
 
     std::size_t atomCount() const { return atoms_.size(); }
     Atom* atom(AtomIndex index) const { return atoms_[static_cast<std::size_t>(index)]; }

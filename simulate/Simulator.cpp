@@ -198,21 +198,6 @@ std::vector<plant::AtomIndex> Simulator::allCommands(
     return commands;
 }
 
-std::vector<monitor::ModeOption> Simulator::possibleFaults(
-    const std::vector<plant::AtomIndex>& commands) const
-{
-    std::vector<monitor::ModeOption> faults;
-    for (const monitor::ModeStep& step :
-         monitor::modeSteps(plant_, *labels_, allCommands(commands))) {
-        for (const monitor::ModeOption& option : step.options) {
-            if (option.fault) {
-                faults.push_back(option);
-            }
-        }
-    }
-    return faults;
-}
-
 std::variant<SimulatedStep, SimulationProblem> Simulator::step(const SimulationInput& input)
 {
     const int draws = chance_ ? mostDraws : 1;

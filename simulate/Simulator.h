@@ -100,10 +100,6 @@ public:
     const monitor::Prediction& labels() const { return *labels_; }
     /// The observed variables: those bound as observations, then those of the settings.
     const std::vector<plant::VariableIndex>& observed() const { return observed_; }
-    /// The faults, of all mode variables, that a step with these commands could bring, and how probable each is. Linear in
-    /// the plant.
-    std::vector<monitor::ModeOption> possibleFaults(
-        const std::vector<plant::AtomIndex>& commands) const;
 
 private:
     struct Trial;

@@ -14,23 +14,23 @@ namespace monitor {
 enum class Completion {
     possible,
     impossible,
-    unsettled ///< neither was found within the bound
+    unsettled ///< neither could be shown within the bound
 };
 
 /// Values that are taken back without an alternative, at most, before the answer is "unsettled".
 constexpr std::uint64_t completionRetreats = 10000;
 
-/// Whether every open variable can have a value. `labels` are propagated without contradiction. Linear where no
+/// Whether every open variable can have a value. Requires: `labels` are propagated without contradiction. Linear where no
 /// value is taken back; `mostRetreats` bounds the rest.
 Completion completionOf(const Plant& plant, Prediction labels,
                         std::uint64_t mostRetreats = completionRetreats);
 
-/// The values of a variable in the order in which a completion tries them. Called anew each time that the variable is
-/// come to.
+/// The values of a variable in the order in which a completion tries them. Called again whenever the completion comes to the
+/// variable.
 using ValueOrder = std::function<std::vector<AtomIndex>(VariableIndex)>;
 
-/// The same, and hands the values out: with "possible", `labels` are complete, and else as they were. The variables
-/// of `order`, which names all that are open, get their values in that order; of each, the first one is kept with
+/// The same, and hands the values out. Requires: `order` names every open variable. Ensures: with "possible", `labels` are
+/// complete, otherwise they are as before; the variables get their values in the given order, each the first one with
 /// which the rest can be completed.
 Completion complete(const Plant& plant, Prediction& labels, const std::vector<VariableIndex>& order,
                     const ValueOrder& values, std::uint64_t mostRetreats = completionRetreats);

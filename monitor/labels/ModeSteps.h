@@ -25,6 +25,7 @@ struct ModeStep {
     std::vector<ModeOption> options;
     const Transition* followed = nullptr; ///< the nominal transition that is predicted; null: none
 
+    /// The option of that value; null when the variable cannot have it.
     const ModeOption* option(AtomIndex value) const;
     /// Whether it may deviate from what is predicted without a fault.
     bool deviatesFreely() const;

@@ -1,9 +1,9 @@
 // What follows from a set of assumptions: sound unit propagation over the plant's clauses.
 //
 // Assuming mode=ok and a=1, the clause (!mode=ok | !a=1 | out=0) gives out=0, and the clause is kept as the
-// reason. From the reasons one gets the modes on which a label rests (its environment): when an observation
-// contradicts the label, at least one of these modes is not as assumed. See J. de Kleer, "An
-// assumption-based TMS", Artificial Intelligence 28 (1986), of which this keeps one environment a label.
+// reason. The reasons lead to the modes on which a label rests, its environment: when an observation
+// contradicts the label, at least one of these modes is not as assumed. See "An assumption-based TMS",
+// Artificial Intelligence 28 (1986); this keeps one environment for each label.
 #pragma once
 
 #include "monitor/labels/Numbering.h"
@@ -20,22 +20,23 @@ class Prediction {
 public:
     static constexpr ClauseIndex assumed = -1;
 
+    /// Everything is unknown. The plant outlives the prediction. Linear in the plant.
     explicit Prediction(const Plant& plant);
 
-    /// Assumes the variable's value: the atom is true and the variable's other atoms are false. False, with
-    /// nothing changed, when one of them has the opposite label already. Does not propagate.
+    /// Assumes the variable's value. Ensures that the atom is true and the variable's other atoms are false; or returns
+    /// false, with nothing changed, when one of them has the opposite label already. Does not propagate.
     bool assume(AtomIndex value);
-    /// Draws all conclusions. False when a clause is violated: the labels drawn so far stay, see violated(), and
-    /// it is false again at every further call until they are undone. Every clause is visited at most once for
-    /// each of its atoms.
+    /// Draws all conclusions. Returns false when a clause is violated: the labels drawn so far stay, see violated(), and every
+    /// further call returns false until they are undone. Visits each clause at most once for each of its atoms.
     bool propagate();
 
     /// Gives variables that were assumed other values: takes back what rested on the old ones, assumes the new ones,
-    /// and draws all conclusions. The labels are those of a prediction that assumes all of this afresh, the reasons may
-    /// be others. False as for propagate(). Requires that all conclusions are drawn, none violated a clause, and each
-    /// value's variable was assumed. Visits the clauses of what changes; one pass over the labels if anything does.
+    /// and draws all conclusions. Requires: all conclusions are drawn, none violated a clause, and each value's variable was
+    /// assumed. Ensures: the labels are those of a prediction that assumes all of this afresh; the reasons may differ.
+    /// Returns false as propagate() does. Visits the clauses of what changes; one pass over the labels if anything does.
     bool reassume(const std::vector<AtomIndex>& values);
 
+    /// The label of an atom. Constant time, as are the next two.
     Label label(AtomIndex atom) const { return labels_[static_cast<std::size_t>(atom)]; }
     bool isTrue(AtomIndex atom) const { return label(atom) == Label::isTrue; }
     bool isKnown(AtomIndex atom) const { return label(atom) != Label::unknown; }
@@ -46,9 +47,10 @@ public:
     /// The clause that propagate() found violated, -1 when it found none.
     ClauseIndex violated() const { return violated_; }
 
-    /// How many atoms are labelled now; undo(mark()) takes back everything labelled later. A mark is good when
-    /// nothing was labelled yet or all conclusions were drawn: the labels before it then imply no others.
+    /// How many atoms are labelled now. A mark can be returned to if nothing was labelled when it was taken, or all
+    /// conclusions were drawn: the labels before it then imply no others.
     std::size_t mark() const { return trail_.size(); }
+    /// Takes back everything that was labelled after the mark. Requires: the labels before it were not taken back since.
     void undo(std::size_t mark);
 
     /// Chooses, among the clauses that would have given a label from what was labelled before it, the one whose

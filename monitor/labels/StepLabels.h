@@ -12,14 +12,15 @@ namespace monitor {
 
 class StepLabels {
 public:
+    /// Nothing is taken yet. The plant outlives the labels.
     explicit StepLabels(const Plant& plant) : plant_(&plant), prediction_(plant) {}
-    /// Labels that were found otherwise; what is taken next is drawn afresh.
+    /// Labels that come from elsewhere; what is taken next is drawn afresh.
     StepLabels(const Plant& plant, Prediction labels)
         : plant_(&plant), prediction_(std::move(labels))
     {
     }
 
-    /// Goes over to other assumptions and observations, at most one value of each variable. Costs what changes where
+    /// Goes over to other assumptions and observations. Requires: at most one value of each variable. Costs what changes where
     /// the assumptions are of the same variables in the same order as before, else what the whole plant costs.
     void take(const std::vector<AtomIndex>& assumptions, const std::vector<AtomIndex>& observations);
 
@@ -31,8 +32,9 @@ public:
     /// Natural logarithm of the likelihood of the other observations: each that is left open between n values counts 1/n.
     double logLikelihood() const;
 
-    /// What was taken last; nothing for labels that were found otherwise.
+    /// What was taken last; empty for labels that came from elsewhere.
     const std::vector<AtomIndex>& assumptions() const { return assumptions_; }
+    /// The observations that were taken last, in their order.
     std::vector<AtomIndex> observations() const;
     /// The same, drawn afresh: with equal labels, and reasons that do not depend on the steps before.
     StepLabels afresh() const;

@@ -21,11 +21,12 @@ struct SearchOutcome {
 
 /// Searches the explanations of the scenario's discrepancies with at most `faultBudget` further faults, none of
 /// them among the `fixed` variables (by variable index). Without discrepancies the engine has one record to
-/// accept. `engine` is set up over the scenario's plant; `limits` go to the registry for the call.
+/// accept. Requires: `engine` is set up over the scenario's plant, and its registry is in use. Ensures: the registry's
+/// limits are as before, and the benchmark entries are empty.
 ///
 /// The search is exhaustive when it ran to its end from a scenario that labels every atom. It is not when the engine
 /// refused an observation (of a blocked command), when a command follows from modes in doubt (the engine gives no
-/// command that was not given), and when the engine has prime implicates, which narrow what it tries.
+/// command that was not given), or when the engine has prime implicates, which narrow what it tries.
 SearchOutcome searchWithEngine(itms& engine, const Scenario& scenario,
                                const std::vector<bool>& fixed, int faultBudget,
                                const SearchLimits& limits);

@@ -8,7 +8,7 @@ namespace monitor {
 
 FaultSearch::FaultSearch(itms& engine, const StepFrame& frame, const SearchLimits& limits,
                          std::uint64_t recordsBeforeSplit)
-    : engine_(engine), frame_(frame), limits_(limits), recordsBeforeSplit_(recordsBeforeSplit)
+    : engine_(engine), frame_(frame), budget_(limits), recordsBeforeSplit_(recordsBeforeSplit)
 {
 }
 
@@ -51,7 +51,7 @@ void FaultSearch::settle(const Scenario& scenario)
 // fixed.
 void FaultSearch::split(const Scenario& scenario, std::vector<bool> fixed, int faultBudget)
 {
-    ++work_.records;
+    budget_.spendRecord();
     const std::vector<Conflict> conflicts = scenario.conflicts();
     const std::vector<bool> suspect = suspectsOf(scenario, fixed, faultBudget);
     const auto smallest =
@@ -78,12 +78,12 @@ void FaultSearch::split(const Scenario& scenario, std::vector<bool> fixed, int f
 bool FaultSearch::searchDirectly(const Scenario& scenario, const std::vector<bool>& fixed,
                                  int faultBudget)
 {
-    SearchLimits limits = remaining();
+    SearchLimits limits = budget_.remaining();
     limits.maxRecords = std::min(limits.maxRecords, recordsBeforeSplit_);
     const SearchOutcome outcome = searchWithEngine(engine_, scenario, fixed, faultBudget, limits);
-    work_.records += outcome.work.records;
-    work_.flips += outcome.work.flips;
-    work_.components += outcome.work.components;
+    SearchWork work = outcome.work;
+    work.candidates = 0; // counted when they are new
+    budget_.spend(work);
     for (const Deviations& candidate : outcome.candidates) {
         addFound(scenario, candidate);
     }
@@ -96,47 +96,18 @@ void FaultSearch::addFound(const Scenario& scenario, const Deviations& further)
     all.insert(all.end(), scenario.deviations().begin(), scenario.deviations().end());
     std::sort(all.begin(), all.end());
     if (found_.insert(std::move(all)).second) {
-        ++work_.candidates;
+        budget_.spendCandidate();
     }
 }
 
 // Asked before each piece of the search: whatever a limit keeps from being searched makes the answer incomplete.
 bool FaultSearch::exhausted()
 {
-    const SearchLimits left = remaining();
-    SearchLimit limit = SearchLimit::none;
-    if (left.maxRecords == 0) {
-        limit = SearchLimit::records;
-    } else if (left.maxCandidates == 0) {
-        limit = SearchLimit::candidates;
-    } else if (left.stop && *left.stop) {
-        limit = SearchLimit::stopped;
-    } else if (left.maxSeconds <= 0.0) {
-        limit = SearchLimit::seconds;
-    }
-    if (limit == SearchLimit::none) {
+    if (!budget_.exhausted()) {
         return false;
     }
-    limit_ = limit;
     complete_ = false;
     return true;
-}
-
-SearchLimits FaultSearch::remaining() const
-{
-    SearchLimits left = limits_;
-    const auto take = [](std::uint64_t& from, std::uint64_t used) {
-        if (from != SearchLimits::unlimited) {
-            from -= std::min(from, used);
-        }
-    };
-    take(left.maxRecords, work_.records);
-    take(left.maxCandidates, found_.size());
-    if (left.maxSeconds != std::numeric_limits<double>::infinity()) {
-        left.maxSeconds -=
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - start_).count();
-    }
-    return left;
 }
 
 } // namespace monitor

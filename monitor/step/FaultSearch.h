@@ -9,9 +9,9 @@
 // modes taken are an explanation, once values for what they leave open are found.
 #pragma once
 
+#include "monitor/step/Budget.h"
 #include "monitor/step/EngineSearch.h"
 
-#include <chrono>
 #include <set>
 
 namespace monitor {
@@ -38,8 +38,8 @@ public:
     /// and where modes contradict nothing that was drawn from them and still no values for the rest were found.
     bool complete() const { return complete_; }
     /// The limit that cut the search, if one did.
-    SearchLimit limit() const { return limit_; }
-    const SearchWork& work() const { return work_; }
+    SearchLimit limit() const { return budget_.limit(); }
+    const SearchWork& work() const { return budget_.work(); }
 
 private:
     void explain(const Deviations& deviations, const std::vector<bool>& fixed, int faultBudget);
@@ -48,17 +48,13 @@ private:
     bool searchDirectly(const Scenario& scenario, const std::vector<bool>& fixed, int faultBudget);
     void addFound(const Scenario& scenario, const Deviations& further);
     bool exhausted();
-    SearchLimits remaining() const;
 
     itms& engine_;
     const StepFrame& frame_;
-    SearchLimits limits_;
+    Budget budget_;
     std::uint64_t recordsBeforeSplit_;
-    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
     std::set<Deviations> found_;
     bool complete_ = true;
-    SearchLimit limit_ = SearchLimit::none;
-    SearchWork work_;
 };
 
 } // namespace monitor

@@ -1,4 +1,4 @@
-// A scenario: the prediction of a step under some assumed deviations, and what the observations say to it.
+// A scenario: the prediction of a step under some assumed deviations, and how the observations compare with it.
 //
 // The observations are taken in their order. One of a variable that nothing predicts is adopted: it becomes the
 // variable's label and is propagated before the next one is looked at. Any other is compared, and where another
@@ -26,7 +26,7 @@ struct StepFrame {
     std::vector<AtomIndex> observations;
     std::vector<ModeStep> modes; ///< by rising index of the variable
 
-    /// Requires a mode variable. Logarithmic.
+    /// Requires: a mode variable. Logarithmic.
     const ModeStep& stepOf(VariableIndex variable) const;
 };
 
@@ -34,13 +34,13 @@ struct StepFrame {
 StepFrame makeFrame(const Plant& plant, const Prediction& before, const StepInput& input);
 
 /// Assumes the step's commands, the deviations, and what is predicted of every other mode, and draws all
-/// conclusions. False when they contradict one another.
+/// conclusions. Requires: no label is known yet. Returns false when they contradict one another.
 bool assumeStep(Prediction& labels, const StepFrame& frame, const Deviations& deviations);
 
 /// The labels under some deviations, and the observations that contradict them. The frame outlives it.
 class Scenario {
 public:
-    /// `deviations` in any order, at most one of each variable.
+    /// Requires: at most one deviation of each variable. Their order does not matter. Linear in the plant.
     Scenario(const StepFrame& frame, Deviations deviations);
 
     /// False when modes and commands contradict the laws. The observations are not looked at then.

@@ -1,6 +1,6 @@
 #include "monitor/step/Step.h"
 
-#include "monitor/step/FaultSearch.h"
+#include "monitor/step/EngineExplanations.h"
 #include "monitor/step/Judge.h"
 
 #include <algorithm>
@@ -23,22 +23,28 @@ StepStatus statusOf(const std::vector<Candidate>& candidates)
 
 } // namespace
 
+StepSolver::StepSolver(itms& engine, const Plant& plant,
+                       std::optional<std::uint64_t> recordsBeforeSplit)
+    : StepSolver(std::make_shared<EngineExplanations>(
+                     engine, recordsBeforeSplit.value_or(FaultSearch::usualRecordsBeforeSplit)),
+                 plant)
+{
+}
+
 StepAnswer StepSolver::solve(const Prediction& before, const StepInput& input,
                              const StepSettings& settings)
 {
     const StepFrame frame = makeFrame(plant_, before, input);
-    FaultSearch search(engine_, frame, settings.limits, settings.recordsBeforeSplit);
-    search.run(settings.maxFaults);
-
-    Judgement judgement = judge(frame, search.found());
+    const Explanations explanations = search_->search(frame, settings.maxFaults, settings.limits);
+    Judgement judgement = judge(frame, explanations.found);
 
     StepAnswer answer;
     answer.discrepancies = Scenario(frame, {}).discrepancies();
     answer.candidates = std::move(judgement.candidates);
     answer.status = statusOf(answer.candidates);
-    answer.complete = search.complete() && judgement.sure;
-    answer.limit = search.limit();
-    answer.work = search.work();
+    answer.complete = explanations.complete && judgement.sure;
+    answer.limit = explanations.limit;
+    answer.work = explanations.work;
     return answer;
 }
 

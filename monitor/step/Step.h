@@ -1,6 +1,6 @@
 // One step of the monitor: predict, adopt, compare, search, judge.
 //
-//     Plant plant;                                        // of the active model
+//     plant::Plant plant(model);                          // over which the engine is set up
 //     StepSolver solver(engine, plant);
 //     StepAnswer answer = solver.solve(initialLabels(plant), input, {.maxFaults = 2});
 //
@@ -10,27 +10,29 @@
 // 3. Compare. An observation that differs from its predicted label is a discrepancy; without any, the prediction
 //    is the explanation.
 // 4. Search. The engine looks for the mode changes that explain the discrepancies; where it is not sure to find them
-//    all, conflicts are taken apart one by one (monitor/step/FaultSearch.h).
+//    all, conflicts are taken apart one by one (monitor/step/FaultSearch.h). Another search can take its place
+//    (monitor/step/ExplanationSearch.h).
 // 5. Judge. Each candidate's modes are predicted anew. One that contradicts an observation, or for which what stays
 //    open cannot be given values within the laws, is dropped. What is left is ranked by probability.
 //
 // Probability of a candidate: the product, over the mode variables, of the probability of the transition taken (of
 // staying: what the enabled transitions leave), times the likelihood of the observations in their order: 1 for one
 // that propagation from the modes, the commands and the observations before it determines, 1/n for one that it leaves
-// open between n values (J. de Kleer and B. C. Williams, "Diagnosing multiple faults", Artificial Intelligence 32
-// (1987)). An input counts 1/n under every candidate alike. Computed in logarithms and normalised over the candidates.
+// open between n values ("Diagnosing multiple faults", Artificial Intelligence 32, 1987). An input counts 1/n under every candidate alike. Computed in logarithms and normalised over the candidates.
 #pragma once
 
-#include "monitor/step/FaultSearch.h"
+#include "monitor/step/ExplanationSearch.h"
+
+#include <memory>
+#include <optional>
+
+class itms;
 
 namespace monitor {
 
 struct StepSettings {
     int maxFaults = 1;        ///< faults that an explanation may have, >= 0
     SearchLimits limits = {}; ///< of the step as a whole
-    /// Records after which a search by the engine is taken apart; what it found until then stands. The answer is
-    /// the same with any number; 0 takes every search apart at once.
-    std::uint64_t recordsBeforeSplit = FaultSearch::usualRecordsBeforeSplit;
 };
 
 /// An explanation of the step.
@@ -59,19 +61,27 @@ struct StepAnswer {
     SearchWork work; ///< summed over the searches of the step
 };
 
-/// Solves steps with an engine that is set up over the plant. Both outlive the solver.
 class StepSolver {
 public:
-    StepSolver(itms& engine, const Plant& plant) : engine_(engine), plant_(plant) {}
+    /// Searches with an engine that is set up over the plant. Both outlive the solver. After so many records a search by the
+    /// engine is taken apart, and what it found until then stands (FaultSearch.h). The answer is the same with any number; 0 takes
+    /// every search apart at once; none is the usual one.
+    StepSolver(itms& engine, const Plant& plant,
+               std::optional<std::uint64_t> recordsBeforeSplit = {});
+    /// Searches in a way of the caller's. The plant outlives the solver.
+    StepSolver(std::shared_ptr<ExplanationSearch> search, const Plant& plant)
+        : search_(std::move(search)), plant_(plant)
+    {
+    }
 
-    /// Explains the observations of a step. `before` holds the labels before the step: a value for every mode
+    /// Explains the observations of a step. Requires: `before`, the labels before the step, has a value for every mode
     /// variable, and conditions as far as they are known. Commands come from `input` alone; one that is not given is
     /// unknown. Explanations that contain another one are left out. A reading that no mode explains, or laws that
-    /// contradict one another, are no error: nothing is found then.
+    /// contradict one another, are not an error: the answer has no candidates then.
     StepAnswer solve(const Prediction& before, const StepInput& input, const StepSettings& settings);
 
 private:
-    itms& engine_;
+    std::shared_ptr<ExplanationSearch> search_;
     const Plant& plant_;
 };
 

@@ -1,8 +1,8 @@
 // Which modes may be at fault at all, within a bound on the number of faults.
 //
 // Every discrepancy gives a conflict: the modes on which the contradicted label rests, of which at least one is
-// not as predicted. An explanation hits every conflict (R. Reiter, "A theory of diagnosis from first principles",
-// Artificial Intelligence 32 (1987)). Within one fault that leaves the modes common to all conflicts; within two,
+// not as predicted. An explanation hits every conflict ("A theory of diagnosis from first principles", Artificial
+// Intelligence 32, 1987). Within one fault that leaves the modes common to all conflicts; within two,
 // each mode for which the conflicts that it does not hit have one in common. What cannot be part of an
 // explanation is locked, and with it every condition that rests on locked modes only: the search then stays
 // where the fault can be.

@@ -23,8 +23,8 @@ struct Hypothesis {
     /// Natural logarithm of the joint probability of this way and of all that was observed. After a step those of all
     /// kept hypotheses are scaled together, so that the probabilities add up to 1.
     double logWeight = 0.0;
-    double logStep =
-        0.0; ///< what the step alone contributed, before scaling, in the most probable way here
+    /// What the step alone contributed, before scaling, in the most probable way here.
+    double logStep = 0.0;
     int faults = 0; ///< faults and lost commands so far, in the most probable way here
     std::map<VariableIndex, Since> since;
     std::vector<AtomIndex> lost;        ///< commands of this step that did not arrive

@@ -2,6 +2,7 @@
 
 #include "model/StateFormula.h"
 #include "model/Transition.h"
+#include "monitor/step/Budget.h"
 
 #include <algorithm>
 #include <cmath>
@@ -85,7 +86,8 @@ class LookBack {
 public:
     LookBack(Successors& successors, const std::deque<PastStep>& past, const TrackInput& present,
              const LookBackSettings& settings)
-        : successors_(successors), past_(past), present_(present), settings_(settings)
+        : successors_(successors), past_(past), present_(present), settings_(settings),
+          budget_(settings.limits)
     {
     }
 
@@ -97,6 +99,8 @@ public:
             }
             take(alternative);
         }
+        result_.limit = budget_.limit();
+        result_.work = budget_.work();
         return std::move(result_);
     }
 
@@ -146,7 +150,7 @@ private:
 
     void take(const Alternative& alternative)
     {
-        ++result_.work.records;
+        budget_.spendRecord();
         auto made = successors_.deviating(*alternative.parent, past_[alternative.step].input,
                                           alternative.deviations, alternative.lost);
         if (made) {
@@ -162,7 +166,7 @@ private:
             const std::size_t next = begin + way.size();
             const TrackInput& input = next < past_.size() ? past_[next].input : present_;
             const double scale = next < past_.size() ? past_[next].logScale : 0.0;
-            ++result_.work.records;
+            budget_.spendRecord();
             Hypothesis made = successors_.predicted(way.back(), input);
             if (!successors_.explains(made)) {
                 if (settings_.searchOn) {
@@ -173,22 +177,19 @@ private:
             made.logWeight -= scale;
             way.push_back(std::move(made));
         }
-        ++result_.work.candidates;
+        budget_.spendCandidate();
         result_.found.push_back({begin, std::move(way)});
     }
 
     void fork(std::size_t begin, const std::vector<Hypothesis>& way, const TrackInput& input,
               double scale)
     {
-        SuccessorSearch search =
-            successors_.search(way.back(), input, settings_.maxFaults - way.back().faults,
-                               remaining(settings_.limits, result_.work, start_));
+        SuccessorSearch search = successors_.search(
+            way.back(), input, settings_.maxFaults - way.back().faults, budget_.remaining());
         search.work.candidates = 0; // those that can be followed to the present count
-        add(result_.work, search.work);
+        budget_.spend(search.work);
+        budget_.meet(search.limit);
         result_.complete = result_.complete && search.complete;
-        if (search.limit != SearchLimit::none) {
-            result_.limit = search.limit;
-        }
         for (Hypothesis& found : search.found) {
             if (exhausted()) {
                 return;
@@ -202,25 +203,16 @@ private:
 
     bool exhausted()
     {
-        const SearchLimits left = remaining(settings_.limits, result_.work, start_);
-        if (left.stop && *left.stop) {
-            result_.limit = SearchLimit::stopped;
-        } else if (left.maxRecords == 0) {
-            result_.limit = SearchLimit::records;
-        } else if (left.maxCandidates == 0) {
-            result_.limit = SearchLimit::candidates;
-        } else if (left.maxSeconds <= 0.0) {
-            result_.limit = SearchLimit::seconds;
-        }
-        result_.complete = result_.complete && result_.limit == SearchLimit::none;
-        return result_.limit != SearchLimit::none;
+        const bool met = budget_.exhausted();
+        result_.complete = result_.complete && !met;
+        return met;
     }
 
     Successors& successors_;
     const std::deque<PastStep>& past_;
     const TrackInput& present_;
     const LookBackSettings& settings_;
-    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    Budget budget_;
     LookBackResult result_;
 };
 

@@ -1,6 +1,6 @@
 // Going back: faults that happened at earlier steps and show only now.
 //
-// A valve that got stuck while nothing was asked of it agrees with every reading until it is told to move. The monitor keeps
+// A valve that got stuck while nothing was asked of it agrees with every reading until it is asked to move. The monitor keeps
 // the last steps, and what was believed before each of them. When a step is not predicted, each deviation that would have
 // gone unnoticed at one of these steps is an alternative: it is taken up there, and the steps since are replayed with it.
 // The most probable alternatives come first. An alternative is one deviation or one lost command: two silent faults are

@@ -1,6 +1,8 @@
 #include "monitor/track/Successors.h"
 
 #include "monitor/labels/Completion.h"
+#include "monitor/step/Budget.h"
+#include "monitor/step/EngineExplanations.h"
 #include "monitor/step/Judge.h"
 
 #include <algorithm>
@@ -93,6 +95,11 @@ StepFrame frameAfter(const Plant& plant, const Hypothesis& parent, const TrackIn
     return makeFrame(plant, parent.labels.prediction(), values);
 }
 
+Successors::Successors(itms& engine, const Plant& plant)
+    : Successors(std::make_shared<EngineExplanations>(engine, recordsBeforeSplit), plant)
+{
+}
+
 // Nothing when a mode cannot be had at this step.
 std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const TrackInput& input,
                                            const StepFrame& frame, const Deviations& deviations,
@@ -150,7 +157,7 @@ std::optional<Hypothesis> Successors::deviating(const Hypothesis& parent, const 
 SuccessorSearch Successors::search(const Hypothesis& parent, const TrackInput& input,
                                    int faultBudget, const SearchLimits& limits)
 {
-    const auto start = std::chrono::steady_clock::now();
+    Budget work(limits);
     SuccessorSearch result;
     std::vector<Explained> smallest;
     const auto budget = static_cast<std::size_t>(std::max(0, faultBudget));
@@ -160,15 +167,12 @@ SuccessorSearch Successors::search(const Hypothesis& parent, const TrackInput& i
                 continue;
             }
             const StepFrame tried = frame(parent, input, lost);
-            FaultSearch search(engine_, tried, remaining(limits, result.work, start),
-                               recordsBeforeSplit);
-            search.run(static_cast<int>(budget - count));
-            const Judgement judgement = judge(tried, search.found());
-            add(result.work, search.work());
-            result.complete = result.complete && search.complete() && judgement.sure;
-            if (search.limit() != SearchLimit::none) {
-                result.limit = search.limit();
-            }
+            const Explanations explanations =
+                search_->search(tried, static_cast<int>(budget - count), work.remaining());
+            const Judgement judgement = judge(tried, explanations.found);
+            work.spend(explanations.work);
+            work.meet(explanations.limit);
+            result.complete = result.complete && explanations.complete && judgement.sure;
             for (const Candidate& candidate : judgement.candidates) {
                 Explained explained{lost, candidate.modes};
                 std::sort(explained.deviations.begin(), explained.deviations.end());
@@ -184,6 +188,8 @@ SuccessorSearch Successors::search(const Hypothesis& parent, const TrackInput& i
     if (result.found.empty() && std::min(budget, input.lossy.size()) > mostLostAtOnce) {
         result.complete = false;
     }
+    result.limit = work.limit();
+    result.work = work.work();
     return result;
 }
 

@@ -6,15 +6,15 @@
 // The probability of a step under a hypothesis is the product, over the mode variables, of the transition taken (of
 // staying: what the enabled transitions leave), times that of each lossy command to be lost or not, times the
 // likelihood of the observations (monitor/step/Step.h). Along time the products multiply: the probability of a trajectory of
-// a hidden Markov model (L. R. Rabiner, "A tutorial on hidden Markov models and selected applications in speech
-// recognition", Proceedings of the IEEE 77 (1989)), whose states are the modes.
+// a hidden Markov model whose states are the modes ("A tutorial on hidden Markov models and selected applications in speech
+// recognition", Proceedings of the IEEE 77, 1989).
 #pragma once
 
-#include "monitor/step/Budget.h"
 #include "monitor/step/Step.h"
 #include "monitor/track/Hypothesis.h"
 #include "plant/Bindings.h"
 
+#include <memory>
 #include <optional>
 
 namespace monitor {
@@ -40,8 +40,13 @@ public:
     /// few modes: the engine's searches that end at all end early.
     static constexpr std::uint64_t recordsBeforeSplit = 100;
 
-    /// Engine and plant outlive it.
-    Successors(itms& engine, const Plant& plant) : engine_(engine), plant_(plant) {}
+    /// Searches with an engine that is set up over the plant. Both outlive it.
+    Successors(itms& engine, const Plant& plant);
+    /// Searches in a way of the caller's. The plant outlives it.
+    Successors(std::shared_ptr<ExplanationSearch> search, const Plant& plant)
+        : search_(std::move(search)), plant_(plant)
+    {
+    }
 
     /// The step as it is expected: every mode follows its nominal transition or stays, and every command arrives. What
     /// contradicts that is listed as unexplained, and does not count in the likelihood.
@@ -56,11 +61,11 @@ public:
                                         const Deviations& deviations,
                                         const std::vector<LossyCommand>& lost) const;
 
-    /// The smallest explanations with at most `faultBudget` faults and lost commands more. The limits are for all of it.
+    /// The smallest explanations with at most `faultBudget` more faults and lost commands. The limits are for all of it.
     SuccessorSearch search(const Hypothesis& parent, const TrackInput& input, int faultBudget,
                            const SearchLimits& limits);
 
-    /// What frameAfter() says of this plant.
+    /// frameAfter() of this plant.
     StepFrame frame(const Hypothesis& parent, const TrackInput& input,
                     const std::vector<LossyCommand>& lost) const
     {
@@ -72,7 +77,7 @@ private:
                                    const StepFrame& frame, const Deviations& deviations,
                                    const std::vector<LossyCommand>& lost) const;
 
-    itms& engine_;
+    std::shared_ptr<ExplanationSearch> search_;
     const Plant& plant_;
 };
 

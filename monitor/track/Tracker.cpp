@@ -1,5 +1,7 @@
 #include "monitor/track/Tracker.h"
 
+#include "monitor/step/Budget.h"
+
 #include <algorithm>
 #include <cmath>
 #include <set>
@@ -71,7 +73,8 @@ const char* name(TrackStatus status)
 class Tracker::Step {
 public:
     Step(Tracker& tracker, const TrackInput& input)
-        : tracker_(tracker), input_(input), answer_(tracker.answer_)
+        : tracker_(tracker), input_(input), answer_(tracker.answer_),
+          budget_(tracker.settings_.limits)
     {
     }
 
@@ -93,12 +96,12 @@ public:
         rank();
         const double logScale = keep();
         answer_.status = status(explained);
+        answer_.limit = budget_.limit();
+        answer_.work = budget_.work();
         finish(logScale);
     }
 
 private:
-    SearchLimits left() const { return remaining(tracker_.settings_.limits, answer_.work, start_); }
-
     // What becomes of each kept hypothesis.
     void succeed()
     {
@@ -114,7 +117,7 @@ private:
             answer_.contradicted.push_back(i);
             contradicted_.push_back(std::move(made));
             SuccessorSearch search = tracker_.successors_.search(
-                *parent, input_, tracker_.settings_.maxFaults - parent->faults, left());
+                *parent, input_, tracker_.settings_.maxFaults - parent->faults, budget_.remaining());
             note(search.complete, search.limit, search.work);
             for (Hypothesis& hypothesis : search.found) {
                 found_.push_back({std::move(hypothesis), 0, {}});
@@ -128,11 +131,11 @@ private:
             return;
         }
         answer_.wentBack = true;
-        LookBackSettings settings{tracker_.settings_.maxFaults, left(), false};
+        LookBackSettings settings{tracker_.settings_.maxFaults, budget_.remaining(), false};
         takeUp(lookBack(tracker_.successors_, tracker_.plant_, tracker_.memory_.past,
                         tracker_.memory_.hypotheses, input_, settings));
         if (found_.empty()) {
-            settings.limits = left();
+            settings.limits = budget_.remaining();
             settings.searchOn = true;
             takeUp(lookBack(tracker_.successors_, tracker_.plant_, tracker_.memory_.past,
                             tracker_.memory_.hypotheses, input_, settings));
@@ -281,16 +284,14 @@ private:
     void note(bool complete, SearchLimit limit, const SearchWork& work)
     {
         answer_.complete = answer_.complete && complete;
-        if (limit != SearchLimit::none) {
-            answer_.limit = limit;
-        }
-        add(answer_.work, work);
+        budget_.meet(limit);
+        budget_.spend(work);
     }
 
     Tracker& tracker_;
     const TrackInput& input_;
     TrackAnswer& answer_;
-    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+    Budget budget_;
     double predicted_ =
         0.0; ///< what the kept hypotheses that predict the step had of the probability before it
     std::set<std::vector<AtomIndex>> predictedModes_;
@@ -301,7 +302,18 @@ private:
 };
 
 Tracker::Tracker(itms& engine, const Plant& plant, const TrackSettings& settings)
-    : plant_(plant), settings_(settings), successors_(engine, plant)
+    : Tracker(Successors(engine, plant), plant, settings)
+{
+}
+
+Tracker::Tracker(std::shared_ptr<ExplanationSearch> search, const Plant& plant,
+                 const TrackSettings& settings)
+    : Tracker(Successors(std::move(search), plant), plant, settings)
+{
+}
+
+Tracker::Tracker(Successors successors, const Plant& plant, const TrackSettings& settings)
+    : plant_(plant), settings_(settings), successors_(std::move(successors))
 {
     memory_.hypotheses.push_back(std::make_shared<const Hypothesis>(initialHypothesis(plant)));
 }

@@ -15,11 +15,11 @@
 namespace monitor {
 
 struct TrackSettings {
-    int maxFaults =
-        3; ///< faults and lost commands along the trajectory of a hypothesis, >= 0; more finds more, and costs
+    /// Faults and lost commands along the trajectory of a hypothesis, >= 0. A larger bound finds more, and costs more.
+    int maxFaults = 3;
     std::size_t keep = 8; ///< hypotheses kept after a step, at least 1
-    std::size_t lookBack =
-        10; ///< steps that may be gone back to, 0 for none; each keeps its hypotheses in memory
+    /// Steps that may be gone back to, 0 for none. Each keeps its hypotheses in memory.
+    std::size_t lookBack = 10;
     SearchLimits limits = {}; ///< of each step; replayed steps count as records
 };
 
@@ -41,8 +41,8 @@ struct TrackAnswer {
     bool complete = true; ///< no search was cut and none left something open
     SearchLimit limit = SearchLimit::none;
     std::vector<HypothesisPointer> before; ///< that were kept before the step
-    std::vector<std::size_t>
-        contradicted; ///< indices in `before`: what they predict does not explain the step
+    /// Indices in `before`: what these predict does not explain the step.
+    std::vector<std::size_t> contradicted;
     std::vector<HypothesisPointer> hypotheses; ///< that are kept, most probable first
     std::vector<double> probabilities;         ///< of these; they add up to 1
     std::size_t dropped = 0;                   ///< hypotheses beyond those that are kept
@@ -58,22 +58,27 @@ struct TrackMemory {
 
 class Tracker {
 public:
-    /// Engine (set up over the plant) and plant outlive the tracker.
+    /// Searches with an engine that is set up over the plant. Both outlive the tracker.
     Tracker(itms& engine, const Plant& plant, const TrackSettings& settings);
+    /// Searches in a way of the caller's. The plant outlives the tracker.
+    Tracker(std::shared_ptr<ExplanationSearch> search, const Plant& plant,
+            const TrackSettings& settings);
 
-    /// Takes a step. Nothing is thrown for what contradicts the model: that is an answer. Memory and time of a step
-    /// do not grow with the number of steps taken.
+    /// Takes a step. What contradicts the model is not an error but an answer, so nothing is thrown for it. Memory and
+    /// time of a step do not grow with the number of steps taken.
     const TrackAnswer& advance(const TrackInput& input);
 
     /// The latest answer.
     const TrackAnswer& answer() const { return answer_; }
 
     const TrackMemory& memory() const { return memory_; }
-    /// Goes on from a memory of a tracker of the same plant.
+    /// Goes on from a memory. Requires: that of a tracker of the same plant, with at least one hypothesis.
     void restore(TrackMemory memory) { memory_ = std::move(memory); }
 
 private:
     class Step;
+
+    Tracker(Successors successors, const Plant& plant, const TrackSettings& settings);
 
     const Plant& plant_;
     TrackSettings settings_;

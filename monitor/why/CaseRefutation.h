@@ -3,8 +3,8 @@
 // Laws (a | b), (a | !b), (!a | b) and (!a | !b) give nothing by themselves, and leave nothing possible: each value of a
 // ends in a violated law. A refutation tries the values of the open variables, one variable after the other, and collects the
 // laws and assumptions on which the violations rest. A violation that does not rest on the value tried last settles the
-// other values of that variable as well (conflict-directed backjumping; P. Prosser, "Hybrid algorithms for the constraint
-// satisfaction problem", Computational Intelligence 9 (1993)).
+// other values of that variable as well (conflict-directed backjumping: "Hybrid algorithms for the constraint
+// satisfaction problem", Computational Intelligence 9, 1993).
 #pragma once
 
 #include "monitor/labels/Prediction.h"
@@ -21,7 +21,7 @@ struct CaseRefutation {
 /// Values tried, at most, which bounds the depth of the recursion, too.
 constexpr std::size_t mostCasesTried = 2000;
 
-/// Requires labels that are propagated without contradiction. Nothing when values for all open variables are possible, and
+/// Requires: the labels are propagated without contradiction. Returns nothing when values for all open variables are possible, and
 /// when `mostCases` values were tried without an end.
 std::optional<CaseRefutation> refuteByCases(const Plant& plant, Prediction labels,
                                             std::size_t mostCases = mostCasesTried);

@@ -1,8 +1,8 @@
 // Confirms that values and clauses cannot hold together, without anything that conflicts are derived with.
 //
 // It knows the model's objects only: it looks at the clauses again and again until none of them gives another literal
-// (unit resolution), and where that is not enough it tries both signs of a literal (M. Davis, G. Logemann and D. Loveland,
-// "A machine program for theorem-proving", Communications of the ACM 5 (1962)). Plain, so that its errors are its own.
+// (unit resolution), and where that is not enough it tries both signs of a literal ("A machine program for
+// theorem-proving", Communications of the ACM 5, 1962). Plain, so that it shares no error with what it confirms.
 #pragma once
 
 #include "model/Atom.h"
@@ -36,8 +36,8 @@ constexpr std::uint64_t mostLiterals = 100'000'000;
 /// Costs the literals of all clauses times the longest chain of clauses that are not in order, for each literal tried.
 ConflictCheck checkConflict(const ConflictClaim& claim, std::uint64_t literals = mostLiterals);
 
-/// Whether the claim is no conflict any more when any one of the values is left out. Requires a claim that is confirmed.
-/// Nothing when that is not settled within so many literals. One check for each value.
+/// Whether the claim is no conflict any more when any one of the values is left out. Requires: the claim is confirmed.
+/// Returns nothing when that is not settled within so many literals. One check for each value.
 std::optional<bool> everyValueCounts(const ConflictClaim& claim,
                                      std::uint64_t literals = mostLiterals / 10);
 

@@ -2,8 +2,8 @@
 //
 // Observed is b.out=0. Command a.request=open opens a, so a.out=1 (the law of a), b.in=1 (the law between them), and,
 // b being open, b.out=1 (the law of b). The conflict is what this rests on, in the order in which it was applied: the
-// modes a=open and b=open and three laws. At least one of the modes is not as assumed. See J. de Kleer and
-// B. C. Williams, "Diagnosing multiple faults", Artificial Intelligence 32 (1987).
+// modes a=open and b=open and three laws. At least one of the modes is not as assumed. See "Diagnosing multiple
+// faults", Artificial Intelligence 32, 1987.
 //
 // monitor/why/ConflictCheck.h confirms a conflict in another way.
 #pragma once
@@ -26,8 +26,8 @@ struct Inference {
 struct AssumedMode {
     AtomIndex value;
     AtomIndex before; ///< the value before the step
-    const Transition* followed =
-        nullptr; ///< the nominal transition from the one to the other; null: none
+    /// The nominal transition from the one to the other; null: none.
+    const Transition* followed = nullptr;
 };
 
 struct DerivedConflict {

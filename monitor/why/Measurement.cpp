@@ -1,57 +1,30 @@
 #include "monitor/why/Measurement.h"
 
-#include "engine/itms.h"
-
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace monitor {
 
 namespace {
 
-// The hypotheses as the engine takes them: a state of one component that has a transition for each.
-class HypothesesState {
-public:
-    explicit HypothesesState(std::size_t count)
-    {
-        component_.name = "hypotheses";
-        outcome_.comp = &component_;
-        value_.stateVar = &outcome_;
-        value_.id = "hypotheses.outcome=given";
-        outcome_.atomLinks->push_back(&value_);
-        for (std::size_t i = 0; i < count; ++i) {
-            transitions_.push_back(std::make_unique<Transition>());
-            transitions_.back()->id = static_cast<int>(i);
-            component_.transitions->push_back(transitions_.back().get());
+// What is left of the hypotheses when each has this weight: its probability together with the outcome. One of them is
+// above 0.
+Outcome outcomeOf(const std::vector<double>& weights)
+{
+    Outcome result;
+    result.hypotheses = weights;
+    result.probability = std::accumulate(weights.begin(), weights.end(), 0.0);
+    double sumOfLogs = 0.0;
+    for (double& probability : result.hypotheses) {
+        probability /= result.probability;
+        if (probability > 0.0) {
+            sumOfLogs += std::log(probability) * probability;
         }
     }
-
-    // What is left of the hypotheses when each has this weight: its probability together with the outcome.
-    Outcome outcome(const std::vector<double>& weights)
-    {
-        State state;
-        state.comps->insert({component_.name.c_str(), &component_});
-        Outcome result;
-        for (std::size_t i = 0; i < weights.size(); ++i) {
-            (*state.postProbs)[static_cast<int>(i)] = weights[i];
-            result.probability += weights[i];
-        }
-        const double weighted = engine_.entropy(&outcome_, &state, nullptr);
-        result.entropy = std::max(0.0, weighted / result.probability);
-        ProbMap& left = *(*state.condProbs)[value_.getId()];
-        for (std::size_t i = 0; i < weights.size(); ++i) {
-            result.hypotheses.push_back(left[static_cast<int>(i)]);
-        }
-        return result;
-    }
-
-private:
-    itms engine_;
-    Comp component_;
-    StateVar outcome_;
-    Atom value_;
-    std::vector<std::unique_ptr<Transition>> transitions_;
-};
+    result.entropy = std::max(0.0, -sumOfLogs);
+    return result;
+}
 
 // What a hypothesis predicts of variables.
 class Predictor {
@@ -113,15 +86,14 @@ double rounded(double entropy)
 
 class Advisor {
 public:
-    Advisor(const Plant& plant, const TrackAnswer& answer)
-        : plant_(plant), answer_(answer), state_(answer.hypotheses.size())
+    Advisor(const Plant& plant, const TrackAnswer& answer) : plant_(plant), answer_(answer)
     {
         for (const HypothesisPointer& hypothesis : answer.hypotheses) {
             predictors_.emplace_back(*hypothesis);
         }
     }
 
-    double entropyNow() { return state_.outcome(answer_.probabilities).entropy; }
+    double entropyNow() const { return outcomeOf(answer_.probabilities).entropy; }
 
     // Nothing where all hypotheses predict the same.
     std::optional<Measurement> rate(VariableIndex index)
@@ -138,16 +110,15 @@ public:
         Measurement rated{index, 0.0, {}};
         for (std::size_t value = 0; value < variable.values.size(); ++value) {
             std::vector<double> weights = answer_.probabilities;
-            double sum = 0.0;
             for (std::size_t i = 0; i < weights.size(); ++i) {
                 weights[i] *= predicted[i][value];
-                sum += weights[i];
             }
-            if (sum > 0.0) {
-                rated.outcomes.push_back(state_.outcome(weights));
-                rated.outcomes.back().value = variable.values[value];
-                rated.expectedEntropy += sum * rated.outcomes.back().entropy;
+            if (std::none_of(weights.begin(), weights.end(), [](double w) { return w > 0.0; })) {
+                continue;
             }
+            Outcome& outcome = rated.outcomes.emplace_back(outcomeOf(weights));
+            outcome.value = variable.values[value];
+            rated.expectedEntropy += outcome.probability * outcome.entropy;
         }
         std::stable_sort(rated.outcomes.begin(), rated.outcomes.end(),
                          [](const Outcome& a, const Outcome& b) {
@@ -159,7 +130,6 @@ public:
 private:
     const Plant& plant_;
     const TrackAnswer& answer_;
-    HypothesesState state_;
     std::vector<Predictor> predictors_;
 };
 

@@ -6,15 +6,8 @@
 //     Z(a) = sum over h of P(h) P(a | h)        P(h | a) = P(h) P(a | h) / Z(a)
 //     expected entropy = sum over a of Z(a) * (- sum over h of P(h | a) ln P(h | a))
 //
-// J. de Kleer and B. C. Williams, "Diagnosing multiple faults", Artificial Intelligence 32 (1987), where a hypothesis is a
-// candidate. It is never more than the entropy of the hypotheses now; the difference is what the measurement is expected to tell.
-//
-// itms::entropy computes this sum for the transitions of a state, with rough probabilities of the values that tell, by
-// the clauses around it, which transition could have to do with a value at all. That serves an order of search; it says nothing
-// of explanations that take several transitions each. So the state that it is given here has the hypotheses in place of
-// transitions: a component with one transition for each, of the probability P(h) P(a | h), and a variable whose
-// only value is the outcome, which is as probable as can be whatever the transition. What the engine leaves in the
-// state's conditional distribution is P(h | a).
+// "Diagnosing multiple faults", Artificial Intelligence 32, 1987, where a hypothesis is a candidate. The expected entropy is
+// never more than the entropy of the hypotheses now; the difference is what the measurement is expected to tell.
 #pragma once
 
 #include "monitor/track/Tracker.h"
@@ -26,8 +19,8 @@ struct Outcome {
     AtomIndex value = 0;
     double probability = 0.0; ///< above 0, at most 1
     double entropy = 0.0;     ///< of the hypotheses after it, in nats, >= 0
-    std::vector<double>
-        hypotheses; ///< their probabilities after it, in the order of the answer's; they add up to 1
+    /// The probabilities of the hypotheses after it, in the order of the answer's; they add up to 1.
+    std::vector<double> hypotheses;
 };
 
 /// What a variable would tell.
@@ -40,8 +33,8 @@ struct Measurement {
 struct Advice {
     double entropy = 0.0;                  ///< of the hypotheses now, in nats, >= 0
     std::vector<Measurement> measurements; ///< that tell something, best first, ties by the variable's name
-    std::size_t useless =
-        0; ///< variables that are not observed either, of which all hypotheses predict the same
+    /// Other variables that are not observed: all hypotheses predict the same of them.
+    std::size_t useless = 0;
 };
 
 struct AdviceSettings {

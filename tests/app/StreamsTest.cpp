@@ -46,7 +46,7 @@ std::string libraryTrace()
     circuitModel.model->activate();
     itms engine;
     engine.rtInit();
-    const plant::Plant plant;
+    const plant::Plant plant(*circuitModel.model);
     monitor::StepSolver solver(engine, plant);
     monitor::StepInput input;
     const std::vector<std::pair<std::string, bool>> readings{

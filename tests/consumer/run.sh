@@ -24,9 +24,9 @@ if grep -rlF -e "$source_root/" -e "$work/first" "$prefix/$libdir/cmake" "$prefi
     exit 1
 fi
 
-same() {
-    if ! diff -u "$here/expected.txt" "$1"; then
-        echo "run.sh: the consumer built $2 printed something else" >&2
+same() { # EXPECTED GOT HOW
+    if ! diff -u "$here/$1" "$2"; then
+        echo "run.sh: the consumer built $3 printed something else" >&2
         exit 1
     fi
 }
@@ -37,7 +37,12 @@ export LD_LIBRARY_PATH="$prefix/$libdir${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}"
     { cat "$work/package.log"; exit 1; }
 "$cmake" --build "$work/package" >>"$work/package.log" 2>&1 || { cat "$work/package.log"; exit 1; }
 "$work/package/consumer" >"$work/package.out"
-same "$work/package.out" 'with find_package'
+same expected.txt "$work/package.out" 'with find_package'
+# The second program is there when the toolkit was installed, too.
+if [ -e "$prefix/$libdir/cmake/itms/itms-session-targets.cmake" ]; then
+    "$work/package/follower" >"$work/follower.out"
+    same expected-follower.txt "$work/follower.out" 'on itms::session'
+fi
 
 export PKG_CONFIG_PATH="$prefix/$libdir/pkgconfig"
 read -ra compile <<<"$(pkg-config --cflags itms)"
@@ -45,4 +50,4 @@ read -ra link <<<"$(pkg-config --libs itms)"
 # An embedder's warnings reach our headers here, which find_package would have hidden as system headers.
 "$cxx" -std=c++20 -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror "$@" "${compile[@]}" -o "$work/by-hand" "$here/main.cpp" "${link[@]}"
 "$work/by-hand" >"$work/by-hand.out"
-same "$work/by-hand.out" 'with pkg-config'
+same expected.txt "$work/by-hand.out" 'with pkg-config'

@@ -4,8 +4,8 @@
 // A run counts when each of its faults shows: without it, what the sensors show would contradict the model. Of a fault
 // that never shows, or that looks like a change of an input, nobody can know.
 #include "monitor/track/Tracker.h"
-#include "simulate/Simulation.h"
 #include "tests/examples/ExamplePlant.h"
+#include "tests/support/SimulatedRun.h"
 #include "tests/support/TestModel.h"
 
 #include <gtest/gtest.h>

@@ -17,7 +17,7 @@ struct ActivePlant {
     {
         model->activate();
         engine.rtInit();
-        plant = std::make_unique<plant::Plant>();
+        plant = std::make_unique<plant::Plant>(*model);
     }
 
     /// Number and atom of an identifier such as "c0.mode=ok"; end the program when there is none.

@@ -29,7 +29,7 @@ std::string fingerprintOf(std::string text, const std::string& from = "", const 
     const language::ReadResult read = language::readModelText("room.itms", text);
     EXPECT_TRUE(read.errors.empty());
     read.model->activate();
-    return plant::fingerprint(plant::Plant(), read.bindings);
+    return plant::fingerprint(plant::Plant(*read.model), read.bindings);
 }
 
 class EachChange : public testing::TestWithParam<std::pair<const char*, const char*>> {};

@@ -22,7 +22,7 @@ public:
         if (!read_.model) throw std::runtime_error(read_.errors.front().format());
         read_.model->activate();
         engine_.rtInit();
-        plant_ = std::make_unique<plant::Plant>();
+        plant_ = std::make_unique<plant::Plant>(*read_.model);
         tracker_ = std::make_unique<monitor::Tracker>(engine_, *plant_, settings);
     }
 

@@ -1,6 +1,7 @@
 #include "simulate/Simulation.h"
 
 #include "tests/monitor/HandMade.h"
+#include "tests/support/SimulatedRun.h"
 #include "tests/support/TestModel.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,5 @@
-#include "simulate/Simulation.h"
-
 #include "tests/monitor/HandMade.h"
+#include "tests/support/SimulatedRun.h"
 #include "tests/support/TestModel.h"
 
 #include <gmock/gmock.h>
@@ -108,7 +107,8 @@ protected:
     Texts faults()
     {
         std::vector<AtomIndex> values;
-        for (const monitor::ModeOption& fault : simulator().possibleFaults({})) {
+        for (const monitor::ModeOption& fault :
+             simulate::possibleFaults(*active_->plant, simulator(), {})) {
             values.push_back(fault.value);
         }
         return ids(values);

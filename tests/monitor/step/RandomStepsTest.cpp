@@ -100,9 +100,8 @@ void compareStep(std::uint64_t seed, PlantKind kind, Tally& tally)
         SCOPED_TRACE("taken apart after " + std::to_string(threshold) + " records");
         monitor::StepSettings settings;
         settings.maxFaults = problem.maxFaults;
-        settings.recordsBeforeSplit = threshold;
         const StepAnswer answer =
-            monitor::StepSolver(active.engine, *active.plant)
+            monitor::StepSolver(active.engine, *active.plant, threshold)
                 .solve(active.before(problem), active.input(problem), settings);
         const Comparison comparison{active, all, answer};
         comparison.everyCandidateIsReal();
@@ -137,10 +136,11 @@ protected:
 
 // Solves the step under the limits: right, though perhaps not all, and honest about it.
 void solveLimited(ActivePlant& active, const DiagnosisProblem& problem,
-                  const std::vector<BruteExplanation>& all, monitor::StepSettings settings, int& cut)
+                  const std::vector<BruteExplanation>& all, monitor::StepSettings settings,
+                  std::uint64_t threshold, int& cut)
 {
     settings.maxFaults = problem.maxFaults;
-    const StepAnswer answer = monitor::StepSolver(active.engine, *active.plant)
+    const StepAnswer answer = monitor::StepSolver(active.engine, *active.plant, threshold)
                                   .solve(active.before(problem), active.input(problem), settings);
     const Comparison comparison{active, all, answer};
     for (const Candidate& candidate : answer.candidates) {
@@ -167,18 +167,15 @@ TEST_F(RandomSteps, UnderLimitsAreExplainedInPartAndSaySo)
             for (const std::uint64_t limit : {0, 1, 2, 3, 5, 8}) {
                 SCOPED_TRACE("limit " + std::to_string(limit));
                 monitor::StepSettings records;
-                records.recordsBeforeSplit = threshold;
                 records.limits.maxRecords = limit;
-                solveLimited(active, problem, all, records, cut);
+                solveLimited(active, problem, all, records, threshold, cut);
                 monitor::StepSettings candidates;
-                candidates.recordsBeforeSplit = threshold;
                 candidates.limits.maxCandidates = limit;
-                solveLimited(active, problem, all, candidates, cut);
+                solveLimited(active, problem, all, candidates, threshold, cut);
             }
             monitor::StepSettings seconds;
-            seconds.recordsBeforeSplit = threshold;
             seconds.limits.maxSeconds = 1e-5;
-            solveLimited(active, problem, all, seconds, cut);
+            solveLimited(active, problem, all, seconds, threshold, cut);
         }
     }
     EXPECT_GT(cut, 500);

@@ -18,7 +18,7 @@ protected:
         if (!active_) {
             active_ = model_.activate();
         }
-        return monitor::StepSolver(active_->engine, *active_->plant)
+        return monitor::StepSolver(active_->engine, *active_->plant, recordsBeforeSplit_)
             .solve(before(), input(*active_, commands, observations), settings_);
     }
     /// The initial labels, with these values instead where a mode is named.
@@ -59,5 +59,6 @@ protected:
     HandMade model_;
     std::unique_ptr<ActivePlant> active_;
     monitor::StepSettings settings_;
+    std::optional<std::uint64_t> recordsBeforeSplit_;
     Names before_;
 };

@@ -248,7 +248,7 @@ TEST_F(StepTest, AnInputThatAFaultContradictsDoesNotHideASecondFault)
     model_.fault("b.mode=ok", "b.mode=broken", 0.125);
     settings_.maxFaults = 2;
     for (const std::uint64_t threshold : {0, 1, 5000}) {
-        settings_.recordsBeforeSplit = threshold;
+        recordsBeforeSplit_ = threshold;
         const StepAnswer answer = solve({"in.v=1", "a.out=0"});
         EXPECT_EQ(modes(answer), (Sets{{"a.mode=broken", "b.mode=broken"}}));
         EXPECT_TRUE(answer.complete);
@@ -267,7 +267,7 @@ TEST_F(StepTest, AReadingThatASecondFaultMakesPossibleIsNotSetAside)
     model_.fault("b.mode=ok", "b.mode=unknown", 0.125);
     settings_.maxFaults = 2;
     for (const std::uint64_t threshold : {0, 1, 5000}) {
-        settings_.recordsBeforeSplit = threshold;
+        recordsBeforeSplit_ = threshold;
         const StepAnswer answer = solve({"c.out=1"});
         EXPECT_EQ(modes(answer), (Sets{{"b.mode=unknown", "c.mode=unknown"}}));
     }

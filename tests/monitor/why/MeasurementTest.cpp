@@ -1,6 +1,7 @@
 #include "monitor/why/Measurement.h"
 
 #include "tests/monitor/HandMade.h"
+#include "tests/monitor/why/EngineEntropy.h"
 #include "tests/reference/ExpectedEntropy.h"
 #include "tests/reference/Random.h"
 #include "tests/support/TestModel.h"
@@ -251,6 +252,10 @@ protected:
     {
         const monitor::Advice advice = advise();
         EXPECT_NEAR(advice.entropy, plainEntropy(beliefs.probabilities), 1e-12);
+        EXPECT_NEAR(
+            advice.entropy,
+            EngineEntropy(answer_.probabilities.size()).outcome(answer_.probabilities).weighted,
+            1e-15);
         const Names found = names(advice);
         double before = 0.0;
         for (const monitor::Measurement& measurement : advice.measurements) {
@@ -276,6 +281,8 @@ protected:
                          const std::vector<std::vector<Fraction>>& predicted)
     {
         Fraction total;
+        EngineEntropy engine(predicted.size());
+        double expected = 0.0;
         for (const monitor::Outcome& outcome : measurement.outcomes) {
             const auto value =
                 static_cast<std::size_t>(std::stoi(active_->plant->atom(outcome.value)->value));
@@ -283,6 +290,15 @@ protected:
             for (std::size_t h = 0; h < predicted.size(); ++h) {
                 sum = sum + beliefs.probabilities[h] * predicted[h][value];
             }
+            std::vector<double> weights;
+            for (std::size_t h = 0; h < predicted.size(); ++h) {
+                weights.push_back(beliefs.probabilities[h].value() * predicted[h][value].value());
+            }
+            const EngineEntropy::Outcome second = engine.outcome(weights);
+            expected += second.weighted;
+            EXPECT_NEAR(outcome.probability, second.probability, 1e-15);
+            EXPECT_NEAR(outcome.probability * outcome.entropy, second.weighted, 1e-15);
+            EXPECT_EQ(outcome.hypotheses, second.hypotheses);
             EXPECT_NEAR(outcome.probability, sum.value(), 1e-12);
             for (std::size_t h = 0; h < predicted.size(); ++h) {
                 const Fraction left = beliefs.probabilities[h] * predicted[h][value] / sum;
@@ -291,6 +307,7 @@ protected:
             total = total + sum;
         }
         EXPECT_EQ(total, Fraction(1));
+        EXPECT_NEAR(measurement.expectedEntropy, expected, 1e-14);
     }
 };
 

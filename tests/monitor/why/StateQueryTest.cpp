@@ -2,6 +2,7 @@
 
 #include "language/Reader.h"
 #include "tests/monitor/RandomPlant.h"
+#include "tests/monitor/why/EngineQuery.h"
 #include "tests/support/TestModel.h"
 
 #include <algorithm>
@@ -50,11 +51,15 @@ protected:
         EXPECT_TRUE(labels.propagate());
         return {monitor::StepLabels(*active_->plant, labels), {}, 0.0, 0.0, 0, {}, {}, {}};
     }
-    monitor::StateQuery query(const std::string& text)
+    language::FormulaClauses clauses(const std::string& text) const
     {
         const language::ReadFormula read = language::readFormula(text, *model_, read_.system);
         EXPECT_TRUE(read.errors.empty()) << text << "\n" << read.errors.front().format();
-        return {active_->engine, *active_->plant, *read.formula};
+        return *read.formula;
+    }
+    monitor::StateQuery query(const std::string& text) const
+    {
+        return {*active_->plant, clauses(text)};
     }
     Truth ask(const std::string& text, const Names& assumed)
     {
@@ -230,7 +235,8 @@ TEST_P(StateQuerySeeds, AnswersWhatIsKnownAndNothingThatSomeCompletionDenies)
 {
     Random random(static_cast<std::uint64_t>(GetParam()));
     const Meant formula = randomFormula(random, 3);
-    monitor::StateQuery asked = query(formula.text);
+    const monitor::StateQuery asked = query(formula.text);
+    EngineQuery engine(active_->engine, *active_->plant, clauses(formula.text));
     for (int round = 0; round < 10; ++round) {
         Values values;
         Names assumed;
@@ -243,8 +249,10 @@ TEST_P(StateQuerySeeds, AnswersWhatIsKnownAndNothingThatSomeCompletionDenies)
         bool some = false;
         bool none = false;
         complete(formula, values, 0, some, none);
-        const Truth truth = asked.evaluate(hypothesis(assumed));
+        const monitor::Hypothesis given = hypothesis(assumed);
+        const Truth truth = asked.evaluate(given);
         const std::string context = formula.text + "\n" + testing::PrintToString(assumed);
+        EXPECT_EQ(truth, engine.evaluate(given.labels.prediction())) << context;
         const double value = formula.value(values);
         if (value != 0.5) {
             EXPECT_EQ(truth, value == 1.0 ? Truth::isTrue : Truth::isFalse) << context;

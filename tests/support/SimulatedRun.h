@@ -1,4 +1,4 @@
-// Simulated runs: several steps, with commands and faults drawn at random where they are not given.
+// Simulated runs of several steps, with commands and faults drawn at random.
 //
 //     std::vector<SimulationInput> inputs = randomCommands(plant, 20, seed);
 //     const bool shows = distinguishableFromNominal(plant, bindings, inputs);   // false: nothing is injected yet
@@ -6,6 +6,7 @@
 //     const SimulatedRun run = simulate(plant, bindings, inputs);
 #pragma once
 
+#include "simulate/CommandSource.h"
 #include "simulate/Simulator.h"
 
 namespace simulate {
@@ -31,28 +32,15 @@ bool distinguishableFromNominal(const plant::Plant& plant, const plant::Bindings
                                 const std::vector<SimulationInput>& inputs,
                                 const SimulatorSettings& settings = {});
 
-constexpr double usualCommandProbability = 0.2;
-
-/// Commands drawn one after the other.
-class CommandSource {
-public:
-    /// `probability` that a command variable is not silent at a step. The plant outlives it.
-    CommandSource(const plant::Plant& plant, std::uint64_t seed,
-                  double probability = usualCommandProbability);
-
-    /// The commands of the next step: those that are not silent, each of whose values is as probable as the other ones.
-    std::vector<plant::AtomIndex> next();
-
-private:
-    const plant::Plant& plant_;
-    Chance chance_;
-    double probability_;
-};
-
 /// So many steps with commands of a CommandSource.
 std::vector<SimulationInput> randomCommands(const plant::Plant& plant, std::size_t steps,
                                             std::uint64_t seed,
                                             double probability = usualCommandProbability);
+
+/// The faults, of all mode variables, that a step with these commands could bring, and how probable each is.
+std::vector<monitor::ModeOption> possibleFaults(const plant::Plant& plant,
+                                                const Simulator& simulator,
+                                                const std::vector<plant::AtomIndex>& commands);
 
 /// Adds injections of faults to the inputs, at most one a step: at steps drawn at random, of the faults that are possible
 /// then, by their probabilities in proportion to one another. Returns how many, `count` if the inputs have that many steps at which there is one and no step is a problem. Costs

@@ -1,8 +1,9 @@
-#include "simulate/Simulation.h"
+#include "tests/support/SimulatedRun.h"
 
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <iterator>
 #include <numeric>
 
 namespace simulate {
@@ -47,22 +48,6 @@ bool distinguishableFromNominal(const plant::Plant& plant, const plant::Bindings
         .has_value();
 }
 
-CommandSource::CommandSource(const plant::Plant& plant, std::uint64_t seed, double probability)
-    : plant_(plant), chance_(seed), probability_(probability)
-{
-}
-
-std::vector<plant::AtomIndex> CommandSource::next()
-{
-    std::vector<plant::AtomIndex> commands;
-    for (const plant::PlantVariable& variable : plant_.variables()) {
-        if (variable.isCommand && variable.values.size() > 1 && chance_.happens(probability_)) {
-            commands.push_back(variable.values[1 + chance_.below(variable.values.size() - 1)]);
-        }
-    }
-    return commands;
-}
-
 std::vector<SimulationInput> randomCommands(const plant::Plant& plant, std::size_t steps,
                                             std::uint64_t seed, double probability)
 {
@@ -76,8 +61,8 @@ std::vector<SimulationInput> randomCommands(const plant::Plant& plant, std::size
 
 namespace {
 
-// The first is drawn by its probability among all, each next one among those that are left (P. S. Efraimidis and P. G.
-// Spirakis, "Weighted random sampling with a reservoir", Information Processing Letters 97 (2006)).
+// The first is drawn by its probability among all, each next one among those that are left ("Weighted random
+// sampling with a reservoir", Information Processing Letters 97, 2006).
 std::vector<plant::AtomIndex> drawnOrder(const std::vector<monitor::ModeOption>& options,
                                          Chance& chance)
 {
@@ -94,6 +79,27 @@ std::vector<plant::AtomIndex> drawnOrder(const std::vector<monitor::ModeOption>&
 }
 
 } // namespace
+
+std::vector<monitor::ModeOption> possibleFaults(const plant::Plant& plant,
+                                                const Simulator& simulator,
+                                                const std::vector<plant::AtomIndex>& given)
+{
+    std::vector<plant::AtomIndex> commands;
+    for (const plant::PlantVariable& variable : plant.variables()) {
+        if (!variable.isCommand || variable.values.empty()) {
+            continue;
+        }
+        const auto value = std::find_first_of(given.begin(), given.end(), variable.values.begin(),
+                                              variable.values.end());
+        commands.push_back(value == given.end() ? variable.values.front() : *value);
+    }
+    std::vector<monitor::ModeOption> faults;
+    for (const monitor::ModeStep& step : monitor::modeSteps(plant, simulator.labels(), commands)) {
+        std::copy_if(step.options.begin(), step.options.end(), std::back_inserter(faults),
+                     [](const monitor::ModeOption& option) { return option.fault; });
+    }
+    return faults;
+}
 
 std::size_t injectRandomFaults(const plant::Plant& plant, const plant::Bindings& bindings,
                                std::vector<SimulationInput>& inputs, std::size_t count,
@@ -113,7 +119,7 @@ std::size_t injectRandomFaults(const plant::Plant& plant, const plant::Bindings&
     for (std::size_t i = 0; i < inputs.size(); ++i) {
         owed += drawn[i] ? 1 : 0;
         const std::vector<plant::AtomIndex> faults =
-            owed > 0 ? drawnOrder(simulator.possibleFaults(inputs[i].commands), chance)
+            owed > 0 ? drawnOrder(possibleFaults(plant, simulator, inputs[i].commands), chance)
                      : std::vector<plant::AtomIndex>();
         const bool done = std::any_of(faults.begin(), faults.end(), [&](plant::AtomIndex fault) {
             SimulationInput with = inputs[i];

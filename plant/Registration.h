@@ -1,0 +1,11 @@
+// How a model gets into the engine's registry.
+#pragma once
+
+#include "plant/Model.h"
+
+namespace plant {
+
+/// Enters a model in the registry that is in use. Requires: that is empty. The model outlives it. Linear.
+void enter(const Model& model);
+
+} // namespace plant
