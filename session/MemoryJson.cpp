@@ -1,3 +1,5 @@
+// A hypothesis is written as what its labels were drawn from (assumptions and observations), and drawn again when it is read.
+// Only labels that come from elsewhere are written value by value.
 #include "session/MemoryJson.h"
 
 #include <nlohmann/json.hpp>

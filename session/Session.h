@@ -44,8 +44,8 @@ struct OpenOptions {
 
 /// How a plant is followed.
 struct Settings {
-    int maxRank =
-        3; ///< faults and lost commands along a whole way, >= 0; more finds more, and costs
+    /// Faults and lost commands along the whole way of a hypothesis, >= 0. A larger bound finds more, and costs more.
+    int maxRank = 3;
     std::size_t keep = 8;                       ///< hypotheses kept after a step, >= 1
     std::size_t lookBack = 10;                  ///< steps that may be gone back to; 0: none
     SearchLimits limits{.maxRecords = 100'000}; ///< of each step
@@ -67,8 +67,8 @@ struct ExplainedStep {
 /// Why the hypotheses of an answer are believed.
 struct Explained {
     std::vector<ExplainedStep> steps; ///< oldest first
-    std::size_t leftOut =
-        0; ///< earlier steps that contradicted the most probable hypothesis, and are not remembered
+    /// Earlier steps that contradicted the most probable hypothesis, and are not remembered.
+    std::size_t leftOut = 0;
 };
 
 /// What a session remembers, as a text that can be kept anywhere: one JSON object.
@@ -78,12 +78,12 @@ struct Checkpoint {
 
 class Session {
 public:
-    /// Reads a model file, checks it and sets an engine up over it. Reads BASE.pi beside it, if it is there. Linear in the files
-    /// and in the model. Throws ModelErrors with all that is wrong in the files.
+    /// Reads a model file, checks it, and sets an engine up over it; reads the implicates in BASE.pi beside it, if that is
+    /// there. Throws ModelErrors with everything that is wrong in the files. Linear in the files and in the model.
     static Session open(const std::string& modelPath, const OpenOptions& options = {},
                         const Settings& settings = {});
-    /// The same for a model that is read already. Requires what language::readModel or language::readModelText returned;
-    /// throws ModelErrors where that has errors. `name` is what ModelErrors says of where it came from.
+    /// The same for a model that was read before. Requires: what language::readModel or language::readModelText returned.
+    /// Throws ModelErrors when it has no model; `name` is then their file.
     static Session open(language::ReadResult read, const Settings& settings = {},
                         const OpenOptions& options = {}, const std::string& name = {});
 
@@ -91,12 +91,13 @@ public:
     Session& operator=(Session&& other) noexcept;
     ~Session();
 
-    /// What is doubtful in the model's files, but no error: of the model first, then of its implicates.
+    /// The warnings of the model's files, then those of its implicates.
     const std::vector<text::Diagnostic>& warnings() const;
 
-    /// Takes a step. Requires a step of a reader over model() and bindings(). Ensures answer() and input() are of this step;
-    /// the reference stays valid, and is overwritten by the next step. Throws nothing for what contradicts the model: that is an answer. Memory and
-    /// time of a step do not grow with the number of steps taken, but for what Settings::history keeps.
+    /// Takes a step. Requires: a step over model() and bindings(), such as a telemetry::StepReader gives. Ensures: answer() and
+    /// input() are of this step; the reference stays valid, and the next step overwrites what it refers to. What contradicts
+    /// the model is not an error but an answer, so nothing is thrown for it. Memory and time of a step do not grow with the
+    /// number of steps, except for what Settings::history keeps.
     const monitor::TrackAnswer& advance(const telemetry::Step& step);
 
     /// The latest answer, empty before the first step.
@@ -123,15 +124,16 @@ public:
     /// is not in it (telemetry::StepReader::state), nor is history(). Linear in the plant and the hypotheses.
     Checkpoint checkpoint() const;
     /// Goes on from a checkpoint as if there had been no end. Throws OtherModel or OtherSetting when it was made with another
-    /// model or other settings, and DamagedCheckpoint when it is not one. Ensures that the session is as before if it throws.
+    /// model or other settings, and DamagedCheckpoint when it is not one. Ensures: the session is as before if it throws.
     void resume(const Checkpoint& checkpoint);
 
+    /// What the session owns. The references stay valid until it dies, also when it is moved.
     const Settings& settings() const;
     const language::ReadResult& read() const; ///< everything that was read; the model is there
     const plant::Model& model() const;
     const plant::Bindings& bindings() const;
     const plant::Plant& plant() const;
-    /// Puts this session's registry in place, and stays valid.
+    /// Ensures: this session's registry is in use. Whoever keeps the reference calls this again after another session worked.
     itms& engine();
     const monitor::Tracker& tracker() const;
     monitor::Tracker& tracker();

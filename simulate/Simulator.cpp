@@ -1,3 +1,6 @@
+// A step is tried on a copy of the labels: modes move, propagation follows, and the open variables get values in a fixed order with
+// backtracking (monitor/labels/Completion.h). Only a step without a problem is accepted. With a seed, modes that contradict one
+// another are drawn anew.
 #include "simulate/Simulator.h"
 
 #include "monitor/labels/Completion.h"

@@ -1,3 +1,5 @@
+// Depth-first search with unit propagation after each choice and chronological backtracking: the choices stand on a stack, and
+// a value that contradicts the others is taken back together with everything that followed from it.
 #include "monitor/labels/Completion.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// The guards of a component's transitions are read once, in labels that mix what was before the step (modes, conditions) with the
+// commands of the step. What the enabled transitions leave of the probability is that of staying.
 #include "monitor/labels/ModeSteps.h"
 
 #include "model/StateFormula.h"

@@ -1,3 +1,6 @@
+// Unit propagation with a trail. Labels are appended to the trail in the order in which they are found, so that reasons always
+// stand before what they give: taking back is cutting the trail, and the modes under a label are found in one pass from its end.
+// reassume() cuts out what rests on the changed assumptions, and visits the clauses around that.
 #include "monitor/labels/Prediction.h"
 
 #include <algorithm>

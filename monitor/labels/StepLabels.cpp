@@ -1,3 +1,5 @@
+// The labels are a prediction with the observations on top of it, one mark for each. A new step takes the observations off,
+// lets the prediction assume other values in place, and puts the observations of the step on.
 #include "monitor/labels/StepLabels.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// A scenario becomes the engine's trajectory: every atom is predicted with its label, and locked according to what may change in
+// an explanation. What the engine returns is read back as the labels that differ, checked against the laws around
+// them, and reduced to the mode values among them.
 #include "monitor/step/EngineSearch.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// Branching over a conflict: every explanation deviates in at least one of its modes. The first of them that deviates is chosen;
+// the ones before it are fixed, so the branches have no explanation in common and together miss none. The
+// engine takes over where one fault is left, or where nothing was chosen yet.
 #include "monitor/step/FaultSearch.h"
 
 #include "monitor/labels/Completion.h"

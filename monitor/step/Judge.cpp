@@ -1,3 +1,5 @@
+// Each candidate is predicted afresh from its modes alone, whatever the search made of the other labels. Sums of logarithms are
+// compared after rounding, so that products of the same factors in another order are ties.
 #include "monitor/step/Judge.h"
 
 #include "monitor/labels/Completion.h"

@@ -1,3 +1,5 @@
+// Conflicts that a free variable can hit bind nothing. Of the others, within one fault a suspect hits all; within two, the
+// conflicts that it leaves share a variable.
 #include "monitor/step/Suspects.h"
 
 #include <algorithm>

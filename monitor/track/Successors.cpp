@@ -1,3 +1,5 @@
+// One search for each set of lost commands, the smaller sets first, all within one budget. An explanation is dropped when a
+// smaller one, with a part of its lost commands and of its deviations, was found before.
 #include "monitor/track/Successors.h"
 
 #include "monitor/labels/Completion.h"

@@ -1,3 +1,6 @@
+// A step: what becomes of each hypothesis (succeed), of earlier steps where these did not expect it (goBack), and of the
+// predictions where nothing explains it (goOn). Then one hypothesis for each assignment of modes (merge), ordered (rank), cut to
+// those that are kept and scaled to probabilities that add up to 1 (keep).
 #include "monitor/track/Tracker.h"
 
 #include "monitor/step/Budget.h"

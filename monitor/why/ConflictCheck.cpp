@@ -1,3 +1,5 @@
+// Unit resolution over the model's clauses until nothing changes, then a split on the first literal that is open. Every literal
+// that is looked at is counted against the bound.
 #include "monitor/why/ConflictCheck.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// The reasons of a prediction, walked back from the contradicted atom, are the inferences of its conflict. Where nothing is
+// contradicted by propagation alone, a refutation by cases supplies the clauses.
 #include "monitor/why/DerivedConflict.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Each hypothesis predicts a distribution over the values of a variable; multiplied by its probability and summed they give the
+// outcomes, and Bayes' rule gives what is left of the hypotheses after each.
 #include "monitor/why/Measurement.h"
 
 #include <algorithm>

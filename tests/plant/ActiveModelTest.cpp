@@ -145,4 +145,36 @@ TEST_F(ActiveModelTest, ReplacesTheModelThatWasActive)
     EXPECT_EQ(DataManager::active_comps->count("c"), 1U);
 }
 
+TEST_F(ActiveModelTest, IsActiveAgainWhenItsEngineIsAskedFor)
+{
+    ActiveModel first(*read_.model);
+    const std::size_t atoms = DataManager::active_atoms->size();
+    const ReadResult other = language::readModelText(
+        "other.itms", "component C { mode m { a initial b } }\nsystem S { c: C }\n");
+    {
+        ActiveModel second(*other.model);
+        first.engine();
+        EXPECT_EQ(DataManager::active_comps->count("lamp"), 1U);
+        EXPECT_EQ(DataManager::active_comps->count("c"), 0U);
+        EXPECT_EQ(DataManager::active_atoms->size(), atoms);
+        EXPECT_EQ(DataManager::active_trans->size(), 1U);
+        second.engine();
+        EXPECT_EQ(DataManager::active_comps->count("lamp"), 0U);
+        EXPECT_EQ(DataManager::active_comps->count("c"), 1U);
+    }
+    first.engine();
+    EXPECT_EQ(DataManager::active_comps->count("lamp"), 1U);
+    EXPECT_EQ(DataManager::active_atoms->size(), atoms);
+}
+
+TEST_F(ActiveModelTest, LeavesTheRegistryEmptyWhenItIsGone)
+{
+    DataManager::reset();
+    {
+        const ActiveModel active(*read_.model);
+        EXPECT_FALSE(DataManager::active_comps->empty());
+    }
+    EXPECT_TRUE(DataManager::active_comps->empty());
+}
+
 } // namespace

@@ -1,3 +1,4 @@
+#include "model/DataManager.h"
 #include "tests/monitor/HandMade.h"
 #include "tests/support/TestModel.h"
 
@@ -27,6 +28,30 @@ TEST_F(PlantTest, NumbersEveryAtomOfEveryVariable)
         const plant::PlantVariable& variable = plant.variable(plant.variableOf(index));
         EXPECT_EQ(variable.variable, atom->stateVar);
         EXPECT_EQ(std::count(variable.values.begin(), variable.values.end(), index), 1);
+    }
+}
+
+TEST_F(PlantTest, ListsComponentsAsTheRegistryDoes)
+{
+    DataManager::reset();
+    Random random(12);
+    for (int round = 0; round < 20; ++round) {
+        const auto model = randomModel(random, PlantKind::mixed);
+        const Plant before(*model);
+        model->activate();
+        const Plant after(*model);
+        std::vector<const StateVar*> listed;
+        for (const auto& [name, comp] : *DataManager::active_comps) {
+            listed.insert(listed.end(), comp->stateVars->begin(), comp->stateVars->end());
+        }
+        std::vector<const StateVar*> ofBefore;
+        std::vector<const StateVar*> ofAfter;
+        for (std::size_t i = 0; i < before.variables().size(); ++i) {
+            ofBefore.push_back(before.variables()[i].variable);
+            ofAfter.push_back(after.variables()[i].variable);
+        }
+        EXPECT_EQ(ofBefore, listed);
+        EXPECT_EQ(ofAfter, listed);
     }
 }
 
