@@ -168,7 +168,7 @@ std::vector<itms::Branch> itms::planBranches(const Expansion& expansion) const
     return branches;
 }
 
-// The parent is released right after its last child: that child takes its state over instead of a copy.
+// The parent is released right after its last child: that child takes over its state instead of a copy.
 void itms::makeChild(Expansion& expansion, const Branch& branch, bool last)
 {
     ++expansion.attempts;

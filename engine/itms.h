@@ -2,7 +2,7 @@
 //
 // Life of an engine
 //
-//     itms engine;              // over the model that DataManager holds
+//     itms engine;              // over the model in the registry in use (model/Registry.h)
 //     engine.rtInit();          // once, after the model is loaded: numbers transitions, labels initial atoms
 //     engine.readPI();          // optional: prime implicates from MODEL.pi
 //
@@ -50,7 +50,7 @@
 #include <chrono>
 #include <memory>
 
-/// The engine. Several may exist, all over the one active model; copies make no sense and are not possible.
+/// The engine. Several may exist, all over the active model of the registry in use; an engine cannot be copied.
 class itms : public mdlChk {
 public:
     /// Every variable of every active component; null before rtInit. Owned vector, the variables are the model's.

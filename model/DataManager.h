@@ -1,4 +1,4 @@
-// The registry of the active model, shared by everything in the process.
+// The registry of the active model, shared by everything in the process. Others may take turns with it: Registry.h.
 #pragma once
 
 #include "model/Atom.h"
@@ -15,8 +15,9 @@ struct ItmsBmkEntry {
     std::vector<std::string> ids; ///< identifiers of the propositions, in their order
 };
 
-/// The active model and what belongs to the process as a whole. The objects in it belong to whoever loaded
-/// them, and must stay alive until reset(). Single-threaded, as is all of the library.
+/// The active model and what belongs to the process as a whole: the contents of the registry that is in use.
+/// The objects in it belong to whoever loaded them, and must stay alive until reset(). Single-threaded, as is
+/// all of the library.
 class DataManager {
 public:
     static std::string model_name;      ///< base name; `model_name`.pi holds prime implicates
@@ -47,7 +48,7 @@ public:
     /// Ensures: it lives until reset(), longer than any engine that uses it; the caller never releases it.
     static PiTable* newPiTable();
 
-    /// Unloads the model.
+    /// Unloads the model of the registry in use.
     /// Ensures: every container is an empty one of the registry's own again; the maps and tables kept so far
     /// are released, so pointers to them (`itms::piTable` among them) are not valid any more; entries are
     /// dropped, limits lifted, and what was noted of the latest search is cleared. The model's objects are
