@@ -1,6 +1,6 @@
 // The words of the language, and that the editors know them.
-#include "language/syntax/Token.h"
 #include "language/syntax/Words.h"
+#include "language/syntax/Token.h"
 
 #include <fstream>
 #include <gtest/gtest.h>
