@@ -5,6 +5,7 @@
 #include "language/Reader.h"
 #include "plant/Implicates.h"
 #include "report/Text.h"
+#include "text/Wording.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -39,13 +40,13 @@ Example:
 std::string sizeText(const std::string& path, const language::ReadResult& read)
 {
     const language::ModelSize& size = read.size;
-    const std::string types = report::counted(size.componentTypes, "component type");
+    const std::string types = text::counted(size.componentTypes, "component type");
     if (!read.model) return fmt::format("{}: {}, no system\n", path, types);
-    return fmt::format(
-        "{}: {}, {}, {}, {}, {}, {}\n", path, report::counted(size.components, "component"),
-        report::counted(size.variables, "variable"), report::counted(size.atoms, "atom"),
-        report::counted(size.laws, "law"), report::counted(size.clauses, "clause"),
-        report::counted(size.transitions, "transition"));
+    return fmt::format("{}: {}, {}, {}, {}, {}, {}\n", path,
+                       text::counted(size.components, "component"),
+                       text::counted(size.variables, "variable"), text::counted(size.atoms, "atom"),
+                       text::counted(size.laws, "law"), text::counted(size.clauses, "clause"),
+                       text::counted(size.transitions, "transition"));
 }
 
 // What was read of a model, and of its file of implicates when there is one.
@@ -83,12 +84,12 @@ std::string text(const Checked& model)
     }
     if (!model.good()) {
         return told +
-               fmt::format("{}: {}\n", model.path, report::counted(read.errors.size(), "error"));
+               fmt::format("{}: {}\n", model.path, text::counted(read.errors.size(), "error"));
     }
     told += sizeText(model.path, read);
     if (!model.implicates.found) return told;
     return told + fmt::format("{}: implicates of {}\n", model.implicates.path,
-                              report::counted(model.implicates.heads, "atom"));
+                              text::counted(model.implicates.heads, "atom"));
 }
 
 ordered_json json(const std::vector<text::Diagnostic>& errors)

@@ -6,9 +6,9 @@
 #include "app/Output.h"
 #include "app/ProblemReader.h"
 #include "netlist/BenchReader.h"
-#include "report/DiagnosisJson.h"
-#include "report/DiagnosisTable.h"
+#include "report/Diagnosis.h"
 #include "telemetry/LineReader.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -121,7 +121,7 @@ netlist::Circuit readCircuit(const std::string& path)
         }
         if (read.errors.size() > shown) {
             text += fmt::format("{}: {} more\n", path,
-                                report::counted(read.errors.size() - shown, "error"));
+                                text::counted(read.errors.size() - shown, "error"));
         }
         throw FileFailure(text);
     }
@@ -210,13 +210,11 @@ public:
         ++count_;
         const report::Diagnosis diagnosis = solver_.solve(problem, settings_, [&](int bound) {
             const std::string name = problem.id.value_or(fmt::format("problem {}", count_));
-            progress_.show(
-                fmt::format("{}: searching for up to {} ...", text::quoted(name),
-                            report::counted(static_cast<std::uint64_t>(bound), "fault")));
+            progress_.show(fmt::format("{}: searching for up to {} ...", text::quoted(name),
+                                       text::counted(static_cast<std::uint64_t>(bound), "fault")));
         });
         progress_.clear();
-        answer(asTable_ ? table_.block(diagnosis)
-                        : report::diagnosisJson(diagnosis, options_.shown));
+        answer(asTable_ ? table_.rows(diagnosis) : report::diagnosisJson(diagnosis, options_.shown));
         const bool nominal = diagnosis.status == monitor::StepStatus::nominal;
         unexplained_ = unexplained_ || !diagnosis.complete || diagnosis.explanations.empty();
         faultFound_ = faultFound_ || (!nominal && !diagnosis.explanations.empty());
@@ -248,7 +246,7 @@ public:
         if (interruption()) return ExitStatus::interrupted;
         if (leftOut_ > 0 && !options_.quiet) {
             complain(
-                fmt::format("itms diagnose: {} left out\n", report::counted(leftOut_, "bad line")));
+                fmt::format("itms diagnose: {} left out\n", text::counted(leftOut_, "bad line")));
         }
         if (unexplained_) return ExitStatus::unexplained;
         return faultFound_ && options_.failOn ? ExitStatus::faultFound : ExitStatus::done;

@@ -4,8 +4,8 @@
 #include "app/Interruption.h"
 #include "app/Output.h"
 #include "app/Pace.h"
-#include "report/StepExplanationJson.h"
-#include "report/StepExplanationText.h"
+#include "report/StepExplanation.h"
+#include "text/Wording.h"
 
 #include <fmt/format.h>
 #include <limits>
@@ -68,7 +68,7 @@ ColourChoice colourChoice(const ExplainOptions& options)
     }
     throw Failure(fmt::format("there is no step {}: the telemetry has {}\n"
                               "  expected: --step 1 to --step {}\n",
-                              wanted.value_or(0), report::counted(steps, "step"), steps));
+                              wanted.value_or(0), text::counted(steps, "step"), steps));
 }
 
 } // namespace

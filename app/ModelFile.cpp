@@ -2,6 +2,7 @@
 
 #include "app/Output.h"
 #include "report/Text.h"
+#include "text/Wording.h"
 
 #include <fmt/format.h>
 
@@ -15,7 +16,7 @@ namespace {
     for (const text::Diagnostic& error : errors) {
         text += error.format();
     }
-    throw FileFailure(text + fmt::format("{}: {}\n", path, report::counted(errors.size(), "error")));
+    throw FileFailure(text + fmt::format("{}: {}\n", path, text::counted(errors.size(), "error")));
 }
 
 void warn(std::vector<text::Diagnostic> warnings)

@@ -5,6 +5,7 @@
 #include "app/Output.h"
 #include "language/meaning/FormulaReader.h"
 #include "report/Query.h"
+#include "text/Wording.h"
 
 #include <fmt/format.h>
 
@@ -98,7 +99,7 @@ private:
             unexplained_ || !answer.complete || answer.status == monitor::TrackStatus::inconsistent;
         const report::QueryReport report = report::queryReport(answer, query_.evaluate(answer));
         if (asTable_) {
-            print(table_.row(report));
+            print(table_.rows(report));
         } else if (options_.format == "json") {
             std::string record = report::queryJson(report);
             record.pop_back();
@@ -118,7 +119,7 @@ private:
         }
         if (track_.linesLeftOut() > 0 && !options_.track.quiet) {
             complain(fmt::format("itms query: {} left out\n",
-                                 report::counted(track_.linesLeftOut(), "bad line")));
+                                 text::counted(track_.linesLeftOut(), "bad line")));
         }
     }
 

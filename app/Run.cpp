@@ -9,8 +9,8 @@
 #include "app/RunMemory.h"
 #include "app/TrackMemoryJson.h"
 #include "plant/Fingerprint.h"
-#include "report/TrackingJson.h"
-#include "report/TrackingTable.h"
+#include "report/Tracking.h"
+#include "text/Wording.h"
 
 #include <fmt/format.h>
 #include <limits>
@@ -228,7 +228,7 @@ private:
         }
         if (track_.linesLeftOut() > 0 && !options_.track.quiet) {
             complain(fmt::format("itms run: {} left out\n",
-                                 report::counted(track_.linesLeftOut(), "bad line")));
+                                 text::counted(track_.linesLeftOut(), "bad line")));
         }
     }
 

@@ -1,7 +1,7 @@
 // What a run remembers beside the tracker and the reader, as a checkpoint holds it.
 #pragma once
 
-#include "report/TrackingTable.h"
+#include "report/Tracking.h"
 
 #include <nlohmann/json.hpp>
 
@@ -12,7 +12,7 @@ struct RunMemory {
     bool faultFound = false;
     std::size_t steps = 0;
     std::size_t linesLeftOut = 0;
-    report::TrackingTable::Memory table;
+    report::WriterMemory::Table table;
 };
 
 nlohmann::json runMemoryJson(const RunMemory& memory);

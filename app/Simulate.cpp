@@ -9,6 +9,7 @@
 #include "monitor/labels/Completion.h"
 #include "report/Text.h"
 #include "telemetry/Writer.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -164,7 +165,7 @@ public:
         if (interruption()) return ExitStatus::interrupted;
         if (source_->leftOut() > 0 && !quiet_) {
             complain(fmt::format("itms simulate: {} left out\n",
-                                 report::counted(source_->leftOut(), "bad line")));
+                                 text::counted(source_->leftOut(), "bad line")));
         }
         refuseAfter(step_);
         return ExitStatus::done;
@@ -242,7 +243,7 @@ private:
             throw Failure(
                 fmt::format("step {}: no values were found for what the modes leave open, "
                             "with {} of them taken back\n",
-                            step_, report::grouped(monitor::completionRetreats)));
+                            step_, text::grouped(monitor::completionRetreats)));
         }
         throw Failure(
             list.empty()

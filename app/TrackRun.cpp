@@ -4,6 +4,7 @@
 #include "app/Interruption.h"
 #include "app/Output.h"
 #include "report/Text.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -118,7 +119,7 @@ void TrackRun::takeUntil(std::optional<std::size_t> wanted, const std::function<
     if (taken == 0) throw Failure("the telemetry has no steps\n  expected: one at least\n");
     throw Failure(fmt::format("there is no step {}: the telemetry has {}\n"
                               "  expected: --step 1 to --step {}\n",
-                              *wanted, report::counted(taken, "step"), taken));
+                              *wanted, text::counted(taken, "step"), taken));
 }
 
 monitor::TrackInput trackInput(const plant::Plant& plant, const plant::Bindings& bindings,
