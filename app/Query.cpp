@@ -74,7 +74,7 @@ class Query {
 public:
     explicit Query(const QueryOptions& options)
         : options_(options), track_("query", options.track),
-          query_(track_.engine(), track_.plant(), clausesOf(options.formula, track_.model().read())),
+          query_(track_.plant(), clausesOf(options.formula, track_.model().read())),
           asTable_(wantsTable(options)),
           table_(report::Colours(wantsColour(colourChoice(options))), options.everyStep)
     {

@@ -7,9 +7,9 @@
 #include "app/Output.h"
 #include "app/Pace.h"
 #include "app/RunMemory.h"
-#include "app/TrackMemoryJson.h"
 #include "plant/Fingerprint.h"
 #include "report/Tracking.h"
+#include "session/MemoryJson.h"
 #include "text/Wording.h"
 
 #include <fmt/format.h>
@@ -126,11 +126,11 @@ private:
         const nlohmann::json content = readCheckpoint(*options_.checkpoint);
         try {
             checkSame(content);
-            track_.reader().restore(readerFromJson(content.at("reader")),
+            track_.reader().restore(session::readerFromJson(content.at("reader")),
                                     options_.track.telemetry == "-"
                                         ? telemetry::StepReader::Input::continuation
                                         : telemetry::StepReader::Input::same);
-            track_.tracker().restore(memoryFromJson(content.at("tracker"), track_.plant()));
+            track_.tracker().restore(session::memoryFromJson(content.at("tracker"), track_.plant()));
             memory_ = runMemoryFromJson(content.at("run"));
             table_.restore(memory_.table);
             track_.setLinesLeftOut(memory_.linesLeftOut);
@@ -213,8 +213,8 @@ private:
         writeCheckpoint(*options_.checkpoint,
                         {{"model", fingerprint_},
                          {"settings", settingsJson(options_)},
-                         {"reader", readerJson(track_.reader().state())},
-                         {"tracker", memoryJson(track_.tracker().memory(), track_.plant())},
+                         {"reader", session::readerJson(track_.reader().state())},
+                         {"tracker", session::memoryJson(track_.tracker().memory(), track_.plant())},
                          {"run", runMemoryJson(memory_)},
                          {"output", answer_->bytes()}});
     }

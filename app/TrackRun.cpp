@@ -4,6 +4,7 @@
 #include "app/Interruption.h"
 #include "app/Output.h"
 #include "report/Text.h"
+#include "session/StepInput.h"
 #include "text/Wording.h"
 
 #include <algorithm>
@@ -100,7 +101,7 @@ bool TrackRun::next()
         auto* step = std::get_if<telemetry::Step>(&next);
         if (!step) return false;
         step_ = std::move(*step);
-        input_ = trackInput(model_.plant(), model_.bindings(), step_);
+        input_ = session::trackInput(model_.plant(), model_.bindings(), step_);
         tracker_.advance(input_);
         return true;
     }
@@ -120,26 +121,6 @@ void TrackRun::takeUntil(std::optional<std::size_t> wanted, const std::function<
     throw Failure(fmt::format("there is no step {}: the telemetry has {}\n"
                               "  expected: --step 1 to --step {}\n",
                               *wanted, text::counted(taken, "step"), taken));
-}
-
-monitor::TrackInput trackInput(const plant::Plant& plant, const plant::Bindings& bindings,
-                               const telemetry::Step& step)
-{
-    monitor::TrackInput input;
-    input.step = step.number;
-    input.t = step.t;
-    for (const Atom* command : step.commands) {
-        input.values.commands.push_back(plant.indexOf(command));
-    }
-    for (const telemetry::Observation& observation : step.observations) {
-        input.values.observations.push_back(plant.indexOf(observation.value));
-    }
-    std::vector<plant::AtomIndex> given;
-    for (const Atom* command : step.givenCommands) {
-        given.push_back(plant.indexOf(command));
-    }
-    input.lossy = monitor::lossyCommands(plant, bindings, given);
-    return input;
 }
 
 } // namespace app

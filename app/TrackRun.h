@@ -70,8 +70,4 @@ private:
     std::size_t linesLeftOut_ = 0;
 };
 
-/// A step of telemetry as the tracker takes it.
-monitor::TrackInput trackInput(const plant::Plant& plant, const plant::Bindings& bindings,
-                               const telemetry::Step& step);
-
 } // namespace app

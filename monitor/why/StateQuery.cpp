@@ -6,16 +6,52 @@ namespace monitor {
 
 namespace {
 
-// The steps of the trajectory.
-constexpr int openAreFalse = 0;
-constexpr int openAreTrue = 1;
-
-std::unique_ptr<StateFormula> disjunction()
+Truth negation(Truth truth)
 {
-    auto formula = std::make_unique<StateFormula>();
-    formula->op = "or";
-    formula->atoms = new SignedAtoms;
-    return formula;
+    switch (truth) {
+    case Truth::isTrue: return Truth::isFalse;
+    case Truth::isFalse: return Truth::isTrue;
+    case Truth::open: break;
+    }
+    return Truth::open;
+}
+
+Truth valueOf(const PlantLiteral& literal, const Prediction& labels)
+{
+    if (!labels.isKnown(literal.atom)) {
+        return Truth::open;
+    }
+    return labels.isTrue(literal.atom) != literal.negated ? Truth::isTrue : Truth::isFalse;
+}
+
+Truth valueOf(const std::vector<PlantLiteral>& clause, const Prediction& labels)
+{
+    Truth result = Truth::isFalse;
+    for (const PlantLiteral& literal : clause) {
+        const Truth truth = valueOf(literal, labels);
+        if (truth == Truth::isTrue) {
+            return truth;
+        }
+        if (truth == Truth::open) {
+            result = truth;
+        }
+    }
+    return result;
+}
+
+Truth valueOf(const std::vector<std::vector<PlantLiteral>>& clauses, const Prediction& labels)
+{
+    Truth result = Truth::isTrue;
+    for (const std::vector<PlantLiteral>& clause : clauses) {
+        const Truth truth = valueOf(clause, labels);
+        if (truth == Truth::isFalse) {
+            return truth;
+        }
+        if (truth == Truth::open) {
+            result = truth;
+        }
+    }
+    return result;
 }
 
 } // namespace
@@ -30,79 +66,24 @@ const char* name(Truth truth)
     return "unknown";
 }
 
-StateQuery::StateQuery(itms& engine, const Plant& plant, const language::FormulaClauses& formula)
-    : engine_(engine), plant_(plant), negated_(formula.negated)
+StateQuery::StateQuery(const Plant& plant, const language::FormulaClauses& formula)
+    : negated_(formula.negated)
 {
-    trajectory_.states = {new State, new State};
     for (const plant::ClauseLiterals& literals : formula.clauses) {
-        Clause clause{disjunction(), disjunction()};
+        std::vector<PlantLiteral>& clause = clauses_.emplace_back();
         for (const plant::Literal& literal : literals) {
-            enter(literal.atom);
-            (literal.negated ? clause.denied : clause.holding)
-                ->atoms->insert({!literal.negated, literal.atom});
+            clause.push_back({plant.indexOf(literal.atom), literal.negated});
         }
-        clauses_.push_back(std::move(clause));
     }
 }
 
-void StateQuery::enter(Atom* atom)
+Truth StateQuery::evaluate(const Hypothesis& hypothesis) const
 {
-    if (trajectory_.states.front()->elements->count(atom->getId()) > 0) {
-        return;
-    }
-    atoms_.push_back(atom);
-    for (const State* state : trajectory_.states) {
-        auto element = std::make_unique<TrajEl>();
-        element->atom = atom;
-        (*state->elements)[atom->getId()] = element.release();
-    }
+    const Truth truth = valueOf(clauses_, hypothesis.labels.prediction());
+    return negated_ ? negation(truth) : truth;
 }
 
-void StateQuery::label(const Hypothesis& hypothesis)
-{
-    const Prediction& labels = hypothesis.labels.prediction();
-    for (const Atom* atom : atoms_) {
-        const AtomIndex index = plant_.indexOf(atom);
-        const bool known = labels.isKnown(index);
-        const bool holds = labels.isTrue(index);
-        const auto set = [&](int step, bool value) {
-            const State& state = *trajectory_.states[static_cast<std::size_t>(step)];
-            (*state.elements)[atom->getId()]->setLabel(value ? "true" : "false");
-        };
-        set(openAreFalse, holds);
-        set(openAreTrue, holds || !known);
-    }
-}
-
-bool StateQuery::certain(const Clause& clause)
-{
-    return engine_.evalStateFormula(clause.holding.get(), &trajectory_, openAreFalse) ||
-           engine_.evalStateFormula(clause.denied.get(), &trajectory_, openAreTrue);
-}
-
-bool StateQuery::possible(const Clause& clause)
-{
-    return engine_.evalStateFormula(clause.holding.get(), &trajectory_, openAreTrue) ||
-           engine_.evalStateFormula(clause.denied.get(), &trajectory_, openAreFalse);
-}
-
-Truth StateQuery::evaluate(const Hypothesis& hypothesis)
-{
-    label(hypothesis);
-    const auto all = [this](bool (StateQuery::*test)(const Clause&)) {
-        return std::all_of(clauses_.begin(), clauses_.end(),
-                           [&](const Clause& clause) { return (this->*test)(clause); });
-    };
-    if (all(&StateQuery::certain)) {
-        return negated_ ? Truth::isFalse : Truth::isTrue;
-    }
-    if (!all(&StateQuery::possible)) {
-        return negated_ ? Truth::isTrue : Truth::isFalse;
-    }
-    return Truth::open;
-}
-
-QueryAnswer StateQuery::evaluate(const TrackAnswer& answer)
+QueryAnswer StateQuery::evaluate(const TrackAnswer& answer) const
 {
     QueryAnswer result;
     for (std::size_t i = 0; i < answer.hypotheses.size(); ++i) {

@@ -1,18 +1,15 @@
 // Whether a formula holds after a step, as a hypothesis has it.
 //
-// The labels of the hypothesis are put into a trajectory, and itms::evalStateFormula evaluates the formula there, clause by
-// clause. It knows two answers, and takes what is not known to be true for false. So the trajectory has two steps: in the first
-// an atom that the hypothesis leaves open does not hold, in the second it does. `a | !b` is certain when `a` holds in the first
-// or `!b` in the second, and possible when `a` holds in the second or `!b` in the first. A formula that is certain is true, one
-// that is not possible is false, and any other is open: the three values of S. C. Kleene, "On notation for ordinal numbers",
-// The Journal of Symbolic Logic 3 (1938). An open formula may still follow from the laws.
+// The formula is a conjunction of clauses, and each of its atoms is true, false or open in the hypothesis. A clause is true when
+// one of its literals is, false when all are, and open otherwise; the formula is false when one of its clauses is, true when all
+// are, and open otherwise. These are the strong three-valued connectives ("On notation for ordinal numbers", The Journal of
+// Symbolic Logic 3, 1938). An open formula may still follow from the laws.
 #pragma once
 
-#include "engine/itms.h"
 #include "language/meaning/FormulaReader.h"
 #include "monitor/track/Tracker.h"
 
-#include <memory>
+#include <vector>
 
 namespace monitor {
 
@@ -31,32 +28,17 @@ struct QueryAnswer {
 /// A formula that is asked at one step after the other.
 class StateQuery {
 public:
-    /// Engine, plant and the formula's atoms outlive it.
-    StateQuery(itms& engine, const Plant& plant, const language::FormulaClauses& formula);
+    /// Requires a formula over the plant's model. The plant outlives the query. Linear in the formula.
+    StateQuery(const Plant& plant, const language::FormulaClauses& formula);
 
     /// Linear in the formula.
-    Truth evaluate(const Hypothesis& hypothesis);
-    /// Over the hypotheses of an answer.
-    QueryAnswer evaluate(const TrackAnswer& answer);
+    Truth evaluate(const Hypothesis& hypothesis) const;
+    /// Over the hypotheses of an answer. "Unknown" and probabilities of 0 for an answer without any.
+    QueryAnswer evaluate(const TrackAnswer& answer) const;
 
 private:
-    // The literals of a clause that are not negated, and those that are.
-    struct Clause {
-        std::unique_ptr<StateFormula> holding;
-        std::unique_ptr<StateFormula> denied;
-    };
-
-    void enter(Atom* atom);
-    void label(const Hypothesis& hypothesis);
-    bool certain(const Clause& clause);
-    bool possible(const Clause& clause);
-
-    itms& engine_;
-    const Plant& plant_;
-    bool negated_;
-    std::vector<Clause> clauses_;
-    Trajectory trajectory_;
-    std::vector<Atom*> atoms_;
+    bool negated_; ///< the clauses say that the formula does not hold
+    std::vector<std::vector<PlantLiteral>> clauses_;
 };
 
 } // namespace monitor

@@ -54,7 +54,7 @@ protected:
     {
         const language::ReadFormula read = language::readFormula(text, *model_, read_.system);
         EXPECT_TRUE(read.errors.empty()) << text << "\n" << read.errors.front().format();
-        return {active_->engine, *active_->plant, *read.formula};
+        return {*active_->plant, *read.formula};
     }
     Truth ask(const std::string& text, const Names& assumed)
     {

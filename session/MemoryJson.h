@@ -4,9 +4,9 @@
 #include "monitor/track/Tracker.h"
 #include "telemetry/ReaderState.h"
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
-namespace app {
+namespace session {
 
 nlohmann::json memoryJson(const monitor::TrackMemory& memory, const plant::Plant& plant);
 /// Throws nlohmann::json::exception, or std::out_of_range for a number that the plant has not.
@@ -16,4 +16,4 @@ nlohmann::json readerJson(const telemetry::ReaderState& state);
 /// Throws nlohmann::json::exception.
 telemetry::ReaderState readerFromJson(const nlohmann::json& json);
 
-} // namespace app
+} // namespace session

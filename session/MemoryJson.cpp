@@ -1,9 +1,10 @@
-#include "app/TrackMemoryJson.h"
+#include "session/MemoryJson.h"
 
+#include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <unordered_map>
 
-namespace app {
+namespace session {
 
 namespace {
 
@@ -208,4 +209,4 @@ telemetry::ReaderState readerFromJson(const Json& json)
     return state;
 }
 
-} // namespace app
+} // namespace session

@@ -1,0 +1,24 @@
+// A session's checkpoint as a part of a larger JSON object, for programs that keep more beside it.
+//
+// The object has "model", the fingerprint of the model; "settings", an object; and "tracker" (MemoryJson.h). Members of other
+// names, in it and in "settings", are left to the caller.
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+
+namespace session {
+
+class Session;
+
+/// What Session::checkpoint() writes.
+nlohmann::json checkpointJson(const Session& session);
+
+/// The checks of Session::resume(), and no more. Throws OtherModel, OtherSetting, or nlohmann::json::exception where
+/// something is missing.
+void checkSame(const Session& session, const nlohmann::json& checkpoint);
+
+/// Goes on from what is believed in the checkpoint, without those checks. Throws nlohmann::json::exception or std::out_of_range
+/// when that is damaged; the session is as before then.
+void restore(Session& session, const nlohmann::json& checkpoint);
+
+} // namespace session

@@ -1,0 +1,148 @@
+// A plant that is followed: one model at work, and what is believed of it step after step.
+//
+//     session::Session session = session::Session::open("station.itms");
+//     telemetry::StepReader reader("log.jsonl", session.model(), session.bindings());
+//     auto next = reader.next();
+//     while (const auto* step = std::get_if<telemetry::Step>(&next)) {
+//         const monitor::TrackAnswer& answer = session.advance(*step);
+//         ...                                                  // answer.hypotheses.front() is the most probable one
+//         next = reader.next();
+//     }
+//     for (const monitor::Measurement& one : session.advise().measurements) ...
+//
+// A session owns everything that it works with: the model and its bindings, the engine set up over it, the plant's numbers and
+// the tracker. It can be moved; what its functions return by reference stays where it is until the session dies.
+//
+// Several sessions may live in one process, and be advanced in turns in any order: each has a registry of its own, which is
+// put in place when its engine is asked. They share that place, and std::cout, so all sessions of a process belong to one thread.
+#pragma once
+
+#include "language/meaning/ReadResult.h"
+#include "monitor/track/Tracker.h"
+#include "monitor/why/ConflictHistory.h"
+#include "monitor/why/Measurement.h"
+#include "monitor/why/StateQuery.h"
+#include "session/Errors.h"
+#include "telemetry/Step.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace monitor {
+class ExplanationSearch;
+}
+
+namespace session {
+
+/// How a model file is opened.
+struct OpenOptions {
+    /// Folders where imports are looked for, after the importing file's own.
+    std::vector<std::string> importFolders;
+    /// Whether the engine may write its trace to std::cout. Otherwise std::cout is put into a failed state while the engine
+    /// works, and is as before afterwards.
+    bool trace = false;
+};
+
+/// How a plant is followed.
+struct Settings {
+    int maxRank =
+        3; ///< faults and lost commands along a whole way, >= 0; more finds more, and costs
+    std::size_t keep = 8;                       ///< hypotheses kept after a step, >= 1
+    std::size_t lookBack = 10;                  ///< steps that may be gone back to; 0: none
+    SearchLimits limits{.maxRecords = 100'000}; ///< of each step
+    /// Steps with a contradiction that explain() can go back to, of which the hypotheses are kept in memory; 0: none.
+    std::size_t history = 10;
+    /// What looks for the explanations of a step that is not as predicted. Null: the engine. It may serve several sessions.
+    std::shared_ptr<monitor::ExplanationSearch> search;
+
+    static constexpr std::size_t wholeHistory = static_cast<std::size_t>(-1);
+};
+
+/// The conflicts between a step and what was believed before it.
+struct ExplainedStep {
+    monitor::Contradiction contradiction; ///< of the hypothesis that was the most probable one
+    /// Each checked. None where no conflict was found within the bounds.
+    std::vector<monitor::CheckedConflict> conflicts;
+};
+
+/// Why the hypotheses of an answer are believed.
+struct Explained {
+    std::vector<ExplainedStep> steps; ///< oldest first
+    std::size_t leftOut =
+        0; ///< earlier steps that contradicted the most probable hypothesis, and are not remembered
+};
+
+/// What a session remembers, as a text that can be kept anywhere: one JSON object.
+struct Checkpoint {
+    std::string text;
+};
+
+class Session {
+public:
+    /// Reads a model file, checks it and sets an engine up over it. Reads BASE.pi beside it, if it is there. Linear in the files
+    /// and in the model. Throws ModelErrors with all that is wrong in the files.
+    static Session open(const std::string& modelPath, const OpenOptions& options = {},
+                        const Settings& settings = {});
+    /// The same for a model that is read already. Requires what language::readModel or language::readModelText returned;
+    /// throws ModelErrors where that has errors. `name` is what ModelErrors says of where it came from.
+    static Session open(language::ReadResult read, const Settings& settings = {},
+                        const OpenOptions& options = {}, const std::string& name = {});
+
+    Session(Session&& other) noexcept;
+    Session& operator=(Session&& other) noexcept;
+    ~Session();
+
+    /// What is doubtful in the model's files, but no error: of the model first, then of its implicates.
+    const std::vector<text::Diagnostic>& warnings() const;
+
+    /// Takes a step. Requires a step of a reader over model() and bindings(). Ensures answer() and input() are of this step;
+    /// the reference stays valid, and is overwritten by the next step. Throws nothing for what contradicts the model: that is an answer. Memory and
+    /// time of a step do not grow with the number of steps taken, but for what Settings::history keeps.
+    const monitor::TrackAnswer& advance(const telemetry::Step& step);
+
+    /// The latest answer, empty before the first step.
+    const monitor::TrackAnswer& answer() const;
+    /// The latest step, as the tracker took it.
+    const monitor::TrackInput& input() const;
+
+    /// The conflicts of the steps that were remembered. Costs a prediction of the plant and a check for each conflict.
+    Explained explain() const;
+    /// The contradictions themselves, from which explain() derives conflicts.
+    const monitor::ConflictHistory& history() const;
+
+    /// What to measure next. Linear in the variables and the hypotheses.
+    monitor::Advice advise(const monitor::AdviceSettings& settings = {}) const;
+
+    /// Whether a formula holds after the latest step. Throws FormulaErrors. Linear in the model: to ask the same at many
+    /// steps, read it once with formula().
+    monitor::QueryAnswer query(const std::string& formula) const;
+    /// A formula to ask at one step after the other: `formula.evaluate(session.answer())`. The session outlives it. Throws
+    /// FormulaErrors.
+    monitor::StateQuery formula(const std::string& text) const;
+
+    /// Enough to go on in another process: what is believed, and by which settings of which model. What a reader remembers
+    /// is not in it (telemetry::StepReader::state), nor is history(). Linear in the plant and the hypotheses.
+    Checkpoint checkpoint() const;
+    /// Goes on from a checkpoint as if there had been no end. Throws OtherModel or OtherSetting when it was made with another
+    /// model or other settings, and DamagedCheckpoint when it is not one. Ensures that the session is as before if it throws.
+    void resume(const Checkpoint& checkpoint);
+
+    const Settings& settings() const;
+    const language::ReadResult& read() const; ///< everything that was read; the model is there
+    const plant::Model& model() const;
+    const plant::Bindings& bindings() const;
+    const plant::Plant& plant() const;
+    /// Puts this session's registry in place, and stays valid.
+    itms& engine();
+    const monitor::Tracker& tracker() const;
+    monitor::Tracker& tracker();
+
+private:
+    class Work;
+    explicit Session(std::unique_ptr<Work> work);
+
+    std::unique_ptr<Work> work_;
+};
+
+} // namespace session
