@@ -1,10 +1,9 @@
-#include "app/Check.h"
-
-#include "app/Arguments.h"
+// The verb `check`: whether model files are in order, and all that is wrong with them if not.
+#include "app/Options.h"
 #include "app/Output.h"
+#include "app/Verbs.h"
 #include "language/Reader.h"
 #include "plant/Implicates.h"
-#include "report/Text.h"
 #include "text/Wording.h"
 
 #include <fmt/format.h>
@@ -16,26 +15,11 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr const char* helpText =
-    R"(Usage: itms check MODEL... [options]
-
-Reads model files and reports everything that is wrong with them, or how large
-the models are. The implicates of plant.itms, in plant.pi where there is such a
-file, are checked, too. A file of components alone, to be imported by others, is
-fine.
-
-  MODEL                     a model file, .itms, or a model in JSON, .json
-  -I, --import FOLDER       look for imported files there, too, after the folder
-                            of the file that imports them; may be repeated
-  --format text|json        text: for people (default); json: the same as data
-  -h, --help                print this
-
-Exit status: 0 all files are in order, perhaps with warnings; 2 there is an
-error in the command line or in a file.
-
-Example:
-  itms check tests/language/errors/semantic/ten-mistakes.itms
-)";
+struct CheckOptions {
+    std::vector<std::string> models;
+    std::vector<std::string> importFolders;
+    std::string format = "text";
+};
 
 std::string sizeText(const std::string& path, const language::ReadResult& read)
 {
@@ -128,22 +112,6 @@ ordered_json json(const Checked& model)
     return made;
 }
 
-} // namespace
-
-CLI::App* addCheck(CLI::App& program, CheckOptions& options)
-{
-    CLI::App* verb = program.add_subcommand("check");
-    verb->allow_extras();
-    verb->formatter_fn(
-        [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return helpText; });
-    verb->add_option("models", options.models);
-    verb->add_option("-I,--import", options.importFolders)
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    verb->add_option("--format", options.format)->check(oneOf({"text", "json"}));
-    return verb;
-}
-
 ExitStatus check(const CheckOptions& options)
 {
     if (options.models.empty()) {
@@ -170,6 +138,31 @@ ExitStatus check(const CheckOptions& options)
         print(answer.dump(2, ' ', false, ordered_json::error_handler_t::replace) + "\n");
     }
     return failed ? ExitStatus::error : ExitStatus::done;
+}
+
+} // namespace
+
+Verb checkVerb()
+{
+    const auto options = std::make_shared<CheckOptions>();
+    return {
+        "check",
+        "reports all that is wrong with model files, or their size",
+        "itms check MODEL... [options]",
+        "Reads model files and reports everything that is wrong with them, or how large the models "
+        "are. The implicates of plant.itms, in plant.pi where there is such a file, are checked, "
+        "too. A file of components alone, to be imported by others, is fine.",
+        {{"",
+          {{"MODEL", "", "a model file, .itms, or a model in JSON, .json", &options->models, {}, 1},
+           importRow(options->importFolders, "look for imported files there, too, after the folder "
+                                             "of the file that imports them; may be repeated"),
+           {"--format", "text|json", "text: for people (default); json: the same as data",
+            &options->format, oneOf({"text", "json"})}}}},
+        "",
+        "0 all files are in order, perhaps with warnings; 2 there is an error in the command line "
+        "or in a file.",
+        "check tests/language/errors/semantic/ten-mistakes.itms",
+        [options] { return check(*options); }};
 }
 
 } // namespace app

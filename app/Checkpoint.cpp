@@ -8,6 +8,7 @@
 #include <fcntl.h>
 #include <fmt/format.h>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <system_error>
 #include <unistd.h>
 

@@ -1,17 +1,15 @@
 #include "app/SimulationSource.h"
 
-#include "app/Interruption.h"
-#include "app/Output.h"
-
 #include <cstdlib>
 #include <fmt/format.h>
 
 namespace app {
 
-DrawnSteps::DrawnSteps(const ModelFile& model, std::size_t steps, std::optional<std::uint64_t> seed)
-    : stepSeconds_(model.bindings().stepSeconds), steps_(steps)
+DrawnSteps::DrawnSteps(const session::Session& session, std::size_t steps,
+                       std::optional<std::uint64_t> seed)
+    : stepSeconds_(session.bindings().stepSeconds), steps_(steps)
 {
-    if (seed) commands_.emplace(model.plant(), *seed);
+    if (seed) commands_.emplace(session.plant(), *seed);
 }
 
 std::optional<SourceStep> DrawnSteps::next()
@@ -26,34 +24,25 @@ std::optional<SourceStep> DrawnSteps::next()
     return step;
 }
 
-TelemetrySteps::TelemetrySteps(const ModelFile& model, const std::string& path, bool skipBad)
-    : plant_(model.plant()), reader_(path, *model.read().model, model.bindings(), {skipBad})
+TelemetrySteps::TelemetrySteps(const session::Session& session, const std::string& path,
+                               bool skipBad)
+    : plant_(session.plant()), feed_(path, session.model(), session.bindings(), skipBad)
 {
 }
 
 std::optional<SourceStep> TelemetrySteps::next()
 {
-    while (!interruption()) {
-        auto next = reader_.next();
-        if (const auto* mistake = std::get_if<telemetry::Mistake>(&next)) {
-            if (mistake->endsReading) throw FileFailure(mistake->error.format());
-            complain(mistake->error.format());
-            ++leftOut_;
-            continue;
-        }
-        const auto* read = std::get_if<telemetry::Step>(&next);
-        if (!read) break;
-        SourceStep step;
-        step.t = read->t;
-        for (const Atom* command : read->commands) {
-            step.input.commands.push_back(plant_.indexOf(command));
-        }
-        for (const telemetry::Observation& observation : read->observations) {
-            step.input.observations.push_back(plant_.indexOf(observation.value));
-        }
-        return step;
+    const auto read = feed_.next();
+    if (!read) return std::nullopt;
+    SourceStep step;
+    step.t = read->t;
+    for (const Atom* command : read->commands) {
+        step.input.commands.push_back(plant_.indexOf(command));
     }
-    return std::nullopt;
+    for (const telemetry::Observation& observation : read->observations) {
+        step.input.observations.push_back(plant_.indexOf(observation.value));
+    }
+    return step;
 }
 
 } // namespace app

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "monitor/step/Step.h"
-#include "netlist/Circuit.h"
 #include "report/Text.h"
+#include "session/CircuitSession.h"
 
 #include <map>
 #include <optional>
@@ -47,6 +47,10 @@ struct Diagnosis {
     std::size_t outputCount = 0;           ///< outputs of the circuit, observed or not
     SearchWork work;                       ///< summed over the searches
 };
+
+/// The diagnosis of a problem that was solved. Linear in the observed outputs times those that differ, and in what was found.
+Diagnosis diagnosis(const session::CircuitSession& session, const session::CircuitProblem& problem,
+                    const session::CircuitAnswer& answer);
 
 /// One line of JSON, ended by a newline, with up to `shown` explanations; 0 shows all. Probabilities have six significant
 /// digits, so that the last bits of a sum do not show. docs/output.md describes the fields.

@@ -44,11 +44,14 @@ public:
     /// What stands after the last one; so many lines of the input were in error and left out.
     virtual void end(std::size_t /*linesLeftOut*/) {}
 
-    /// What `resume` needs for the rest to be as if there had been one run. A writer whose steps do not depend on each other
-    /// needs nothing.
-    virtual WriterMemory memory() const { return {}; }
+    /// What `resume` needs for the rest to be as if there had been one run.
+    virtual WriterMemory memory() const { return memory_; }
     /// In the place of `begin`: goes on after the steps that the memory knows.
-    virtual void resume(const WriterMemory& /*memory*/) {}
+    virtual void resume(const WriterMemory& memory) { memory_ = memory; }
+
+protected:
+    /// For writers that need one; the others need not look at it.
+    WriterMemory memory_;
 };
 
 } // namespace report

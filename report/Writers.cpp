@@ -30,17 +30,17 @@ public:
         std::string record = record_(report);
         // Its newline comes when it is known whether there is a comma before it.
         record.pop_back();
-        sink_((steps_ == 0 ? "[\n" : ",\n") + record);
-        ++steps_;
+        sink_((this->memory_.steps == 0 ? "[\n" : ",\n") + record);
+        ++this->memory_.steps;
     }
-    void end(std::size_t /*linesLeftOut*/) override { sink_(steps_ == 0 ? "[]\n" : "\n]\n"); }
-    WriterMemory memory() const override { return {steps_, {}}; }
-    void resume(const WriterMemory& memory) override { steps_ = memory.steps; }
+    void end(std::size_t /*linesLeftOut*/) override
+    {
+        sink_(this->memory_.steps == 0 ? "[]\n" : "\n]\n");
+    }
 
 private:
     Sink sink_;
     Record<Report> record_;
-    std::size_t steps_ = 0;
 };
 
 /// A table: a heading, rows, a summary.

@@ -1,13 +1,11 @@
-#include "app/Problem.h"
+#include "session/CircuitProblem.h"
 
-#include "report/Text.h"
-#include "text/Diagnostic.h"
 #include "text/NearestName.h"
 
 #include <algorithm>
 #include <fmt/format.h>
 
-namespace app {
+namespace session {
 
 namespace {
 
@@ -43,14 +41,15 @@ std::string some(const netlist::Circuit& circuit, const std::vector<SignalIndex>
 
 } // namespace
 
-ProblemBuilder::ProblemBuilder(const netlist::Circuit& circuit) : circuit_(circuit)
+CircuitProblemBuilder::CircuitProblemBuilder(const netlist::Circuit& circuit) : circuit_(circuit)
 {
     for (auto& values : values_) {
         values.resize(circuit.signals.size());
     }
 }
 
-std::optional<Complaint> ProblemBuilder::add(Side side, std::string_view signal, bool value)
+std::optional<text::Message> CircuitProblemBuilder::add(Side side, std::string_view signal,
+                                                        bool value)
 {
     const std::vector<SignalIndex>& own = declared(circuit_, side);
     const Side otherSide = side == Side::input ? Side::output : Side::input;
@@ -62,14 +61,12 @@ std::optional<Complaint> ProblemBuilder::add(Side side, std::string_view signal,
         for (const SignalIndex one : own) {
             known.emplace_back(circuit_.signals[one]);
         }
-        const std::string nearest = text::nearestName(signal, known);
-        return Complaint{fmt::format("{} has no signal {}", circuit_.name, text::quoted(signal)),
-                         expected,
-                         nearest.empty() ? "" : fmt::format("did you mean '{}'?", nearest)};
+        return text::Message{fmt::format("{} has no signal {}", circuit_.name, text::quoted(signal)),
+                             expected, text::didYouMean(signal, known)};
     }
     if (!isDeclared(circuit_, side, *index)) {
         const bool other = isDeclared(circuit_, otherSide, *index);
-        return Complaint{
+        return text::Message{
             fmt::format("{} is {}, not an {}", text::quoted(signal),
                         other ? "an " + nameOf(otherSide) : "a signal inside the circuit",
                         nameOf(side)),
@@ -77,14 +74,14 @@ std::optional<Complaint> ProblemBuilder::add(Side side, std::string_view signal,
     }
     std::optional<bool>& slot = values_[static_cast<std::size_t>(side)][*index];
     if (slot) {
-        return Complaint{fmt::format("{} {} is given twice", nameOf(side), text::quoted(signal)),
-                         fmt::format("each {} once", nameOf(side)), ""};
+        return text::Message{fmt::format("{} {} is given twice", nameOf(side), text::quoted(signal)),
+                             fmt::format("each {} once", nameOf(side)), ""};
     }
     slot = value;
     return std::nullopt;
 }
 
-std::optional<Complaint> ProblemBuilder::missing(Side side) const
+std::optional<text::Message> CircuitProblemBuilder::missing(Side side) const
 {
     const std::vector<std::optional<bool>>& values = values_[static_cast<std::size_t>(side)];
     std::vector<SignalIndex> absent;
@@ -93,23 +90,25 @@ std::optional<Complaint> ProblemBuilder::missing(Side side) const
     }
     if (side == Side::output) {
         if (absent.size() < circuit_.outputs.size()) return std::nullopt;
-        return Complaint{"no output is given", "one output at least: " + some(circuit_, absent), ""};
+        return text::Message{"no output is given", "one output at least: " + some(circuit_, absent),
+                             ""};
     }
     if (absent.empty()) return std::nullopt;
     std::string names;
     for (const SignalIndex signal : absent) {
         names += (names.empty() ? "" : ", ") + circuit_.signals[signal];
     }
-    return Complaint{fmt::format("{} of {} {} missing: {}", absent.size() == 1 ? "input" : "inputs",
-                                 circuit_.name, absent.size() == 1 ? "is" : "are", names),
-                     fmt::format("a value for every input ({} of {} given)",
-                                 circuit_.inputs.size() - absent.size(), circuit_.inputs.size()),
-                     ""};
+    return text::Message{
+        fmt::format("{} of {} {} missing: {}", absent.size() == 1 ? "input" : "inputs",
+                    circuit_.name, absent.size() == 1 ? "is" : "are", names),
+        fmt::format("a value for every input ({} of {} given)",
+                    circuit_.inputs.size() - absent.size(), circuit_.inputs.size()),
+        ""};
 }
 
-Problem ProblemBuilder::finish() const
+CircuitProblem CircuitProblemBuilder::finish() const
 {
-    Problem problem;
+    CircuitProblem problem;
     const auto gather = [&](Side side, std::vector<Reading>& readings) {
         for (const SignalIndex signal : declared(circuit_, side)) {
             const std::optional<bool>& value = values_[static_cast<std::size_t>(side)][signal];
@@ -121,4 +120,4 @@ Problem ProblemBuilder::finish() const
     return problem;
 }
 
-} // namespace app
+} // namespace session

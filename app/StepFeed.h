@@ -1,0 +1,34 @@
+// Steps of telemetry as the verbs take them: until the end, a signal, or a line that is in error.
+#pragma once
+
+#include "telemetry/StepReader.h"
+
+#include <optional>
+#include <string>
+
+namespace app {
+
+class StepFeed {
+public:
+    /// Model and bindings outlive this. Throws telemetry::ReadFailure when the file cannot be opened.
+    StepFeed(const std::string& path, const plant::Model& model, const plant::Bindings& bindings,
+             bool skipBad);
+
+    /// The next step; none at the end, and when a signal has come. Throws FileFailure for a line in error; with `skipBad`, the
+    /// line is reported on standard error, counted and left out, if reading can go on.
+    std::optional<telemetry::Step> next();
+
+    telemetry::StepReader& reader() { return reader_; }
+    std::size_t linesLeftOut() const { return linesLeftOut_; }
+    /// For a run that goes on: those of the run before count, too.
+    void setLinesLeftOut(std::size_t count) { linesLeftOut_ = count; }
+    /// Says on standard error how many lines were left out, if any; `verb` is whose words these are.
+    void reportLinesLeftOut(const std::string& verb) const;
+
+private:
+    telemetry::StepReader reader_;
+    bool skipBad_;
+    std::size_t linesLeftOut_ = 0;
+};
+
+} // namespace app
