@@ -52,10 +52,9 @@ Verb adviseVerb()
                      "table: for people, the default on a terminal; jsonl and json: one JSON "
                      "record, default otherwise"),
            colourRow(options->answer), quietRow(options->track.quiet, "no warnings")}}},
-        "Doubt is the entropy of the explanations, in bits: 1 bit for two that are equally "
-        "probable.",
-        "0 done; 2 an error in the command line, the model or the telemetry; 3 nothing explains "
-        "the observations of the step, or a limit cut its search short; 130 interrupted.",
+        "Doubt is the entropy of the explanations, in bits: 1 bit for two that are "
+        "equally\nprobable.",
+        stepExitStatus,
         "advise examples/water/station.itms examples/water/stuck-valve.jsonl",
         [options] { return advise(*options); }};
 }

@@ -35,7 +35,7 @@ Check oneOf(std::vector<std::string> words);
 struct Row {
     std::string names; ///< `--format`, `-o,--output`, or an argument's name in the help, `MODEL`
     std::string placeholder; ///< for the value, in the help; empty for a flag and for an argument
-    /// In the help, wrapped. `{default}` stands for the target's value; a line break stays one.
+    /// In the help, wrapped unless it has line breaks. `{default}` stands for the target's value.
     std::string help;
     Target target;
     Check check;      ///< none: any value will do
@@ -48,8 +48,8 @@ struct Section {
     std::vector<Row> rows;
 };
 
-/// A verb: what it is called, what it takes, what its help says, and what it does. Texts are wrapped; a line break in
-/// one stays.
+/// A verb: what it is called, what it takes, what its help says, and what it does. Texts are wrapped unless they have
+/// line breaks.
 struct Verb {
     std::string name;
     std::string purpose;           ///< in one line, for the list of verbs

@@ -271,15 +271,16 @@ std::vector<Section> sections(DiagnoseOptions& options)
            "stop after so many search records a problem (default {default}: no limit)",
            &options.maxRecords, wholeNumber(0)},
           {"--max-seconds", "S",
-           "stop after so many seconds a problem (default {default}; 0: no limit)",
+           "stop after so many seconds a problem (default {default};\n0: no limit)",
            &options.maxSeconds, number(0.0, std::numeric_limits<double>::infinity())},
           {"--fault-probability", "P", "that a gate is faulty (default {default})",
            &options.faultProbability, numberBetween(0.0, 1.0)}}},
         {"What to print",
          {shownRow(options.shown, "show the N most probable explanations"),
-          formatRow(options.answer, {"table", "jsonl"},
-                    "table: for people, the default on a terminal; jsonl: a JSON record a problem, "
-                    "default otherwise"),
+          formatRow(
+              options.answer, {"table", "jsonl"},
+              "table: for people, the default on a terminal;\njsonl: a JSON record a problem, "
+              "default otherwise"),
           colourRow(options.answer),
           {"--trace", "", "print the engine's trace instead of the diagnosis", &options.trace, {}},
           quietRow(options.quiet, "no progress"),

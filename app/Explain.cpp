@@ -67,17 +67,16 @@ Verb explainVerb()
            massRow(options->mass),
            {"--all",
             "",
-            "conflicts of all steps up to then; else of the last 10 that had any",
+            "conflicts of all steps up to then; else of the last 10\nthat had any",
             &options->all,
             {}},
            formatRow(options->answer, {"text", "json"},
-                     "text: for people, the default on a terminal; json: one object, default "
+                     "text: for people, the default on a terminal; json: one\nobject, default "
                      "otherwise"),
            colourRow(options->answer, "text"),
            quietRow(options->track.quiet, "no progress, no warnings")}}},
         "",
-        "0 done; 2 an error in the command line, the model or the telemetry; 3 nothing explains "
-        "the observations of the step, or a limit cut its search short; 130 interrupted.",
+        stepExitStatus,
         "explain examples/water/station.itms examples/water/stuck-valve.jsonl \\\n    --step 13",
         [options] { return explain(*options); }};
 }

@@ -2,45 +2,16 @@
 #include "app/CommandLine.h"
 #include "report/Text.h"
 
-#include <algorithm>
 #include <fmt/format.h>
 
 namespace app {
 
 namespace {
 
-constexpr std::size_t lineColumns = 82;
 constexpr std::size_t textColumn = 28;
 constexpr std::size_t verbColumn = 17;
 
-// The text in lines of up to `lineColumns`; the first begins with `first`, the others with as many spaces. A line break in
-// the text stays.
-std::string laidOut(const std::string& first, std::string_view text)
-{
-    const std::string indent(first.size(), ' ');
-    std::string lines = first;
-    std::size_t column = first.size();
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find_first_of(" \n"), text.size());
-        const bool fits = column + end <= lineColumns;
-        if (!fits) {
-            lines.back() = '\n'; // the space before this word
-            lines += indent;
-            column = indent.size();
-        }
-        lines += text.substr(0, end);
-        column += end + 1;
-        if (end < text.size()) lines += text[end];
-        if (end < text.size() && text[end] == '\n') {
-            lines += indent;
-            column = indent.size();
-        }
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-    return lines + "\n";
-}
-
-// Texts of several lines that stand as they are, the later ones below the first.
+// The lines of the text as they are, the later ones below the first.
 std::string below(std::string_view first, std::string text)
 {
     const std::string indent = "\n" + std::string(first.size(), ' ');
@@ -50,7 +21,24 @@ std::string below(std::string_view first, std::string text)
     return fmt::format("{}{}\n", first, text);
 }
 
-std::string row(std::string head, std::size_t column, std::string_view text)
+// The text in lines; the first begins with `first`, the others with as many spaces. A text with line breaks of its own is laid
+// out by its author.
+std::string laidOut(std::string_view first, const std::string& text)
+{
+    if (text.find('\n') != std::string::npos) return below(first, text);
+    std::string lines = report::wrapped(first, text);
+    // A last word that is all but in place does not get a line of its own.
+    const std::size_t last = lines.rfind('\n', lines.size() - 2);
+    if (last == std::string::npos) return lines;
+    const std::size_t word = last + 1 + first.size();
+    const std::size_t before = last - (lines.rfind('\n', last - 1) + 1);
+    const bool alone = lines.size() - 1 - word == text.size() - (text.rfind(' ') + 1);
+    if (alone && before + lines.size() - word <= report::lineWidth + 2)
+        lines.replace(last, word - last, " ");
+    return lines;
+}
+
+std::string row(std::string head, std::size_t column, const std::string& text)
 {
     head.insert(0, "  ");
     if (report::width(head) < column) return laidOut(report::left(head, column), text);

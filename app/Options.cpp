@@ -53,8 +53,10 @@ Row stepRow(std::optional<std::uint64_t>& step, const std::string& help)
 
 Row shownRow(std::uint64_t& shown, const std::string& help)
 {
-    return {"-n", "N", help + " (default {default}; 0: all)", &shown,
-            wholeNumber(0, std::numeric_limits<std::uint32_t>::max())};
+    return {"-n", "N",
+            help + " (default {default}; 0:\x1f"
+                   "all)",
+            &shown, wholeNumber(0, std::numeric_limits<std::uint32_t>::max())};
 }
 
 Row massRow(double& mass)
@@ -109,7 +111,7 @@ Section searchSection(TrackOptions& track)
          {"--look-back", "N", "go back up to N steps for faults that show late (default {default})",
           &track.lookBack, wholeNumber(0, mostKept)},
          {"--max-records", "N",
-          "stop searching a step after so many records (default {default}; 0: no limit)",
+          "stop searching a step after so many records\n(default {default}; 0: no limit)",
           &track.maxRecords, wholeNumber(0)},
          {"--max-seconds", "S", "... after so many seconds (default {default}: no limit)",
           &track.maxSeconds, number(0.0, infinity)}}};

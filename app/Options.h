@@ -35,6 +35,12 @@ struct AnswerOptions {
     std::optional<std::string> output; ///< a file; none: standard output
 };
 
+/// The exit status, in the help of a verb that is about one step.
+inline constexpr const char* stepExitStatus =
+    "0 done; 2 an error in the command line, the model or the telemetry;\n"
+    "3 nothing explains the observations of the step, or a limit cut its search short;\n"
+    "130 interrupted.";
+
 /// A number of steps that no run reaches.
 inline constexpr std::uint64_t mostSteps = std::uint64_t{1} << 53;
 /// A number of faults, of one explanation, that is out of reach.

@@ -54,8 +54,8 @@ Verb queryVerb()
         {"FORMULA",
          "",
          "'valve.position = stuckClosed & valve.outflow != zero';\n"
-         "with =, !=, in {...}, !, &, |, ->, <->, parentheses, between variables, too. Paths are "
-         "as seen from the system: valve.position, branch.valve.x, cell[3].x",
+         "with =, !=, in {...}, !, &, |, ->, <->, parentheses,\nbetween variables, too. Paths are "
+         "as seen from the\nsystem: valve.position, branch.valve.x, cell[3].x",
          &options->formula,
          {},
          3}};

@@ -128,22 +128,21 @@ ExitStatus run(const RunOptions& options)
 
 Section checkpointSection(RunOptions& options)
 {
-    return {
-        "To go on after a crash",
-        {{"--checkpoint",
-          "FILE",
-          "save the run's memory in FILE every so many steps, and at the end",
-          &options.checkpoint,
-          {}},
-         {"--checkpoint-every", "N", "... every N steps (default {default})",
-          &options.checkpointEvery, wholeNumber(1, mostSteps)},
-         {"--resume",
-          "",
-          "go on from FILE, if it is there. The telemetry is the same file; from standard input, "
-          "what comes after. An --output file is cut to what it had at the checkpoint, and "
-          "continued",
-          &options.resume,
-          {}}}};
+    return {"To go on after a crash",
+            {{"--checkpoint",
+              "FILE",
+              "save the run's memory in FILE every so many steps, and\nat the end",
+              &options.checkpoint,
+              {}},
+             {"--checkpoint-every", "N", "... every N steps (default {default})",
+              &options.checkpointEvery, wholeNumber(1, mostSteps)},
+             {"--resume",
+              "",
+              "go on from FILE, if it is there. The telemetry is the\nsame file; from standard "
+              "input, what comes after. An\n--output file is cut to what it had at the "
+              "checkpoint,\nand continued",
+              &options.resume,
+              {}}}};
 }
 
 } // namespace

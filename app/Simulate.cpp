@@ -278,9 +278,8 @@ std::vector<Section> sections(SimulateOptions& options)
          {modelRow(options.model.path, "a model file, .itms"),
           {"COMMANDS",
            "",
-           "telemetry whose commands are given to the plant, with the values that it has of "
-           "inputs; "
-           "- for standard input. Without it, commands are drawn",
+           "telemetry whose commands are given to the plant, with\nthe values that it has of "
+           "inputs; - for standard\ninput. Without it, commands are drawn",
            &options.telemetry,
            {},
            2},
@@ -305,8 +304,8 @@ std::vector<Section> sections(SimulateOptions& options)
            &options.inputs,
            {}},
           {"--random", "SEED",
-           "draw faults, lost commands and what nothing determines by the model's probabilities. "
-           "Otherwise everything goes as predicted, and nothing breaks by itself",
+           "draw faults, lost commands and what nothing determines\nby the model's probabilities. "
+           "Otherwise everything\ngoes as predicted, and nothing breaks by itself",
            &options.random, wholeNumber(0)}}},
         {"What to print",
          {{"--observe",
@@ -332,8 +331,9 @@ Verb simulateVerb()
         "simulate",
         "stands in for a modelled plant: commands in, telemetry out",
         "itms simulate MODEL [COMMANDS] [options]",
-        "Stands in for a plant: follows commands as the model says, breaks what it is told to "
-        "break, and prints the telemetry, a JSON record a step. The steps count from 1; before the "
+        "Stands in for a plant: follows commands as the model says, breaks what it is told\nto "
+        "break, and prints the telemetry, a JSON record a step. The steps count from 1;\nbefore "
+        "the "
         "first, everything is in its initial state.",
         sections(*options),
         "",

@@ -101,8 +101,7 @@ Verb traceVerb()
            {"--setup", "", "before it, the trace of the engine's set-up", &options->setup, {}},
            quietRow(options->track.quiet, "no warnings and notes")}}},
         "",
-        "0 done; 2 an error in the command line, the model or the telemetry; 3 nothing explains "
-        "the observations of the step, or a limit cut its search short; 130 interrupted.",
+        stepExitStatus,
         "trace examples/water/station.itms examples/water/stuck-valve.jsonl --step 11",
         [options] { return trace(*options); }};
 }
