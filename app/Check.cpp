@@ -1,10 +1,10 @@
-#include "app/Check.h"
-
-#include "app/Arguments.h"
+// The verb `check`: whether model files are in order, and all that is wrong with them if not.
+#include "app/Options.h"
 #include "app/Output.h"
+#include "app/Verbs.h"
 #include "language/Reader.h"
 #include "plant/Implicates.h"
-#include "report/Text.h"
+#include "text/Wording.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -15,37 +15,22 @@ namespace {
 
 using nlohmann::ordered_json;
 
-constexpr const char* helpText =
-    R"(Usage: itms check MODEL... [options]
-
-Reads model files and reports everything that is wrong with them, or how large
-the models are. The implicates of plant.itms, in plant.pi where there is such a
-file, are checked, too. A file of components alone, to be imported by others, is
-fine.
-
-  MODEL                     a model file, .itms, or a model in JSON, .json
-  -I, --import FOLDER       look for imported files there, too, after the folder
-                            of the file that imports them; may be repeated
-  --format text|json        text: for people (default); json: the same as data
-  -h, --help                print this
-
-Exit status: 0 all files are in order, perhaps with warnings; 2 there is an
-error in the command line or in a file.
-
-Example:
-  itms check tests/language/errors/semantic/ten-mistakes.itms
-)";
+struct CheckOptions {
+    std::vector<std::string> models;
+    std::vector<std::string> importFolders;
+    std::string format = "text";
+};
 
 std::string sizeText(const std::string& path, const language::ReadResult& read)
 {
     const language::ModelSize& size = read.size;
-    const std::string types = report::counted(size.componentTypes, "component type");
+    const std::string types = text::counted(size.componentTypes, "component type");
     if (!read.model) return fmt::format("{}: {}, no system\n", path, types);
-    return fmt::format(
-        "{}: {}, {}, {}, {}, {}, {}\n", path, report::counted(size.components, "component"),
-        report::counted(size.variables, "variable"), report::counted(size.atoms, "atom"),
-        report::counted(size.laws, "law"), report::counted(size.clauses, "clause"),
-        report::counted(size.transitions, "transition"));
+    return fmt::format("{}: {}, {}, {}, {}, {}, {}\n", path,
+                       text::counted(size.components, "component"),
+                       text::counted(size.variables, "variable"), text::counted(size.atoms, "atom"),
+                       text::counted(size.laws, "law"), text::counted(size.clauses, "clause"),
+                       text::counted(size.transitions, "transition"));
 }
 
 // What was read of a model, and of its file of implicates when there is one.
@@ -83,12 +68,12 @@ std::string text(const Checked& model)
     }
     if (!model.good()) {
         return told +
-               fmt::format("{}: {}\n", model.path, report::counted(read.errors.size(), "error"));
+               fmt::format("{}: {}\n", model.path, text::counted(read.errors.size(), "error"));
     }
     told += sizeText(model.path, read);
     if (!model.implicates.found) return told;
     return told + fmt::format("{}: implicates of {}\n", model.implicates.path,
-                              report::counted(model.implicates.heads, "atom"));
+                              text::counted(model.implicates.heads, "atom"));
 }
 
 ordered_json json(const std::vector<text::Diagnostic>& errors)
@@ -127,22 +112,6 @@ ordered_json json(const Checked& model)
     return made;
 }
 
-} // namespace
-
-CLI::App* addCheck(CLI::App& program, CheckOptions& options)
-{
-    CLI::App* verb = program.add_subcommand("check");
-    verb->allow_extras();
-    verb->formatter_fn(
-        [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return helpText; });
-    verb->add_option("models", options.models);
-    verb->add_option("-I,--import", options.importFolders)
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    verb->add_option("--format", options.format)->check(oneOf({"text", "json"}));
-    return verb;
-}
-
 ExitStatus check(const CheckOptions& options)
 {
     if (options.models.empty()) {
@@ -169,6 +138,31 @@ ExitStatus check(const CheckOptions& options)
         print(answer.dump(2, ' ', false, ordered_json::error_handler_t::replace) + "\n");
     }
     return failed ? ExitStatus::error : ExitStatus::done;
+}
+
+} // namespace
+
+Verb checkVerb()
+{
+    const auto options = std::make_shared<CheckOptions>();
+    return {
+        "check",
+        "reports all that is wrong with model files, or their size",
+        "itms check MODEL... [options]",
+        "Reads model files and reports everything that is wrong with them, or how large the models "
+        "are. The implicates of plant.itms, in plant.pi where there is such a file, are checked, "
+        "too. A file of components alone, to be imported by others, is fine.",
+        {{"",
+          {{"MODEL", "", "a model file, .itms, or a model in JSON, .json", &options->models, {}, 1},
+           importRow(options->importFolders, "look for imported files there, too, after the folder "
+                                             "of the file that imports them; may be repeated"),
+           {"--format", "text|json", "text: for people (default); json: the same as data",
+            &options->format, oneOf({"text", "json"})}}}},
+        "",
+        "0 all files are in order, perhaps with warnings; 2 there is an error in the command line "
+        "or in a file.",
+        "check tests/language/errors/semantic/ten-mistakes.itms",
+        [options] { return check(*options); }};
 }
 
 } // namespace app

@@ -5,6 +5,7 @@
 #include "text/File.h"
 
 #include <fmt/format.h>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 namespace app {

@@ -5,7 +5,7 @@
 // remember. It is written beside its place, synced, and renamed, so that at any moment the old one or the new one is there.
 #pragma once
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 
 namespace app {

@@ -1,73 +1,42 @@
-#include "app/Diagnose.h"
-
-#include "app/Arguments.h"
-#include "app/CircuitSolver.h"
+// The verb `diagnose`: which gates of a circuit are faulty, given its inputs and what its outputs show.
 #include "app/Interruption.h"
+#include "app/Options.h"
 #include "app/Output.h"
-#include "app/ProblemReader.h"
+#include "app/Verbs.h"
 #include "netlist/BenchReader.h"
-#include "report/DiagnosisJson.h"
-#include "report/DiagnosisTable.h"
+#include "session/CircuitProblemReader.h"
+#include "session/CircuitSession.h"
 #include "telemetry/LineReader.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <fmt/format.h>
 #include <limits>
+#include <memory>
 
 namespace app {
 
 namespace {
 
-constexpr const char* helpText =
-    R"(Usage: itms diagnose CIRCUIT --inputs A=0,B=1,... --outputs Y=1,... [options]
-       itms diagnose CIRCUIT --problems FILE.jsonl [options]
+struct DiagnoseOptions {
+    std::string circuit;
+    std::vector<std::string> inputs;
+    std::vector<std::string> outputs;
+    std::optional<std::string> problems;
+    bool skipBad = false;
 
-Finds the faulty gates of a circuit: the sets of gates that, if they do not do
-what they should, explain the outputs, most probable first.
+    std::optional<int> maxRank;
+    std::optional<int> upTo;
+    std::uint64_t maxRecords = 0; ///< 0: no limit
+    double maxSeconds = 60.0;     ///< 0: no limit
+    double faultProbability = 0.01;
 
-  CIRCUIT                   a gate-level circuit, a .bench file
-
-What was seen:
-  --inputs A=0,B=1,...      the value of every input
-  --outputs Y=1,...         the values of the observed outputs, one at least
-  --problems FILE           many of both, one JSON object a line (- for standard
-                            input): {"id": "p1", "inputs": {"A": 0, "B": 1},
-                            "observed": {"Y": 1}}
-  --skip-bad                report lines that are in error, and go on
-
-How to search:
-  --max-rank N              explanations of up to N faults. Without it, of 1
-                            fault, then 2, ..., until there is one
-  --up-to N                 ... but of no more than N faults (default 3)
-  --max-records N           stop after so many search records a problem (default
-                            0: no limit)
-  --max-seconds S           stop after so many seconds a problem (default 60;
-                            0: no limit)
-  --fault-probability P     that a gate is faulty (default 0.01)
-
-What to print:
-  -n N                      show the N most probable explanations (default 5;
-                            0: all)
-  --format table|jsonl      table: for people, the default on a terminal;
-                            jsonl: a JSON record a problem, default otherwise
-  --color always|never|auto colours in the table (default auto: as NO_COLOR,
-                            CLICOLOR_FORCE, CLICOLOR say, else on a terminal)
-  --trace                   print the engine's trace instead of the diagnosis
-  -q, --quiet               no progress on standard error
-  --fail-on fault           end with status 1 when there is a fault
-  -h, --help                print this
-
-Exit status: 0 done; 1 a fault was found, with --fail-on fault; 2 an error in
-the command line, the circuit or the problems; 3 nothing explains the outputs of
-a problem, or a limit cut its search short; 130 interrupted.
-
-Example:
-  itms diagnose examples/circuits/c17.bench \
-      --inputs G1gat=1,G2gat=0,G3gat=0,G6gat=0,G7gat=0 \
-      --outputs G22gat=1,G23gat=1
-)";
-
-constexpr std::uint64_t mostFaults = 1000;
+    std::uint64_t shown = 5; ///< 0: all
+    AnswerOptions answer;
+    std::optional<std::string> failOn;
+    bool trace = false;
+    bool quiet = false;
+};
 
 SearchLimits limitsOf(const DiagnoseOptions& options)
 {
@@ -76,17 +45,6 @@ SearchLimits limitsOf(const DiagnoseOptions& options)
     if (options.maxSeconds > 0.0) limits.maxSeconds = options.maxSeconds;
     limits.stop = &interruption();
     return limits;
-}
-
-bool wantsTable(const DiagnoseOptions& options)
-{
-    return options.format ? *options.format == "table" : outputIsTerminal();
-}
-
-ColourChoice colourChoice(const DiagnoseOptions& options)
-{
-    if (options.colour == "always") return ColourChoice::always;
-    return options.colour == "never" ? ColourChoice::never : ColourChoice::automatic;
 }
 
 void checkUsage(const DiagnoseOptions& options)
@@ -121,16 +79,16 @@ netlist::Circuit readCircuit(const std::string& path)
         }
         if (read.errors.size() > shown) {
             text += fmt::format("{}: {} more\n", path,
-                                report::counted(read.errors.size() - shown, "error"));
+                                text::counted(read.errors.size() - shown, "error"));
         }
         throw FileFailure(text);
     }
     return std::move(*read.circuit);
 }
 
-Failure argumentError(const std::string& option, const text::Message& what)
+Failure argumentError(const std::string& option, const text::Message& message)
 {
-    return Failure(option + ": " + what.format());
+    return Failure(option + ": " + message.format());
 }
 
 std::string_view trimmed(std::string_view text)
@@ -141,8 +99,8 @@ std::string_view trimmed(std::string_view text)
 }
 
 // The readings of --inputs or --outputs: SIGNAL=BIT, separated by commas.
-void addReadings(ProblemBuilder& builder, Side side, const std::string& option,
-                 std::string_view text)
+void addReadings(session::CircuitProblemBuilder& builder, session::Side side,
+                 const std::string& option, std::string_view text)
 {
     while (true) {
         const std::size_t comma = text.find(',');
@@ -161,7 +119,7 @@ void addReadings(ProblemBuilder& builder, Side side, const std::string& option,
                 option,
                 {fmt::format("the value of {} is {}", text::quoted(signal), text::quoted(value)),
                  "0 or 1",
-                 side == Side::output ? "an output that was not observed is left out" : ""});
+                 side == session::Side::output ? "an output that was not observed is left out" : ""});
         }
         if (const auto complaint = builder.add(side, signal, value == "1"))
             throw argumentError(option, *complaint);
@@ -170,18 +128,19 @@ void addReadings(ProblemBuilder& builder, Side side, const std::string& option,
     }
 }
 
-Problem problemOfOptions(const DiagnoseOptions& options, const netlist::Circuit& circuit)
+session::CircuitProblem problemOfOptions(const DiagnoseOptions& options,
+                                         const netlist::Circuit& circuit)
 {
-    ProblemBuilder builder(circuit);
+    session::CircuitProblemBuilder builder(circuit);
     for (const std::string& text : options.inputs) {
-        addReadings(builder, Side::input, "--inputs", text);
+        addReadings(builder, session::Side::input, "--inputs", text);
     }
     for (const std::string& text : options.outputs) {
-        addReadings(builder, Side::output, "--outputs", text);
+        addReadings(builder, session::Side::output, "--outputs", text);
     }
-    if (const auto complaint = builder.missing(Side::input))
+    if (const auto complaint = builder.missing(session::Side::input))
         throw argumentError("--inputs", *complaint);
-    if (const auto complaint = builder.missing(Side::output))
+    if (const auto complaint = builder.missing(session::Side::output))
         throw argumentError("--outputs", *complaint);
     return builder.finish();
 }
@@ -191,29 +150,32 @@ Problem problemOfOptions(const DiagnoseOptions& options, const netlist::Circuit&
 class Run {
 public:
     Run(const DiagnoseOptions& options, const netlist::Circuit& circuit)
-        : options_(options),
-          asTable_(wantsTable(options)), settings_{options.maxRank, options.upTo.value_or(3),
-                                                   limitsOf(options)},
-          solver_(circuit, options.faultProbability),
-          table_(circuit, options.problems ? report::Layout::many : report::Layout::single,
-                 report::Colours(wantsColour(colourChoice(options))), options.shown),
+        : options_(options), settings_{options.maxRank, options.upTo.value_or(3), limitsOf(options)},
+          session_(circuit, options.faultProbability),
+          writer_(writersOf(options.answer,
+                            // With a trace, standard output is the trace's.
+                            [this](std::string_view text) {
+                                if (!options_.trace && !text.empty()) print(text);
+                            })
+                      .diagnoses(circuit,
+                                 options.problems ? report::Layout::many : report::Layout::single,
+                                 options.shown)),
           progress_(!options.quiet)
     {
-        if (asTable_) answer(table_.heading());
+        writer_->begin();
     }
 
-    void solve(const Problem& problem)
+    void solve(const session::CircuitProblem& problem)
     {
         ++count_;
-        const report::Diagnosis diagnosis = solver_.solve(problem, settings_, [&](int bound) {
+        const session::CircuitAnswer answer = session_.solve(problem, settings_, [&](int bound) {
             const std::string name = problem.id.value_or(fmt::format("problem {}", count_));
-            progress_.show(
-                fmt::format("{}: searching for up to {} ...", text::quoted(name),
-                            report::counted(static_cast<std::uint64_t>(bound), "fault")));
+            progress_.show(fmt::format("{}: searching for up to {} ...", text::quoted(name),
+                                       text::counted(static_cast<std::uint64_t>(bound), "fault")));
         });
         progress_.clear();
-        answer(asTable_ ? table_.block(diagnosis)
-                        : report::diagnosisJson(diagnosis, options_.shown));
+        const report::Diagnosis diagnosis = report::diagnosis(session_, problem, answer);
+        writer_->step(diagnosis);
         const bool nominal = diagnosis.status == monitor::StepStatus::nominal;
         unexplained_ = unexplained_ || !diagnosis.complete || diagnosis.explanations.empty();
         faultFound_ = faultFound_ || (!nominal && !diagnosis.explanations.empty());
@@ -225,8 +187,8 @@ public:
         std::string_view line;
         while (!interruption() && reader.next(line)) {
             if (trimmed(line).empty()) continue;
-            auto read = readProblem(line, circuit);
-            if (const auto* problem = std::get_if<Problem>(&read)) {
+            auto read = session::readProblem(line, circuit);
+            if (const auto* problem = std::get_if<session::CircuitProblem>(&read)) {
                 solve(*problem);
                 continue;
             }
@@ -241,65 +203,27 @@ public:
 
     ExitStatus finish()
     {
-        if (asTable_) answer(table_.summary(leftOut_));
+        writer_->end(leftOut_);
         if (interruption()) return ExitStatus::interrupted;
         if (leftOut_ > 0 && !options_.quiet) {
             complain(
-                fmt::format("itms diagnose: {} left out\n", report::counted(leftOut_, "bad line")));
+                fmt::format("itms diagnose: {} left out\n", text::counted(leftOut_, "bad line")));
         }
         if (unexplained_) return ExitStatus::unexplained;
         return faultFound_ && options_.failOn ? ExitStatus::faultFound : ExitStatus::done;
     }
 
 private:
-    // With a trace, standard output is the trace's.
-    void answer(std::string_view text)
-    {
-        if (!options_.trace && !text.empty()) print(text);
-    }
-
     const DiagnoseOptions& options_;
-    bool asTable_;
-    SolverSettings settings_;
-    CircuitSolver solver_;
-    report::DiagnosisTable table_;
+    session::CircuitSettings settings_;
+    session::CircuitSession session_;
+    std::unique_ptr<report::StepWriter<report::Diagnosis>> writer_;
     Progress progress_;
     std::size_t count_ = 0;
     std::size_t leftOut_ = 0;
     bool unexplained_ = false;
     bool faultFound_ = false;
 };
-
-} // namespace
-
-CLI::App* addDiagnose(CLI::App& program, DiagnoseOptions& options)
-{
-    CLI::App* verb = program.add_subcommand("diagnose");
-    verb->allow_extras();
-    verb->formatter_fn(
-        [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return helpText; });
-    const auto takeAll = CLI::MultiOptionPolicy::TakeAll;
-    verb->add_option("circuit", options.circuit);
-    verb->add_option("--inputs", options.inputs)->expected(1)->multi_option_policy(takeAll);
-    verb->add_option("--outputs", options.outputs)->expected(1)->multi_option_policy(takeAll);
-    verb->add_option("--problems", options.problems);
-    verb->add_flag("--skip-bad", options.skipBad);
-    verb->add_option("--max-rank", options.maxRank)->check(wholeNumber(0, mostFaults));
-    verb->add_option("--up-to", options.upTo)->check(wholeNumber(1, mostFaults));
-    verb->add_option("--max-records", options.maxRecords)
-        ->check(wholeNumber(0, std::numeric_limits<std::uint64_t>::max()));
-    verb->add_option("--max-seconds", options.maxSeconds)
-        ->check(number(0.0, std::numeric_limits<double>::infinity(), false));
-    verb->add_option("--fault-probability", options.faultProbability)->check(number(0.0, 1.0, true));
-    verb->add_option("-n", options.shown)
-        ->check(wholeNumber(0, std::numeric_limits<std::uint32_t>::max()));
-    verb->add_option("--format", options.format)->check(oneOf({"table", "jsonl"}));
-    verb->add_option("--color", options.colour)->check(oneOf({"always", "never", "auto"}));
-    verb->add_option("--fail-on", options.failOn)->check(oneOf({"fault"}));
-    verb->add_flag("--trace", options.trace);
-    verb->add_flag("-q,--quiet", options.quiet);
-    return verb;
-}
 
 ExitStatus diagnose(const DiagnoseOptions& options)
 {
@@ -313,10 +237,77 @@ ExitStatus diagnose(const DiagnoseOptions& options)
         run.solveAll(reader, circuit);
         return run.finish();
     }
-    const Problem problem = problemOfOptions(options, circuit);
+    const session::CircuitProblem problem = problemOfOptions(options, circuit);
     Run run(options, circuit);
     run.solve(problem);
     return run.finish();
+}
+
+std::vector<Section> sections(DiagnoseOptions& options)
+{
+    return {
+        {"", {{"CIRCUIT", "", "a gate-level circuit, a .bench file", &options.circuit, {}, 1}}},
+        {"What was seen",
+         {{"--inputs", "A=0,B=1,...", "the value of every input", &options.inputs, {}},
+          {"--outputs",
+           "Y=1,...",
+           "the values of the observed outputs, one at least",
+           &options.outputs,
+           {}},
+          {"--problems",
+           "FILE",
+           "many of both, one JSON object a line (- for standard input): "
+           R"({"id": "p1", "inputs": {"A": 0, "B": 1}, "observed": {"Y": 1}})",
+           &options.problems,
+           {}},
+          skipBadRow(options.skipBad)}},
+        {"How to search",
+         {{"--max-rank",
+           "N", "explanations of up to N faults. Without it, of 1 fault, then 2, ..., until there is one",
+           &options.maxRank, wholeNumber(0, mostFaults)},
+          {"--up-to", "N", "... but of no more than N faults (default 3)", &options.upTo,
+           wholeNumber(1, mostFaults)},
+          {"--max-records", "N",
+           "stop after so many search records a problem (default {default}: no limit)",
+           &options.maxRecords, wholeNumber(0)},
+          {"--max-seconds", "S",
+           "stop after so many seconds a problem (default {default};\n0: no limit)",
+           &options.maxSeconds, number(0.0, std::numeric_limits<double>::infinity())},
+          {"--fault-probability", "P", "that a gate is faulty (default {default})",
+           &options.faultProbability, numberBetween(0.0, 1.0)}}},
+        {"What to print",
+         {shownRow(options.shown, "show the N most probable explanations"),
+          formatRow(
+              options.answer, {"table", "jsonl"},
+              "table: for people, the default on a terminal;\njsonl: a JSON record a problem, "
+              "default otherwise"),
+          colourRow(options.answer),
+          {"--trace", "", "print the engine's trace instead of the diagnosis", &options.trace, {}},
+          quietRow(options.quiet, "no progress"),
+          failOnRow(options.failOn, "there is a fault")}}};
+}
+
+} // namespace
+
+Verb diagnoseVerb()
+{
+    const auto options = std::make_shared<DiagnoseOptions>();
+    return {
+        "diagnose",
+        "finds the faulty gates of a circuit from its inputs and outputs",
+        "itms diagnose CIRCUIT --inputs A=0,B=1,... --outputs Y=1,... [options]\n"
+        "itms diagnose CIRCUIT --problems FILE.jsonl [options]",
+        "Finds the faulty gates of a circuit: the sets of gates that, if they do not do what they "
+        "should, explain the outputs, most probable first.",
+        sections(*options),
+        "",
+        "0 done; 1 a fault was found, with --fail-on fault; 2 an error in the command line, the "
+        "circuit or the problems; 3 nothing explains the outputs of a problem, or a limit cut its "
+        "search short; 130 interrupted.",
+        "diagnose examples/circuits/c17.bench \\\n"
+        "    --inputs G1gat=1,G2gat=0,G3gat=0,G6gat=0,G7gat=0 \\\n"
+        "    --outputs G22gat=1,G23gat=1",
+        [options] { return diagnose(*options); }};
 }
 
 } // namespace app

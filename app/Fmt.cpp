@@ -1,37 +1,22 @@
-#include "app/Fmt.h"
-
-#include "app/Arguments.h"
+// The verb `fmt`: lays model files out in the one way.
 #include "app/Output.h"
+#include "app/Verbs.h"
 #include "language/syntax/Formatter.h"
 #include "text/File.h"
 
 #include <iostream>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 namespace app {
 
 namespace {
 
-constexpr const char* helpText =
-    R"(Usage: itms fmt MODEL... [--check]
-
-Lays model files out in the one way: blanks, columns, line ends. Comments stay.
-A file is replaced at once, as a whole, and only when it changes; one with
-errors stays as it is, and they are reported.
-
-  MODEL                     a model file, .itms; - reads standard input and
-                            writes to standard output
-  --check                   change nothing: name the files that are laid out
-                            otherwise, and end with status 2 if there is one
-  -h, --help                print this
-
-Exit status: 0 done; 2 an error in the command line or in a file, or with
---check a file that is laid out otherwise.
-
-Example:
-  itms fmt --check examples/models/valve.itms
-)";
+struct FmtOptions {
+    std::vector<std::string> models; ///< `-`: standard input, laid out on standard output
+    bool check = false;
+};
 
 std::string readAll(std::istream& in, const std::string& name)
 {
@@ -80,20 +65,7 @@ bool layOut(const std::string& name, bool check)
     return true;
 }
 
-} // namespace
-
-CLI::App* addFmt(CLI::App& program, FmtOptions& options)
-{
-    CLI::App* verb = program.add_subcommand("fmt");
-    verb->allow_extras();
-    verb->formatter_fn(
-        [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return helpText; });
-    verb->add_option("models", options.models);
-    verb->add_flag("--check", options.check);
-    return verb;
-}
-
-ExitStatus fmt(const FmtOptions& options)
+ExitStatus layOutAll(const FmtOptions& options)
 {
     if (options.models.empty()) {
         throw Failure("which MODEL?\n  expected: a model file, .itms, or - for standard input\n");
@@ -108,6 +80,37 @@ ExitStatus fmt(const FmtOptions& options)
         }
     }
     return good ? ExitStatus::done : ExitStatus::error;
+}
+
+} // namespace
+
+Verb fmtVerb()
+{
+    const auto options = std::make_shared<FmtOptions>();
+    return {"fmt",
+            "lays model files out in the one way",
+            "itms fmt MODEL... [--check]",
+            "Lays model files out in the one way: blanks, columns, line ends. Comments stay. A "
+            "file is replaced at once, as a whole, and only when it changes; one with errors stays "
+            "as it is, and they are reported.",
+            {{"",
+              {{"MODEL",
+                "",
+                "a model file, .itms; - reads standard input and writes to standard output",
+                &options->models,
+                {},
+                1},
+               {"--check",
+                "",
+                "change nothing: name the files that are laid out otherwise, and end with status "
+                "2 if there is one",
+                &options->check,
+                {}}}}},
+            "",
+            "0 done; 2 an error in the command line or in a file, or with --check a file that is "
+            "laid out otherwise.",
+            "fmt --check examples/models/valve.itms",
+            [options] { return layOutAll(*options); }};
 }
 
 } // namespace app

@@ -1,18 +1,17 @@
-#include "app/Simulate.h"
-
-#include "app/Arguments.h"
+// The verb `simulate`: commands and faults in, telemetry of the modelled plant out.
 #include "app/Interruption.h"
+#include "app/OpenModel.h"
 #include "app/Output.h"
 #include "app/SimulationSource.h"
 #include "app/StepValue.h"
 #include "app/Truth.h"
+#include "app/Verbs.h"
 #include "monitor/labels/Completion.h"
-#include "report/Text.h"
 #include "telemetry/Writer.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <limits>
 #include <memory>
 #include <unordered_set>
 
@@ -20,53 +19,25 @@ namespace app {
 
 namespace {
 
-constexpr const char* helpText =
-    R"(Usage: itms simulate MODEL [COMMANDS] [options]
+struct SimulateOptions {
+    ModelOptions model;
+    std::optional<std::string> telemetry; ///< none: drawn commands
+    bool skipBad = false;
 
-Stands in for a plant: follows commands as the model says, breaks what it is told
-to break, and prints the telemetry, a JSON record a step. The steps count from 1;
-before the first, everything is in its initial state.
+    std::optional<std::uint64_t> steps;  ///< 20
+    std::optional<std::string> commands; ///< random
+    std::optional<std::uint64_t> seed;   ///< of the commands; 1
 
-  MODEL                     a model file, .itms
-  COMMANDS                  telemetry whose commands are given to the plant, with
-                            the values that it has of inputs; - for standard
-                            input. Without it, commands are drawn
-  -I, --import FOLDER       look for imported files there, too; may be repeated
-  --skip-bad                report lines that are in error, and go on
+    std::vector<std::string> faults;
+    std::vector<std::string> inputs;
+    std::optional<std::uint64_t> random; ///< seed of all that the model leaves to chance
 
-Without COMMANDS:
-  --steps N                 how many (default 20)
-  --commands random|none    random: each command is given at one step in five
-                            (default); none: all are silent
-  --seed N                  of the random commands (default 1)
+    std::vector<std::string> observed;
+    std::optional<std::string> truth; ///< file for what really happened
+    bool quiet = false;
+};
 
-What happens:
-  --fault VARIABLE=VALUE@STEP
-                            a mode has this value at this step; may be repeated
-  --input VARIABLE=VALUE[@STEP]
-                            an input has this value from this step on (default:
-                            the first); may be repeated
-  --random SEED             draw faults, lost commands and what nothing determines
-                            by the model's probabilities. Otherwise everything
-                            goes as predicted, and nothing breaks by itself
-
-What to print:
-  --observe VARIABLE        observe this variable as well; may be repeated
-  --truth FILE              write what really happens, a JSON record a step: the
-                            modes, their changes, the commands that were lost
-  -q, --quiet               no warnings on standard error
-  -h, --help                print this
-
-Exit status: 0 done; 2 an error in the command line, the model or the commands,
-a fault that cannot happen when it is asked for, or modes that cannot be
-together; 130 interrupted.
-
-Example:
-  itms simulate examples/models/valve.itms --steps 8 --seed 22 \
-      --input valve.inflow=positive --fault valve.position=stuckClosed@6
-)";
-
-constexpr std::uint64_t mostSteps = 1'000'000'000;
+constexpr std::uint64_t mostSimulated = 1'000'000'000;
 
 void checkUsage(const SimulateOptions& options)
 {
@@ -90,13 +61,14 @@ void checkUsage(const SimulateOptions& options)
     }
 }
 
-std::unique_ptr<SimulationSource> makeSource(const SimulateOptions& options, const ModelFile& model)
+std::unique_ptr<SimulationSource> makeSource(const SimulateOptions& options,
+                                             const session::Session& session)
 {
     if (options.telemetry)
-        return std::make_unique<TelemetrySteps>(model, *options.telemetry, options.skipBad);
+        return std::make_unique<TelemetrySteps>(session, *options.telemetry, options.skipBad);
     std::optional<std::uint64_t> seed;
     if (options.commands != "none") seed = options.seed.value_or(1);
-    return std::make_unique<DrawnSteps>(model, options.steps.value_or(20), seed);
+    return std::make_unique<DrawnSteps>(session, options.steps.value_or(20), seed);
 }
 
 // The variables of --observe that have no channel, each once.
@@ -135,21 +107,21 @@ std::unordered_set<const StateVar*> heldCommands(const plant::Bindings& bindings
 // Takes step after step from the source to standard output.
 class Run {
 public:
-    Run(const SimulateOptions& options, const ModelFile& model)
-        : quiet_(options.quiet), plant_(model.plant()),
-          names_(*model.read().model, model.bindings()), source_(makeSource(options, model)),
+    Run(const SimulateOptions& options, const session::Session& session)
+        : quiet_(options.quiet), plant_(session.plant()),
+          names_(session.model(), session.bindings()), source_(makeSource(options, session)),
           faults_(readStepValues("--fault", Expected::mode, options.faults, names_)),
           inputs_(readStepValues("--input", Expected::input, options.inputs, names_)),
-          simulator_(plant_, model.bindings(),
+          simulator_(plant_, session.bindings(),
                      {options.random, alsoObserved(options, names_, plant_)}),
-          writer_(model.bindings()), held_(heldCommands(model.bindings()))
+          writer_(session.bindings()), held_(heldCommands(session.bindings()))
     {
         if (source_->length()) refuseAfter(*source_->length());
-        if (options.truth) truth_.emplace(*options.truth, plant_, *model.read().model);
+        if (options.truth) truth_.emplace(*options.truth, plant_, session.model());
         if (simulator_.observed().empty() && !quiet_) {
             complain(fmt::format("{}: warning: nothing is observed: no variable has a channel\n"
                                  "  hint: --observe names variables to observe\n",
-                                 model.path()));
+                                 options.model.path));
         }
     }
 
@@ -162,10 +134,7 @@ public:
             if (truth_) truth_->write(step_, given->t, simulated);
         }
         if (interruption()) return ExitStatus::interrupted;
-        if (source_->leftOut() > 0 && !quiet_) {
-            complain(fmt::format("itms simulate: {} left out\n",
-                                 report::counted(source_->leftOut(), "bad line")));
-        }
+        if (!quiet_) source_->reportLeftOut();
         refuseAfter(step_);
         return ExitStatus::done;
     }
@@ -216,7 +185,8 @@ private:
                 "itms simulate: warning: step {}: {} is not what was given, '{}', but '{}', which "
                 "follows "
                 "from the rest\n",
-                step_, text::quoted(nameOf(*wanted.value->stateVar)), wanted.value->value,
+                step_, text::quoted(report::variableName(*wanted.value->stateVar)),
+                wanted.value->value,
                 plant_.atom(simulated.values[static_cast<std::size_t>(variable)])->value));
         }
     }
@@ -234,14 +204,14 @@ private:
             const Atom* injected = plant_.atom(problem.injected);
             refuseValue("--fault",
                         {fmt::format("no transition leads '{}' to '{}' at step {}",
-                                     nameOf(*injected->stateVar), injected->value, step_),
+                                     plant::nameOf(*injected->stateVar), injected->value, step_),
                          list, "what it can be depends on its value before and on the commands"});
         }
         if (problem.kind == Kind::unsettled) {
             throw Failure(
                 fmt::format("step {}: no values were found for what the modes leave open, "
                             "with {} of them taken back\n",
-                            step_, report::grouped(monitor::completionRetreats)));
+                            step_, text::grouped(monitor::completionRetreats)));
         }
         throw Failure(
             list.empty()
@@ -291,38 +261,85 @@ private:
     std::size_t step_ = 0;
 };
 
-} // namespace
-
-CLI::App* addSimulate(CLI::App& program, SimulateOptions& options)
-{
-    CLI::App* verb = program.add_subcommand("simulate");
-    verb->allow_extras();
-    verb->formatter_fn(
-        [](const CLI::App*, const std::string&, CLI::AppFormatMode) { return helpText; });
-    const auto takeAll = CLI::MultiOptionPolicy::TakeAll;
-    const auto anyNumber = wholeNumber(0, std::numeric_limits<std::uint64_t>::max());
-    addModelOptions(*verb, options.model);
-    verb->add_option("commandsFile", options.telemetry);
-    verb->add_flag("--skip-bad", options.skipBad);
-    verb->add_option("--steps", options.steps)->check(wholeNumber(1, mostSteps));
-    verb->add_option("--commands", options.commands)->check(oneOf({"random", "none"}));
-    verb->add_option("--seed", options.seed)->check(anyNumber);
-    verb->add_option("--fault", options.faults)->expected(1)->multi_option_policy(takeAll);
-    verb->add_option("--input", options.inputs)->expected(1)->multi_option_policy(takeAll);
-    verb->add_option("--random", options.random)->check(anyNumber);
-    verb->add_option("--observe", options.observed)->expected(1)->multi_option_policy(takeAll);
-    verb->add_option("--truth", options.truth);
-    verb->add_flag("-q,--quiet", options.quiet);
-    return verb;
-}
-
 ExitStatus simulate(const SimulateOptions& options)
 {
     checkUsage(options);
-    const ModelFile model("simulate", options.model, options.quiet);
+    const session::Session session = openModel("simulate", options.model, options.quiet);
     catchInterruptions();
-    Run run(options, model);
-    return run.run();
+    return Run(options, session).run();
+}
+
+std::vector<Section> sections(SimulateOptions& options)
+{
+    return {
+        {"",
+         {modelRow(options.model.path, "a model file, .itms"),
+          {"COMMANDS",
+           "",
+           "telemetry whose commands are given to the plant, with\nthe values that it has of "
+           "inputs; - for standard\ninput. Without it, commands are drawn",
+           &options.telemetry,
+           {},
+           2},
+          importRow(options.model.importFolders,
+                    "look for imported files there, too; may be repeated"),
+          skipBadRow(options.skipBad)}},
+        {"Without COMMANDS",
+         {{"--steps", "N", "how many (default 20)", &options.steps, wholeNumber(1, mostSimulated)},
+          {"--commands", "random|none",
+           "random: each command is given at one step in five (default); none: all are silent",
+           &options.commands, oneOf({"random", "none"})},
+          {"--seed", "N", "of the random commands (default 1)", &options.seed, wholeNumber(0)}}},
+        {"What happens",
+         {{"--fault",
+           "VARIABLE=VALUE@STEP",
+           "a mode has this value at this step; may be repeated",
+           &options.faults,
+           {}},
+          {"--input",
+           "VARIABLE=VALUE[@STEP]",
+           "an input has this value from this step on (default: the first); may be repeated",
+           &options.inputs,
+           {}},
+          {"--random", "SEED",
+           "draw faults, lost commands and what nothing determines\nby the model's probabilities. "
+           "Otherwise everything\ngoes as predicted, and nothing breaks by itself",
+           &options.random, wholeNumber(0)}}},
+        {"What to print",
+         {{"--observe",
+           "VARIABLE",
+           "observe this variable as well; may be repeated",
+           &options.observed,
+           {}},
+          {"--truth",
+           "FILE",
+           "write what really happens, a JSON record a step: the modes, their changes, the "
+           "commands that were lost",
+           &options.truth,
+           {}},
+          quietRow(options.quiet, "no warnings")}}};
+}
+
+} // namespace
+
+Verb simulateVerb()
+{
+    const auto options = std::make_shared<SimulateOptions>();
+    return {
+        "simulate",
+        "stands in for a modelled plant: commands in, telemetry out",
+        "itms simulate MODEL [COMMANDS] [options]",
+        "Stands in for a plant: follows commands as the model says, breaks what it is told\nto "
+        "break, and prints the telemetry, a JSON record a step. The steps count from 1;\nbefore "
+        "the "
+        "first, everything is in its initial state.",
+        sections(*options),
+        "",
+        "0 done; 2 an error in the command line, the model or the commands, a fault that cannot "
+        "happen when it is asked for, or modes that cannot be together; 130 interrupted.",
+        "simulate examples/models/valve.itms --steps 8 --seed 22 \\\n"
+        "    --input valve.inflow=positive --fault valve.position=stuckClosed@6",
+        [options] { return simulate(*options); }};
 }
 
 } // namespace app

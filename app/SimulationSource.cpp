@@ -1,17 +1,15 @@
 #include "app/SimulationSource.h"
 
-#include "app/Interruption.h"
-#include "app/Output.h"
-
 #include <cstdlib>
 #include <fmt/format.h>
 
 namespace app {
 
-DrawnSteps::DrawnSteps(const ModelFile& model, std::size_t steps, std::optional<std::uint64_t> seed)
-    : stepSeconds_(model.bindings().stepSeconds), steps_(steps)
+DrawnSteps::DrawnSteps(const session::Session& session, std::size_t steps,
+                       std::optional<std::uint64_t> seed)
+    : stepSeconds_(session.bindings().stepSeconds), steps_(steps)
 {
-    if (seed) commands_.emplace(model.plant(), *seed);
+    if (seed) commands_.emplace(session.plant(), *seed);
 }
 
 std::optional<SourceStep> DrawnSteps::next()
@@ -26,17 +24,15 @@ std::optional<SourceStep> DrawnSteps::next()
     return step;
 }
 
-TelemetrySteps::TelemetrySteps(const ModelFile& model, const std::string& path, bool skipBad)
-    : plant_(model.plant()), reader_(path, *model.read().model, model.bindings(), {skipBad}),
-      steps_(
-          reader_, [](const text::Diagnostic& error) { complain(error.format()); },
-          [] { return interruption().load(); })
+TelemetrySteps::TelemetrySteps(const session::Session& session, const std::string& path,
+                               bool skipBad)
+    : plant_(session.plant()), feed_(path, session.model(), session.bindings(), skipBad)
 {
 }
 
 std::optional<SourceStep> TelemetrySteps::next()
 {
-    const std::optional<telemetry::Step> read = steps_.next();
+    const auto read = feed_.next();
     if (!read) return std::nullopt;
     SourceStep step;
     step.t = read->t;

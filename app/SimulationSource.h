@@ -1,11 +1,10 @@
 // Where the steps of a simulated run come from: telemetry, or commands drawn at random.
 #pragma once
 
-#include "app/ModelFile.h"
+#include "app/StepFeed.h"
+#include "session/Session.h"
 #include "simulate/CommandSource.h"
 #include "simulate/Simulator.h"
-#include "telemetry/SoundSteps.h"
-#include "telemetry/StepReader.h"
 
 #include <optional>
 #include <string>
@@ -25,20 +24,21 @@ public:
     SimulationSource(const SimulationSource&) = delete;
     SimulationSource& operator=(const SimulationSource&) = delete;
 
-    /// The next step; none at the end, or after an interruption. Throws telemetry::BadInput for a
-    /// mistake in the input, and telemetry::ReadFailure.
+    /// The next step; none at the end, or after an interruption. Throws FileFailure for a mistake in
+    /// the input, and telemetry::ReadFailure.
     virtual std::optional<SourceStep> next() = 0;
     /// How many steps there are, where that is known before.
     virtual std::optional<std::size_t> length() const { return std::nullopt; }
-    /// Lines in error that were left out.
-    virtual std::size_t leftOut() const { return 0; }
+    /// Says on standard error how many lines in error were left out, if any.
+    virtual void reportLeftOut() const {}
 };
 
 /// Steps one step length apart. Without a seed all commands are silent.
 class DrawnSteps : public SimulationSource {
 public:
-    /// The model outlives this.
-    DrawnSteps(const ModelFile& model, std::size_t steps, std::optional<std::uint64_t> seed);
+    /// The session outlives this.
+    DrawnSteps(const session::Session& session, std::size_t steps,
+               std::optional<std::uint64_t> seed);
 
     std::optional<SourceStep> next() override;
     std::optional<std::size_t> length() const override { return steps_; }
@@ -53,17 +53,16 @@ private:
 /// Commands and observations of a file, or of standard input as they come.
 class TelemetrySteps : public SimulationSource {
 public:
-    /// The model outlives this. With `skipBad`, lines in error are reported on standard error and left out. Throws
+    /// The session outlives this. With `skipBad`, lines in error are reported on standard error and left out. Throws
     /// telemetry::ReadFailure when the file cannot be opened.
-    TelemetrySteps(const ModelFile& model, const std::string& path, bool skipBad);
+    TelemetrySteps(const session::Session& session, const std::string& path, bool skipBad);
 
     std::optional<SourceStep> next() override;
-    std::size_t leftOut() const override { return steps_.leftOut(); }
+    void reportLeftOut() const override { feed_.reportLinesLeftOut("simulate"); }
 
 private:
     const plant::Plant& plant_;
-    telemetry::StepReader reader_;
-    telemetry::SoundSteps steps_;
+    StepFeed feed_;
 };
 
 } // namespace app

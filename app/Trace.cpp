@@ -1,7 +1,8 @@
-#include "app/Trace.h"
-
+// The verb `trace`: what the engine prints while the monitor searches a step.
 #include "app/Interruption.h"
 #include "app/Output.h"
+#include "app/TrackRun.h"
+#include "app/Verbs.h"
 
 #include <fmt/format.h>
 #include <iostream>
@@ -11,29 +12,11 @@ namespace app {
 
 namespace {
 
-constexpr const char* usage = R"(Usage: itms trace MODEL TELEMETRY --step N [options]
-
-Prints the engine's own trace of a step, byte for byte: the conflicts that it
-meets, the candidates that it makes of them, and what follows from each. A step
-that is as expected is not searched, and has no trace. Addresses in it differ
-from run to run.
-
-)";
-
-constexpr const char* ownOptions = R"(
-What to print:
-  --step N                  the trace of step N; has to be given
-  --setup                   before it, the trace of the engine's set-up
-  -q, --quiet               no warnings and notes on standard error
-  -h, --help                print this
-
-Exit status: 0 done; 2 an error in the command line, the model or the telemetry;
-3 nothing explains the observations of the step, or a limit cut its search short;
-130 interrupted.
-
-Example:
-  itms trace examples/water/station.itms examples/water/stuck-valve.jsonl --step 11
-)";
+struct TraceOptions {
+    TrackOptions track;
+    std::optional<std::uint64_t> step; ///< has to be given
+    bool setup = false;                ///< what the engine prints when it is set up, too
+};
 
 // Hands on what the engine writes, and knows whether that was anything. While it lives, std::cout writes here.
 class TraceBuffer : public std::streambuf {
@@ -72,21 +55,6 @@ void checkWritten()
     if (!std::cout.good()) throw Failure("cannot write to standard output\n");
 }
 
-} // namespace
-
-CLI::App* addTrace(CLI::App& program, TraceOptions& options)
-{
-    CLI::App* verb = program.add_subcommand("trace");
-    verb->allow_extras();
-    verb->formatter_fn([](const CLI::App*, const std::string&, CLI::AppFormatMode) {
-        return std::string(usage) + trackHelp + ownOptions;
-    });
-    addTrackOptions(*verb, options.track);
-    addStepOption(*verb, options.step);
-    verb->add_flag("--setup", options.setup);
-    return verb;
-}
-
 ExitStatus trace(const TraceOptions& options)
 {
     if (!options.step) {
@@ -94,20 +62,48 @@ ExitStatus trace(const TraceOptions& options)
                       "  hint: itms run shows at which steps something was found\n");
     }
     catchInterruptions();
-    TrackRun track("trace", options.track, options.setup);
+    if (!options.setup) muteTrace();
+    TrackRun track("trace", options.track, true);
     if (options.setup) checkWritten();
     muteTrace();
     TraceBuffer buffer;
-    track.takeUntil(options.step, [&buffer] { buffer.open(); });
+    track.takeUntil(
+        options.step,
+        {.beforeLast = [&buffer] { buffer.open(); }, .after = {}, .wanted = "one at least"});
     if (interruption()) return ExitStatus::interrupted;
     checkWritten();
     const monitor::TrackAnswer& answer = track.answer();
-    const bool explained = answer.complete && answer.status != monitor::TrackStatus::inconsistent;
+    const ExitStatus status = track.status();
     if (buffer.empty() && !options.track.quiet) {
+        const bool expected = answer.work.records == 0 && status == ExitStatus::done;
         complain(fmt::format("itms trace: the engine did not search step {}{}\n", answer.step,
-                             answer.work.records == 0 && explained ? ": it is as expected" : ""));
+                             expected ? ": it is as expected" : ""));
     }
-    return explained ? ExitStatus::done : ExitStatus::unexplained;
+    return status;
+}
+
+} // namespace
+
+Verb traceVerb()
+{
+    const auto options = std::make_shared<TraceOptions>();
+    return {
+        "trace",
+        "prints the engine's own trace of a step",
+        "itms trace MODEL TELEMETRY --step N [options]",
+        "Prints the engine's own trace of a step, byte for byte: the conflicts that it meets, the "
+        "candidates that it makes of them, and what follows from each. A step that is as expected "
+        "is not searched, and has no trace. Addresses in it differ from run to run.",
+        {{"", telemetryRows(options->track)},
+         searchSection(options->track),
+         {"What to print",
+          {stepRow(options->step, "the trace of step N; has to be given"),
+           {"--setup", "", "before it, the trace of the engine's set-up", &options->setup, {}},
+           quietRow(options->track.quiet, "no warnings and notes")}}},
+        "",
+        stepExitStatus,
+        "trace examples/water/station.itms examples/water/stuck-valve.jsonl --step 11",
+        [options] { return trace(*options); }};
 }
 
 } // namespace app

@@ -1,6 +1,7 @@
 #include "app/Truth.h"
 
 #include "app/Output.h"
+#include "report/Tracking.h"
 #include "text/Diagnostic.h"
 
 #include <cerrno>
@@ -26,11 +27,6 @@ const char* name(simulate::ModeCause cause)
 
 } // namespace
 
-std::string nameOf(const StateVar& variable)
-{
-    return variable.comp->name + "." + variable.name;
-}
-
 TruthFile::TruthFile(std::string path, const plant::Plant& plant, const plant::Model& model)
     : path_(std::move(path)), plant_(plant), file_(path_, std::ios::binary)
 {
@@ -50,9 +46,9 @@ TruthFile::TruthFile(std::string path, const plant::Plant& plant, const plant::M
 void TruthFile::write(std::size_t step, double t, const simulate::SimulatedStep& simulated)
 {
     const auto nameAt = [&](plant::VariableIndex variable) {
-        return nameOf(*plant_.variable(variable).variable);
+        return report::variableName(*plant_.variable(variable).variable);
     };
-    // An ordered object of the library would be searched from its begin for every mode that is added.
+    // An ordered object of the library would be searched from its beginning for every mode that is added.
     std::string modes;
     for (const plant::VariableIndex mode : modes_) {
         const Atom* value = plant_.atom(simulated.values[static_cast<std::size_t>(mode)]);

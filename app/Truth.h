@@ -26,7 +26,4 @@ private:
     std::ofstream file_;
 };
 
-/// COMPONENT.VARIABLE.
-std::string nameOf(const StateVar& variable);
-
 } // namespace app

@@ -1,5 +1,6 @@
 // Advice as a person reads it: the explanations with their numbers, then what to measure and what each outcome would leave.
 #include "report/Advice.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -117,7 +118,7 @@ std::string heading(const AdviceReport& report)
     }
     if (report.step.dropped > 0) {
         text += fmt::format(" {} {} kept; --keep N keeps more.",
-                            counted(report.step.dropped, "explanation"),
+                            text::counted(report.step.dropped, "explanation"),
                             report.step.dropped == 1 ? "was not" : "were not");
     }
     return wrapped("", text);
@@ -153,7 +154,7 @@ std::string adviceText(const AdviceReport& report, std::size_t shown, Colours co
     }
     if (report.useless > 0) {
         text += "\n" + wrapped("", fmt::format("{} would tell nothing.",
-                                               counted(report.useless, "other variable")));
+                                               text::counted(report.useless, "other variable")));
     }
     return text;
 }

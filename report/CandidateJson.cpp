@@ -2,6 +2,8 @@
 
 #include "report/Numbers.h"
 
+#include <nlohmann/json.hpp>
+
 namespace report {
 
 using Json = nlohmann::ordered_json;

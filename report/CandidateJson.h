@@ -3,7 +3,7 @@
 
 #include "report/Tracking.h"
 
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 
 namespace report {
 

@@ -1,4 +1,4 @@
-#include "report/DiagnosisJson.h"
+#include "report/Diagnosis.h"
 
 #include "report/Numbers.h"
 

@@ -1,6 +1,13 @@
-#include "report/DiagnosisTable.h"
-
+// Diagnoses as a person reads them. One by itself explains its columns; of many, each is a short block:
+//
+//     c17-01: faulty
+//       G22gat is 1, predicted 0. G23gat is 1, predicted 0.
+//             100 %  G16gat
+//       Only a fault of G16gat explains the outputs. The search was complete: no other
+//       single fault explains them.
+#include "report/Diagnosis.h"
 #include "report/Verdict.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -31,12 +38,12 @@ std::string otherOutputs(const Diagnosis& diagnosis)
     std::string text;
     if (same > 0) {
         text = fmt::format("{} {} as predicted.",
-                           counted(same, differ > 0 ? "other output" : "output"),
+                           text::counted(same, differ > 0 ? "other output" : "output"),
                            same == 1 ? "is" : "are");
     }
     if (unknown > 0) {
         text += fmt::format("{}{} {} not observed.", text.empty() ? "" : " ",
-                            counted(unknown, "output"), unknown == 1 ? "was" : "were");
+                            text::counted(unknown, "output"), unknown == 1 ? "was" : "were");
     }
     return text;
 }
@@ -62,9 +69,10 @@ std::string caption(const std::vector<Explanation>& explanations)
 
 std::string workText(const SearchWork& work)
 {
-    return fmt::format("Work: {}, {}, {}, {}.", counted(work.records, "record"),
-                       counted(work.flips, "flip"), counted(work.components, "component"),
-                       counted(work.candidates, "candidate"));
+    return fmt::format("Work: {}, {}, {}, {}.", text::counted(work.records, "record"),
+                       text::counted(work.flips, "flip"),
+                       text::counted(work.components, "component"),
+                       text::counted(work.candidates, "candidate"));
 }
 
 } // namespace
@@ -77,12 +85,13 @@ DiagnosisTable::DiagnosisTable(const netlist::Circuit& circuit, Layout layout, C
 
 std::string DiagnosisTable::heading() const
 {
-    return fmt::format(
-        "{}: {}, {}, {}\n", colours_.bold(circuit_.name), counted(circuit_.inputs.size(), "input"),
-        counted(circuit_.outputs.size(), "output"), counted(circuit_.gates.size(), "gate"));
+    return fmt::format("{}: {}, {}, {}\n", colours_.bold(circuit_.name),
+                       text::counted(circuit_.inputs.size(), "input"),
+                       text::counted(circuit_.outputs.size(), "output"),
+                       text::counted(circuit_.gates.size(), "gate"));
 }
 
-std::string DiagnosisTable::block(const Diagnosis& diagnosis)
+std::string DiagnosisTable::rows(const Diagnosis& diagnosis)
 {
     ++total_;
     ++counts_[diagnosis.status];
@@ -171,7 +180,7 @@ std::string DiagnosisTable::explanations(const Diagnosis& diagnosis, std::string
     }
     if (shown < all.size()) {
         text += fmt::format("{}{}  and {} more (-n 0 shows all)\n", before,
-                            right("...", probabilityColumns), grouped(all.size() - shown));
+                            right("...", probabilityColumns), text::grouped(all.size() - shown));
     }
     return text;
 }
@@ -179,10 +188,10 @@ std::string DiagnosisTable::explanations(const Diagnosis& diagnosis, std::string
 std::string DiagnosisTable::summary(std::size_t linesLeftOut) const
 {
     if (layout_ == Layout::single) return "";
-    std::string text = counted(total_, "problem");
+    std::string text = text::counted(total_, "problem");
     std::string separator = ": ";
     for (const auto& [status, count] : counts_) {
-        text += fmt::format("{}{} {}", separator, grouped(count), monitor::name(status));
+        text += fmt::format("{}{} {}", separator, text::grouped(count), monitor::name(status));
         separator = ", ";
     }
     text += ".";
@@ -191,10 +200,10 @@ std::string DiagnosisTable::summary(std::size_t linesLeftOut) const
     } else if (total_ > 0) {
         text += incomplete_ == 1
                     ? " 1 search was not complete."
-                    : fmt::format(" {} searches were not complete.", grouped(incomplete_));
+                    : fmt::format(" {} searches were not complete.", text::grouped(incomplete_));
     }
     if (linesLeftOut > 0) {
-        text += fmt::format(" {} in error {} left out.", counted(linesLeftOut, "line"),
+        text += fmt::format(" {} in error {} left out.", text::counted(linesLeftOut, "line"),
                             linesLeftOut == 1 ? "was" : "were");
     }
     return "\n" + wrapped("", text) + colours_.faint(workText(work_)) + "\n";

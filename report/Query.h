@@ -31,7 +31,7 @@ public:
 
     std::string heading() const;
     /// The step's line; empty where nothing changed.
-    std::string row(const QueryReport& report);
+    std::string rows(const QueryReport& report);
     /// At how many steps the formula was true, false or neither.
     std::string summary(std::size_t linesLeftOut) const;
 

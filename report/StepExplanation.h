@@ -6,6 +6,7 @@
 #pragma once
 
 #include "report/ConflictReport.h"
+#include "report/Text.h"
 
 namespace report {
 
@@ -52,5 +53,11 @@ struct ExplainedRun {
 
 /// Derives and checks the conflicts. Costs a prediction of the plant for each of them, and one pass over its laws.
 StepExplanation explainStep(const ExplainedRun& run, const Shown& shown);
+
+/// One JSON object, ended by a newline; docs/output.md has its fields.
+std::string explanationJson(const StepExplanation& explanation);
+
+/// The same for people.
+std::string explanationText(const StepExplanation& explanation, const Colours& colours);
 
 } // namespace report

@@ -1,6 +1,8 @@
-#include "report/StepExplanationJson.h"
-
+// An explained step for programs: one JSON object.
 #include "report/CandidateJson.h"
+#include "report/StepExplanation.h"
+
+#include <nlohmann/json.hpp>
 
 namespace report {
 

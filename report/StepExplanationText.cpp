@@ -1,4 +1,21 @@
-#include "report/StepExplanationText.h"
+// An explained step as a person reads it:
+//
+//     Step 4, t = 3: faulty
+//
+//       100 %  valve.position = stuckClosed since step 4
+//              instead of open: resolves conflict 1
+//
+//     Conflict 1, step 4, t = 3
+//       observed  valve.outflow = zero (FT-101)
+//       expected  valve.outflow = positive
+//       assumed   valve.position = open, from closed by valve.request = open
+//       read      valve.inflow = positive (FT-100)
+//       law       examples/models/valve.itms:12:5
+//                 law position = open -> outflow = inflow
+//                 gives valve.outflow = positive
+//       check     confirmed; nothing that is assumed or read can be left out
+#include "report/StepExplanation.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -29,7 +46,7 @@ std::string equations(const std::vector<std::string>& ids)
     for (const std::string& id : ids) {
         items.push_back(equation(id));
     }
-    return listed(items);
+    return text::listed(items);
 }
 
 std::string sinceText(std::size_t step)
@@ -48,7 +65,7 @@ std::string conflictNumbers(const std::vector<std::size_t>& numbers)
     for (const std::size_t number : numbers) {
         items.push_back(std::to_string(number));
     }
-    return (items.size() == 1 ? "conflict " : "conflicts ") + listed(items);
+    return (items.size() == 1 ? "conflict " : "conflicts ") + text::listed(items);
 }
 
 constexpr const char* noConflict = "no listed conflict rests on it";
@@ -206,7 +223,7 @@ std::string conflictText(const ExplainedConflict& conflict, const Colours& colou
     }
     if (!believed.empty() || conflict.rank > 1) {
         block.add("believed",
-                  (believed.empty() ? "nothing wrong" : listed(believed)) +
+                  (believed.empty() ? "nothing wrong" : text::listed(believed)) +
                       (conflict.rank > 1
                            ? fmt::format(" (hypothesis {} before the step)", conflict.rank)
                            : ""));
@@ -281,7 +298,7 @@ std::string explanationText(const StepExplanation& explanation, const Colours& c
             "\n" +
             wrapped("",
                     fmt::format("{} with conflicts before these {} left out; --all shows them too.",
-                                counted(explanation.stepsLeftOut, "step"),
+                                text::counted(explanation.stepsLeftOut, "step"),
                                 explanation.stepsLeftOut == 1 ? "is" : "are"));
     }
     for (const std::size_t step : explanation.stepsOpen) {

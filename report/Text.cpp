@@ -5,21 +5,6 @@
 
 namespace report {
 
-std::string grouped(std::uint64_t number)
-{
-    std::string digits = std::to_string(number);
-    for (std::size_t at = digits.size(); at > 3;) {
-        at -= 3;
-        digits.insert(at, ",");
-    }
-    return digits;
-}
-
-std::string counted(std::uint64_t number, std::string_view noun)
-{
-    return fmt::format("{} {}{}", grouped(number), noun, number == 1 ? "" : "s");
-}
-
 std::string percent(double probability)
 {
     const double value = 100.0 * probability;
@@ -28,16 +13,6 @@ std::string percent(double probability)
     if (value < 9.995) return fmt::format("{:.2f} %", value);
     if (value < 99.95) return fmt::format("{:.1f} %", value);
     return probability < 1.0 - 1e-9 ? ">99.9 %" : "100 %";
-}
-
-std::string listed(const std::vector<std::string>& items)
-{
-    std::string text;
-    for (std::size_t i = 0; i < items.size(); ++i) {
-        if (i > 0) text += i + 1 == items.size() ? " and " : ", ";
-        text += items[i];
-    }
-    return text;
 }
 
 std::size_t width(std::string_view text)

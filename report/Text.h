@@ -1,25 +1,18 @@
-// Small pieces of text for people: numbers, plurals, lines that fit, colours.
+// Text as a terminal shows it: columns, lines that fit, percentages, colours.
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace report {
 
 /// Characters of a line; what is printed is wrapped to it, whatever the terminal, so that it is the same everywhere.
 inline constexpr std::size_t lineWidth = 80;
 
-/// Digits in groups of three: 1234567 is "1,234,567".
-std::string grouped(std::uint64_t number);
-/// "1 gate", "2 gates".
-std::string counted(std::uint64_t number, std::string_view noun);
 /// A probability in percent, with three digits where they tell something: "100 %", "16.7 %", "0.42 %". What is not
 /// quite none or all does not look like it: "<0.01 %", ">99.9 %".
 std::string percent(double probability);
-/// "a", "a and b", "a, b and c".
-std::string listed(const std::vector<std::string>& items);
 /// Characters of a UTF-8 text.
 std::size_t width(std::string_view text);
 /// The text with spaces before it (after it) up to `columns` characters.

@@ -1,6 +1,7 @@
 #include "report/Tracking.h"
 
 #include "report/Text.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -93,7 +94,7 @@ std::string inWords(const TrackedExplanation& explanation)
     std::string text =
         items.empty() ? "nothing is wrong" : fmt::format("{}", fmt::join(items, "; "));
     if (!explanation.unexplained.empty()) {
-        text += "; does not explain " + listed(explanation.unexplained);
+        text += "; does not explain " + text::listed(explanation.unexplained);
     }
     return text;
 }

@@ -1,7 +1,9 @@
-// What is believed of a plant after a step, ready to be rendered.
+// What is believed of a plant after a step, and how programs and people read it.
 #pragma once
 
 #include "monitor/track/Tracker.h"
+#include "report/StepWriter.h"
+#include "report/Text.h"
 
 #include <map>
 #include <optional>
@@ -66,5 +68,37 @@ std::string inWords(const TrackedExplanation& explanation);
 
 /// How many of the explanations are shown.
 std::size_t shownCount(const StepReport& report, const Shown& shown);
+
+/// The record of the step, ended by a newline. docs/output.md documents every field, docs/step.schema.json its shape.
+std::string stepJson(const StepReport& report, const Shown& shown);
+
+/// The steps of one run for people: what changed, when, since when, and how sure that is. A step at which nothing changed
+/// has no lines, unless all are wanted.
+class TrackingTable {
+public:
+    TrackingTable(Colours colours, Shown shown, bool everyStep)
+        : colours_(colours), shown_(shown), everyStep_(everyStep)
+    {
+    }
+
+    /// What the table remembers of the steps before.
+    const WriterMemory::Table& memory() const { return memory_; }
+    void restore(WriterMemory::Table memory) { memory_ = std::move(memory); }
+
+    std::string heading() const;
+    /// The step's lines; empty where status and explanations are those of the step before.
+    std::string rows(const StepReport& report);
+    /// How many steps there were, and what they were like.
+    std::string summary(std::size_t linesLeftOut) const;
+
+private:
+    std::string status(monitor::TrackStatus status) const;
+    std::string row(const std::string& head, const TrackedExplanation& explanation) const;
+
+    Colours colours_;
+    Shown shown_;
+    bool everyStep_;
+    WriterMemory::Table memory_;
+};
 
 } // namespace report

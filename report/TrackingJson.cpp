@@ -1,7 +1,9 @@
-#include "report/TrackingJson.h"
-
+// A step of a tracked plant for programs: one line of JSON.
 #include "report/CandidateJson.h"
 #include "report/Numbers.h"
+#include "report/Tracking.h"
+
+#include <nlohmann/json.hpp>
 
 namespace report {
 

@@ -1,4 +1,6 @@
-#include "report/TrackingTable.h"
+// The steps of a tracked plant as a person reads them, with what did not change left out.
+#include "report/Tracking.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -107,23 +109,23 @@ std::string TrackingTable::row(const std::string& head, const TrackedExplanation
 
 std::string TrackingTable::summary(std::size_t linesLeftOut) const
 {
-    std::string text = counted(memory_.total, "step");
+    std::string text = text::counted(memory_.total, "step");
     std::string separator = ": ";
     for (const auto& [status, count] : memory_.counts) {
-        text += fmt::format("{}{} {}", separator, grouped(count), status);
+        text += fmt::format("{}{} {}", separator, text::grouped(count), status);
         separator = ", ";
     }
     text += ".";
     if (memory_.incomplete > 0) {
-        text +=
-            fmt::format(" At {} the search was not complete.", counted(memory_.incomplete, "step"));
+        text += fmt::format(" At {} the search was not complete.",
+                            text::counted(memory_.incomplete, "step"));
     }
     if (memory_.dropped > 0) {
         text += fmt::format(" At {} there were more explanations than are kept.",
-                            counted(memory_.dropped, "step"));
+                            text::counted(memory_.dropped, "step"));
     }
     if (linesLeftOut > 0) {
-        text += fmt::format(" {} in error {} left out.", counted(linesLeftOut, "line"),
+        text += fmt::format(" {} in error {} left out.", text::counted(linesLeftOut, "line"),
                             linesLeftOut == 1 ? "was" : "were");
     }
     return "\n" + wrapped("", text);

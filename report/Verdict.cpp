@@ -1,6 +1,7 @@
 #include "report/Verdict.h"
 
 #include "report/Text.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -37,10 +38,10 @@ std::string finding(const Diagnosis& diagnosis)
                            partsAtFault(best), best.faults > 1 ? " together explain" : " explains");
     }
     if (equallyProbable(found)) {
-        return fmt::format("{} explanations, all equally probable. ", grouped(found.size()));
+        return fmt::format("{} explanations, all equally probable. ", text::grouped(found.size()));
     }
     return fmt::format("{} explanations; the first has {} of the probability. ",
-                       grouped(found.size()), percent(best.probability));
+                       text::grouped(found.size()), percent(best.probability));
 }
 
 std::string completeness(const Diagnosis& diagnosis)
@@ -100,7 +101,7 @@ std::string partsAtFault(const Explanation& explanation)
     for (const ModeValue& mode : explanation.modes) {
         names.push_back(mode.component);
     }
-    return listed(names);
+    return text::listed(names);
 }
 
 } // namespace report

@@ -1,4 +1,4 @@
-#include "report/DiagnosisJson.h"
+#include "report/Diagnosis.h"
 #include "tests/report/Diagnoses.h"
 
 #include <gtest/gtest.h>

@@ -46,31 +46,31 @@ TEST(QueryTable, ShowsAStepWhereTheAnswerChanges)
 {
     report::QueryTable table(report::Colours(false), false);
     EXPECT_EQ(table.heading(), "    step           t  best         true  unknown  status\n");
-    EXPECT_EQ(table.row(step(1, Truth::isFalse, 0.0)),
+    EXPECT_EQ(table.rows(step(1, Truth::isFalse, 0.0)),
               "       1         0.5  false         0 %      0 %  nominal\n");
-    EXPECT_EQ(table.row(step(2, Truth::isFalse, 0.0)), "");
-    EXPECT_EQ(table.row(step(3, Truth::isFalse, 0.25)),
+    EXPECT_EQ(table.rows(step(2, Truth::isFalse, 0.0)), "");
+    EXPECT_EQ(table.rows(step(3, Truth::isFalse, 0.25)),
               "       3         1.5  false      25.0 %      0 %  nominal\n");
-    EXPECT_EQ(table.row(step(4, Truth::isTrue, 1.0)),
+    EXPECT_EQ(table.rows(step(4, Truth::isTrue, 1.0)),
               "       4           2  true        100 %      0 %  nominal\n");
 }
 
 TEST(QueryTable, ShowsEveryStepOnRequest)
 {
     report::QueryTable table(report::Colours(false), true);
-    EXPECT_NE(table.row(step(1, Truth::isFalse, 0.0)), "");
-    EXPECT_NE(table.row(step(2, Truth::isFalse, 0.0)), "");
+    EXPECT_NE(table.rows(step(1, Truth::isFalse, 0.0)), "");
+    EXPECT_NE(table.rows(step(2, Truth::isFalse, 0.0)), "");
 }
 
 TEST(QueryTable, CountsTheSteps)
 {
     report::QueryTable table(report::Colours(false), false);
-    table.row(step(1, Truth::isFalse, 0.0));
-    table.row(step(2, Truth::isFalse, 0.0));
-    table.row(step(3, Truth::isTrue, 1.0));
+    table.rows(step(1, Truth::isFalse, 0.0));
+    table.rows(step(2, Truth::isFalse, 0.0));
+    table.rows(step(3, Truth::isTrue, 1.0));
     report::QueryReport cut = step(4, Truth::open, 0.0, 1.0);
     cut.complete = false;
-    EXPECT_EQ(table.row(cut),
+    EXPECT_EQ(table.rows(cut),
               "       4           2  unknown       0 %    100 %  nominal, not complete\n");
     EXPECT_EQ(table.summary(2),
               "\n4 steps: in the best explanation true at 1, false at 2, unknown at 1. At 1 step\n"

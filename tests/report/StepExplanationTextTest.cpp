@@ -1,4 +1,4 @@
-#include "report/StepExplanationText.h"
+#include "report/StepExplanation.h"
 
 #include "tests/report/FollowedPlant.h"
 

@@ -4,21 +4,6 @@
 
 using namespace report;
 
-TEST(Text, GroupsDigitsInThrees)
-{
-    EXPECT_EQ(grouped(0), "0");
-    EXPECT_EQ(grouped(999), "999");
-    EXPECT_EQ(grouped(1000), "1,000");
-    EXPECT_EQ(grouped(1234567), "1,234,567");
-}
-
-TEST(Text, CountsInTheSingularAndPlural)
-{
-    EXPECT_EQ(counted(0, "gate"), "0 gates");
-    EXPECT_EQ(counted(1, "gate"), "1 gate");
-    EXPECT_EQ(counted(1200, "gate"), "1,200 gates");
-}
-
 TEST(Text, GivesPercentWithThreeDigits)
 {
     EXPECT_EQ(percent(1.0), "100 %");
@@ -41,14 +26,6 @@ TEST(Text, ChangesTheFormOfPercentWhereTheDigitsDo)
     EXPECT_EQ(percent(0.09994), "9.99 %");
     EXPECT_EQ(percent(0.09996), "10.0 %");
     EXPECT_EQ(percent(0.00005), "0.01 %");
-}
-
-TEST(Text, ListsWithAnAnd)
-{
-    EXPECT_EQ(listed({}), "");
-    EXPECT_EQ(listed({"a"}), "a");
-    EXPECT_EQ(listed({"a", "b"}), "a and b");
-    EXPECT_EQ(listed({"a", "b", "c"}), "a, b and c");
 }
 
 TEST(Text, AlignsByCharactersAndNotByBytes)

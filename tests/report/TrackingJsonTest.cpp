@@ -1,4 +1,4 @@
-#include "report/TrackingJson.h"
+#include "report/Tracking.h"
 #include "tests/report/Steps.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "report/TrackingTable.h"
+#include "report/Tracking.h"
 #include "tests/report/Steps.h"
 
 #include <gmock/gmock.h>

@@ -1,4 +1,4 @@
-#include "app/Problem.h"
+#include "session/CircuitProblem.h"
 
 #include "text/NearestName.h"
 #include "text/Wording.h"
@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <fmt/format.h>
 
-namespace app {
+namespace session {
 
 namespace {
 
@@ -47,14 +47,14 @@ std::string some(const netlist::Circuit& circuit, const std::vector<SignalIndex>
 
 } // namespace
 
-ProblemBuilder::ProblemBuilder(const netlist::Circuit& circuit) : circuit_(circuit)
+CircuitProblemBuilder::CircuitProblemBuilder(const netlist::Circuit& circuit) : circuit_(circuit)
 {
     for (auto& values : values_) {
         values.resize(circuit.signals.size());
     }
 }
 
-std::optional<text::Message> ProblemBuilder::add(Side side, std::string_view signal, bool value)
+std::optional<text::Message> CircuitProblemBuilder::add(Side side, std::string_view signal, bool value)
 {
     const std::vector<SignalIndex>& own = declared(circuit_, side);
     const Side otherSide = side == Side::input ? Side::output : Side::input;
@@ -82,7 +82,7 @@ std::optional<text::Message> ProblemBuilder::add(Side side, std::string_view sig
     return std::nullopt;
 }
 
-std::optional<text::Message> ProblemBuilder::missing(Side side) const
+std::optional<text::Message> CircuitProblemBuilder::missing(Side side) const
 {
     const std::vector<std::optional<bool>>& values = values_[static_cast<std::size_t>(side)];
     std::vector<SignalIndex> absent;
@@ -104,9 +104,9 @@ std::optional<text::Message> ProblemBuilder::missing(Side side) const
         ""};
 }
 
-Problem ProblemBuilder::finish() const
+CircuitProblem CircuitProblemBuilder::finish() const
 {
-    Problem problem;
+    CircuitProblem problem;
     const auto gather = [&](Side side, std::vector<Reading>& readings) {
         for (const SignalIndex signal : declared(circuit_, side)) {
             const std::optional<bool>& value = values_[static_cast<std::size_t>(side)][signal];
@@ -118,4 +118,4 @@ Problem ProblemBuilder::finish() const
     return problem;
 }
 
-} // namespace app
+} // namespace session

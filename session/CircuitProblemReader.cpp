@@ -1,5 +1,5 @@
 // The JSON is read event by event, so that a signal given twice is seen and every mistake has its place.
-#include "app/ProblemReader.h"
+#include "session/CircuitProblemReader.h"
 
 #include "text/JsonText.h"
 #include "text/NearestName.h"
@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-namespace app {
+namespace session {
 
 namespace {
 
@@ -61,7 +61,7 @@ public:
     bool parse_error(std::size_t position, const std::string& lastToken,
                      const nlohmann::detail::exception& error) override;
 
-    std::variant<Problem, text::Diagnostic> result();
+    std::variant<CircuitProblem, text::Diagnostic> result();
 
 private:
     enum class Section { none, id, inputs, observed, other };
@@ -84,7 +84,7 @@ private:
 
     std::string_view line_;
     const std::size_t& taken_;
-    ProblemBuilder builder_;
+    CircuitProblemBuilder builder_;
     int depth_ = 0;
     Section section_ = Section::none;
     std::optional<std::string> id_;
@@ -191,21 +191,21 @@ bool Handler::require(Section section, const char* name, Side side)
     return !mistake || refuse(offset - 1, std::string_view(name).size() + 2, *mistake);
 }
 
-std::variant<Problem, text::Diagnostic> Handler::result()
+std::variant<CircuitProblem, text::Diagnostic> Handler::result()
 {
     if (!error_ && require(Section::inputs, "inputs", Side::input)) {
         require(Section::observed, "observed", Side::output);
     }
     if (error_) return std::move(*error_);
-    Problem problem = builder_.finish();
+    CircuitProblem problem = builder_.finish();
     problem.id = std::move(id_);
     return problem;
 }
 
 } // namespace
 
-std::variant<Problem, text::Diagnostic> readProblem(std::string_view line,
-                                                    const netlist::Circuit& circuit)
+std::variant<CircuitProblem, text::Diagnostic> readProblem(std::string_view line,
+                                                           const netlist::Circuit& circuit)
 {
     std::size_t taken = 0;
     Handler handler(line, circuit, taken);
@@ -214,4 +214,4 @@ std::variant<Problem, text::Diagnostic> readProblem(std::string_view line,
     return handler.result();
 }
 
-} // namespace app
+} // namespace session

@@ -10,13 +10,13 @@
 #include <utility>
 #include <vector>
 
-namespace app {
+namespace session {
 
 /// A signal and its value.
 using Reading = std::pair<netlist::SignalIndex, bool>;
 
 /// The values that were given and those that were seen, both in the order of the circuit's declarations, whatever order they came in.
-struct Problem {
+struct CircuitProblem {
     std::optional<std::string> id;
     std::vector<Reading> inputs;  ///< of every input
     std::vector<Reading> outputs; ///< of one output at least
@@ -25,10 +25,10 @@ struct Problem {
 enum class Side { input, output };
 
 /// Gathers a problem.
-class ProblemBuilder {
+class CircuitProblemBuilder {
 public:
     /// Requires: the circuit outlives the builder.
-    explicit ProblemBuilder(const netlist::Circuit& circuit);
+    explicit CircuitProblemBuilder(const netlist::Circuit& circuit);
 
     /// Takes a value in, or gives the reason why it is wrong: the signal is unknown or on the other side, or was given before.
     std::optional<text::Message> add(Side side, std::string_view signal, bool value);
@@ -36,11 +36,11 @@ public:
     std::optional<text::Message> missing(Side side) const;
     /// The problem.
     /// Requires: nothing is missing on either side.
-    Problem finish() const;
+    CircuitProblem finish() const;
 
 private:
     const netlist::Circuit& circuit_;
     std::vector<std::optional<bool>> values_[2]; // by side and signal
 };
 
-} // namespace app
+} // namespace session

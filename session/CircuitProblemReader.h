@@ -6,16 +6,16 @@
 // are passed over, and so are blank lines. Order of keys and signals does not matter.
 #pragma once
 
-#include "app/Problem.h"
+#include "session/CircuitProblem.h"
 #include "text/Diagnostic.h"
 
 #include <string_view>
 #include <variant>
 
-namespace app {
+namespace session {
 
 /// Reads one line. `place.line` of the error is left to the caller; the error has the line's text and a column.
-std::variant<Problem, text::Diagnostic> readProblem(std::string_view line,
-                                                    const netlist::Circuit& circuit);
+std::variant<CircuitProblem, text::Diagnostic> readProblem(std::string_view line,
+                                                           const netlist::Circuit& circuit);
 
-} // namespace app
+} // namespace session

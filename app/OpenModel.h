@@ -1,0 +1,21 @@
+// The model that the command line names, opened for a verb.
+#pragma once
+
+#include "app/Options.h"
+#include "session/Session.h"
+
+namespace app {
+
+/// What the options say about how to search. No history: that is for who explains.
+session::Settings settingsOf(const TrackOptions& track);
+
+/// Opens a session over the model. Throws Failure when no file is named, its hint naming the verb's help, and FileFailure with
+/// all that is wrong in the files. Warnings go to standard error unless `quiet`. Unless `trace`, the engine's trace is
+/// kept off standard output from here on.
+session::Session openModel(const std::string& verb, const ModelOptions& model, bool quiet,
+                           const session::Settings& settings = {}, bool trace = false);
+
+/// Prints warnings to standard error.
+void warn(std::vector<text::Diagnostic> warnings);
+
+} // namespace app

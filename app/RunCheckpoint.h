@@ -1,0 +1,45 @@
+// The checkpoint of `itms run`: what a session believes, and what the run remembers beside it.
+#pragma once
+
+#include "app/TrackRun.h"
+#include "report/StepWriter.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace app {
+
+/// What a run remembers of all its steps.
+struct RunMemory {
+    bool unexplained = false; ///< of some step: nothing was found, or the search was cut
+    bool faultFound = false;
+    std::size_t steps = 0;
+    std::size_t linesLeftOut = 0;
+};
+
+/// Where a run stands beside its session and its reader.
+struct RunState {
+    RunMemory memory;
+    report::WriterMemory writer;
+    std::uint64_t outputBytes = 0; ///< that the output has by now
+};
+
+class RunCheckpoint {
+public:
+    /// The run outlives this; the options are those that it goes by.
+    RunCheckpoint(std::string path, const TrackOptions& options, TrackRun& run);
+
+    /// Puts session and reader where the checkpoint has them, and says where the rest stood; nothing where there is no file.
+    /// Throws FileFailure when the checkpoint is damaged, or was made with another model or other options.
+    std::optional<RunState> resume();
+    /// Replaces the file. Throws FileFailure. Requires that what the state counts on is on the disk.
+    void save(const RunState& state);
+
+private:
+    std::string path_;
+    const TrackOptions& options_;
+    TrackRun& run_;
+};
+
+} // namespace app

@@ -1,0 +1,36 @@
+// Steps of telemetry as the verbs take them: until the end, a signal, or a line that is in error.
+#pragma once
+
+#include "telemetry/SoundSteps.h"
+#include "telemetry/StepReader.h"
+
+#include <optional>
+#include <string>
+
+namespace app {
+
+class StepFeed {
+public:
+    /// Requires: model and bindings outlive this.
+    /// Throws telemetry::ReadFailure when the file cannot be opened.
+    StepFeed(const std::string& path, const plant::Model& model, const plant::Bindings& bindings,
+             bool skipBad);
+
+    /// The next step; none at the end, and when a signal has come.
+    /// Throws telemetry::BadInput for a line in error; with `skipBad`, the line is reported on standard error, counted and left
+    /// out, if reading can go on.
+    std::optional<telemetry::Step> next() { return steps_.next(); }
+
+    telemetry::StepReader& reader() { return reader_; }
+    std::size_t linesLeftOut() const { return steps_.leftOut(); }
+    /// For a run that goes on: those of the run before count, too.
+    void setLinesLeftOut(std::size_t count) { steps_.setLeftOut(count); }
+    /// Reports on standard error how many lines were left out, if any; `verb` stands before the words.
+    void reportLinesLeftOut(const std::string& verb) const;
+
+private:
+    telemetry::StepReader reader_;
+    telemetry::SoundSteps steps_;
+};
+
+} // namespace app

@@ -1,0 +1,20 @@
+// The verbs of the program, a file each: `run` is declared and done in app/Run.cpp. A verb added here and to the list in
+// app/main.cpp is in the program.
+#pragma once
+
+#include "app/CommandLine.h"
+
+namespace app {
+
+Verb adviseVerb();
+Verb checkVerb();
+Verb diagnoseVerb();
+Verb explainVerb();
+Verb exportVerb();
+Verb fmtVerb();
+Verb queryVerb();
+Verb runVerb();
+Verb simulateVerb();
+Verb traceVerb();
+
+} // namespace app
