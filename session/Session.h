@@ -36,7 +36,7 @@ namespace session {
 /// How a model file is opened.
 struct OpenOptions {
     /// Folders where imports are looked for, after the importing file's own.
-    std::vector<std::string> importFolders;
+    std::vector<std::string> importFolders = {};
     /// Whether the engine may write its trace to std::cout. Otherwise std::cout is put into a failed state while the engine
     /// works, and is as before afterwards.
     bool trace = false;
