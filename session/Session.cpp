@@ -20,15 +20,20 @@ namespace {
 // Keeps the engine's trace off std::cout, which takes nothing while it has failed.
 class Quiet {
 public:
-    explicit Quiet(bool wanted) : before_(std::cout.rdstate())
+    explicit Quiet(bool wanted) : wanted_(wanted), before_(std::cout.rdstate())
     {
-        if (wanted) std::cout.setstate(std::ios::failbit);
+        if (wanted_) std::cout.setstate(std::ios::failbit);
     }
-    ~Quiet() { std::cout.clear(before_); }
+    // A trace that could not be written stays known.
+    ~Quiet()
+    {
+        if (wanted_) std::cout.clear(before_);
+    }
     Quiet(const Quiet&) = delete;
     Quiet& operator=(const Quiet&) = delete;
 
 private:
+    bool wanted_;
     std::ios::iostate before_;
 };
 
