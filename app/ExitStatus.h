@@ -1,4 +1,4 @@
-// What the program's exit status tells a script.
+// The program's exit status, for scripts.
 #pragma once
 
 namespace app {

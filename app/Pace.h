@@ -8,7 +8,7 @@
 
 namespace app {
 
-/// Tells steps per second and the time left, twice a second at most.
+/// Shows steps per second and the time left, twice a second at most.
 class Pace {
 public:
     explicit Pace(bool quiet) : progress_(!quiet) {}

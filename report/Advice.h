@@ -31,8 +31,8 @@ struct MeasurementReport {
 struct AdviceReport {
     StepReport step;                             ///< with all explanations
     double bits = 0.0;                           ///< the entropy of the explanations now
-    std::vector<MeasurementReport> measurements; ///< that tell something, best first
-    std::size_t useless = 0;                     ///< variables that would tell nothing
+    std::vector<MeasurementReport> measurements; ///< that tell the explanations apart, best first
+    std::size_t useless = 0;                     ///< variables whose measurement would not
 };
 
 /// The report of an advice about an answer. Entropies become bits.
@@ -42,7 +42,7 @@ AdviceReport adviceReport(const plant::Plant& plant, const plant::Bindings& bind
 /// One line of JSON with up to `shown` measurements, 0 for all; docs/output.md describes the fields.
 std::string adviceJson(const AdviceReport& report, std::size_t shown);
 
-/// The same for people. Measurements that tell just the same are one.
+/// The same for people. Measurements with the same outcomes are listed as one.
 std::string adviceText(const AdviceReport& report, std::size_t shown, Colours colours);
 
 } // namespace report

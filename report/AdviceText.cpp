@@ -70,7 +70,7 @@ std::vector<std::string> meaning(const MeasurementReport& report)
     return outcomes;
 }
 
-// Measurements that tell just the same, in the order of the first of each.
+// Measurements with the same outcomes, in the order of the first of each.
 using Group = std::vector<const MeasurementReport*>;
 std::vector<Group> groups(const std::vector<MeasurementReport>& measurements)
 {

@@ -105,7 +105,7 @@ private:
         return known.checked.conflict.observed.value_or(observed) == observed;
     }
 
-    // Lists conflicts of other hypotheses where the listed ones do not tell why something is in this one.
+    // Lists conflicts of other hypotheses where no listed one gives the reason for something in this one.
     void addOthers(const Hypothesis& hypothesis)
     {
         for (const auto& [variable, since] : hypothesis.since) {

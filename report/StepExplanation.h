@@ -2,7 +2,7 @@
 //
 // A conflict says that some modes cannot all be as they were assumed. A candidate resolves it where one of these modes
 // deviates in it, since that step or an earlier one. Listed are the conflicts of the most probable hypothesis before each
-// step; those of others are added where a candidate came from them and no listed one tells why.
+// step; those of others are added where a candidate came from them and no listed one gives the reason.
 #pragma once
 
 #include "report/ConflictReport.h"

@@ -10,7 +10,7 @@ namespace report {
 /// Characters of a line; what is printed is wrapped to it, whatever the terminal, so that it is the same everywhere.
 inline constexpr std::size_t lineWidth = 80;
 
-/// A probability in percent, with three digits where they tell something: "100 %", "16.7 %", "0.42 %". What is not
+/// A probability in percent, with three significant digits where they matter: "100 %", "16.7 %", "0.42 %". What is not
 /// quite none or all does not look like it: "<0.01 %", ">99.9 %".
 std::string percent(double probability);
 /// Characters of a UTF-8 text.
