@@ -7,6 +7,7 @@
 #include "app/Truth.h"
 #include "app/Verbs.h"
 #include "monitor/labels/Completion.h"
+#include "plant/Names.h"
 #include "telemetry/Writer.h"
 #include "text/Wording.h"
 
@@ -185,8 +186,7 @@ private:
                 "itms simulate: warning: step {}: {} is not what was given, '{}', but '{}', which "
                 "follows "
                 "from the rest\n",
-                step_, text::quoted(report::variableName(*wanted.value->stateVar)),
-                wanted.value->value,
+                step_, text::quoted(plant::nameOf(*wanted.value->stateVar)), wanted.value->value,
                 plant_.atom(simulated.values[static_cast<std::size_t>(variable)])->value));
         }
     }

@@ -1,6 +1,7 @@
 #include "app/Truth.h"
 
 #include "app/Output.h"
+#include "plant/Names.h"
 #include "report/Tracking.h"
 #include "text/Diagnostic.h"
 
@@ -46,7 +47,7 @@ TruthFile::TruthFile(std::string path, const plant::Plant& plant, const plant::M
 void TruthFile::write(std::size_t step, double t, const simulate::SimulatedStep& simulated)
 {
     const auto nameAt = [&](plant::VariableIndex variable) {
-        return report::variableName(*plant_.variable(variable).variable);
+        return plant::nameOf(*plant_.variable(variable).variable);
     };
     // An ordered object of the library would be searched from its beginning for every mode that is added.
     std::string modes;

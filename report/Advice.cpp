@@ -1,5 +1,7 @@
 #include "report/Advice.h"
 
+#include "plant/Names.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -52,7 +54,7 @@ AdviceReport adviceReport(const plant::Plant& plant, const plant::Bindings& bind
     AdviceReport report{stepReport(plant, answer), bits(advice.entropy), {}, advice.useless};
     for (const monitor::Measurement& measurement : advice.measurements) {
         const StateVar* variable = plant.variable(measurement.variable).variable;
-        MeasurementReport one{variableName(*variable),
+        MeasurementReport one{plant::nameOf(*variable),
                               channelOf(bindings, variable),
                               bits(measurement.expectedEntropy),
                               {}};

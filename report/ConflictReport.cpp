@@ -2,6 +2,7 @@
 
 #include "model/StateFormula.h"
 #include "model/Transition.h"
+#include "plant/Names.h"
 
 #include <algorithm>
 
@@ -25,7 +26,7 @@ ExplainedMode modeReport(const Plant& plant, const monitor::Hypothesis& believed
 {
     const Atom& value = *plant.atom(mode.value);
     ExplainedMode result{
-        variableName(*value.stateVar), value.value, plant.atom(mode.before)->value, {}, {}};
+        plant::nameOf(*value.stateVar), value.value, plant.atom(mode.before)->value, {}, {}};
     for (const plant::AtomIndex command : commandsFor(plant, mode)) {
         result.commands.push_back(plant.atom(command)->id);
     }
@@ -43,7 +44,7 @@ AppliedLaw lawReport(const Plant& plant, const ModelNames& names,
     if (inference.gives) {
         const Atom& atom = *plant.atom(inference.gives->atom);
         const std::vector<Atom*>& values = *atom.stateVar->atomLinks;
-        law.variable = variableName(*atom.stateVar);
+        law.variable = plant::nameOf(*atom.stateVar);
         law.value = atom.value;
         law.excluded = inference.gives->negated;
         if (law.excluded && values.size() == 2) {
@@ -84,7 +85,7 @@ AppliedLaw ModelNames::law(const Clause* clause) const
 
 GivenValue ModelNames::given(const Atom& value, plant::ChannelBinding::Kind kind) const
 {
-    GivenValue result{variableName(*value.stateVar), value.value, {}};
+    GivenValue result{plant::nameOf(*value.stateVar), value.value, {}};
     for (const plant::ChannelBinding& binding : model_.bindings.channels) {
         if (binding.variable == value.stateVar && binding.kind == kind &&
             binding.channel != result.variable) {

@@ -1,5 +1,7 @@
 #include "report/StepExplanation.h"
 
+#include "plant/Names.h"
+
 #include <algorithm>
 #include <deque>
 #include <map>
@@ -167,7 +169,7 @@ private:
         std::map<std::string, std::vector<Resolution>> byName;
         int visible = static_cast<int>(hypothesis.lost.size());
         for (const auto& [variable, since] : hypothesis.since) {
-            byName[variableName(*run_.plant.variable(variable).variable)] =
+            byName[plant::nameOf(*run_.plant.variable(variable).variable)] =
                 resolutions(variable, since);
             // Any other value may be left from a command that was lost then.
             const bool fault = run_.plant.atom(since.value)->fail;
@@ -212,7 +214,7 @@ private:
                             [&](const auto& own) { return instead(*known, own.first, own.second); });
             if (value && !resolved) {
                 const Atom& atom = *run_.plant.atom(*value);
-                result.push_back({known->number, variableName(*atom.stateVar), atom.value});
+                result.push_back({known->number, plant::nameOf(*atom.stateVar), atom.value});
             }
         }
         return result;

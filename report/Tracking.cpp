@@ -1,5 +1,6 @@
 #include "report/Tracking.h"
 
+#include "plant/Names.h"
 #include "report/Text.h"
 #include "text/Wording.h"
 
@@ -41,17 +42,12 @@ std::string withSince(const DeviatingMode& mode)
 
 } // namespace
 
-std::string variableName(const StateVar& variable)
-{
-    return variable.comp->name + "." + variable.name;
-}
-
 std::vector<DeviatingMode> deviatingModes(const plant::Plant& plant,
                                           const monitor::Hypothesis& hypothesis)
 {
     std::vector<DeviatingMode> modes;
     for (const auto& [variable, since] : hypothesis.since) {
-        modes.push_back({variableName(*plant.variable(variable).variable),
+        modes.push_back({plant::nameOf(*plant.variable(variable).variable),
                          plant.atom(since.value)->value, since.step});
     }
     std::sort(modes.begin(), modes.end(), [](const DeviatingMode& a, const DeviatingMode& b) {

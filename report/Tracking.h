@@ -52,9 +52,6 @@ struct Shown {
     double mass = 0.99; ///< no more than those that have so much of the probability together, 0..1
 };
 
-/// `COMPONENT.VARIABLE`.
-std::string variableName(const StateVar& variable);
-
 /// What deviates in a hypothesis, by name of the variable.
 std::vector<DeviatingMode> deviatingModes(const plant::Plant& plant,
                                           const monitor::Hypothesis& hypothesis);

@@ -54,7 +54,8 @@ CircuitProblemBuilder::CircuitProblemBuilder(const netlist::Circuit& circuit) : 
     }
 }
 
-std::optional<text::Message> CircuitProblemBuilder::add(Side side, std::string_view signal, bool value)
+std::optional<text::Message> CircuitProblemBuilder::add(Side side, std::string_view signal,
+                                                        bool value)
 {
     const std::vector<SignalIndex>& own = declared(circuit_, side);
     const Side otherSide = side == Side::input ? Side::output : Side::input;

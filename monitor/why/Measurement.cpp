@@ -2,6 +2,8 @@
 // outcomes, and Bayes' rule gives what is left of the hypotheses after each.
 #include "monitor/why/Measurement.h"
 
+#include "plant/Names.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numeric>
@@ -160,7 +162,7 @@ Advice advise(const Plant& plant, const TrackAnswer& answer,
     }
     const auto nameOf = [&](const Measurement& measurement) {
         const StateVar& variable = *plant.variable(measurement.variable).variable;
-        return variable.comp->name + "." + variable.name;
+        return plant::nameOf(variable);
     };
     std::sort(advice.measurements.begin(), advice.measurements.end(),
               [&](const Measurement& a, const Measurement& b) {

@@ -169,10 +169,10 @@ TEST(Session, LetsTheEngineTraceOnRequest)
 TEST(Session, ThrowsAllThatIsWrongInAModel)
 {
     try {
-        Session::open(
-            language::readModelText("bad.itms", "component A {\n    cond x: a, b\n    law x = c\n  "
-                                                "  law y = a\n}\nsystem s { a: A }\n"),
-            {}, {}, "bad.itms");
+        Session::open(language::readModelText("bad.itms",
+                                              "component A {\n    cond x: a, b\n    law x = c\n  "
+                                              "  law y = a\n}\nsystem s { a: A }\n"),
+                      {}, {}, "bad.itms");
         FAIL();
     } catch (const session::ModelErrors& errors) {
         EXPECT_EQ(errors.file(), "bad.itms");
