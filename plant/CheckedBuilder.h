@@ -1,9 +1,9 @@
 // The way from what a model says to its objects and bindings, for front ends whose users make mistakes.
 //
-//     CheckedBuilder builder("plants/pump", limits);
-//     Comp* pump = builder.component("pump", at("/components/0/name"));
-//     StateVar* state = builder.variable(pump, "state", VariableKind::mode, {{"on"}, {"broken", true}}, 0, at(...));
-//     builder.change({ChangeKind::fault, value(state, "on"), value(state, "broken"), {{}}, 0.01, at(...)});
+//     CheckedBuilder builder("plants/pump", mostDomainClauses);
+//     Comp* pump = builder.component("pump", at, nameAt);
+//     StateVar* state = builder.variable(pump, "state", VariableKind::mode, {{"on"}, {"broken", true}}, 0, at);
+//     builder.change({ChangeKind::fault, value(state, "on"), value(state, "broken"), {{}}, 0.01, at});
 //     std::unique_ptr<Model> model = builder.build();
 //
 // Above ModelBuilder, which makes the objects: whatever a model has to keep to is checked here or in the rules beside it

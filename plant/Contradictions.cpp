@@ -3,6 +3,7 @@
 #include "plant/Contradictions.h"
 
 #include "plant/Satisfiability.h"
+#include "text/Wording.h"
 
 #include <algorithm>
 #include <numeric>
@@ -151,14 +152,13 @@ Contradiction Contradictions::contradiction(const Origins& core) const
     return found;
 }
 
-// `a, b, c`: of the modes, as many as are worth naming.
 std::string namesOf(const std::vector<const Atom*>& modes)
 {
-    std::string names;
-    for (std::size_t i = 0; i < modes.size() && i < mostNamed; ++i) {
-        names += (i > 0 ? ", " : "") + modes[i]->id;
+    std::vector<std::string_view> names;
+    for (const Atom* mode : modes) {
+        names.emplace_back(mode->id);
     }
-    return modes.size() > mostNamed ? names + ", ..." : names;
+    return text::enumerated(names, mostNamed);
 }
 
 // The laws other than the last one, as the front end speaks of places.
