@@ -1,5 +1,3 @@
-#include "simulate/Simulation.h"
-
 #include "tests/monitor/HandMade.h"
 #include "tests/support/SimulatedRun.h"
 #include "tests/support/TestModel.h"
