@@ -16,7 +16,7 @@ install(EXPORT itms-targets
 
 # The component session: itms::session, which follows a plant, and the folders of the toolkit that it is built on.
 if(TARGET itms_session)
-    foreach(folder IN ITEMS text plant language telemetry monitor session)
+    foreach(folder IN ITEMS text plant language netlist telemetry monitor session)
         install(TARGETS itms_${folder}
             EXPORT itms-session-targets
             ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"

@@ -7,7 +7,7 @@
 
 #include "language/Reader.h"
 #include "monitor/step/Scenario.h"
-#include "tests/monitor/RandomPlant.h"
+#include "tests/support/RandomPlant.h"
 
 #include <set>
 

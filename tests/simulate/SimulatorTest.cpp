@@ -1,4 +1,4 @@
-#include "tests/monitor/HandMade.h"
+#include "tests/support/HandMade.h"
 #include "tests/support/SimulatedRun.h"
 #include "tests/support/TestModel.h"
 

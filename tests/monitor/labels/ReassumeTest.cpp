@@ -1,5 +1,5 @@
 // Going over to other assumptions, compared with drawing all conclusions afresh.
-#include "tests/monitor/HandMade.h"
+#include "tests/support/HandMade.h"
 #include "tests/support/TestModel.h"
 
 #include <gtest/gtest.h>

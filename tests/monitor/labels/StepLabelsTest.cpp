@@ -1,7 +1,7 @@
 // Labels carried from step to step, compared with those drawn afresh at every step.
 #include "monitor/labels/StepLabels.h"
 
-#include "tests/monitor/HandMade.h"
+#include "tests/support/HandMade.h"
 #include "tests/support/TestModel.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 // The seam between the monitor and what searches for it: another search in the engine's place leads to the same answers.
 #include "monitor/step/ExplanationSearch.h"
 
-#include "tests/monitor/RandomPlant.h"
 #include "tests/monitor/track/RandomTrack.h"
+#include "tests/support/RandomPlant.h"
 #include "tests/support/TestModel.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "monitor/step/Judge.h"
 
-#include "tests/monitor/HandMade.h"
+#include "tests/support/HandMade.h"
 #include "tests/support/TestModel.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // Steps of random small models, compared with the explanations found by trying everything.
-#include "tests/monitor/RandomPlant.h"
+#include "tests/support/RandomPlant.h"
 #include "tests/support/TestModel.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // What the tests of a step have in common.
 #pragma once
 
-#include "tests/monitor/HandMade.h"
+#include "tests/support/HandMade.h"
 #include "tests/support/TestModel.h"
 
 #include <gtest/gtest.h>

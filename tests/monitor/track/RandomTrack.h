@@ -1,8 +1,8 @@
 // What happens to the active model over several steps, drawn at random.
 #pragma once
 
-#include "tests/monitor/RandomPlant.h"
 #include "tests/reference/BruteForceTrajectories.h"
+#include "tests/support/RandomPlant.h"
 
 #include "monitor/track/Tracker.h"
 

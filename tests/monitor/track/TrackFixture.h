@@ -1,7 +1,7 @@
 // What the tests of a tracker have in common.
 #pragma once
 
-#include "tests/monitor/HandMade.h"
+#include "tests/support/HandMade.h"
 #include "tests/support/TestModel.h"
 
 #include "monitor/track/Tracker.h"

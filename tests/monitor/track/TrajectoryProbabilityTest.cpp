@@ -6,8 +6,8 @@
 // sequences that deviated earlier without being noticed: where one fault at most is allowed, all of them, so that from
 // the first contradiction on nothing is left out. With more faults allowed some are (two silent ones at once), and the
 // sums over all sequences are an upper bound. Where every deviation shows at once, each is called for.
-#include "tests/monitor/HandMade.h"
 #include "tests/monitor/track/RandomTrack.h"
+#include "tests/support/HandMade.h"
 #include "tests/support/TestModel.h"
 
 #include <gtest/gtest.h>

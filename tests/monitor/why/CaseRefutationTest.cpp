@@ -2,7 +2,7 @@
 
 #include "monitor/labels/Completion.h"
 #include "monitor/why/ConflictCheck.h"
-#include "tests/monitor/HandMade.h"
+#include "tests/support/HandMade.h"
 #include "tests/support/TestModel.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 #include "monitor/why/Measurement.h"
 
-#include "tests/monitor/HandMade.h"
 #include "tests/monitor/why/EngineEntropy.h"
 #include "tests/reference/ExpectedEntropy.h"
 #include "tests/reference/Random.h"
+#include "tests/support/HandMade.h"
 #include "tests/support/TestModel.h"
 
 #include <cmath>

@@ -1,8 +1,8 @@
 #include "monitor/why/StateQuery.h"
 
 #include "language/Reader.h"
-#include "tests/monitor/RandomPlant.h"
 #include "tests/monitor/why/EngineQuery.h"
+#include "tests/support/RandomPlant.h"
 #include "tests/support/TestModel.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "tests/monitor/RandomPlant.h"
+#include "tests/support/RandomPlant.h"
 
 #include <algorithm>
 #include <cstdlib>

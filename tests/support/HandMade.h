@@ -8,7 +8,7 @@
 //     std::unique_ptr<ActivePlant> active = model.activate();
 #pragma once
 
-#include "tests/monitor/RandomPlant.h"
+#include "tests/support/RandomPlant.h"
 
 #include <map>
 
