@@ -16,7 +16,6 @@ namespace {
 
 using telemetry::Names;
 using telemetry::Variable;
-using text::quoted;
 
 std::optional<std::size_t> stepNumber(std::string_view text)
 {
@@ -33,14 +32,14 @@ text::Message noMode(const std::string& name, const Names& names)
     std::vector<std::string_view> modes;
     for (const Variable& variable : names.variables()) {
         if (variable.name == name) {
-            return text::Message{quoted(name) + (variable.variable->type == "Command"
+            return text::Message{text::quoted(name) + (variable.variable->type == "Command"
                                                      ? " is a command, no mode"
                                                      : " is a condition, no mode"),
                                  "a mode variable: what breaks is the mode of a component", ""};
         }
         if (variable.variable->type == "Mode") modes.push_back(variable.name);
     }
-    return text::Message{"no mode variable is called " + quoted(name), "COMPONENT.VARIABLE",
+    return text::Message{"no mode variable is called " + text::quoted(name), "COMPONENT.VARIABLE",
                          text::didYouMean(name, modes)};
 }
 
@@ -56,7 +55,7 @@ const Variable& findVariable(const std::string& option, Expected expected, const
     const Variable& variable = names.variables()[names[index].observed.front()];
     if (isMode && variable.variable->type != "Mode") refuseValue(option, noMode(name, names));
     if (!isMode && variable.variable->type == "Mode") {
-        refuseValue(option, text::Message{quoted(name) + " is a mode, no input",
+        refuseValue(option, text::Message{text::quoted(name) + " is a mode, no input",
                                           "a variable that nothing in the plant determines",
                                           "--fault sets modes"});
     }
@@ -78,7 +77,7 @@ StepValue readStepValue(const std::string& option, Expected expected, const std:
     const std::size_t at = text.rfind('@');
     const bool hasStep = at != std::string::npos && equals != std::string::npos && at > equals;
     if (equals == std::string::npos || (isMode && !hasStep)) {
-        refuseValue(option, text::Message{"found " + quoted(text),
+        refuseValue(option, text::Message{"found " + text::quoted(text),
                                           isMode ? "VARIABLE=VALUE@STEP"
                                                  : "VARIABLE=VALUE, or VARIABLE=VALUE@STEP",
                                           ""});
@@ -88,7 +87,7 @@ StepValue readStepValue(const std::string& option, Expected expected, const std:
         const auto step = stepNumber(std::string_view(text).substr(at + 1));
         if (!step) {
             refuseValue(option,
-                        text::Message{fmt::format("the step is {}", quoted(text.substr(at + 1))),
+                        text::Message{fmt::format("the step is {}", text::quoted(text.substr(at + 1))),
                                       "a whole number, 1 for the first step", ""});
         }
         result.step = *step;
@@ -103,7 +102,7 @@ StepValue readStepValue(const std::string& option, Expected expected, const std:
         }
         refuseValue(
             option,
-            text::Message{fmt::format("{} is not a value of '{}'", quoted(value), variable.name),
+            text::Message{fmt::format("{} is not a value of '{}'", text::quoted(value), variable.name),
                           text::enumerated(known, known.size()), text::didYouMean(value, known)});
     }
     return result;
@@ -121,7 +120,7 @@ std::vector<StepValue> readStepValues(const std::string& option, Expected expect
         });
         if (first != values.end() - 1) {
             refuseValue(option, text::Message{fmt::format("{} and {} are for the same step",
-                                                          quoted(first->text), quoted(text)),
+                                                          text::quoted(first->text), text::quoted(text)),
                                               "one value of a variable at a step", ""});
         }
     }
