@@ -23,8 +23,8 @@ const std::string& telemetryOf(const std::string& verb, const TrackOptions& opti
 
 } // namespace
 
-TrackRun::TrackRun(const std::string& verb, const TrackOptions& options, session::Settings settings,
-                   bool trace)
+TrackRun::TrackRun(const std::string& verb, const TrackOptions& options,
+                   const session::Settings& settings, bool trace)
     : session_(openModel(verb, options.model, options.quiet, settings, trace)),
       feed_(telemetryOf(verb, options), session_.model(), session_.bindings(), options.skipBad)
 {

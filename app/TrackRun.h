@@ -22,8 +22,8 @@ struct OnTheWay {
 class TrackRun {
 public:
     /// Throws Failure when model or telemetry is not named, and FileFailure when one of them cannot be read.
-    TrackRun(const std::string& verb, const TrackOptions& options, session::Settings settings,
-             bool trace = false);
+    TrackRun(const std::string& verb, const TrackOptions& options,
+             const session::Settings& settings, bool trace = false);
     TrackRun(const std::string& verb, const TrackOptions& options, bool trace = false)
         : TrackRun(verb, options, settingsOf(options), trace)
     {
