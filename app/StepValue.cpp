@@ -33,8 +33,8 @@ text::Message noMode(const std::string& name, const Names& names)
     for (const Variable& variable : names.variables()) {
         if (variable.name == name) {
             return text::Message{text::quoted(name) + (variable.variable->type == "Command"
-                                                     ? " is a command, no mode"
-                                                     : " is a condition, no mode"),
+                                                           ? " is a command, no mode"
+                                                           : " is a condition, no mode"),
                                  "a mode variable: what breaks is the mode of a component", ""};
         }
         if (variable.variable->type == "Mode") modes.push_back(variable.name);
@@ -86,9 +86,9 @@ StepValue readStepValue(const std::string& option, Expected expected, const std:
     if (hasStep) {
         const auto step = stepNumber(std::string_view(text).substr(at + 1));
         if (!step) {
-            refuseValue(option,
-                        text::Message{fmt::format("the step is {}", text::quoted(text.substr(at + 1))),
-                                      "a whole number, 1 for the first step", ""});
+            refuseValue(option, text::Message{fmt::format("the step is {}",
+                                                          text::quoted(text.substr(at + 1))),
+                                              "a whole number, 1 for the first step", ""});
         }
         result.step = *step;
     }
@@ -100,10 +100,10 @@ StepValue readStepValue(const std::string& option, Expected expected, const std:
         for (const Atom* atom : *variable.variable->atomLinks) {
             known.push_back(atom->value);
         }
-        refuseValue(
-            option,
-            text::Message{fmt::format("{} is not a value of '{}'", text::quoted(value), variable.name),
-                          text::enumerated(known, known.size()), text::didYouMean(value, known)});
+        refuseValue(option, text::Message{fmt::format("{} is not a value of '{}'",
+                                                      text::quoted(value), variable.name),
+                                          text::enumerated(known, known.size()),
+                                          text::didYouMean(value, known)});
     }
     return result;
 }
@@ -119,9 +119,10 @@ std::vector<StepValue> readStepValues(const std::string& option, Expected expect
             return other.step == added.step && other.value->stateVar == added.value->stateVar;
         });
         if (first != values.end() - 1) {
-            refuseValue(option, text::Message{fmt::format("{} and {} are for the same step",
-                                                          text::quoted(first->text), text::quoted(text)),
-                                              "one value of a variable at a step", ""});
+            refuseValue(option,
+                        text::Message{fmt::format("{} and {} are for the same step",
+                                                  text::quoted(first->text), text::quoted(text)),
+                                      "one value of a variable at a step", ""});
         }
     }
     std::stable_sort(values.begin(), values.end(),
