@@ -24,8 +24,8 @@ public:
     SimulationSource(const SimulationSource&) = delete;
     SimulationSource& operator=(const SimulationSource&) = delete;
 
-    /// The next step; none at the end, or after an interruption. Throws FileFailure for a mistake in
-    /// the input, and telemetry::ReadFailure.
+    /// The next step; none at the end, or after an interruption. Throws telemetry::BadInput for a
+    /// mistake in the input, and telemetry::ReadFailure.
     virtual std::optional<SourceStep> next() = 0;
     /// How many steps there are, where that is known before.
     virtual std::optional<std::size_t> length() const { return std::nullopt; }

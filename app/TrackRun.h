@@ -30,7 +30,7 @@ public:
     }
 
     /// Takes the next step of the telemetry. False at its end, and when a signal has come. A bad line ends the run with
-    /// FileFailure; with `skipBad` it is reported on standard error, counted and passed over.
+    /// telemetry::BadInput; with `skipBad` it is reported on standard error, counted and passed over.
     bool next();
 
     /// Takes steps up to that one, or up to the last. Throws Failure when the telemetry has no such step, or none at all, unless
