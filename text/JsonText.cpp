@@ -41,6 +41,7 @@ Extent valueAfter(std::string_view line, std::size_t end)
 JsonMistake jsonMistake(std::string_view parserMessage)
 {
     constexpr std::string_view expects = "; expected ";
+    constexpr std::string_view behindText = "'; expected "; // the text itself may have the words
     const std::size_t dash = parserMessage.find(" - ");
     if (dash == std::string_view::npos) return {};
     const std::string_view whole = parserMessage.substr(dash + 3);
@@ -50,9 +51,9 @@ JsonMistake jsonMistake(std::string_view parserMessage)
     if (const std::size_t at = found.find(expects); at != std::string_view::npos) {
         expected = found.substr(at + expects.size());
         found = found.substr(0, at);
-    } else if (const std::size_t behind = whole.rfind(expects);
-               behind != std::string_view::npos && behind > lastRead) {
-        expected = whole.substr(behind + expects.size());
+    } else if (const std::size_t quote = whole.rfind(behindText);
+               quote != std::string_view::npos && quote > lastRead) {
+        expected = whole.substr(quote + behindText.size());
     }
     const bool shows = std::all_of(expected.begin(), expected.end(),
                                    [](char each) { return each >= ' ' && each <= '~'; });
