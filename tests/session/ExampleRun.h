@@ -1,7 +1,7 @@
 // An example and its telemetry, followed by a session.
 #pragma once
 
-#include "report/TrackingJson.h"
+#include "report/Tracking.h"
 #include "session/Session.h"
 #include "telemetry/StepReader.h"
 
