@@ -147,9 +147,9 @@ session::CircuitProblem problemOfOptions(const DiagnoseOptions& options,
 
 // Solves problems one after the other, prints each answer as soon as it is there, and remembers what the exit
 // status depends on.
-class Run {
+class DiagnoseRun {
 public:
-    Run(const DiagnoseOptions& options, const netlist::Circuit& circuit)
+    DiagnoseRun(const DiagnoseOptions& options, const netlist::Circuit& circuit)
         : options_(options), settings_{options.maxRank, options.upTo.value_or(3), limitsOf(options)},
           session_(circuit, options.faultProbability),
           writer_(writersOf(options.answer,
@@ -233,12 +233,12 @@ ExitStatus diagnose(const DiagnoseOptions& options)
     catchInterruptions();
     if (options.problems) {
         telemetry::LineReader reader(*options.problems);
-        Run run(options, circuit);
+        DiagnoseRun run(options, circuit);
         run.solveAll(reader, circuit);
         return run.finish();
     }
     const session::CircuitProblem problem = problemOfOptions(options, circuit);
-    Run run(options, circuit);
+    DiagnoseRun run(options, circuit);
     run.solve(problem);
     return run.finish();
 }

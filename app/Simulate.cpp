@@ -106,9 +106,9 @@ std::unordered_set<const StateVar*> heldCommands(const plant::Bindings& bindings
 }
 
 // Takes step after step from the source to standard output.
-class Run {
+class SimulateRun {
 public:
-    Run(const SimulateOptions& options, const session::Session& session)
+    SimulateRun(const SimulateOptions& options, const session::Session& session)
         : quiet_(options.quiet), plant_(session.plant()),
           names_(session.model(), session.bindings()), source_(makeSource(options, session)),
           faults_(readStepValues("--fault", Expected::mode, options.faults, names_)),
@@ -266,7 +266,7 @@ ExitStatus simulate(const SimulateOptions& options)
     checkUsage(options);
     const session::Session session = openModel("simulate", options.model, options.quiet);
     catchInterruptions();
-    return Run(options, session).run();
+    return SimulateRun(options, session).run();
 }
 
 std::vector<Section> sections(SimulateOptions& options)

@@ -10,6 +10,10 @@ function(itms_our_code target)
         target_compile_options(${target} PRIVATE
             -Wno-restrict -Wno-stringop-overflow -Wno-stringop-overread -Wno-array-bounds)
     endif()
+    # It takes the unnamed namespace of a file that is compiled together with others for that of a header.
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_UNITY_BUILD)
+        target_compile_options(${target} PRIVATE -Wno-subobject-linkage)
+    endif()
 endfunction()
 
 # Adds a folder from the list of folders, which determines the order, as soon as it contains something to build.

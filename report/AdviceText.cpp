@@ -11,7 +11,6 @@ namespace report {
 namespace {
 
 constexpr std::size_t numberColumns = 4;
-constexpr std::size_t probabilityColumns = 9;
 constexpr std::size_t nameColumns = 34;
 constexpr std::size_t bitsColumns = 10;
 constexpr std::size_t mostRemaining = 2; ///< explanations shown of an outcome

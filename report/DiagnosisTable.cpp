@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::string_view margin = "  ";
 constexpr std::string_view tableMargin = "    ";
-constexpr std::size_t probabilityColumns = 11;
+constexpr std::size_t percentColumns = 11;
 
 std::vector<OutputReading> differing(const Diagnosis& diagnosis)
 {
@@ -175,12 +175,12 @@ std::string DiagnosisTable::explanations(const Diagnosis& diagnosis, std::string
         for (const ModeValue& mode : all[i].modes) {
             names += (names.empty() ? "" : ", ") + mode.component;
         }
-        const std::string probability = right(percent(all[i].probability), probabilityColumns);
+        const std::string probability = right(percent(all[i].probability), percentColumns);
         text += wrapped(fmt::format("{}{}  ", before, probability), names);
     }
     if (shown < all.size()) {
         text += fmt::format("{}{}  and {} more (-n 0 shows all)\n", before,
-                            right("...", probabilityColumns), text::grouped(all.size() - shown));
+                            right("...", percentColumns), text::grouped(all.size() - shown));
     }
     return text;
 }

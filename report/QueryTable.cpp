@@ -8,10 +8,7 @@ namespace report {
 
 namespace {
 
-constexpr std::size_t stepColumns = 8;
-constexpr std::size_t timeColumns = 12;
 constexpr std::size_t truthColumns = 8;
-constexpr std::size_t probabilityColumns = 9;
 
 } // namespace
 

@@ -48,7 +48,7 @@ Json candidate(const CandidateReasons& reasons)
     return result;
 }
 
-Json given(const GivenValue& value)
+Json givenJson(const GivenValue& value)
 {
     return {{"variable", value.variable}, {"value", value.value}, {"channel", orNull(value.channel)}};
 }
@@ -57,12 +57,12 @@ Json givens(const std::vector<GivenValue>& values)
 {
     Json list = Json::array();
     for (const GivenValue& value : values) {
-        list.push_back(given(value));
+        list.push_back(givenJson(value));
     }
     return list;
 }
 
-Json mode(const ExplainedMode& mode)
+Json modeJson(const ExplainedMode& mode)
 {
     return {{"variable", mode.variable},
             {"value", mode.value},
@@ -96,7 +96,7 @@ Json conflict(const ExplainedConflict& conflict)
 {
     Json modes = Json::array();
     for (const ExplainedMode& one : conflict.modes) {
-        modes.push_back(mode(one));
+        modes.push_back(modeJson(one));
     }
     Json laws = Json::array();
     for (const AppliedLaw& one : conflict.laws) {
@@ -109,7 +109,7 @@ Json conflict(const ExplainedConflict& conflict)
         {"step", conflict.step},
         {"t", conflict.t},
         {"believed", std::move(believed)},
-        {"observed", conflict.observed ? given(*conflict.observed) : Json(nullptr)},
+        {"observed", conflict.observed ? givenJson(*conflict.observed) : Json(nullptr)},
         {"expected", orNull(conflict.expected)},
         {"modes", std::move(modes)},
         {"commands", givens(conflict.commands)},

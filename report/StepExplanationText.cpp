@@ -25,7 +25,6 @@ namespace report {
 
 namespace {
 
-constexpr std::size_t probabilityColumns = 9;
 constexpr std::size_t labelColumns = 12;
 
 std::string equation(const std::string& variable, const std::string& value)

@@ -9,6 +9,10 @@ namespace report {
 
 /// Characters of a line; what is printed is wrapped to it, whatever the terminal, so that it is the same everywhere.
 inline constexpr std::size_t lineWidth = 80;
+/// Characters of the columns that several tables have.
+inline constexpr std::size_t stepColumns = 8;
+inline constexpr std::size_t timeColumns = 12;
+inline constexpr std::size_t probabilityColumns = 9;
 
 /// A probability in percent, with three significant digits where they matter: "100 %", "16.7 %", "0.42 %". What is not
 /// quite none or all does not look like it: "<0.01 %", ">99.9 %".

@@ -9,10 +9,8 @@ namespace report {
 
 namespace {
 
-constexpr std::size_t stepColumns = 8;
-constexpr std::size_t timeColumns = 12;
 constexpr std::size_t statusColumns = 12;
-constexpr std::size_t probabilityColumns = 8;
+constexpr std::size_t shareColumns = 8;
 
 std::string time(double t)
 {
@@ -39,7 +37,7 @@ std::string essence(const StepReport& report, std::size_t shown)
 std::string TrackingTable::heading() const
 {
     return colours_.faint(right("step", stepColumns) + right("t", timeColumns) + "  " +
-                          left("status", statusColumns) + right("p", probabilityColumns) +
+                          left("status", statusColumns) + right("p", shareColumns) +
                           "  explanation") +
            "\n";
 }
@@ -69,7 +67,7 @@ std::string TrackingTable::rows(const StepReport& report)
         text += row(head, report.explanations[i]);
         head = indent + std::string(statusColumns, ' ');
     }
-    const std::string under = indent + std::string(statusColumns + probabilityColumns + 2, ' ');
+    const std::string under = indent + std::string(statusColumns + shareColumns + 2, ' ');
     if (shown < report.explanations.size()) {
         text += under +
                 colours_.faint(fmt::format("and {} more", report.explanations.size() - shown)) +
@@ -100,10 +98,9 @@ std::string TrackingTable::status(monitor::TrackStatus status) const
 // front afterwards.
 std::string TrackingTable::row(const std::string& head, const TrackedExplanation& explanation) const
 {
-    constexpr std::size_t columns =
-        stepColumns + timeColumns + 2 + statusColumns + probabilityColumns + 2;
+    constexpr std::size_t columns = stepColumns + timeColumns + 2 + statusColumns + shareColumns + 2;
     std::string text = wrapped(std::string(columns, ' '), inWords(explanation));
-    const std::string probability = right(percent(explanation.probability), probabilityColumns);
+    const std::string probability = right(percent(explanation.probability), shareColumns);
     return head + probability + "  " + text.substr(columns);
 }
 

@@ -83,7 +83,7 @@ private:
 };
 
 // Equal but for the last bits.
-double rounded(double entropy)
+double withoutLastBits(double entropy)
 {
     return std::round(entropy * 1e9);
 }
@@ -126,7 +126,7 @@ public:
         }
         std::stable_sort(rated.outcomes.begin(), rated.outcomes.end(),
                          [](const Outcome& a, const Outcome& b) {
-                             return rounded(a.probability) > rounded(b.probability);
+                             return withoutLastBits(a.probability) > withoutLastBits(b.probability);
                          });
         return rated;
     }
@@ -166,8 +166,8 @@ Advice advise(const Plant& plant, const TrackAnswer& answer,
     };
     std::sort(advice.measurements.begin(), advice.measurements.end(),
               [&](const Measurement& a, const Measurement& b) {
-                  const double left = rounded(a.expectedEntropy);
-                  const double right = rounded(b.expectedEntropy);
+                  const double left = withoutLastBits(a.expectedEntropy);
+                  const double right = withoutLastBits(b.expectedEntropy);
                   return left != right ? left < right : nameOf(a) < nameOf(b);
               });
     return advice;

@@ -25,7 +25,12 @@ struct Trial {
     Names drawn; ///< a value of each variable that comes from outside and is drawn anew at every step
 };
 
-constexpr std::size_t runs = 150; // with one fault, and as many with two
+// With one fault, and as many with two. Sanitizers make each run some ten times as long.
+#ifdef __SANITIZE_ADDRESS__
+constexpr std::size_t runs = 30;
+#else
+constexpr std::size_t runs = 150;
+#endif
 constexpr std::size_t steps = 30;
 
 /// What came of the runs of a trial.

@@ -4,6 +4,7 @@
 //
 // writes the texts anew, to be read before they are committed.
 #include "language/Reader.h"
+#include "tests/language/Reported.h"
 #include "tests/support/ExpectedTexts.h"
 
 #include <algorithm>
@@ -15,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const char* const folder = "tests/language/errors/semantic";
+const char* const semanticErrors = "tests/language/errors/semantic";
 
 // Read under the path from the root, which is where tests run. With a lower bound on loops than usual: the file that goes
 // beyond it takes minutes under sanitizers otherwise.
@@ -23,17 +24,8 @@ language::ReadResult readBad(const fs::path& path)
 {
     language::ReadOptions options;
     options.expansion.repetitions = 100'000;
-    return language::readModelText((fs::path(folder) / path.filename()).string(), contents(path),
-                                   options);
-}
-
-std::string reported(const language::ReadResult& result)
-{
-    std::string text;
-    for (const text::Diagnostic& error : result.errors) {
-        text += error.format();
-    }
-    return text;
+    return language::readModelText((fs::path(semanticErrors) / path.filename()).string(),
+                                   contents(path), options);
 }
 
 class SemanticErrorTexts : public testing::TestWithParam<fs::path> {};
@@ -43,10 +35,10 @@ TEST_P(SemanticErrorTexts, AreAsExpected)
     const language::ReadResult result = readBad(GetParam());
     const fs::path expected = fs::path(GetParam()).replace_extension(".txt");
     if (std::getenv("ITMS_REGENERATE")) {
-        std::ofstream(expected, std::ios::binary) << reported(result);
+        std::ofstream(expected, std::ios::binary) << reported(result.errors);
     }
     EXPECT_FALSE(result.errors.empty());
-    EXPECT_EQ(contents(expected), reported(result));
+    EXPECT_EQ(contents(expected), reported(result.errors));
 }
 
 TEST_P(SemanticErrorTexts, ComeWithoutAModel)
@@ -56,8 +48,8 @@ TEST_P(SemanticErrorTexts, ComeWithoutAModel)
     EXPECT_TRUE(result.bindings.channels.empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, SemanticErrorTexts, testing::ValuesIn(filesOf(folder, ".itms")),
-                         [](const auto& tested) {
+INSTANTIATE_TEST_SUITE_P(Files, SemanticErrorTexts,
+                         testing::ValuesIn(filesOf(semanticErrors, ".itms")), [](const auto& tested) {
                              std::string name = tested.param.stem().string();
                              std::replace(name.begin(), name.end(), '-', '_');
                              return name;
@@ -65,13 +57,14 @@ INSTANTIATE_TEST_SUITE_P(Files, SemanticErrorTexts, testing::ValuesIn(filesOf(fo
 
 TEST(SemanticErrorTexts, EachHasItsFile)
 {
-    EXPECT_GE(filesOf(folder, ".itms").size(), 35U);
-    EXPECT_EQ(filesOf(folder, ".txt").size(), filesOf(folder, ".itms").size());
+    EXPECT_GE(filesOf(semanticErrors, ".itms").size(), 35U);
+    EXPECT_EQ(filesOf(semanticErrors, ".txt").size(), filesOf(semanticErrors, ".itms").size());
 }
 
 TEST(SemanticErrorTexts, OfTenMistakesAreTen)
 {
-    EXPECT_EQ(readBad(fs::path(ITMS_ROOT) / folder / "ten-mistakes.itms").errors.size(), 10U);
+    EXPECT_EQ(readBad(fs::path(ITMS_ROOT) / semanticErrors / "ten-mistakes.itms").errors.size(),
+              10U);
 }
 
 } // namespace

@@ -17,7 +17,7 @@ using language::ReadResult;
 using plant::ActiveModel;
 using testing::ElementsAre;
 
-constexpr const char* lamp = R"(
+constexpr const char* lampText = R"(
 component Lamp {
     cond light: off, on
     cond power: no, yes
@@ -34,7 +34,7 @@ protected:
         : folder_(fs::temp_directory_path() / ("itms-active-" + std::to_string(::getpid())))
     {
         fs::create_directories(folder_);
-        std::ofstream(folder_ / "room.itms") << lamp;
+        std::ofstream(folder_ / "room.itms") << lampText;
         read_ = language::readModel((folder_ / "room.itms").string());
     }
     ~ActiveModelTest() override

@@ -5,7 +5,7 @@
 
 namespace {
 
-const std::string lamp = R"(component Lamp {
+const std::string room = R"(component Lamp {
     command request: none, light
     cond glow: no, yes
     mode state { off initial on broken fault }
@@ -38,12 +38,12 @@ class EachChange : public testing::TestWithParam<std::pair<const char*, const ch
 
 TEST(Fingerprint, OfAModelDoesNotDependOnLayoutAndComments)
 {
-    EXPECT_EQ(fingerprintOf(lamp), fingerprintOf(lamp, "system", "\n\n// The room.\nsystem"));
+    EXPECT_EQ(fingerprintOf(room), fingerprintOf(room, "system", "\n\n// The room.\nsystem"));
 }
 
 TEST_P(EachChange, ChangesTheFingerprintOfAModel)
 {
-    EXPECT_NE(fingerprintOf(lamp), fingerprintOf(lamp, GetParam().first, GetParam().second));
+    EXPECT_NE(fingerprintOf(room), fingerprintOf(room, GetParam().first, GetParam().second));
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr std::uint64_t seedsPerBlock = 200;
+constexpr std::uint64_t operationsPerBlock = 200;
 constexpr int operationsPerSeed = 30;
 
 template <class Table, class Engine> void tryOne(Bench<Engine>& bench)
@@ -39,9 +39,9 @@ class OperationsOverSeeds : public ::testing::TestWithParam<std::uint64_t> {};
 
 TEST_P(OperationsOverSeeds, EachDoesWhatThePlainOneDoes)
 {
-    const std::uint64_t first = 1000000 + GetParam() * seedsPerBlock;
+    const std::uint64_t first = 1000000 + GetParam() * operationsPerBlock;
     std::uint64_t leftOut = 0;
-    for (std::uint64_t seed = first; seed < first + seedsPerBlock; ++seed) {
+    for (std::uint64_t seed = first; seed < first + operationsPerBlock; ++seed) {
         Observed expected;
         try {
             expected = tryOperations<PlainEngine>(seed);
@@ -54,13 +54,13 @@ TEST_P(OperationsOverSeeds, EachDoesWhatThePlainOneDoes)
         ASSERT_TRUE(difference.empty()) << "seed " << seed << ": " << difference;
     }
     RecordProperty("seedsLeftOut", static_cast<int>(leftOut));
-    EXPECT_LT(leftOut, seedsPerBlock / 4) << "too many searches were too large to be compared";
+    EXPECT_LT(leftOut, operationsPerBlock / 4) << "too many searches were too large to be compared";
 }
 
 TEST_P(OperationsOverSeeds, AMutedTraceChangesNoResult)
 {
-    const std::uint64_t first = 1000000 + GetParam() * seedsPerBlock;
-    for (std::uint64_t seed = first; seed < first + seedsPerBlock; seed += 4) {
+    const std::uint64_t first = 1000000 + GetParam() * operationsPerBlock;
+    for (std::uint64_t seed = first; seed < first + operationsPerBlock; seed += 4) {
         try {
             tryOperations<PlainEngine>(seed, true);
         } catch (const SearchTooLarge&) {

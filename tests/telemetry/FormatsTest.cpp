@@ -9,11 +9,11 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::SizeIs;
 
-const std::string line = R"({"t": 0, "observations": {"FT-1": 0.5}})";
+const std::string reading = R"({"t": 0, "observations": {"FT-1": 0.5}})";
 
 TEST(Formats, AcceptAByteOrderMarkAndCarriageReturnsAndAMissingLastLineEnd)
 {
-    EXPECT_THAT(observed("\xEF\xBB\xBF" + line + "\r\n\r\n{\"t\": 1}"),
+    EXPECT_THAT(observed("\xEF\xBB\xBF" + reading + "\r\n\r\n{\"t\": 1}"),
                 ElementsAre("main.flow=zero", ""));
     EXPECT_THAT(observed("\xEF\xBB\xBF\r\nt,FT-1\r\n0,0.5\r\n1,2"),
                 ElementsAre("main.flow=zero", "main.flow=low"));
@@ -23,7 +23,7 @@ TEST(Formats, AcceptAByteOrderMarkAndCarriageReturnsAndAMissingLastLineEnd)
 
 TEST(Formats, PassOverBlankLines)
 {
-    EXPECT_THAT(observed("\n \n" + line + "\n\n\t\n{\"t\": 1}\n\n"), SizeIs(2));
+    EXPECT_THAT(observed("\n \n" + reading + "\n\n\t\n{\"t\": 1}\n\n"), SizeIs(2));
     EXPECT_THAT(observed("\n\nt,FT-1\n\n0,0.5\n\n1,\n\n"), SizeIs(2));
 }
 
@@ -66,7 +66,7 @@ TEST(Formats, HaveABoundOnTheLengthOfALine)
     settings.mostBytes = 1000;
     const std::string blanks(2000, ' ');
     const std::string longLine = R"({"t": 1)" + blanks + "}";
-    std::vector<std::string> all = readText(line + "\n" + longLine + "\n{\"t\": 2}\n", settings);
+    std::vector<std::string> all = readText(reading + "\n" + longLine + "\n{\"t\": 2}\n", settings);
     ASSERT_THAT(all, SizeIs(3));
     EXPECT_THAT(all[1], HasSubstr(":2:1: this line has more than 1000 bytes\n"));
     EXPECT_THAT(all[2], HasSubstr("2 t=2 "));

@@ -9,8 +9,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::SizeIs;
 
-const telemetry::ReadSettings skipping{.skipBad = true};
-
 TEST(Mistakes, EndTheReading)
 {
     EXPECT_THAT(readText("{}\n{]\n{}\n"),

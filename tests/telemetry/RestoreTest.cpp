@@ -13,8 +13,6 @@ using telemetry::StepReader;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const telemetry::ReadSettings skipping{.skipBad = true};
-
 // Rows of time, name and reading; some of them wrong.
 std::vector<std::vector<std::string>> randomRows(Random& random)
 {

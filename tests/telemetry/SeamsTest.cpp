@@ -116,7 +116,6 @@ TEST(Seams, LinesInMemoryAreReadAsThoseOfAFile)
 {
     const language::ReadResult plant = readPlant();
     for (const auto& lines : {jsonLines, tableLines}) {
-        const telemetry::ReadSettings skipping{.skipBad = true};
         StepReader reader(std::make_unique<telemetry::LineVector>(lines), *plant.model,
                           plant.bindings, skipping);
         const std::vector<std::string> steps = readAll(reader);

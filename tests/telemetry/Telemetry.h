@@ -14,6 +14,9 @@ extern const std::string plantText;
 /// A model that was read from a text without mistakes.
 language::ReadResult readPlant(const std::string& text = plantText);
 
+/// Mistakes are reported, and reading goes on.
+inline const telemetry::ReadSettings skipping{.skipBad = true};
+
 /// A file that is there as long as this.
 class TemporaryFile {
 public:

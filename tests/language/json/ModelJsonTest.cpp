@@ -2,6 +2,8 @@
 #include "language/json/ModelJson.h"
 
 #include "tests/language/ModelDump.h"
+#include "tests/language/Reported.h"
+#include "tests/support/ExpectedTexts.h"
 
 #include <cmath>
 #include <filesystem>
@@ -18,34 +20,17 @@ namespace fs = std::filesystem;
 using language::ReadResult;
 using testing::HasSubstr;
 
-std::string contents(const fs::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-std::string reported(const ReadResult& read)
-{
-    std::string text;
-    for (const text::Diagnostic& error : read.errors) {
-        text += error.format();
-    }
-    return text;
-}
-
 ReadResult readText(const std::string& text)
 {
     ReadResult read = language::readModelText("plants/test.itms", text);
-    EXPECT_EQ(reported(read), "");
+    EXPECT_EQ(reported(read.errors), "");
     return read;
 }
 
 ReadResult readJson(const std::string& json)
 {
     ReadResult read = language::readModelText("else/where.json", json);
-    EXPECT_EQ(reported(read), "");
+    EXPECT_EQ(reported(read.errors), "");
     return read;
 }
 
@@ -211,7 +196,7 @@ TEST(ModelJson, StopsCountingErrorsWhenThereAreMany)
 TEST(ModelJson, IsReadHoweverDeepItIs)
 {
     const std::string deep = std::string(100000, '[') + std::string(100000, ']');
-    EXPECT_THAT(reported(language::readModelText("deep.json", deep)), HasSubstr("found an array"));
+    EXPECT_THAT(reported(language::readModelText("deep.json", deep).errors), HasSubstr("found an array"));
 }
 
 } // namespace

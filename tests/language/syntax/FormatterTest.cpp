@@ -20,7 +20,7 @@ std::string formatted(const std::string& text)
     return reported.empty() ? result.text : reported;
 }
 
-std::string tree(const std::string& text)
+std::string treeOf(const std::string& text)
 {
     return language::syntaxText(language::parse(SourceText("model.itms", text)).file);
 }
@@ -30,7 +30,7 @@ std::string checked(const std::string& text)
 {
     std::string once = formatted(text);
     EXPECT_EQ(formatted(once), once);
-    EXPECT_EQ(tree(once), tree(text));
+    EXPECT_EQ(treeOf(once), treeOf(text));
     return once;
 }
 
@@ -161,7 +161,7 @@ TEST(Formatter, KeepsTheTreeHoweverAFileIsBroken)
         SCOPED_TRACE("seed " + std::to_string(seed) + ", round " + std::to_string(round) + "\n" +
                      text);
         const std::string once = checked(text);
-        EXPECT_EQ(tree(once), tree(plain));
+        EXPECT_EQ(treeOf(once), treeOf(plain));
         const auto count = [](const std::string& in, const std::string& what) {
             std::size_t found = 0;
             for (std::size_t at = in.find(what); at != std::string::npos;

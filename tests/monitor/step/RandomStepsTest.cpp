@@ -82,14 +82,14 @@ struct Comparison {
     }
 };
 
-struct Tally {
+struct StepTally {
     int steps = 0;
     int complete = 0;
     int discrepant = 0;
     int severalCandidates = 0;
 };
 
-void compareStep(std::uint64_t seed, PlantKind kind, Tally& tally)
+void compareStep(std::uint64_t seed, PlantKind kind, StepTally& tally)
 {
     SCOPED_TRACE("seed " + std::to_string(seed));
     Random random(seed);
@@ -131,7 +131,7 @@ protected:
     }
 
     MutedTrace muted_;
-    Tally tally_;
+    StepTally tally_;
 };
 
 // Solves the step under the limits: right, though perhaps not all, and honest about it.

@@ -121,7 +121,7 @@ bool assumesAllOf(const monitor::DerivedConflict& conflict, const monitor::Hypot
                        });
 }
 
-struct Tally {
+struct HistoryTally {
     int conflicts = 0;
     int ofOthers = 0;
     int kept = 0;
@@ -129,7 +129,7 @@ struct Tally {
 
 // The conflicts of a step are confirmed, and no explanation of the step is in conflict.
 void examine(const ActivePlant& active, const Contradiction& one,
-             const monitor::TrackAnswer& answer, Tally& tally)
+             const monitor::TrackAnswer& answer, HistoryTally& tally)
 {
     const auto conflicts = conflictsOf(*active.plant, one);
     EXPECT_FALSE(conflicts.empty());
@@ -149,7 +149,7 @@ void examine(const ActivePlant& active, const Contradiction& one,
 
 TEST_F(ConflictHistoryTest, OfRandomTracksIsConfirmedAndResolvedByEveryExplanation)
 {
-    Tally tally;
+    HistoryTally tally;
     for (std::uint64_t seed = 31000; seed < 31300 && !HasFailure(); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Random random(seed);

@@ -235,14 +235,14 @@ void replay(const plant::Plant& plant, const DerivedConflict& conflict)
     }
 }
 
-struct Tally {
+struct ConflictTally {
     int derived = 0;
     int violated = 0;
     int byCases = 0;
     int onReadings = 0;
 };
 
-void examine(const ActivePlant& active, const Scenario& scenario, Tally& tally)
+void examine(const ActivePlant& active, const Scenario& scenario, ConflictTally& tally)
 {
     const StepFrame& frame = scenario.frame();
     const auto conflicts = deriveConflicts(scenario);
@@ -277,7 +277,7 @@ void examine(const ActivePlant& active, const Scenario& scenario, Tally& tally)
 
 TEST_F(DerivedConflictTest, OfRandomStepsAreReplayedAndConfirmed)
 {
-    Tally tally;
+    ConflictTally tally;
     for (std::uint64_t seed = 20000; seed < 21500 && !HasFailure(); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Random random(seed);
