@@ -196,7 +196,8 @@ TEST(ModelJson, StopsCountingErrorsWhenThereAreMany)
 TEST(ModelJson, IsReadHoweverDeepItIs)
 {
     const std::string deep = std::string(100000, '[') + std::string(100000, ']');
-    EXPECT_THAT(reported(language::readModelText("deep.json", deep).errors), HasSubstr("found an array"));
+    EXPECT_THAT(reported(language::readModelText("deep.json", deep).errors),
+                HasSubstr("found an array"));
 }
 
 } // namespace
