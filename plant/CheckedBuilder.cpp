@@ -54,16 +54,18 @@ std::size_t CheckedBuilder::law(Comp* owner, const std::vector<ClauseLiterals>& 
 
 std::size_t CheckedBuilder::change(const Change& change)
 {
-    for (const Conjunction& alternative : change.alternatives) {
-        switch (change.kind) {
-        case ChangeKind::nominal:
-            builder_.nominal(change.from, change.to, alternative, *change.probability);
-            break;
-        case ChangeKind::fault:
-            builder_.fault(change.from, change.to, *change.probability, alternative);
-            break;
-        case ChangeKind::idle: builder_.idle(change.from, *change.probability, alternative); break;
-        }
+    const Conjunction& first = change.alternatives.front();
+    switch (change.kind) {
+    case ChangeKind::nominal:
+        builder_.nominal(change.from, change.to, first, *change.probability);
+        break;
+    case ChangeKind::fault:
+        builder_.fault(change.from, change.to, *change.probability, first);
+        break;
+    case ChangeKind::idle: builder_.idle(change.from, *change.probability, first); break;
+    }
+    for (std::size_t i = 1; i < change.alternatives.size(); ++i) {
+        builder_.alternative(change.alternatives[i]);
     }
     transitionCount_ += change.alternatives.size();
     return change.alternatives.size();

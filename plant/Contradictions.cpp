@@ -1,5 +1,5 @@
-// The laws, the domains of the variables that they mention and the initial modes go to a satisfiability search. What it finds to be
-// contradictory is made minimal by leaving out one law or mode after the other and asking again.
+// The laws, the domains of the variables that they mention and the initial values go to a satisfiability search. What it finds to be
+// contradictory is made minimal by leaving out one law or value after the other and asking again.
 #include "plant/Contradictions.h"
 
 #include "plant/Satisfiability.h"
@@ -26,8 +26,8 @@ using LawPlaces = std::function<WrittenLaw(std::size_t)>;
 
 // What cannot hold together. Both lists are in the order of the model.
 struct Contradiction {
-    std::vector<std::size_t> laws;  // indices in Model::laws
-    std::vector<const Atom*> modes; // initial ones that are needed for it
+    std::vector<std::size_t> laws;     // indices in Model::laws
+    std::vector<const Atom*> initials; // values that are needed for it
 };
 
 class Contradictions {
@@ -38,17 +38,17 @@ public:
 
 private:
     static constexpr std::size_t domain = static_cast<std::size_t>(-1);
-    using Origins = std::vector<std::size_t>; // indices of laws, then of modes
+    using Origins = std::vector<std::size_t>; // indices of laws, then of initial values
 
     std::optional<Origins> conflict(const Origins& within, std::size_t budget) const;
     Origins minimal(Origins core) const;
     Contradiction contradiction(const Origins& core) const;
-    bool isMode(std::size_t origin) const { return origin >= model_.laws().size(); }
+    bool isInitial(std::size_t origin) const { return origin >= model_.laws().size(); }
 
     const Model& model_;
     const LawPlaces& written_;
     std::vector<const StateVar*> variables_;
-    std::vector<Atom*> initials_; // of modes
+    std::vector<Atom*> initials_; // of modes and conditions
     std::unordered_map<const Atom*, std::size_t> numbers_;
 };
 
@@ -61,7 +61,7 @@ Contradictions::Contradictions(const Model& model, const LawPlaces& written)
     for (const auto& component : model.components()) {
         for (const StateVar* variable : *component->stateVars) {
             variables_.push_back(variable);
-            if (variable->type == "Mode" && variable->initial) {
+            if (variable->type != "Command" && variable->initial) {
                 initials_.push_back(variable->initial);
             }
         }
@@ -79,11 +79,11 @@ void Contradictions::find(const std::function<void(const Contradiction&)>& repor
         report(contradiction(least));
         // Without the law that was reported, in all instances, there may be others.
         const auto last = std::find_if(least.rbegin(), least.rend(),
-                                       [&](std::size_t origin) { return !isMode(origin); });
+                                       [&](std::size_t origin) { return !isInitial(origin); });
         if (last == least.rend()) return;
         const PlaceHandle at = written_(*last).at;
         std::erase_if(all, [&](std::size_t origin) {
-            return !isMode(origin) && (origin == *last || written_(origin).at == at);
+            return !isInitial(origin) && (origin == *last || written_(origin).at == at);
         });
     }
 }
@@ -102,7 +102,7 @@ std::optional<Contradictions::Origins> Contradictions::conflict(const Origins& w
     };
     std::unordered_set<const StateVar*> needed;
     for (const std::size_t origin : within) {
-        if (isMode(origin)) {
+        if (isInitial(origin)) {
             const Atom* initial = initials_[origin - model_.laws().size()];
             solver.add({2 * numbers_.at(initial)}, origin);
             needed.insert(initial->stateVar);
@@ -126,7 +126,7 @@ std::optional<Contradictions::Origins> Contradictions::conflict(const Origins& w
     return core;
 }
 
-// Modes are tried first: laws that contradict each other in any mode are reported without one.
+// Initial values are tried first: laws that contradict each other anyway are reported without one.
 Contradictions::Origins Contradictions::minimal(Origins core) const
 {
     if (core.size() > mostMinimized) return core;
@@ -143,8 +143,8 @@ Contradiction Contradictions::contradiction(const Origins& core) const
 {
     Contradiction found;
     for (const std::size_t origin : core) {
-        if (isMode(origin)) {
-            found.modes.push_back(initials_[origin - model_.laws().size()]);
+        if (isInitial(origin)) {
+            found.initials.push_back(initials_[origin - model_.laws().size()]);
         } else {
             found.laws.push_back(origin);
         }
@@ -152,11 +152,11 @@ Contradiction Contradictions::contradiction(const Origins& core) const
     return found;
 }
 
-std::string namesOf(const std::vector<const Atom*>& modes)
+std::string namesOf(const std::vector<const Atom*>& values)
 {
     std::vector<std::string_view> names;
-    for (const Atom* mode : modes) {
-        names.emplace_back(mode->id);
+    for (const Atom* value : values) {
+        names.emplace_back(value->id);
     }
     return text::enumerated(names, mostNamed);
 }
@@ -191,11 +191,15 @@ void report(const Contradiction& found, const LawPlaces& written)
                      [](const WrittenLaw& a, const WrittenLaw& b) { return a.at < b.at; });
     const WrittenLaw& last = laws.back();
     const std::string where = last.instance.empty() ? "" : " in " + text::quoted(last.instance);
-    const bool ofModes = !found.modes.empty();
+    const bool allModes =
+        std::all_of(found.initials.begin(), found.initials.end(),
+                    [](const Atom* value) { return value->stateVar->type == "Mode"; });
+    const std::string expected = found.initials.empty() ? ""
+                                 : allModes             ? " in the initial modes"
+                                                        : " with the initial values";
     last.at.report("nothing satisfies this law" + where + othersOf(laws) +
-                       (ofModes ? " while " + namesOf(found.modes) : ""),
-                   std::string("laws that can hold together") +
-                       (ofModes ? " in the initial modes" : ""));
+                       (found.initials.empty() ? "" : " while " + namesOf(found.initials)),
+                   "laws that can hold together" + expected);
 }
 
 } // namespace

@@ -79,6 +79,9 @@ public:
     {
         return preconditions_[transition];
     }
+    /// The change that transitions()[transition] is an alternative of, by the number of its first transition: one statement of a
+    /// model, whose probability counts once however many of its alternatives hold.
+    std::size_t changeOf(std::size_t transition) const { return changes_[transition]; }
 
 private:
     friend class ModelBuilder;
@@ -96,6 +99,7 @@ private:
     std::vector<Comp*> lawOwners_;
     ListSequence<Literal> lawLiterals_;
     ListSequence<GuardLiteral> preconditions_;
+    std::vector<std::size_t> changes_;
 };
 
 } // namespace plant

@@ -155,6 +155,19 @@ Transition* ModelBuilder::idle(Atom* at, double proba,
     return made;
 }
 
+Transition* ModelBuilder::alternative(const std::vector<std::pair<bool, Atom*>>& guard)
+{
+    const Transition& last = *model_->transitions_.back();
+    const std::size_t change = model_->changes_.back();
+    Atom* from = model_->preconditions_[change].front().second;
+    Transition* made = transition(from, last.atom, guard, last.proba);
+    made->name = last.name;
+    made->type = last.type;
+    made->idle = last.idle;
+    model_->changes_.back() = change;
+    return made;
+}
+
 void ModelBuilder::import(Comp* importer, Comp* imported)
 {
     if (importer != imported && knownImports_[importer].insert(imported).second) {
@@ -200,6 +213,7 @@ Transition* ModelBuilder::transition(Atom* from, Atom* to,
     precondition.insert(precondition.end(), guard.begin(), guard.end());
     made->guard = formula(precondition);
     model_->preconditions_.add(precondition);
+    model_->changes_.push_back(model_->changes_.size());
     made->formula = formula({{true, to}});
     for (const auto& [polarity, atom] : precondition) {
         atom->addRefTransPre(made);

@@ -63,6 +63,10 @@ public:
                       const std::vector<std::pair<bool, Atom*>>& guard = {});
     /// Staying in a mode value when nothing is asked of it.
     Transition* idle(Atom* at, double proba, const std::vector<std::pair<bool, Atom*>>& guard = {});
+    /// Another alternative of the guard of the transition made last: a transition like it that counts as the same change
+    /// (Model::changeOf).
+    /// Requires: a transition was made.
+    Transition* alternative(const std::vector<std::pair<bool, Atom*>>& guard);
 
     /// Makes `imported` an imported component of `importer`, once; a component never imports itself.
     void import(Comp* importer, Comp* imported);

@@ -26,6 +26,43 @@ Plant::Plant(const Model& model)
     for (const Clause* clause : model.laws()) {
         addClause(clause);
     }
+    changesFrom_.resize(atoms_.size());
+    addChanges(model);
+}
+
+// A transition is an alternative of the change before it, or begins a new one.
+void Plant::addChanges(const Model& model)
+{
+    std::unordered_map<std::size_t, std::size_t> placeOf; // of changes among those that leave the same value
+    for (std::size_t i = 0; i < model.transitions().size(); ++i) {
+        const Transition* transition = model.transitions()[i].get();
+        const auto precondition = model.preconditionOf(i);
+        const Atom* from = precondition.front().second;
+        if (transition->atom == from || transition->proba <= 0.0) {
+            continue;
+        }
+        std::vector<PlantLiteral> guard;
+        bool possible = true;
+        for (const auto& [holds, atom] : precondition.subspan(1)) {
+            if (atom->stateVar == from->stateVar) {
+                possible = possible && holds == (atom == from);
+            } else {
+                guard.push_back({indexOf(atom), !holds});
+            }
+        }
+        if (!possible) {
+            continue;
+        }
+        std::vector<PlantChange>& changes = changesFrom_[static_cast<std::size_t>(indexOf(from))];
+        const auto [place, isNew] = placeOf.emplace(model.changeOf(i), changes.size());
+        if (isNew) {
+            changes.push_back({indexOf(transition->atom),
+                               transition->proba,
+                               transition->name == "Nominal" && !transition->idle,
+                               {}});
+        }
+        changes[place->second].alternatives.push_back({std::move(guard), transition});
+    }
 }
 
 void Plant::addVariable(StateVar* variable)

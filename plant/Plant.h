@@ -25,6 +25,20 @@ struct PlantLiteral {
     bool negated;
 };
 
+/// How a mode may change from a value: what one statement of the model says.
+struct PlantChange {
+    /// It can happen where all of these literals hold; that its variable has the value that is left is understood.
+    struct Alternative {
+        std::vector<PlantLiteral> literals;
+        const Transition* transition; ///< that was made of it
+    };
+
+    AtomIndex to;
+    double probability; ///< per step, above 0; counts once, however many alternatives hold
+    bool nominal;
+    std::vector<Alternative> alternatives;
+};
+
 /// A state variable of the plant.
 struct PlantVariable {
     StateVar* variable;
@@ -74,7 +88,15 @@ public:
     /// The clauses of at most one literal: they give a label, or are violated, before anything is assumed.
     const std::vector<ClauseIndex>& unitClauses() const { return unitClauses_; }
 
+    /// The changes that leave a mode value for another one, in the model's order. Those that can never happen (an alternative that
+    /// wants another value of the variable, a probability of 0) are not among them.
+    const std::vector<PlantChange>& changesFrom(AtomIndex value) const
+    {
+        return changesFrom_[static_cast<std::size_t>(value)];
+    }
+
 private:
+    void addChanges(const Model& model);
     void addVariable(StateVar* variable);
     void addClause(const Clause* clause);
 
@@ -88,6 +110,7 @@ private:
     ClauseIndex firstLaw_ = 0;
     std::vector<std::vector<ClauseIndex>> clausesOf_;
     std::vector<ClauseIndex> unitClauses_;
+    std::vector<std::vector<PlantChange>> changesFrom_; ///< by the value that is left
 };
 
 } // namespace plant

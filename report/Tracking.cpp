@@ -64,6 +64,7 @@ StepReport stepReport(const plant::Plant& plant, const monitor::TrackAnswer& ans
     report.status = answer.status;
     report.complete = answer.complete;
     report.limit = answer.limit;
+    report.approximate = answer.approximate;
     report.dropped = answer.dropped;
     report.wentBack = answer.wentBack;
     report.work = answer.work;

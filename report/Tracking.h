@@ -38,6 +38,7 @@ struct StepReport {
     monitor::TrackStatus status = monitor::TrackStatus::nominal;
     bool complete = true;
     SearchLimit limit = SearchLimit::none;
+    bool approximate = false; ///< the likelihood of an explanation had to be estimated
     std::vector<TrackedExplanation> explanations; ///< most probable first
     std::size_t dropped = 0;                      ///< hypotheses beyond those that are kept
     bool wentBack = false;

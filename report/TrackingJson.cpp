@@ -37,6 +37,7 @@ std::string stepJson(const StepReport& report, const Shown& shown)
     record["status"] = monitor::name(report.status);
     record["complete"] = report.complete;
     const std::string limit = monitor::name(report.limit);
+    record["approximate"] = report.approximate;
     record["limit"] = limit.empty() ? Json(nullptr) : Json(limit);
     record["gap"] = report.gap ? Json(*report.gap) : Json(nullptr);
     record["held"] = report.held;

@@ -78,6 +78,9 @@ std::string TrackingTable::rows(const StepReport& report)
         text += under + colours_.yellow("not complete") +
                 (limit.empty() ? "" : fmt::format(" (limit: {})", limit)) + "\n";
     }
+    if (report.approximate) {
+        text += under + colours_.yellow("approximate") + "\n";
+    }
     return text;
 }
 

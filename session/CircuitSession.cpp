@@ -29,10 +29,10 @@ CircuitAnswer CircuitSession::solve(const CircuitProblem& problem, const Circuit
     }
 }
 
-// Inputs first: nothing predicts an output before they are adopted.
 monitor::StepInput CircuitSession::stepInput(const CircuitProblem& problem) const
 {
     monitor::StepInput input;
+    input.inputs = problem.inputs.size();
     for (const auto* readings : {&problem.inputs, &problem.outputs}) {
         for (const auto& [signal, value] : *readings) {
             input.observations.push_back(atom(signal, value));

@@ -88,7 +88,7 @@ monitor::StepLabels labelsFromJson(const Json& json, const Plant& plant)
         for (const AtomIndex value : numbers.atoms(json.at("values"))) {
             values.assume(value);
         }
-        return {plant, std::move(values)};
+        return {plant, concluded(std::move(values))};
     }
     monitor::StepLabels labels(plant);
     labels.take(numbers.atoms(json.at("assumptions")), numbers.atoms(json.at("observations")));
@@ -137,6 +137,26 @@ monitor::TrackInput inputFromJson(const Json& json, const Plant& plant)
     return input;
 }
 
+Json passagesJson(const std::set<monitor::Passage>& passages)
+{
+    Json list = Json::array();
+    for (const monitor::Passage& passage : passages) {
+        list.push_back({passage.from, passage.to, passage.lost});
+    }
+    return list;
+}
+
+std::set<monitor::Passage> passagesFromJson(const Json& json, const Plant& plant)
+{
+    const Numbers numbers(plant);
+    std::set<monitor::Passage> passages;
+    for (const Json& one : json) {
+        passages.insert(
+            {one.at(0).get<std::size_t>(), one.at(1).get<std::size_t>(), numbers.atoms(one.at(2))});
+    }
+    return passages;
+}
+
 } // namespace
 
 // Hypotheses are shared between steps: each stands once, and is named by its place in the list.
@@ -157,7 +177,8 @@ Json memoryJson(const monitor::TrackMemory& memory, const Plant& plant)
     for (const monitor::PastStep& step : memory.past) {
         past.push_back({{"input", inputJson(step.input)},
                         {"before", refer(step.before)},
-                        {"scale", step.logScale}});
+                        {"scale", step.logScale},
+                        {"passages", passagesJson(step.passages)}});
     }
     Json now = refer(memory.hypotheses);
     return {{"hypotheses", std::move(pool)}, {"past", std::move(past)}, {"now", std::move(now)}};
@@ -179,7 +200,8 @@ monitor::TrackMemory memoryFromJson(const Json& json, const Plant& plant)
     monitor::TrackMemory memory;
     for (const Json& step : json.at("past")) {
         memory.past.push_back({inputFromJson(step.at("input"), plant), named(step.at("before")),
-                               step.at("scale").get<double>()});
+                               step.at("scale").get<double>(),
+                               passagesFromJson(step.value("passages", Json::array()), plant)});
     }
     memory.hypotheses = named(json.at("now"));
     if (memory.hypotheses.empty()) throw std::out_of_range("no hypothesis");

@@ -2,9 +2,6 @@
 // commands of the step. What the enabled transitions leave of the probability is that of staying.
 #include "monitor/labels/ModeSteps.h"
 
-#include "model/StateFormula.h"
-#include "model/Transition.h"
-
 #include <algorithm>
 
 namespace monitor {
@@ -42,20 +39,20 @@ std::vector<Label> guardLabels(const Plant& plant, const Prediction& before,
     return labels;
 }
 
-bool holds(const StateFormula* guard, const Plant& plant, const std::vector<Label>& labels)
+// The first alternative of the change's guard that holds; null when none does.
+const PlantChange::Alternative* enabledBy(const PlantChange& change,
+                                          const std::vector<Label>& labels)
 {
-    if (!guard || !guard->atoms) {
-        return true;
-    }
-    const bool conjunction = guard->op != "or";
-    for (const auto& [polarity, atom] : *guard->atoms) {
-        const Label label = labels[static_cast<std::size_t>(plant.indexOf(atom))];
-        const bool literalHolds = label == (polarity ? Label::isTrue : Label::isFalse);
-        if (literalHolds != conjunction) {
-            return literalHolds;
-        }
-    }
-    return conjunction;
+    const auto holds = [&](const PlantLiteral& literal) {
+        return labels[static_cast<std::size_t>(literal.atom)] ==
+               (literal.negated ? Label::isFalse : Label::isTrue);
+    };
+    const auto found = std::find_if(change.alternatives.begin(), change.alternatives.end(),
+                                    [&](const PlantChange::Alternative& alternative) {
+                                        return std::all_of(alternative.literals.begin(),
+                                                           alternative.literals.end(), holds);
+                                    });
+    return found == change.alternatives.end() ? nullptr : &*found;
 }
 
 void addOption(ModeStep& step, AtomIndex value, double probability, bool fault)
@@ -78,25 +75,22 @@ AtomIndex mostProbable(const std::vector<ModeOption>& options)
         ->value;
 }
 
-// A transition whose guard names another value of the variable does not hold: `from` is the one that is true.
 ModeStep modeStep(const Plant& plant, VariableIndex index, AtomIndex from,
                   const std::vector<Label>& labels)
 {
     ModeStep step{index, from, from, {}, nullptr};
-    const Atom* fromAtom = plant.atom(from);
     double leaving = 0.0;
     bool nominalTaken = false;
-    for (const Transition* transition : *fromAtom->stateVar->comp->transitions) {
-        if (transition->stateVar != fromAtom->stateVar || transition->atom == fromAtom ||
-            transition->proba <= 0.0 || !holds(transition->guard, plant, labels)) {
+    for (const PlantChange& change : plant.changesFrom(from)) {
+        const PlantChange::Alternative* alternative = enabledBy(change, labels);
+        if (!alternative) {
             continue;
         }
-        const AtomIndex to = plant.indexOf(transition->atom);
-        addOption(step, to, transition->proba, transition->atom->fail);
-        leaving += transition->proba;
-        if (transition->name == "Nominal" && !transition->idle && !nominalTaken) {
-            step.predicted = to;
-            step.followed = transition;
+        addOption(step, change.to, change.probability, plant.atom(change.to)->fail);
+        leaving += change.probability;
+        if (change.nominal && !nominalTaken) {
+            step.predicted = change.to;
+            step.followed = alternative->transition;
             nominalTaken = true;
         }
     }

@@ -8,6 +8,7 @@ namespace monitor {
 using plant::AtomIndex;
 using plant::ClauseIndex;
 using plant::Plant;
+using plant::PlantChange;
 using plant::PlantLiteral;
 using plant::PlantVariable;
 using plant::VariableIndex;

@@ -315,4 +315,10 @@ std::vector<bool> Prediction::dependents(const std::vector<bool>& markedVariable
     return dependent;
 }
 
+Prediction concluded(Prediction labels)
+{
+    Prediction drawn = labels;
+    return drawn.propagate() ? drawn : labels;
+}
+
 } // namespace monitor

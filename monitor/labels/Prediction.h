@@ -84,4 +84,7 @@ private:
     ClauseIndex violated_ = -1;
 };
 
+/// The labels with all conclusions drawn; as they are where these contradict one another.
+Prediction concluded(Prediction labels);
+
 } // namespace monitor

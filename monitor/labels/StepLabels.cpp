@@ -2,14 +2,17 @@
 // lets the prediction assume other values in place, and puts the observations of the step on.
 #include "monitor/labels/StepLabels.h"
 
+#include "monitor/labels/Counting.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace monitor {
 
 void StepLabels::take(const std::vector<AtomIndex>& assumptions,
-                      const std::vector<AtomIndex>& observations)
+                      const std::vector<AtomIndex>& observations, std::size_t inputs)
 {
+    inputs_ = inputs;
     const bool same = consistent_ && assumptions == assumptions_;
     if (!same) {
         undoFrom(0);
@@ -80,13 +83,27 @@ StepLabels::Taken StepLabels::takeOne(AtomIndex observed)
     return taken;
 }
 
-double StepLabels::logLikelihood() const
+Likelihood StepLabels::likelihood() const
 {
-    double sum = 0.0;
-    for (const Taken& taken : taken_) {
-        sum += taken.logFactor;
+    Likelihood result;
+    std::vector<VariableIndex> scored;
+    for (std::size_t i = inputs_; i < taken_.size(); ++i) {
+        result.log += taken_[i].logFactor;
+        if (!taken_[i].ruledOut) {
+            scored.push_back(plant_->variableOf(taken_[i].value));
+        }
     }
-    return sum;
+    if (result.log == 0.0) {
+        return result;
+    }
+    Prediction before = prediction_;
+    before.undo(taken_[inputs_].mark);
+    const std::optional<double> combinations = countCombinations(*plant_, std::move(before), scored);
+    if (combinations) {
+        result.log = -std::log(*combinations);
+    }
+    result.exact = combinations.has_value();
+    return result;
 }
 
 std::vector<AtomIndex> StepLabels::observations() const
@@ -104,7 +121,7 @@ StepLabels StepLabels::afresh() const
         return *this;
     }
     StepLabels made(*plant_);
-    made.take(assumptions_, observations());
+    made.take(assumptions_, observations(), inputs_);
     return made;
 }
 

@@ -4,11 +4,22 @@
 // one whose value follows already says nothing new; one that is left open becomes its variable's label and is
 // propagated before the next; one that is ruled out contradicts the modes. From one step to the next only what rests
 // on something that changed is drawn again.
+//
+// How likely the observations are does not depend on their order: modes, commands and inputs allow a number N of combinations of
+// values of the observed variables, and each of them has the probability 1/N.
 #pragma once
 
 #include "monitor/labels/Prediction.h"
 
 namespace monitor {
+
+/// The likelihood of what is observed at a step.
+struct Likelihood {
+    double log = 0.0; ///< natural logarithm; minus infinity where the laws allow no combination
+    /// False where there are too many combinations to be counted. Then each observation that those before it leave open between n
+    /// values has counted 1/n, in their order.
+    bool exact = true;
+};
 
 class StepLabels {
 public:
@@ -20,17 +31,19 @@ public:
     {
     }
 
-    /// Goes over to other assumptions and observations. Requires: at most one value of each variable. Costs what changes where
-    /// the assumptions are of the same variables in the same order as before, else what the whole plant costs.
-    void take(const std::vector<AtomIndex>& assumptions, const std::vector<AtomIndex>& observations);
+    /// Goes over to other assumptions and observations, of which so many at the beginning are inputs: taken for what they are, and not
+    /// scored. Requires: at most one value of each variable. Costs what changes where the assumptions are of the same variables
+    /// in the same order as before, else what the whole plant costs.
+    void take(const std::vector<AtomIndex>& assumptions, const std::vector<AtomIndex>& observations,
+              std::size_t inputs = 0);
 
     /// False when the assumptions contradict the laws. Then the observations are not looked at.
     bool consistent() const { return consistent_; }
     const Prediction& prediction() const { return prediction_; }
     /// The observations that the assumptions and the observations before them rule out, in their order.
     const std::vector<AtomIndex>& contradicted() const { return contradicted_; }
-    /// Natural logarithm of the likelihood of the other observations: each that is left open between n values counts 1/n.
-    double logLikelihood() const;
+    /// That of the observations that are neither inputs nor contradicted. Constant time where each follows, else countCombinations().
+    Likelihood likelihood() const;
 
     /// What was taken last; empty for labels that came from elsewhere.
     const std::vector<AtomIndex>& assumptions() const { return assumptions_; }
@@ -58,6 +71,7 @@ private:
     bool consistent_ = false;
     std::vector<AtomIndex> assumptions_;
     std::vector<Taken> taken_;
+    std::size_t inputs_ = 0; ///< so many at the beginning of these are inputs
     std::vector<AtomIndex> contradicted_;
 };
 

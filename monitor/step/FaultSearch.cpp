@@ -33,7 +33,9 @@ void FaultSearch::explain(const Deviations& deviations, const std::vector<bool>&
         settle(scenario);
         return;
     }
-    const bool forEngine = scenario.complete() && (deviations.empty() || faultBudget <= 1);
+    // Its search starts from observations that contradict their labels; modes that contradict one another are taken apart here.
+    const bool forEngine =
+        scenario.consistent() && scenario.complete() && (deviations.empty() || faultBudget <= 1);
     if (!forEngine || !searchDirectly(scenario, fixed, faultBudget)) {
         split(scenario, fixed, faultBudget);
     }

@@ -114,13 +114,13 @@ Judgement judge(const StepFrame& frame, const std::set<Deviations>& found)
     Judgement judgement;
     for (const Deviations& modes : found) {
         StepLabels labels(frame.plant);
-        labels.take(assumptionsOf(frame, modes), frame.observations);
+        labels.take(assumptionsOf(frame, modes), frame.observations, frame.inputs);
         if (!labels.consistent() || !labels.contradicted().empty()) {
             continue;
         }
         const Completion completion = completionOf(frame.plant, labels.prediction());
         judgement.sure = judgement.sure && completion != Completion::unsettled;
-        auto candidate = weigh(frame, modes, labels.logLikelihood());
+        auto candidate = weigh(frame, modes, labels.likelihood().log);
         if (candidate && completion == Completion::possible) {
             judgement.candidates.push_back(std::move(*candidate));
         }

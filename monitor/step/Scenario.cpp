@@ -13,7 +13,8 @@ const ModeStep& StepFrame::stepOf(VariableIndex variable) const
 
 StepFrame makeFrame(const Plant& plant, const Prediction& before, const StepInput& input)
 {
-    return {plant, input.commands, input.observations, modeSteps(plant, before, input.commands)};
+    return {plant, input.commands, input.observations, input.inputs,
+            modeSteps(plant, before, input.commands)};
 }
 
 bool assumeStep(Prediction& labels, const StepFrame& frame, const Deviations& deviations)

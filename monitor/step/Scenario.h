@@ -13,7 +13,9 @@ namespace monitor {
 /// What is given for a step. Values are atoms of the plant, at most one of each variable.
 struct StepInput {
     std::vector<AtomIndex> commands;
-    std::vector<AtomIndex> observations; ///< inputs and ambient values first: they are adopted in this order
+    std::vector<AtomIndex> observations; ///< inputs first: they are adopted in this order
+    std::size_t inputs =
+        0; ///< so many at the beginning of these are inputs: not scored, whatever they are
 };
 
 /// Mode values other than predicted, sorted.
@@ -24,6 +26,7 @@ struct StepFrame {
     const Plant& plant;
     std::vector<AtomIndex> commands;
     std::vector<AtomIndex> observations;
+    std::size_t inputs;          ///< so many at the beginning of the observations
     std::vector<ModeStep> modes; ///< by rising index of the variable
 
     /// Requires: a mode variable. Logarithmic.

@@ -59,7 +59,7 @@ Prediction initialLabels(const Plant& plant)
             labels.assume(variable.values.front());
         }
     }
-    return labels;
+    return concluded(std::move(labels));
 }
 
 const char* name(StepStatus status)

@@ -15,10 +15,10 @@
 // 5. Judge. Each candidate's modes are predicted anew. One that contradicts an observation, or for which what stays
 //    open cannot be given values within the laws, is dropped. What is left is ranked by probability.
 //
-// Probability of a candidate: the product, over the mode variables, of the probability of the transition taken (of
-// staying: what the enabled transitions leave), times the likelihood of the observations in their order: 1 for one
-// that propagation from the modes, the commands and the observations before it determines, 1/n for one that it leaves
-// open between n values ("Diagnosing multiple faults", Artificial Intelligence 32, 1987). An input counts 1/n under every candidate alike. Computed in logarithms and normalised over the candidates.
+// Probability of a candidate: the product, over the mode variables, of the probability of the transition taken (of staying: what the
+// enabled transitions leave), times the likelihood of the observations: 1/N, where N is the number of combinations of values of
+// the observed variables that the laws allow with modes, commands and inputs ("Diagnosing multiple faults", Artificial
+// Intelligence 32, 1987). Computed in logarithms and normalised over the candidates.
 #pragma once
 
 #include "monitor/step/ExplanationSearch.h"
@@ -85,8 +85,8 @@ private:
     const Plant& plant_;
 };
 
-/// The labels of the initial assignment: every mode variable has its initial value, or its first; conditions
-/// with an initial value have that; the rest is unknown.
+/// The labels before the first step: every mode variable has its initial value, or its first; conditions with an initial value have
+/// that, and others what follows; the rest is unknown. Where these contradict the laws, nothing follows.
 Prediction initialLabels(const Plant& plant);
 
 /// The name of a status: "nominal", "faulty", "ambiguous", "inconsistent".

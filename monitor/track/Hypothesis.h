@@ -29,6 +29,7 @@ struct Hypothesis {
     std::map<VariableIndex, Since> since;
     std::vector<AtomIndex> lost;        ///< commands of this step that did not arrive
     std::vector<AtomIndex> unexplained; ///< observations of this step that contradict it
+    bool exact = true; ///< the likelihood of this step's observations was counted, not estimated
 
     /// Whether something is not as in a plant without faults.
     bool differs() const { return !since.empty() || !lost.empty(); }

@@ -3,8 +3,6 @@
 // its explanations is followed in turn.
 #include "monitor/track/LookBack.h"
 
-#include "model/StateFormula.h"
-#include "model/Transition.h"
 #include "monitor/step/Budget.h"
 
 #include <algorithm>
@@ -16,8 +14,8 @@ namespace {
 
 /// One deviation at a past step.
 struct Alternative {
-    std::size_t step; ///< index in the past
-    const Hypothesis* parent;
+    std::size_t step;   ///< index in the past
+    std::size_t parent; ///< place among what was believed before it
     Deviations deviations;
     std::vector<LossyCommand> lost;
     /// What the parent's weight would be with the deviation in place of what is predicted; the rest of the steps is taken
@@ -29,16 +27,14 @@ struct Alternative {
 std::vector<AtomIndex> guardAtoms(const Plant& plant, VariableIndex index)
 {
     std::vector<AtomIndex> atoms;
-    const StateVar* variable = plant.variable(index).variable;
-    for (const Transition* transition : *variable->comp->transitions) {
-        if (transition->stateVar != variable || !transition->guard || !transition->guard->atoms) {
-            continue;
-        }
-        for (const auto& [polarity, atom] : *transition->guard->atoms) {
-            const AtomIndex number = plant.indexOf(atom);
-            const VariableIndex owner = plant.variableOf(number);
-            if (owner != index && !plant.variable(owner).isCommand) {
-                atoms.push_back(number);
+    for (const AtomIndex from : plant.variable(index).values) {
+        for (const PlantChange& change : plant.changesFrom(from)) {
+            for (const PlantChange::Alternative& alternative : change.alternatives) {
+                for (const PlantLiteral& literal : alternative.literals) {
+                    if (!plant.variable(plant.variableOf(literal.atom)).isCommand) {
+                        atoms.push_back(literal.atom);
+                    }
+                }
             }
         }
     }
@@ -112,8 +108,8 @@ private:
     {
         std::vector<Alternative> all;
         for (std::size_t step = past_.size(); step-- > 0;) {
-            for (const HypothesisPointer& parent : past_[step].before) {
-                addAlternatives(step, *parent, relevant, all);
+            for (std::size_t parent = 0; parent < past_[step].before.size(); ++parent) {
+                addAlternatives(step, parent, relevant, all);
             }
         }
         // Nearly equal ones stay in the order in which they are: the latest first.
@@ -124,9 +120,10 @@ private:
         return all;
     }
 
-    void addAlternatives(std::size_t step, const Hypothesis& parent,
-                         const std::vector<bool>& relevant, std::vector<Alternative>& all) const
+    void addAlternatives(std::size_t step, std::size_t place, const std::vector<bool>& relevant,
+                         std::vector<Alternative>& all) const
     {
+        const Hypothesis& parent = *past_[step].before[place];
         const TrackInput& input = past_[step].input;
         const int budget = settings_.maxFaults - parent.faults;
         const StepFrame frame = successors_.frame(parent, input, {});
@@ -138,7 +135,7 @@ private:
             for (const ModeOption& option : mode.options) {
                 if (option.value != mode.predicted && budget >= (option.fault ? 1 : 0)) {
                     const double change = std::log(option.probability) - predicted;
-                    all.push_back({step, &parent, {option.value}, {}, parent.logWeight + change});
+                    all.push_back({step, place, {option.value}, {}, parent.logWeight + change});
                 }
             }
         }
@@ -146,7 +143,7 @@ private:
             if (budget >= 1) {
                 const double change =
                     std::log(command.probability) - std::log(1.0 - command.probability);
-                all.push_back({step, &parent, {}, {command}, parent.logWeight + change});
+                all.push_back({step, place, {}, {command}, parent.logWeight + change});
             }
         }
     }
@@ -154,26 +151,28 @@ private:
     void take(const Alternative& alternative)
     {
         budget_.spendRecord();
-        auto made = successors_.deviating(*alternative.parent, past_[alternative.step].input,
+        const PastStep& step = past_[alternative.step];
+        auto made = successors_.deviating(*step.before[alternative.parent], step.input,
                                           alternative.deviations, alternative.lost);
         if (made) {
-            made->logWeight -= past_[alternative.step].logScale;
-            follow(alternative.step, {std::move(*made)});
+            made->logWeight -= step.logScale;
+            follow({alternative.step, alternative.parent, {std::move(*made)}});
         }
     }
 
     // Replays what came after the last step of the way.
-    void follow(std::size_t begin, std::vector<Hypothesis> way)
+    void follow(Replay replay)
     {
-        while (begin + way.size() <= past_.size()) {
-            const std::size_t next = begin + way.size();
+        std::vector<Hypothesis>& way = replay.way;
+        while (replay.begin + way.size() <= past_.size()) {
+            const std::size_t next = replay.begin + way.size();
             const TrackInput& input = next < past_.size() ? past_[next].input : present_;
             const double scale = next < past_.size() ? past_[next].logScale : 0.0;
             budget_.spendRecord();
             Hypothesis made = successors_.predicted(way.back(), input);
             if (!successors_.explains(made)) {
                 if (settings_.searchOn) {
-                    fork(begin, way, input, scale);
+                    fork(replay, input, scale);
                 }
                 return;
             }
@@ -181,14 +180,14 @@ private:
             way.push_back(std::move(made));
         }
         budget_.spendCandidate();
-        result_.found.push_back({begin, std::move(way)});
+        result_.found.push_back(std::move(replay));
     }
 
-    void fork(std::size_t begin, const std::vector<Hypothesis>& way, const TrackInput& input,
-              double scale)
+    void fork(const Replay& replay, const TrackInput& input, double scale)
     {
-        SuccessorSearch search = successors_.search(
-            way.back(), input, settings_.maxFaults - way.back().faults, budget_.remaining());
+        const Hypothesis& last = replay.way.back();
+        SuccessorSearch search =
+            successors_.search(last, input, settings_.maxFaults - last.faults, budget_.remaining());
         search.work.candidates = 0; // those that can be followed to the present count
         budget_.spend(search.work);
         budget_.meet(search.limit);
@@ -198,9 +197,9 @@ private:
                 return;
             }
             found.logWeight -= scale;
-            std::vector<Hypothesis> longer = way;
-            longer.push_back(std::move(found));
-            follow(begin, std::move(longer));
+            Replay longer = replay;
+            longer.way.push_back(std::move(found));
+            follow(std::move(longer));
         }
     }
 

@@ -7,23 +7,17 @@
 // found when they show one after the other, not when both show at the same step for the first time.
 #pragma once
 
+#include "monitor/track/Passages.h"
 #include "monitor/track/Successors.h"
 
 #include <deque>
 
 namespace monitor {
 
-/// A step that is over.
-struct PastStep {
-    TrackInput input;
-    std::vector<HypothesisPointer> before; ///< what was believed before it
-    double logScale =
-        0.0; ///< what the weights of the hypotheses after it were scaled by: subtracted
-};
-
 /// A way that deviates at an earlier step.
 struct Replay {
-    std::size_t begin = 0; ///< index of the past step at which it deviates
+    std::size_t begin = 0;  ///< index of the past step at which it deviates
+    std::size_t parent = 0; ///< place of the hypothesis before that step
     std::vector<Hypothesis>
         way; ///< after that step, and after each since; the last one is after the present step
 };

@@ -109,10 +109,12 @@ std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const Track
 {
     Hypothesis made{parent.labels, {}, 0.0, 0.0, parent.faults, parent.since, {}, {}};
     const std::vector<AtomIndex> assumptions = assumptionsOf(frame, deviations);
-    made.labels.take(assumptions, frame.observations);
+    made.labels.take(assumptions, frame.observations, frame.inputs);
     made.modes.assign(assumptions.begin() + static_cast<std::ptrdiff_t>(frame.commands.size()),
                       assumptions.end());
-    const auto weighed = weigh(frame, deviations, made.labels.logLikelihood());
+    const Likelihood likelihood = made.labels.likelihood();
+    made.exact = likelihood.exact;
+    const auto weighed = weigh(frame, deviations, likelihood.log);
     if (!weighed) {
         return std::nullopt;
     }

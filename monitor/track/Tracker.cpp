@@ -13,18 +13,11 @@ namespace monitor {
 
 namespace {
 
-// What is found in a step: a hypothesis, and the steps that were replayed on its way.
+// What is found in a step: a hypothesis, and the ways that lead to it.
 struct Found {
     Hypothesis hypothesis;
-    std::size_t begin = 0; ///< index of the past step after which `replayed` begins
-    std::vector<Hypothesis> replayed;
+    std::vector<Way> ways;
 };
-
-double logOfSum(double a, double b)
-{
-    const double larger = std::max(a, b);
-    return larger + std::log1p(std::exp(std::min(a, b) - larger));
-}
 
 // Two that are equally probable but for the last bits.
 double rounded(double logWeight)
@@ -113,8 +106,7 @@ private:
             Hypothesis made = tracker_.successors_.predicted(*parent, input_);
             if (tracker_.successors_.explains(made)) {
                 predicted_ += std::exp(parent->logWeight);
-                predictedModes_.insert(made.modes);
-                found_.push_back({std::move(made), 0, {}});
+                add(std::move(made), i);
                 continue;
             }
             answer_.contradicted.push_back(i);
@@ -123,8 +115,27 @@ private:
                 *parent, input_, tracker_.settings_.maxFaults - parent->faults, budget_.remaining());
             note(search.complete, search.limit, search.work);
             for (Hypothesis& hypothesis : search.found) {
-                found_.push_back({std::move(hypothesis), 0, {}});
+                add(std::move(hypothesis), i);
             }
+        }
+    }
+
+    // What becomes of a kept hypothesis at this step.
+    void add(Hypothesis hypothesis, std::size_t parent)
+    {
+        Way way{tracker_.memory_.past.size(), parent, {}, hypothesis.modes, hypothesis.lost};
+        take(std::move(hypothesis), std::move(way));
+    }
+
+    // A way counts once, whichever beginning of it is known already: from there on, the heavier one has all the ways to it.
+    void take(Hypothesis hypothesis, Way way)
+    {
+        const auto [known, isNew] =
+            ways_.emplace(std::tuple(way.begin, way.parent, way.steps()), found_.size());
+        if (isNew) {
+            found_.push_back({std::move(hypothesis), {std::move(way)}});
+        } else if (hypothesis.logWeight > found_[known->second].hypothesis.logWeight) {
+            found_[known->second] = {std::move(hypothesis), {std::move(way)}};
         }
     }
 
@@ -149,12 +160,11 @@ private:
     {
         note(result.complete, result.limit, result.work);
         for (Replay& replay : result.found) {
-            if (predictedModes_.contains(replay.way.back().modes)) {
-                continue; // may be how this hypothesis came about, which counts already
-            }
             Hypothesis last = std::move(replay.way.back());
             replay.way.pop_back();
-            found_.push_back({std::move(last), replay.begin, std::move(replay.way)});
+            Way way{replay.begin, replay.parent, std::move(replay.way), last.modes, last.lost};
+            take(std::move(last), withoutKnownBeginning(std::move(way), tracker_.memory_.past,
+                                                        tracker_.memory_.hypotheses));
         }
     }
 
@@ -171,10 +181,10 @@ private:
                 for (const AtomIndex mode : hypothesis.modes) {
                     modes.assume(mode);
                 }
-                hypothesis.labels = StepLabels(tracker_.plant_, modes);
+                hypothesis.labels = StepLabels(tracker_.plant_, concluded(std::move(modes)));
                 hypothesis.unexplained = input_.values.observations;
             }
-            found_.push_back({std::move(hypothesis), 0, {}});
+            add(std::move(hypothesis), i);
         }
     }
 
@@ -195,10 +205,13 @@ private:
             const double own = found.hypothesis.logWeight;
             const double sum = logOfSum(merged[index].hypothesis.logWeight, own);
             constexpr double nearly = 0.01;
+            std::vector<Way> ways = std::move(merged[index].ways);
+            std::move(found.ways.begin(), found.ways.end(), std::back_inserter(ways));
             if (own > best_[index] + nearly) {
                 best_[index] = own;
                 merged[index] = std::move(found);
             }
+            merged[index].ways = std::move(ways);
             merged[index].hypothesis.logWeight = sum;
         }
         found_ = std::move(merged);
@@ -232,6 +245,7 @@ private:
         }
         for (Found* found : order_) {
             found->hypothesis.logWeight -= logScale;
+            answer_.approximate = answer_.approximate || !found->hypothesis.exact;
             answer_.probabilities.push_back(std::exp(found->hypothesis.logWeight));
             answer_.hypotheses.push_back(
                 std::make_shared<const Hypothesis>(std::move(found->hypothesis)));
@@ -257,30 +271,20 @@ private:
     void finish(double logScale)
     {
         TrackMemory& memory = tracker_.memory_;
-        for (Found* found : order_) {
-            for (std::size_t i = 0; i < found->replayed.size(); ++i) {
-                const std::size_t after = found->begin + i + 1;
-                auto replayed = std::make_shared<const Hypothesis>(std::move(found->replayed[i]));
-                auto& believed =
-                    after < memory.past.size() ? memory.past[after].before : memory.hypotheses;
-                addBelieved(believed, std::move(replayed));
+        std::set<Passage> passages;
+        for (std::size_t to = 0; to < order_.size(); ++to) {
+            for (const Way& way : order_[to]->ways) {
+                const auto from =
+                    enter(way, memory.past, memory.hypotheses, 2 * tracker_.settings_.keep);
+                if (from) {
+                    passages.insert({*from, to, way.lost});
+                }
             }
         }
-        memory.past.push_back({input_, std::move(memory.hypotheses), logScale});
+        memory.past.push_back({input_, std::move(memory.hypotheses), logScale, std::move(passages)});
         memory.hypotheses = answer_.hypotheses;
         while (memory.past.size() > tracker_.settings_.lookBack) {
             memory.past.pop_front();
-        }
-    }
-
-    void addBelieved(std::vector<HypothesisPointer>& believed, HypothesisPointer hypothesis)
-    {
-        const bool known =
-            std::any_of(believed.begin(), believed.end(), [&](const HypothesisPointer& other) {
-                return other->modes == hypothesis->modes;
-            });
-        if (!known && believed.size() < 2 * tracker_.settings_.keep) {
-            believed.push_back(std::move(hypothesis));
         }
     }
 
@@ -297,8 +301,11 @@ private:
     Budget budget_;
     double predicted_ =
         0.0; ///< what the kept hypotheses that predict the step had of the probability before it
-    std::set<std::vector<AtomIndex>> predictedModes_;
     std::vector<Found> found_;
+    std::map<std::tuple<std::size_t, std::size_t,
+                        std::vector<std::pair<std::vector<AtomIndex>, std::vector<AtomIndex>>>>,
+             std::size_t>
+        ways_;                 ///< places in `found_`
     std::vector<double> best_; ///< the weight of the most probable way of each of `found_`
     std::vector<Found*> order_;
     std::vector<Hypothesis> contradicted_;

@@ -40,6 +40,8 @@ struct TrackAnswer {
     TrackStatus status = TrackStatus::nominal;
     bool complete = true; ///< no search was cut and none left something open
     SearchLimit limit = SearchLimit::none;
+    bool approximate =
+        false; ///< the likelihood of a kept hypothesis had to be estimated (StepLabels.h)
     std::vector<HypothesisPointer> before; ///< that were kept before the step
     /// Indices in `before`: what these predict does not explain the step.
     std::vector<std::size_t> contradicted;

@@ -248,30 +248,47 @@ void BruteForceDiagnosis::findChances(const StateVar* mode)
     }
 }
 
-// One observation after the other: 1 if it follows, 1/n if it is one of n values that are open, and then it counts
-// for those that come after it.
-Fraction BruteForceDiagnosis::likelihood(std::vector<const Atom*> given) const
+std::uint32_t BruteForceDiagnosis::combinations(const std::vector<const Atom*>& given,
+                                                const std::vector<const StateVar*>& variables)
 {
-    Fraction result(1);
-    for (const Atom* observed : problem_.observations) {
-        const std::optional<AtomLabels> labels = consequences(given);
-        if (!labels) {
-            return 0;
-        }
-        const auto label = labels->find(observed);
-        if (label != labels->end() && !label->second) {
-            return 0;
-        }
-        if (label == labels->end()) {
-            std::int64_t open = 0;
-            for (const Atom* atom : *observed->stateVar->atomLinks) {
-                open += labels->count(atom) == 0 ? 1 : 0;
-            }
-            result = result * Fraction(1, open);
-        }
-        given.push_back(observed);
+    const std::optional<AtomLabels> labels = consequences(given);
+    if (!labels) {
+        return 0;
     }
-    return result;
+    std::vector<const StateVar*> open;
+    for (const StateVar* variable : variables) {
+        if (std::none_of(variable->atomLinks->begin(), variable->atomLinks->end(),
+                         [&](const Atom* value) {
+                             const auto label = labels->find(value);
+                             return label != labels->end() && label->second;
+                         })) {
+            open.push_back(variable);
+        }
+    }
+    if (open.empty()) {
+        return world(given) ? 1 : 0;
+    }
+    const std::vector<const StateVar*> others(open.begin() + 1, open.end());
+    std::uint32_t sum = 0;
+    for (const Atom* value : *open.front()->atomLinks) {
+        if (!labels->contains(value)) {
+            std::vector<const Atom*> longer = given;
+            longer.push_back(value);
+            sum += combinations(longer, others);
+        }
+    }
+    return sum;
+}
+
+// Where the laws allow the modes and the observations together, they are one of the combinations.
+Fraction BruteForceDiagnosis::likelihood(const std::vector<const Atom*>& given) const
+{
+    std::vector<const StateVar*> observed;
+    for (const Atom* value : problem_.observations) {
+        observed.push_back(value->stateVar);
+    }
+    const std::uint32_t number = combinations(given, observed);
+    return number == 0 ? Fraction(0) : Fraction(1, number);
 }
 
 std::vector<BruteExplanation> BruteForceDiagnosis::explanations() const

@@ -59,6 +59,9 @@ public:
     /// `turn`: it rotates the order in which the values are tried.
     static std::optional<std::vector<const Atom*>> world(const std::vector<const Atom*>& given,
                                                          std::size_t turn = 0);
+    /// How many combinations of values the variables can have beside `given`: those with which there is a world.
+    static std::uint32_t combinations(const std::vector<const Atom*>& given,
+                                      const std::vector<const StateVar*>& variables);
     /// What follows from values by unit propagation: every clause is looked at until nothing changes. Nothing when
     /// they contradict one another.
     static std::optional<AtomLabels> consequences(const std::vector<const Atom*>& given);
@@ -67,7 +70,7 @@ public:
 private:
     void findChances(const StateVar* mode);
     bool enabled(const Transition* transition) const;
-    Fraction likelihood(std::vector<const Atom*> given) const;
+    Fraction likelihood(const std::vector<const Atom*>& given) const;
 
     DiagnosisProblem problem_;
     std::vector<const StateVar*> modes_;

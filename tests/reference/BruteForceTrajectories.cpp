@@ -7,12 +7,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <memory>
+#include <numeric>
 
 namespace {
 
 constexpr std::uint32_t unit = 1024; // of probabilities
-constexpr std::uint32_t parts = 12;  // of the likelihood of an observation
 
 std::uint32_t inUnits(double probability)
 {
@@ -88,7 +89,8 @@ struct BruteForceTrajectories::Extension {
     Modes modes;
     std::set<const Atom*> deviations;
     int faults;
-    WholeNumber weight;
+    WholeNumber weight; ///< without the likelihood of the observations
+    std::uint32_t combinations = 1;
     std::shared_ptr<const std::vector<ModeChances>> chances;
 };
 
@@ -96,19 +98,26 @@ BruteForceTrajectories::BruteForceTrajectories(Which which, int maxFaults)
     : which_(which), maxFaults_(maxFaults), variables_(allVariables("Mode"))
 {
     State initial{{}, 0, {}, WholeNumber(1)};
+    std::vector<const Atom*> values;
     for (const StateVar* variable : allVariables()) {
         const bool isMode = variable->type == "Mode";
         const Atom* value = variable->initial ? variable->initial
                             : isMode          ? variable->atomLinks->front()
                                               : nullptr;
-        for (const Atom* atom : *variable->atomLinks) {
-            if (value) {
-                initial.labels[atom] = atom == value;
-            }
+        if (value) {
+            values.push_back(value);
         }
         if (isMode) {
             initial.modes.push_back(value);
         }
+    }
+    for (const Atom* value : values) {
+        for (const Atom* atom : *value->stateVar->atomLinks) {
+            initial.labels[atom] = atom == value;
+        }
+    }
+    if (auto labels = BruteForceDiagnosis::consequences(values)) {
+        initial.labels = std::move(*labels);
     }
     weights_[initial.modes] = initial.weight;
     states_.push_back(std::move(initial));
@@ -122,27 +131,15 @@ const std::optional<BruteForceTrajectories::Outcome>& BruteForceTrajectories::ou
         return entry->second;
     }
     std::vector<const Atom*> known = given;
-    std::optional<AtomLabels> labels = BruteForceDiagnosis::consequences(known);
-    std::vector<std::uint32_t> likelihoods;
-    for (const Atom* observed : step.observations) {
-        const auto label = labels ? labels->find(observed) : AtomLabels::iterator();
-        if (!labels || (label != labels->end() && !label->second)) {
-            return entry->second;
-        }
-        std::uint32_t open = 0;
-        for (const Atom* atom : *observed->stateVar->atomLinks) {
-            open += labels->count(atom) == 0 ? 1 : 0;
-        }
-        open = label == labels->end() ? open : 1;
-        if (parts % open != 0) {
-            std::abort();
-        }
-        likelihoods.push_back(parts / open);
-        known.push_back(observed);
-        labels = BruteForceDiagnosis::consequences(known);
+    std::vector<const StateVar*> observed;
+    for (const Atom* value : step.observations) {
+        observed.push_back(value->stateVar);
+        known.push_back(value);
     }
+    auto labels = BruteForceDiagnosis::consequences(known);
     if (labels && BruteForceDiagnosis::world(known)) {
-        entry->second = Outcome{std::move(*labels), std::move(likelihoods)};
+        entry->second =
+            Outcome{std::move(*labels), BruteForceDiagnosis::combinations(given, observed)};
     }
     return entry->second;
 }
@@ -158,9 +155,7 @@ void BruteForceTrajectories::assign(std::size_t variable, Extension& extension, 
         given.insert(given.end(), extension.commands.begin(), extension.commands.end());
         if (const auto& result = outcome(given, step)) {
             all.push_back(extension);
-            for (const std::uint32_t likelihood : result->likelihoods) {
-                all.back().weight *= likelihood;
-            }
+            all.back().combinations = result->combinations;
         }
         return;
     }
@@ -182,7 +177,7 @@ std::vector<BruteForceTrajectories::Extension> BruteForceTrajectories::extension
 {
     std::vector<Extension> all;
     for (std::size_t set = 0; set < std::size_t{1} << step.lossy.size(); ++set) {
-        Extension extension{step.commands, {}, {}, {}, from.faults, from.weight, {}};
+        Extension extension{step.commands, {}, {}, {}, from.faults, from.weight, 1, {}};
         for (std::size_t i = 0; i < step.lossy.size(); ++i) {
             const LossyAtom& lossy = step.lossy[i];
             const bool isLost = ((set >> i) & 1) != 0;
@@ -222,9 +217,19 @@ void BruteForceTrajectories::advance(const TrajectoryStep& step)
 {
     outcomes_.clear();
     std::map<std::tuple<Modes, std::vector<const Atom*>, int>, State> reached;
+    std::vector<std::vector<Extension>> extended;
+    std::uint64_t parts = 1; // of the likelihood of the observations
     for (const State& from : states_) {
-        const std::vector<Extension> all = extensions(from, step);
-        for (const Extension& one : all) {
+        for (const Extension& one : extended.emplace_back(extensions(from, step))) {
+            parts = std::lcm(parts, std::uint64_t{one.combinations});
+        }
+    }
+    if (parts > std::numeric_limits<std::uint32_t>::max()) {
+        std::abort();
+    }
+    for (std::vector<Extension>& all : extended) {
+        for (Extension& one : all) {
+            one.weight *= static_cast<std::uint32_t>(parts / one.combinations);
             const bool calledFor = std::none_of(all.begin(), all.end(), [&](const Extension& other) {
                 return &other != &one &&
                        std::includes(one.lost.begin(), one.lost.end(), other.lost.begin(),
@@ -251,7 +256,7 @@ void BruteForceTrajectories::advance(const TrajectoryStep& step)
         states_.push_back(std::move(state));
     }
     logDenominator_ += static_cast<double>(variables_.size() + step.lossy.size()) * std::log(unit) +
-                       static_cast<double>(step.observations.size()) * std::log(parts);
+                       std::log(static_cast<double>(parts));
 }
 
 WholeNumber BruteForceTrajectories::total() const

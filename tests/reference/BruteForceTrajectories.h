@@ -3,7 +3,7 @@
 //
 // Works on the objects of the active model and shares nothing with the monitor. The probability of a sequence is the
 // product of the transitions taken (of staying: what the enabled ones leave), of the lossy commands that arrive or not,
-// and of the likelihood of the observations in their order. All sequences have the same steps, so all these products are
+// and of the likelihood of the observations. All sequences have the same steps, so all these products are
 // whole numbers over one common denominator: they add up exactly.
 #pragma once
 
@@ -58,7 +58,7 @@ private:
     /// What a set of modes and commands comes to at a step.
     struct Outcome {
         AtomLabels labels;
-        std::vector<std::uint32_t> likelihoods; ///< of each observation, in twelfths
+        std::uint32_t combinations; ///< of values of the observed variables: each is equally likely
     };
     struct Extension;
 

@@ -30,7 +30,8 @@ TEST(StepJson, IsOneLine)
     report.marginals["valveB.position"]["stuckClosed"] = 1.0;
     report.work.records = 12;
     EXPECT_EQ(report::stepJson(report, {}),
-              R"({"v":1,"step":3,"t":30.0,"status":"faulty","complete":true,"limit":null,"gap":null,)"
+              R"({"v":1,"step":3,"t":30.0,"status":"faulty","complete":true,)"
+              R"("approximate":false,"limit":null,"gap":null,)"
               R"("held":[],"kept":1,"dropped":0,"candidates":[{"p":1.0,"rank":1,)"
               R"("modes":{"valveB.position":"stuckClosed"},"since":{"valveB.position":2},"lost":[],)"
               R"("unexplained":[]}],"marginals":{"valveB.position":{"stuckClosed":1.0}},)"
@@ -59,8 +60,10 @@ TEST(StepJson, NamesTheLimitThatCutTheSearch)
 {
     StepReport report = stepReport(1, TrackStatus::inconsistent, {deviating(1.0, {})});
     report.complete = false;
+    report.approximate = true;
     report.limit = SearchLimit::records;
     EXPECT_EQ(record(report).at("complete"), false);
+    EXPECT_EQ(record(report).at("approximate"), true);
     EXPECT_EQ(record(report).at("limit"), "records");
 }
 

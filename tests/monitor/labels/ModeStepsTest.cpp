@@ -146,13 +146,10 @@ TEST_F(ModeStepsTest, ANegatedGuardHoldsWhereTheAtomIsFalse)
     EXPECT_EQ(id(step({"p.mode=off"}, {}).predicted), "p.mode=off");
 }
 
-TEST_F(ModeStepsTest, AnOrGuardHoldsWhenOneOfItsAtomsDoes)
+TEST_F(ModeStepsTest, AGuardWithAlternativesHoldsWhenOneOfThemDoes)
 {
-    Transition* transition = model_.nominal("p.mode=off", "p.mode=on", 1.0);
-    transition->guard->op = "or";
-    transition->guard->atoms->clear();
-    transition->guard->atoms->insert({true, model_.atom("p.request=start")});
-    transition->guard->atoms->insert({true, model_.atom("p.power=present")});
+    model_.nominal("p.mode=off", "p.mode=on", 1.0, "p.request=start");
+    model_.builder().alternative({{true, model_.atom("p.power=present")}});
     EXPECT_EQ(id(step({"p.mode=off", "p.power=present"}, {"p.request=stop"}).predicted),
               "p.mode=on");
     EXPECT_EQ(id(step({"p.mode=off", "p.power=absent"}, {"p.request=start"}).predicted),
@@ -161,11 +158,20 @@ TEST_F(ModeStepsTest, AnOrGuardHoldsWhenOneOfItsAtomsDoes)
               "p.mode=off");
 }
 
-TEST_F(ModeStepsTest, ATransitionWithoutAGuardIsAlwaysEnabled)
+TEST_F(ModeStepsTest, AGuardOfWhichTwoAlternativesHoldCountsOnce)
 {
-    Transition* transition = model_.nominal("p.mode=off", "p.mode=on", 1.0);
-    transition->guard = nullptr;
-    EXPECT_EQ(id(step({"p.mode=stuck"}, {}).predicted), "p.mode=on");
+    model_.fault("p.mode=off", "p.mode=stuck", 1.0 / 4, "p.request=start");
+    model_.builder().alternative({{true, model_.atom("p.power=present")}});
+    EXPECT_EQ(options(step({"p.mode=off", "p.power=present"}, {"p.request=start"})),
+              (Texts{"p.mode=off 3/4", "p.mode=stuck 1/4 !"}));
+}
+
+TEST_F(ModeStepsTest, TwoTransitionsToTheSameValueCountTwice)
+{
+    model_.fault("p.mode=off", "p.mode=stuck", 1.0 / 4, "p.request=start");
+    model_.fault("p.mode=off", "p.mode=stuck", 1.0 / 8, "p.power=present");
+    EXPECT_EQ(options(step({"p.mode=off", "p.power=present"}, {"p.request=start"})),
+              (Texts{"p.mode=off 5/8", "p.mode=stuck 3/8 !"}));
 }
 
 TEST_F(ModeStepsTest, TransitionsFromAnotherModeAreNotEnabled)

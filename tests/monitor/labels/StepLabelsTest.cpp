@@ -28,7 +28,7 @@ protected:
     {
         ASSERT_EQ(given.consistent(), fresh.consistent());
         EXPECT_EQ(active.ids(given.contradicted()), active.ids(fresh.contradicted()));
-        EXPECT_EQ(given.logLikelihood(), fresh.logLikelihood());
+        EXPECT_EQ(given.likelihood().log, fresh.likelihood().log);
         const auto count = static_cast<AtomIndex>(active.plant->atomCount());
         for (AtomIndex atom = 0; given.consistent() && atom < count; ++atom) {
             EXPECT_EQ(given.prediction().label(atom), fresh.prediction().label(atom))
@@ -113,7 +113,7 @@ protected:
             carried = random.chance(10) ? before : carried;
             inconsistent_ += fresh.consistent() ? 0 : 1;
             contradicted_ += fresh.contradicted().empty() ? 0 : 1;
-            uncertain_ += fresh.logLikelihood() < 0.0 ? 1 : 0;
+            uncertain_ += fresh.likelihood().log < 0.0 ? 1 : 0;
             change(random, *active.plant, situation);
         }
     }
@@ -166,10 +166,10 @@ TEST_F(GateLabels, CountWhatIsOpenBetweenSeveralValues)
     StepLabels labels(*active_->plant);
     labels.take(values({"a.mode=ok"}), values({"in.v=1", "a.out=1", "x.v=2"}));
     EXPECT_TRUE(labels.contradicted().empty());
-    EXPECT_NEAR(std::exp(labels.logLikelihood()), 1.0 / 6, 1e-15);
+    EXPECT_NEAR(std::exp(labels.likelihood().log), 1.0 / 6, 1e-15);
     labels.take(values({"a.mode=broken"}), values({"in.v=1", "a.out=1", "x.v=2"}));
     EXPECT_EQ(active_->ids(labels.contradicted()), (std::vector<std::string>{"a.out=1"}));
-    EXPECT_NEAR(std::exp(labels.logLikelihood()), 1.0 / 6, 1e-15);
+    EXPECT_NEAR(std::exp(labels.likelihood().log), 1.0 / 6, 1e-15);
 }
 
 TEST_F(GateLabels, TakeARepeatedObservationOnce)
@@ -177,7 +177,7 @@ TEST_F(GateLabels, TakeARepeatedObservationOnce)
     StepLabels labels(*active_->plant);
     labels.take(values({"a.mode=ok"}), values({"x.v=2", "x.v=2"}));
     EXPECT_TRUE(labels.contradicted().empty());
-    EXPECT_NEAR(std::exp(labels.logLikelihood()), 1.0 / 3, 1e-15);
+    EXPECT_NEAR(std::exp(labels.likelihood().log), 1.0 / 3, 1e-15);
 }
 
 TEST_F(GateLabels, GoOnAfterLabelsThatWereFoundOtherwise)

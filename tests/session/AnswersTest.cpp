@@ -1,0 +1,257 @@
+// What is believed of small plants, and that it does not depend on how they are written.
+#include "language/Reader.h"
+#include "session/Session.h"
+#include "telemetry/StepReader.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace {
+
+using session::Session;
+
+/// The values of modes that differ from what is expected, and the probability of each: "p.state=broken".
+struct Believed {
+    monitor::TrackStatus status = monitor::TrackStatus::nominal;
+    bool complete = false;
+    std::map<std::string, double> marginals;
+
+    double of(const std::string& mode) const
+    {
+        const auto found = marginals.find(mode);
+        return found == marginals.end() ? 0.0 : found->second;
+    }
+};
+
+// Follows the steps, which are lines of JSON, and says what is believed after the last one.
+Believed follow(const std::string& model, const std::vector<std::string>& steps)
+{
+    Session session = Session::open(language::readModelText("plant.itms", model));
+    telemetry::StepReader reader(std::make_unique<telemetry::LineVector>(steps), session.model(),
+                                 session.bindings());
+    for (auto next = reader.next(); !std::holds_alternative<telemetry::End>(next);
+         next = reader.next()) {
+        if (const auto* mistake = std::get_if<telemetry::Mistake>(&next)) {
+            throw std::runtime_error(mistake->error.format());
+        }
+        session.advance(std::get<telemetry::Step>(next));
+    }
+    const monitor::TrackAnswer& answer = session.answer();
+    Believed believed{answer.status, answer.complete, {}};
+    for (std::size_t i = 0; i < answer.hypotheses.size(); ++i) {
+        for (const auto& [variable, since] : answer.hypotheses[i]->since) {
+            believed.marginals[session.plant().atom(since.value)->id] += answer.probabilities[i];
+        }
+    }
+    return believed;
+}
+
+void expectSame(const Believed& one, const Believed& other)
+{
+    EXPECT_EQ(one.status, other.status);
+    EXPECT_EQ(one.complete, other.complete);
+    ASSERT_EQ(one.marginals.size(), other.marginals.size());
+    for (const auto& [mode, probability] : one.marginals) {
+        EXPECT_NEAR(probability, other.of(mode), 1e-12) << mode;
+    }
+}
+
+// A pump against a blind flange: switched on, its modes contradict the laws before anything is read.
+std::string pumpAgainstFlange(const std::string& spare = "")
+{
+    return R"(component Pump {
+    command c: none, start
+    cond flow: no, yes
+    mode state { off initial on dead fault }
+    law state = on -> flow = yes
+    law state in {off, dead} -> flow = no
+    nominal off -> on when c = start : 0.99
+    fault any -> dead : 0.001
+}
+component Flange {
+    cond flow: no, yes
+    mode state { shut initial gone fault }
+    law state = shut -> flow = no
+    fault shut -> gone : 0.001
+})" + spare + R"(
+system Rig {
+    a: Pump
+    b: Flange
+    law a.flow = b.flow
+    command a.c
+)" + (spare.empty() ? "" : "    s: Spare\n") +
+           "}\n";
+}
+
+TEST(Answers, AreSearchedForWhereModesContradictTheLaws)
+{
+    const Believed believed =
+        follow(pumpAgainstFlange(), {R"({"t": 1, "commands": {"a.c": "start"}})"});
+    EXPECT_TRUE(believed.complete);
+    EXPECT_NE(believed.status, monitor::TrackStatus::inconsistent);
+    // The pump stays off with 0.009, is dead with 0.001, or turns and the flange is gone with 0.99 times 0.001; each other factor
+    // is 0.999 or 1.
+    const double off = 0.009 * 0.999;
+    const double dead = 0.001 * 0.999;
+    const double gone = 0.99 * 0.001;
+    EXPECT_NEAR(believed.of("a.state=off"), off / (off + dead + gone), 1e-12);
+    EXPECT_NEAR(believed.of("a.state=dead"), dead / (off + dead + gone), 1e-12);
+    EXPECT_NEAR(believed.of("b.state=gone"), gone / (off + dead + gone), 1e-12);
+}
+
+TEST(Answers, DoNotDependOnAnOpenConditionThatNothingMentions)
+{
+    const std::vector<std::string> steps{R"({"t": 1, "commands": {"a.c": "start"}})"};
+    expectSame(follow(pumpAgainstFlange(), steps),
+               follow(pumpAgainstFlange("\ncomponent Spare { cond open: no, yes }"), steps));
+}
+
+// A sensor of three values, and one that may be broken and then shows anything.
+std::string sensor(const std::string& laws)
+{
+    return R"(component Sensor {
+    cond y: lo, mid, hi
+    mode state { good initial broken fault }
+)" + laws +
+           R"(    fault good -> broken : 0.5
+}
+component Source {
+    cond v: lo, mid, hi
+    mode state { good initial odd fault }
+    law state = good -> v != lo
+    fault good -> odd : 0.25
+}
+system Rig {
+    s: Sensor
+    q: Source
+    law q.v != hi -> s.y = q.v
+    observe s.y
+    observe q.v
+}
+)";
+}
+
+TEST(Answers, DoNotDependOnHowALawIsWritten)
+{
+    const std::vector<std::string> steps{R"({"t": 1, "observations": {"s.y": "lo", "q.v": "lo"}})",
+                                         R"({"t": 2, "observations": {"s.y": "mid"}})"};
+    const Believed believed = follow(sensor("    law state = good -> y in {lo, mid, hi}\n"), steps);
+    EXPECT_GT(believed.of("q.state=odd"), 0.99);
+    expectSame(believed, follow(sensor(""), steps));
+    const Believed contrapositive =
+        follow(sensor("    law state = good -> y in {mid, lo}\n"), steps);
+    expectSame(contrapositive, follow(sensor("    law y = hi -> state != good\n"), steps));
+    expectSame(contrapositive,
+               follow(sensor("    law !(state = good & !(y = lo) & !(y = mid))\n"), steps));
+}
+
+// Good, it leaves two of the three values; that one of them follows from the other law by cases makes no difference.
+TEST(Answers, CountWhatAModeLeavesOpen)
+{
+    const auto two = [](const std::string& laws) {
+        return "component C {\n    cond y: lo, mid, hi\n    mode state { good initial broken fault }\n" +
+               laws +
+               "    fault good -> broken : 0.25\n}\nsystem S {\n    c: C\n    d: D\n    observe c.y\n    observe "
+               "d.x\n}\ncomponent D {\n    cond x: no, yes\n    mode state { good initial odd fault }\n    law "
+               "state = good -> x = no\n    fault good -> odd : 0.5\n}\n";
+    };
+    const std::vector<std::string> steps{R"({"t": 1, "observations": {"c.y": "lo", "d.x": "no"}})"};
+    // Good excludes the reading, so that it is broken; the fault of the other is searched for, and odd has half a chance to show no.
+    const Believed one = follow(two("    law state = good -> y in {mid, hi}\n"), steps);
+    const Believed other =
+        follow(two("    law state = good -> (!(y = mid) -> y = hi)\n"), steps);
+    expectSame(one, other);
+    EXPECT_NEAR(one.of("c.state=broken"), 1.0, 1e-12);
+}
+
+// The reading of the pipe tells nothing of the meter's, whichever comes first.
+std::string meter(const std::string& observed)
+{
+    return R"(component Pipe { cond flow: none, low, high }
+component Meter {
+    cond shown: none, low, high
+    mode state { good initial stuck fault drifting fault }
+    law state = stuck -> shown = none
+    law state = drifting -> shown != high
+    fault good -> stuck : 0.001
+    fault good -> drifting : 0.001
+}
+system Rig {
+    p: Pipe
+    m: Meter
+    law m.state = good -> m.shown = p.flow
+)" + observed + "}\n";
+}
+
+TEST(Answers, DoNotDependOnTheOrderOfWhatIsObserved)
+{
+    const std::vector<std::string> steps{
+        R"({"t": 1, "observations": {"p.flow": "low", "m.shown": "low"}})",
+        R"({"t": 2, "observations": {"p.flow": "high", "m.shown": "none"}})"};
+    const Believed one = follow(meter("    observe p.flow\n    observe m.shown\n"), steps);
+    expectSame(one, follow(meter("    observe m.shown\n    observe p.flow\n"), steps));
+    // While it is good there are three combinations; stuck, the pipe has three values and the meter one; drifting, it has two. It may
+    // have drifted at the first step, or at the second.
+    const double stuck = 0.998 / 3 * 0.001 / 3;
+    const double drifting = 0.998 / 3 * 0.001 / 6 + 0.001 / 6 / 6;
+    EXPECT_NEAR(one.of("m.state=stuck"), stuck / (stuck + drifting), 1e-12);
+    EXPECT_NEAR(one.of("m.state=drifting"), drifting / (stuck + drifting), 1e-12);
+}
+
+TEST(Answers, CountOneGuardOnceThoughTwoOfItsAlternativesHold)
+{
+    const std::string model = R"(component Pump {
+    command go: none, start
+    command alarm: none, on
+    cond turns: no, yes
+    mode state { good initial slipping fault worn fault }
+    law state = good -> turns = yes
+    law state != good -> turns = no
+    fault good -> slipping when go = start | alarm = on : 0.3
+    fault good -> worn : 0.1
+}
+system Rig {
+    p: Pump
+    observe p.turns
+    command p.go
+    command p.alarm
+}
+)";
+    const Believed believed = follow(
+        model,
+        {R"({"t": 1, "commands": {"p.go": "start", "p.alarm": "on"}, "observations": {"p.turns": "no"}})"});
+    EXPECT_NEAR(believed.of("p.state=slipping"), 0.75, 1e-12);
+    EXPECT_NEAR(believed.of("p.state=worn"), 0.25, 1e-12);
+}
+
+TEST(Answers, BeginWithWhatFollowsFromTheInitialValues)
+{
+    const std::string model = R"(component Heater {
+    cond power: absent, present
+    cond warm: no, yes
+    mode state { off initial on }
+    law power = present <-> warm = yes
+    nominal off -> on when warm = yes : 1
+    law state = on -> warm = yes
+}
+system Room {
+    h: Heater
+    initially h.power = present
+    observe h.warm
+}
+)";
+    Session session = Session::open(language::readModelText("room.itms", model));
+    telemetry::StepReader reader(
+        std::make_unique<telemetry::LineVector>(std::vector<std::string>{R"({"t": 1})"}),
+        session.model(), session.bindings());
+    session.advance(std::get<telemetry::Step>(reader.next()));
+    const monitor::Hypothesis& best = *session.answer().hypotheses.front();
+    EXPECT_EQ(session.plant().atom(best.modes.front())->id, "h.state=on");
+}
+
+} // namespace
