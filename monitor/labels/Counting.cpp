@@ -130,9 +130,9 @@ private:
     bool canBeCompleted(const Component& component)
     {
         const std::size_t mark = labels_.mark();
-        const Completion found = complete(plant_, labels_, component, [this](VariableIndex variable) {
-            return plant_.variable(variable).values;
-        });
+        const Completion found =
+            complete(plant_, labels_, component,
+                     [this](VariableIndex variable) { return plant_.variable(variable).values; });
         labels_.undo(mark);
         exact_ = exact_ && found != Completion::unsettled;
         return found == Completion::possible;

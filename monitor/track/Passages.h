@@ -36,7 +36,8 @@ struct PastStep {
 
 /// A way through the last steps, up to the present one.
 struct Way {
-    std::size_t begin = 0;        ///< index of the past step at which it leaves what was believed; their number: the present step
+    std::size_t begin =
+        0; ///< index of the past step at which it leaves what was believed; their number: the present step
     std::size_t parent = 0;       ///< place of the hypothesis before that step
     std::vector<Hypothesis> path; ///< after that step and after each since, without the present one
     std::vector<AtomIndex> modes; ///< after the present step

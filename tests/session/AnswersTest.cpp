@@ -78,7 +78,8 @@ component Flange {
     mode state { shut initial gone fault }
     law state = shut -> flow = no
     fault shut -> gone : 0.001
-})" + spare + R"(
+})" + spare +
+           R"(
 system Rig {
     a: Pump
     b: Flange
@@ -153,18 +154,31 @@ TEST(Answers, DoNotDependOnHowALawIsWritten)
 // Good, it leaves two of the three values; that one of them follows from the other law by cases makes no difference.
 TEST(Answers, CountWhatAModeLeavesOpen)
 {
-    const auto two = [](const std::string& laws) {
-        return "component C {\n    cond y: lo, mid, hi\n    mode state { good initial broken fault }\n" +
-               laws +
-               "    fault good -> broken : 0.25\n}\nsystem S {\n    c: C\n    d: D\n    observe c.y\n    observe "
-               "d.x\n}\ncomponent D {\n    cond x: no, yes\n    mode state { good initial odd fault }\n    law "
-               "state = good -> x = no\n    fault good -> odd : 0.5\n}\n";
+    const auto two = [](const std::string& law) {
+        return R"(component C {
+    cond y: lo, mid, hi
+    mode state { good initial broken fault }
+)" + law + R"(
+    fault good -> broken : 0.25
+}
+component D {
+    cond x: no, yes
+    mode state { good initial odd fault }
+    law state = good -> x = no
+    fault good -> odd : 0.5
+}
+system S {
+    c: C
+    d: D
+    observe c.y
+    observe d.x
+}
+)";
     };
     const std::vector<std::string> steps{R"({"t": 1, "observations": {"c.y": "lo", "d.x": "no"}})"};
     // Good excludes the reading, so that it is broken; the fault of the other is searched for, and odd has half a chance to show no.
-    const Believed one = follow(two("    law state = good -> y in {mid, hi}\n"), steps);
-    const Believed other =
-        follow(two("    law state = good -> (!(y = mid) -> y = hi)\n"), steps);
+    const Believed one = follow(two("    law state = good -> y in {mid, hi}"), steps);
+    const Believed other = follow(two("    law state = good -> (!(y = mid) -> y = hi)"), steps);
     expectSame(one, other);
     EXPECT_NEAR(one.of("c.state=broken"), 1.0, 1e-12);
 }
@@ -185,7 +199,8 @@ system Rig {
     p: Pipe
     m: Meter
     law m.state = good -> m.shown = p.flow
-)" + observed + "}\n";
+)" + observed +
+           "}\n";
 }
 
 TEST(Answers, DoNotDependOnTheOrderOfWhatIsObserved)

@@ -112,8 +112,7 @@ TEST_F(CountingTest, GivesUpWhereTooManyValuesWouldHaveToBeTried)
     }
     model_.law(law);
     for (int i = 1; i < 20; ++i) {
-        model_.law("c0.v=0 c" + std::to_string(i) + ".v=0 c" + std::to_string((i + 7) % 20) +
-                   ".v=1");
+        model_.law("c0.v=0 c" + std::to_string(i) + ".v=0 c" + std::to_string((i + 7) % 20) + ".v=1");
     }
     EXPECT_EQ(count({}, all), std::nullopt);
 }
