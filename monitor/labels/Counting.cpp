@@ -63,6 +63,7 @@ private:
                 }
             }
         }
+        reachedInAll_ += component.size();
         std::sort(component.begin(), component.end());
         return component;
     }
@@ -115,7 +116,7 @@ private:
         double sum = 0.0;
         const std::size_t mark = labels_.mark();
         for (const AtomIndex value : openValues(*chosen)) {
-            if (++tried_ > mostTriedValues) {
+            if (++tried_ > mostTriedValues || reachedInAll_ > mostReachedVariables) {
                 exact_ = false;
                 break;
             }
@@ -155,6 +156,7 @@ private:
     std::vector<std::size_t> reached_; ///< by variable: the round in which it was last found
     std::size_t round_ = 0;
     std::size_t tried_ = 0;
+    std::size_t reachedInAll_ = 0; ///< variables, each as often as it was found
     bool exact_ = true;
 };
 

@@ -14,12 +14,14 @@ namespace monitor {
 
 /// Values that are tried, at most, before counting is given up.
 constexpr std::size_t mostTriedValues = 500;
+/// Open variables that are looked at, at most, each as often as that happens.
+constexpr std::size_t mostReachedVariables = 500'000;
 
 /// The combinations of values that these variables can have together, with values for everything that is open with them; those whose
 /// value is known are one. Nothing when there are too many to be counted. 0 when the laws leave none; laws that no open variable
 /// connects with these are not looked at.
-/// Requires: `labels` are propagated without contradiction; no variable is named twice. The order of the variables does not matter.
-/// Linear in what is open together with the variables, for each value that is tried.
+/// Requires: `labels` are propagated without contradiction. Neither the order of the variables nor a repetition matters. Linear in what
+/// is open together with the variables, for each value that is tried.
 std::optional<double> countCombinations(const Plant& plant, Prediction labels,
                                         const std::vector<VariableIndex>& variables);
 
