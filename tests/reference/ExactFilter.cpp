@@ -53,8 +53,8 @@ ExactFilter::ExactFilter(const plant::Model& model, FilterSettings settings)
     }
 }
 
-std::vector<std::pair<ExactFilter::Commands, ExactFraction>>
-ExactFilter::arrivals(const Commands& given) const
+std::vector<std::pair<ExactFilter::Commands, ExactFraction>> ExactFilter::arrivals(
+    const Commands& given) const
 {
     std::vector<std::pair<Commands, ExactFraction>> result{{{}, 1}};
     for (const Atom* command : given) {
@@ -76,8 +76,8 @@ ExactFilter::arrivals(const Commands& given) const
     return result;
 }
 
-std::vector<std::pair<ExactFilter::Modes, ExactFraction>>
-ExactFilter::successors(const Modes& before, const State& state, const Commands& arrived) const
+std::vector<std::pair<ExactFilter::Modes, ExactFraction>> ExactFilter::successors(
+    const Modes& before, const State& state, const Commands& arrived) const
 {
     std::vector<std::pair<Modes, ExactFraction>> result{{{}, 1}};
     for (const Atom* from : before) {

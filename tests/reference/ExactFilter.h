@@ -9,7 +9,8 @@
 // there to here times the likelihood of what was observed. In detail:
 //
 //   - Each mode variable changes by itself (ExactTransitions.h). What may have been before the step are the worlds that the laws
-//     allow with the modes, commands and observations of the step before; before the first step, with the initial values.
+//     allow with the modes, commands and observations of the step before; before the first step, with the initial values. Where
+//     there are none before the first step, it is inconsistent.
 //   - A given command that may be lost has its variable's first value then. A command that is not given is open.
 //   - Given modes, commands and inputs, each combination of values of the observed variables that the laws allow is as probable
 //     as any other (ExactReadings.h). Inputs count nothing.
@@ -63,6 +64,8 @@ public:
 
     /// The model outlives it, and need not be active.
     explicit ExactFilter(const plant::Model& model, FilterSettings settings = {});
+    ExactFilter(const ExactFilter&) = delete; // parts of it refer to others
+    ExactFilter& operator=(const ExactFilter&) = delete;
 
     /// Takes a step. After an inconsistent one all further ones are.
     const FilterAnswer& advance(const FilterStep& step);
@@ -89,8 +92,7 @@ private:
     /// Every way in which the commands may arrive, with its probability.
     std::vector<std::pair<Commands, ExactFraction>> arrivals(const Commands& given) const;
     /// Every combination of modes after the step, with its probability.
-    std::vector<std::pair<Modes, ExactFraction>> successors(const Modes& before,
-                                                            const State& state,
+    std::vector<std::pair<Modes, ExactFraction>> successors(const Modes& before, const State& state,
                                                             const Commands& arrived) const;
     /// Adds what becomes of a state whose modes and commands are these.
     void reach(const Key& before, const Key& after, const ExactFraction& weight,

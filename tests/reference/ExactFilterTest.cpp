@@ -30,10 +30,7 @@ protected:
         }
         settings_ = std::move(settings);
     }
-    const StateVar* variable(const std::string& name) const
-    {
-        return names_.variable("s." + name);
-    }
+    const StateVar* variable(const std::string& name) const { return names_.variable("s." + name); }
     const Atom* atom(const std::string& name) const { return names_.atom("s." + name); }
     std::vector<const Atom*> atoms(const Ids& names) const
     {

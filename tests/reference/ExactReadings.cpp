@@ -101,9 +101,9 @@ ExactFraction ExactReadings::likelihood(const Variables& group, const std::vecto
     for (const StateVar* variable : group) {
         const auto reading = remembered.find(variable);
         last.push_back(reading == remembered.end() ? nullptr : reading->second);
-        now.push_back(*std::find_if(
-            observations.begin(), observations.end(),
-            [&](const Atom* observed) { return observed->stateVar == variable; }));
+        now.push_back(
+            *std::find_if(observations.begin(), observations.end(),
+                          [&](const Atom* observed) { return observed->stateVar == variable; }));
         const auto changing = changing_.find(variable);
         if (changing != changing_.end()) {
             same *= ExactFraction(1) - changing->second;
@@ -128,9 +128,8 @@ ReadingsInTime ExactReadings::inTime(const std::vector<World>& worlds,
             continue;
         }
         const std::set<const StateVar*> modes = bearing(worlds, variable);
-        if (std::none_of(modes.begin(), modes.end(), [&](const StateVar* mode) {
-                return changedModes.contains(mode);
-            })) {
+        if (std::none_of(modes.begin(), modes.end(),
+                         [&](const StateVar* mode) { return changedModes.contains(mode); })) {
             result.remembered[variable] = value;
         }
     }

@@ -72,13 +72,14 @@ ExactFraction ExactTransitions::share(const Statement& statement, const std::vec
                 values = {given};
             }
         }
-        const bool mentioned = std::any_of(
-            statement.alternatives.begin(), statement.alternatives.end(),
-            [&](const auto& alternative) {
-                return std::any_of(alternative.begin(), alternative.end(), [&](const auto& literal) {
-                    return literal.second->stateVar == command;
-                });
-            });
+        const bool mentioned =
+            std::any_of(statement.alternatives.begin(), statement.alternatives.end(),
+                        [&](const auto& alternative) {
+                            return std::any_of(alternative.begin(), alternative.end(),
+                                               [&](const auto& literal) {
+                                                   return literal.second->stateVar == command;
+                                               });
+                        });
         if (!mentioned) {
             continue;
         }
@@ -91,15 +92,14 @@ ExactFraction ExactTransitions::share(const Statement& statement, const std::vec
         }
         combinations = std::move(more);
     }
-    const auto count =
-        std::count_if(combinations.begin(), combinations.end(),
-                      [&](const World& world) { return holds(statement, world); });
+    const auto count = std::count_if(combinations.begin(), combinations.end(),
+                                     [&](const World& world) { return holds(statement, world); });
     return {static_cast<std::uint32_t>(count), static_cast<std::uint32_t>(combinations.size())};
 }
 
-std::map<const Atom*, ExactFraction>
-ExactTransitions::chances(const StateVar* mode, const Atom* from, const std::vector<World>& before,
-                          const std::vector<const Atom*>& commands) const
+std::map<const Atom*, ExactFraction> ExactTransitions::chances(
+    const StateVar* mode, const Atom* from, const std::vector<World>& before,
+    const std::vector<const Atom*>& commands) const
 {
     std::map<const Atom*, ExactFraction> result;
     ExactFraction leaving;

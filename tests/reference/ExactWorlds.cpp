@@ -88,16 +88,14 @@ std::vector<World> ExactWorlds::with(const std::vector<World>& worlds,
 {
     std::vector<World> result;
     std::copy_if(worlds.begin(), worlds.end(), std::back_inserter(result), [&](const World& world) {
-        return std::all_of(given.begin(), given.end(), [&](const Atom* atom) {
-            return value(world, atom->stateVar) == atom;
-        });
+        return std::all_of(given.begin(), given.end(),
+                           [&](const Atom* atom) { return value(world, atom->stateVar) == atom; });
     });
     return result;
 }
 
-std::set<std::vector<const Atom*>>
-ExactWorlds::combinations(const std::vector<World>& worlds,
-                          const std::vector<const StateVar*>& variables) const
+std::set<std::vector<const Atom*>> ExactWorlds::combinations(
+    const std::vector<World>& worlds, const std::vector<const StateVar*>& variables) const
 {
     std::set<std::vector<const Atom*>> result;
     for (const World& world : worlds) {

@@ -32,9 +32,8 @@ public:
     std::vector<World> with(const std::vector<World>& worlds,
                             const std::vector<const Atom*>& given) const;
     /// The combinations of the values that these variables have in the worlds, each once, in the order of `variables`.
-    std::set<std::vector<const Atom*>>
-    combinations(const std::vector<World>& worlds,
-                 const std::vector<const StateVar*>& variables) const;
+    std::set<std::vector<const Atom*>> combinations(
+        const std::vector<World>& worlds, const std::vector<const StateVar*>& variables) const;
     /// The worlds without the commands, each once.
     std::vector<World> withoutCommands(const std::vector<World>& worlds) const;
 

@@ -104,8 +104,7 @@ void comparePlant(const WatchedOptions& options, std::uint64_t seed, int steps, 
     itms engine;
     engine.rtInit();
     const plant::Plant plant(*watched.model);
-    monitor::Tracker tracker(engine, plant,
-                             {.maxFaults = 1000, .keep = 100000, .lookBack = 1000});
+    monitor::Tracker tracker(engine, plant, {.maxFaults = 1000, .keep = 100000, .lookBack = 1000});
     ++result.plants;
     std::ostringstream story;
     story << "seed " << seed << '\n' << watched.described();
@@ -154,8 +153,7 @@ Agreement compareTracker(const WatchedOptions& options, std::uint64_t firstSeed,
     Agreement result;
     std::size_t exampleSize = 0;
     for (int i = 0; i < seeds; ++i) {
-        comparePlant(options, firstSeed + static_cast<std::uint64_t>(i), steps, result,
-                     exampleSize);
+        comparePlant(options, firstSeed + static_cast<std::uint64_t>(i), steps, result, exampleSize);
     }
     return result;
 }

@@ -9,8 +9,8 @@
 /// What comparing them gave.
 struct Agreement {
     int plants = 0;
-    int steps = 0;        ///< that were compared
-    int differing = 0;    ///< steps at which the probability of some modes differs by more than 1e-9
+    int steps = 0;     ///< that were compared
+    int differing = 0; ///< steps at which the probability of some modes differs by more than 1e-9
     int differingPlants = 0;
     int several = 0;      ///< steps at which several modes are possible
     int inconsistent = 0; ///< steps that both find inconsistent

@@ -39,6 +39,7 @@ public:
                                         {{"0"}, {"1"}});
             plant_.observed.push_back(supply_);
             plant_.inputs.insert(supply_);
+            plant_.alwaysObserved.insert(supply_);
         }
         const int count = random_.between(options_.fewestParts, options_.mostParts);
         for (int i = 0; i < count; ++i) {
@@ -52,13 +53,17 @@ public:
     }
 
 private:
-    StateVar* condition(Comp* comp, const std::string& name, std::size_t values, bool observed)
+    // The first value may be the initial one.
+    StateVar* condition(Comp* comp, const std::string& name, std::size_t values, bool observed,
+                        bool firstIsInitial = false)
     {
         std::vector<plant::ValueDeclaration> declared;
         for (std::size_t i = 0; i < values; ++i) {
             declared.push_back({std::to_string(i)});
         }
-        StateVar* made = builder_.variable(comp, name, VariableKind::condition, declared);
+        StateVar* made =
+            builder_.variable(comp, name, VariableKind::condition, declared,
+                              firstIsInitial ? std::optional<std::size_t>(0) : std::nullopt);
         if (observed) {
             plant_.observed.push_back(made);
         }
@@ -83,13 +88,16 @@ private:
         if (random_.chance(options_.lostPercent)) {
             plant_.lost[part.request] = sixtyFourths(random_.between(1, 16));
         }
-        part.out = condition(part.comp, "out", 3, true);
+        part.out = condition(part.comp, "out", 3, true, options_.initialValues);
         for (std::size_t i = 0; i < modes.size(); ++i) {
             const std::size_t shown =
                 i < 2 ? i : (options_.unseenChanges ? random_.below(3) : std::size_t{2});
             builder_.law(part.comp, {{true, value(part.mode, i)}, {false, value(part.out, shown)}});
         }
         addFlow(part);
+        if (options_.echoes) {
+            addEcho(part);
+        }
         if (options_.openConditions) {
             addGauges(part);
         }
@@ -102,15 +110,25 @@ private:
     // 1 where this part gives 1 and so does what comes before it.
     void addFlow(WatchedPart& part)
     {
-        part.flow = condition(part.comp, "flow", 2, true);
+        part.flow = condition(part.comp, "flow", 2, true, options_.initialValues);
         const StateVar* before = parts_.empty() ? supply_ : parts_.back().flow;
-        std::vector<plant::Literal> bothGive{{true, value(part.out, 1)}, {false, value(part.flow, 1)}};
+        std::vector<plant::Literal> bothGive{{true, value(part.out, 1)},
+                                             {false, value(part.flow, 1)}};
         if (before) {
             bothGive.push_back({true, value(before, 1)});
             builder_.law(part.comp, {{true, value(before, 0)}, {false, value(part.flow, 0)}});
         }
         builder_.law(part.comp, bothGive);
         builder_.law(part.comp, {{false, value(part.out, 1)}, {false, value(part.flow, 0)}});
+    }
+
+    void addEcho(const WatchedPart& part)
+    {
+        StateVar* echo = condition(part.comp, "echo", 3, true);
+        plant_.alwaysObserved.insert(echo);
+        for (std::size_t i = 0; i < 3; ++i) {
+            builder_.law(part.comp, {{true, value(part.request, i)}, {false, value(echo, i)}});
+        }
     }
 
     // Off and on determine both; a fault leaves them open but for a law or two.
@@ -152,10 +170,14 @@ private:
         }
     }
 
-    GuardLiteral anyLiteral()
+    // Of the mode of another part than that to which the guard belongs, or of a command; or of a condition.
+    GuardLiteral anyLiteral(const WatchedPart& own)
     {
         const WatchedPart& part = random_.pick(parts_);
-        std::vector<const StateVar*> variables{part.mode, part.request};
+        std::vector<const StateVar*> variables{part.request};
+        if (part.mode != own.mode) {
+            variables.push_back(part.mode);
+        }
         if (options_.conditionGuards) {
             variables = {part.out, part.flow};
             variables.insert(variables.end(), part.gauges.begin(), part.gauges.end());
@@ -165,18 +187,19 @@ private:
     }
 
     // The literal, or nothing; and more.
-    std::vector<Guard> alternatives(const std::optional<GuardLiteral>& first, int morePercent)
+    std::vector<Guard> alternatives(const WatchedPart& part,
+                                    const std::optional<GuardLiteral>& first, int morePercent)
     {
         std::vector<Guard> result(1);
         if (first) {
             result[0].push_back(*first);
         }
         if (random_.chance(morePercent)) {
-            result[0].push_back(anyLiteral());
+            result[0].push_back(anyLiteral(part));
         }
         if (options_.disjunctiveGuards && !result[0].empty() && random_.chance(60)) {
             for (int i = random_.between(1, 2); i > 0; --i) {
-                result.push_back({anyLiteral()});
+                result.push_back({anyLiteral(part)});
             }
         }
         return result;
@@ -192,14 +215,14 @@ private:
                     continue;
                 }
                 if (to->fail) {
-                    for (const Guard& guard : alternatives({}, 40)) {
+                    for (const Guard& guard : alternatives(part, {}, 40)) {
                         builder_.fault(from, to, faultChance(to), guard);
                     }
                     continue;
                 }
                 const GuardLiteral asked{true, value(part.request, to == modes[0] ? 2 : 1)};
                 const double chance = sixtyFourths(from->fail ? 24 : 50);
-                for (const Guard& guard : alternatives(asked, 20)) {
+                for (const Guard& guard : alternatives(part, asked, 20)) {
                     builder_.nominal(from, to, guard, chance);
                 }
             }
@@ -277,8 +300,10 @@ std::optional<WatchedStep> WatchedRun::next()
         return std::nullopt;
     }
     world_ = random_.pick(worlds);
+    const bool unread = random_.chance(options_.unreadPercent);
     for (const StateVar* variable : plant_.observed) {
-        if (plant_.inputs.contains(variable) || random_.chance(options_.observedPercent)) {
+        if (plant_.alwaysObserved.contains(variable) ||
+            (!unread && random_.chance(options_.observedPercent))) {
             step.observations.push_back(worlds_.value(world_, variable));
         }
     }

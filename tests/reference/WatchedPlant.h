@@ -16,16 +16,20 @@
 struct WatchedOptions {
     int fewestParts = 1;
     int mostParts = 3;
-    int observedPercent = 100; ///< how many of the conditions are observed at a step
-    int givenPercent = 100;    ///< how many of the commands are given at a step
-    int lostPercent = 0;       ///< how many of the commands may be lost
-    bool shuffled = false;     ///< observations come in any order
-    bool unseenChanges = false; ///< outputs of faults may be those of off and on, and one fault may follow another
+    int observedPercent = 100;  ///< how many of the conditions are observed at a step
+    int unreadPercent = 0;      ///< how many steps have no observation
+    int givenPercent = 100;     ///< how many of the commands are given at a step
+    int lostPercent = 0;        ///< how many of the commands may be lost
+    bool echoes = false;        ///< a condition, always observed, tells which command arrived
+    bool initialValues = false; ///< outputs and flows have those that go with the initial modes
+    bool shuffled = false;      ///< observations come in any order
+    bool unseenChanges =
+        false; ///< outputs of faults may be those of off and on, and one fault may follow another
     bool openConditions = false;    ///< faults leave two gauges open, partly
     bool conditionGuards = false;   ///< guards read outputs, and gauges where there are any
     bool disjunctiveGuards = false; ///< guards have several alternatives
     bool lawsByCases = false;       ///< a condition that follows in some modes by cases only
-    bool supply = false;            ///< an open condition on which the flow depends; its reading is an input
+    bool supply = false; ///< an open condition on which the flow depends; its reading is an input
 };
 
 /// What is given for a step.
@@ -36,8 +40,9 @@ struct WatchedStep {
 
 struct WatchedPlant {
     std::unique_ptr<plant::Model> model;
-    std::vector<const StateVar*> observed; ///< the conditions that may be
-    std::set<const StateVar*> inputs;      ///< among these
+    std::vector<const StateVar*> observed;    ///< the conditions that may be
+    std::set<const StateVar*> alwaysObserved; ///< among these
+    std::set<const StateVar*> inputs;         ///< among these
     std::unordered_map<const StateVar*, double> lost;
 
     /// In words, for a failure.
