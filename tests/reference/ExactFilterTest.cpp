@@ -88,6 +88,19 @@ TEST_F(ExactFilterTest, NeighboursThatDifferInTheirGuardsOnlyCountOnce)
     EXPECT_EQ(probability("m=broken"), ExactFraction(1, 4));
 }
 
+TEST_F(ExactFilterTest, NeighboursWithAnotherProbabilityAddUp)
+{
+    model(breakable + R"(
+        cond a: no, yes
+        cond b: no, yes
+        initially a = yes
+        initially b = yes
+        fault ok -> broken when a = yes : 0.25
+        fault ok -> broken when b = yes : 0.125)");
+    step();
+    EXPECT_EQ(probability("m=broken"), ExactFraction(3, 8));
+}
+
 TEST_F(ExactFilterTest, StatementsThatAreToldApartAddUp)
 {
     model(breakable + R"(
@@ -162,6 +175,18 @@ TEST_F(ExactFilterTest, TheShareOfAnOpenGuardIsThatOfCompleteAssignments)
         fault ok -> broken when a = yes : 0.5)");
     step();
     EXPECT_EQ(probability("m=broken"), ExactFraction(3, 8));
+}
+
+// a is no or yes; that it is no with one more of the commands that may have been given does not matter.
+TEST_F(ExactFilterTest, OpenCommandsDoNotCountInTheShareOfAConditionAfterThem)
+{
+    model(breakable + R"(
+        command go: slow, fast
+        cond a: no, yes
+        law go = slow -> a = no
+        fault ok -> broken when a = yes : 0.5)");
+    step({"go=slow"});
+    EXPECT_EQ(probability("m=broken"), ExactFraction(1, 4));
 }
 
 // Of the four combinations of a and b three have a yes; not a half and a quarter from two guards.
@@ -329,6 +354,9 @@ TEST_F(ExactFilterTest, TwoReadingsOfOneVariableContradictEachOther)
 {
     model(breakable + "cond x: a, b");
     EXPECT_TRUE(step({}, {"x=a", "x=b"}).inconsistent);
+    filter_.reset();
+    settings_.inputs = {variable("x")};
+    EXPECT_TRUE(step({}, {"x=a", "x=b"}).inconsistent);
 }
 
 TEST_F(ExactFilterTest, LawsThatExcludeEverythingGiveAnInconsistentStep)
@@ -373,7 +401,7 @@ TEST_F(ExactFilterTest, TwoWaysToTheSameModesAddUp)
     EXPECT_EQ(probability("m=right"), ExactFraction(1, 4));
 }
 
-// An open guard of two modes counts for each by itself: 1/2 * 1/2 that both break, not 1/2.
+// An open guard of two modes counts for each by itself: 1/2 * 1/4 that both break, not 1/4.
 TEST_F(ExactFilterTest, EachModeChangesByItself)
 {
     model(R"(
@@ -381,11 +409,22 @@ TEST_F(ExactFilterTest, EachModeChangesByItself)
         mode n { ok initial broken fault }
         cond a: no, yes
         fault m = ok -> broken when a = yes : 1
-        fault n = ok -> broken when a = yes : 1)");
+        fault n = ok -> broken when a = yes : 0.5)");
     const FilterAnswer& answer = step();
-    EXPECT_EQ(answer.probability(atoms({"m=broken", "n=broken"})), ExactFraction(1, 4));
+    EXPECT_EQ(answer.probability(atoms({"m=broken", "n=broken"})), ExactFraction(1, 8));
     EXPECT_EQ(answer.probability(atom("m=broken")), ExactFraction(1, 2));
-    EXPECT_EQ(answer.fault(), ExactFraction(3, 4));
+    EXPECT_EQ(answer.probability(atom("n=broken")), ExactFraction(1, 4));
+}
+
+TEST_F(ExactFilterTest, AFaultIsThereUnlessAllModesAreWithoutOne)
+{
+    model(R"(
+        mode m { ok initial broken fault }
+        mode n { ok initial other broken fault }
+        fault m = ok -> broken : 0.5
+        fault n = ok -> broken : 0.25
+        nominal n = ok -> other : 0.25)");
+    EXPECT_EQ(step().fault(), ExactFraction(5, 8)); // 1 - 1/2 * 3/4
 }
 
 // r is open between three values; v is 1/8.
@@ -414,8 +453,10 @@ TEST_F(ExactFilterTest, InTimeAReadingIsNewWhereAModeThatBearsOnItChanged)
         command go: none, m, n
         cond r: x, y, z
         cond s: x, y, z
+        cond t: x, y, z
         law m = dead -> s = x
         law r = s
+        law n = dead -> t = x
         nominal m = a -> b when go = m : 1
         nominal n = a -> b when go = n : 1)");
     settings_.readingsInTime = true;
@@ -454,6 +495,43 @@ TEST_F(ExactFilterTest, InTimeReadingsThatLawsConnectChangeTogether)
     EXPECT_EQ(likelihood(), ExactFraction(21, 32));
     step({}, {"r=x", "s=y"});
     EXPECT_EQ(likelihood(), ExactFraction(11, 64));
+}
+
+// r changes to one of two other values, s stays.
+TEST_F(ExactFilterTest, InTimeReadingsThatNothingConnectsChangeByThemselves)
+{
+    model(breakable + "cond r: x, y, z\ncond s: x, y");
+    settings_.readingsInTime = true;
+    settings_.changing = {{variable("r"), ExactFraction(1, 8)},
+                          {variable("s"), ExactFraction(1, 4)}};
+    step({}, {"r=x", "s=x"});
+    EXPECT_EQ(likelihood(), ExactFraction(1, 6));
+    step({}, {"r=y", "s=x"});
+    EXPECT_EQ(likelihood(), ExactFraction(3, 64)); // 1/8 * 1/2 * 3/4
+}
+
+// s was not read before: as far as that goes, it may be anything with r, of which nothing is expected then.
+TEST_F(ExactFilterTest, InTimeAGroupWithAVariableThatWasNotReadIsNew)
+{
+    model(breakable + "cond r: x, y\ncond s: x, y\nlaw r = x | s = x");
+    settings_.readingsInTime = true;
+    step({}, {"r=x"});
+    EXPECT_EQ(likelihood(), ExactFraction(1, 2));
+    step({}, {"r=x", "s=x"});
+    EXPECT_EQ(likelihood(), ExactFraction(1, 3));
+    step({}, {"s=x"});
+    EXPECT_EQ(likelihood(), ExactFraction(1));
+}
+
+// y and y cannot both be: read one after the other they say nothing of what both are.
+TEST_F(ExactFilterTest, InTimeReadingsThatAreImpossibleTogetherAreNotExpectedAgain)
+{
+    model(breakable + "cond r: x, y\ncond s: x, y\nlaw r = x | s = x");
+    settings_.readingsInTime = true;
+    step({}, {"r=y"});
+    step({}, {"s=y"});
+    step({}, {"r=x", "s=y"});
+    EXPECT_EQ(likelihood(), ExactFraction(1, 3));
 }
 
 // Any two of the three have all four combinations; together they have four of eight.
