@@ -31,9 +31,7 @@ ExactFraction FilterAnswer::fault() const
 }
 
 ExactFilter::ExactFilter(const plant::Model& model, FilterSettings settings)
-    : settings_(std::move(settings)), worlds_(model),
-      transitions_(model, worlds_,
-                   settings_.statements ? *settings_.statements : statementsOfNeighbours(model)),
+    : settings_(std::move(settings)), worlds_(model), transitions_(model, worlds_),
       readings_(model, worlds_, settings_.changing)
 {
     Key initial;

@@ -22,7 +22,6 @@
 #include "tests/reference/ExactReadings.h"
 #include "tests/reference/ExactTransitions.h"
 
-#include <optional>
 #include <unordered_map>
 
 /// What is given for a step, in any order.
@@ -32,8 +31,6 @@ struct FilterStep {
 };
 
 struct FilterSettings {
-    /// None: statementsOfNeighbours().
-    std::optional<Statements> statements = {};
     std::set<const StateVar*> inputs = {}; ///< variables whose readings are given, not scored
     /// By command: that it does not arrive.
     std::unordered_map<const StateVar*, double> lost = {};

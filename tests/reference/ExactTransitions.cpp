@@ -10,34 +10,13 @@ constexpr double tolerance = 1e-9;
 
 } // namespace
 
-Statements statementsOfNeighbours(const plant::Model& model)
-{
-    Statements result;
-    for (std::size_t i = 0; i < model.transitions().size(); ++i) {
-        const Transition& one = *model.transitions()[i];
-        bool same = false;
-        if (i > 0) {
-            const Transition& last = *model.transitions()[i - 1];
-            same = one.type == last.type && one.name == last.name && one.atom == last.atom &&
-                   one.proba == last.proba &&
-                   model.preconditionOf(i).front() == model.preconditionOf(i - 1).front();
-        }
-        result.push_back(i == 0 ? 0 : result.back() + (same ? 0 : 1));
-    }
-    return result;
-}
-
-ExactTransitions::ExactTransitions(const plant::Model& model, const ExactWorlds& worlds,
-                                   Statements statements)
+ExactTransitions::ExactTransitions(const plant::Model& model, const ExactWorlds& worlds)
     : worlds_(worlds)
 {
-    if (statements.size() != model.transitions().size()) {
-        std::abort();
-    }
     std::map<std::size_t, std::size_t> places;
-    for (std::size_t i = 0; i < statements.size(); ++i) {
+    for (std::size_t i = 0; i < model.transitions().size(); ++i) {
         const Transition& transition = *model.transitions()[i];
-        const auto [place, isNew] = places.emplace(statements[i], statements_.size());
+        const auto [place, isNew] = places.emplace(model.changeOf(i), statements_.size());
         if (isNew) {
             statements_.push_back({transition.atom, transition.proba, {}});
         }

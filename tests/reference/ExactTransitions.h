@@ -4,18 +4,10 @@
 #include "tests/reference/ExactFraction.h"
 #include "tests/reference/ExactWorlds.h"
 
-/// For each transition of the model, in its order, which statement it belongs to: a statement whose guard has several
-/// alternatives becomes several transitions. The numbers themselves mean nothing.
-using Statements = std::vector<std::size_t>;
-
-/// Neighbouring transitions that differ in their guards only belong together. A model does not tell more than that:
-/// two statements that follow one another and differ in their guards only are taken for one.
-Statements statementsOfNeighbours(const plant::Model& model);
-
 class ExactTransitions {
 public:
     /// Model and worlds outlive it.
-    ExactTransitions(const plant::Model& model, const ExactWorlds& worlds, Statements statements);
+    ExactTransitions(const plant::Model& model, const ExactWorlds& worlds);
 
     /// The values that the mode may have after a step, with their probabilities. `before` is what may have been before the
     /// step, each world as probable as any other; the mode has the same value, `from`, in all of them. `commands` are those
@@ -26,6 +18,7 @@ public:
                                                  const std::vector<const Atom*>& commands) const;
 
 private:
+    /// Transitions that are one change of the model, whose probability counts once.
     struct Statement {
         const Atom* target;
         double probability;

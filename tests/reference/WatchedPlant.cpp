@@ -215,17 +215,23 @@ private:
                     continue;
                 }
                 if (to->fail) {
-                    for (const Guard& guard : alternatives(part, {}, 40)) {
-                        builder_.fault(from, to, faultChance(to), guard);
-                    }
+                    const std::vector<Guard> guards = alternatives(part, {}, 40);
+                    builder_.fault(from, to, faultChance(to), guards.front());
+                    addAlternatives(guards);
                     continue;
                 }
                 const GuardLiteral asked{true, value(part.request, to == modes[0] ? 2 : 1)};
-                const double chance = sixtyFourths(from->fail ? 24 : 50);
-                for (const Guard& guard : alternatives(part, asked, 20)) {
-                    builder_.nominal(from, to, guard, chance);
-                }
+                const std::vector<Guard> guards = alternatives(part, asked, 20);
+                builder_.nominal(from, to, guards.front(), sixtyFourths(from->fail ? 24 : 50));
+                addAlternatives(guards);
             }
+        }
+    }
+
+    void addAlternatives(const std::vector<Guard>& guards)
+    {
+        for (std::size_t i = 1; i < guards.size(); ++i) {
+            builder_.alternative(guards[i]);
         }
     }
 
@@ -251,7 +257,7 @@ WatchedPlant makeWatchedPlant(Random& random, const WatchedOptions& options)
 
 WatchedRun::WatchedRun(Random& random, const WatchedPlant& plant, const WatchedOptions& options)
     : random_(random), plant_(plant), options_(options), worlds_(*plant.model),
-      transitions_(*plant.model, worlds_, statementsOfNeighbours(*plant.model))
+      transitions_(*plant.model, worlds_)
 {
 }
 
@@ -338,10 +344,9 @@ std::string WatchedPlant::described() const
         }
         out << '\n';
     }
-    const Statements statements = statementsOfNeighbours(*model);
-    for (std::size_t i = 0; i < statements.size(); ++i) {
+    for (std::size_t i = 0; i < model->transitions().size(); ++i) {
         const Transition& transition = *model->transitions()[i];
-        out << "statement " << statements[i] << ": " << transition.type << " to "
+        out << "change " << model->changeOf(i) << ": " << transition.type << " to "
             << transition.atom->id << " : " << transition.proba << " when";
         for (const auto& [mustHold, atom] : model->preconditionOf(i)) {
             out << (mustHold ? " " : " !") << atom->id;
