@@ -23,7 +23,7 @@ struct WatchedPart {
     StateVar* request = nullptr;
     StateVar* out = nullptr;
     StateVar* flow = nullptr;
-    std::vector<StateVar*> gauges;
+    std::vector<StateVar*> gauges; // and the sum
 };
 
 class WatchedMaker {
@@ -104,6 +104,7 @@ private:
         if (options_.lawsByCases) {
             addCases(part);
         }
+        plant_.gauges.insert(part.gauges.begin(), part.gauges.end());
         parts_.push_back(part);
     }
 
@@ -153,10 +154,11 @@ private:
     }
 
     // `sum` is a number for each mode, at once or whatever `either` is.
-    void addCases(const WatchedPart& part)
+    void addCases(WatchedPart& part)
     {
         StateVar* either = condition(part.comp, "either", 2, false);
         StateVar* sum = condition(part.comp, "sum", 3, true);
+        part.gauges.push_back(sum);
         for (std::size_t i = 0; i < part.mode->atomLinks->size(); ++i) {
             Atom* mode = value(part.mode, i);
             Atom* result = value(sum, random_.below(3));
@@ -309,7 +311,8 @@ std::optional<WatchedStep> WatchedRun::next()
     const bool unread = random_.chance(options_.unreadPercent);
     for (const StateVar* variable : plant_.observed) {
         if (plant_.alwaysObserved.contains(variable) ||
-            (!unread && random_.chance(options_.observedPercent))) {
+            (!unread && random_.chance(options_.observedPercent) &&
+             (!plant_.gauges.contains(variable) || random_.chance(options_.gaugesPercent)))) {
             step.observations.push_back(worlds_.value(world_, variable));
         }
     }

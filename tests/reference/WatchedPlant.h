@@ -17,6 +17,7 @@ struct WatchedOptions {
     int fewestParts = 1;
     int mostParts = 3;
     int observedPercent = 100;  ///< how many of the conditions are observed at a step
+    int gaugesPercent = 100;    ///< how many of the gauges and sums are, of those
     int unreadPercent = 0;      ///< how many steps have no observation
     int givenPercent = 100;     ///< how many of the commands are given at a step
     int lostPercent = 0;        ///< how many of the commands may be lost
@@ -25,8 +26,8 @@ struct WatchedOptions {
     bool shuffled = false;      ///< observations come in any order
     bool unseenChanges =
         false; ///< outputs of faults may be those of off and on, and one fault may follow another
-    bool openConditions = false;    ///< faults leave two gauges open, partly
-    bool conditionGuards = false;   ///< guards read outputs, and gauges where there are any
+    bool openConditions = false;  ///< faults leave two gauges open, partly
+    bool conditionGuards = false; ///< guards read outputs, and gauges and sums where there are any
     bool disjunctiveGuards = false; ///< guards have several alternatives
     bool lawsByCases = false;       ///< a condition that follows in some modes by cases only
     bool supply = false; ///< an open condition on which the flow depends; its reading is an input
@@ -42,6 +43,7 @@ struct WatchedPlant {
     std::unique_ptr<plant::Model> model;
     std::vector<const StateVar*> observed;    ///< the conditions that may be
     std::set<const StateVar*> alwaysObserved; ///< among these
+    std::set<const StateVar*> gauges;         ///< among these; and sums
     std::set<const StateVar*> inputs;         ///< among these
     std::unordered_map<const StateVar*, double> lost;
 
