@@ -1,0 +1,159 @@
+#include "tests/reference/TrackerAgreement.h"
+
+#include "monitor/track/Tracker.h"
+#include "tests/support/RandomPlant.h"
+#include "tests/support/TestModel.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <sstream>
+
+namespace {
+
+using Modes = ExactFilter::Modes;
+using Distribution = std::map<Modes, double>;
+
+constexpr double tolerance = 1e-9;
+
+monitor::TrackInput trackInput(const plant::Plant& plant, const WatchedPlant& watched,
+                               const WatchedStep& step, std::size_t number)
+{
+    monitor::TrackInput input;
+    input.step = number;
+    input.t = static_cast<double>(number);
+    for (const Atom* command : step.commands) {
+        input.values.commands.push_back(plant.indexOf(command));
+        const Atom* fallback = command->stateVar->atomLinks->front();
+        const auto lost = watched.lost.find(command->stateVar);
+        if (lost != watched.lost.end() && command != fallback) {
+            input.lossy.push_back({plant.indexOf(command), plant.indexOf(fallback), lost->second});
+        }
+    }
+    for (const Atom* observed : step.observations) {
+        input.values.observations.push_back(plant.indexOf(observed));
+    }
+    return input;
+}
+
+// Empty where it is inconsistent, as below.
+Distribution ofTracker(const plant::Plant& plant, const std::vector<const StateVar*>& modes,
+                       const monitor::TrackAnswer& answer)
+{
+    Distribution result;
+    if (answer.status == monitor::TrackStatus::inconsistent) {
+        return result;
+    }
+    for (std::size_t i = 0; i < answer.hypotheses.size(); ++i) {
+        Modes values;
+        for (const StateVar* mode : modes) {
+            for (const plant::AtomIndex value : answer.hypotheses[i]->modes) {
+                if (plant.atom(value)->stateVar == mode) {
+                    values.push_back(plant.atom(value));
+                }
+            }
+        }
+        result[values] += answer.probabilities[i];
+    }
+    return result;
+}
+
+Distribution ofFilter(const FilterAnswer& answer)
+{
+    Distribution result;
+    for (const auto& [modes, probability] : answer.probabilities) {
+        result[modes] = probability.value();
+    }
+    return result;
+}
+
+double largestDifference(const Distribution& a, const Distribution& b)
+{
+    double largest = 0.0;
+    for (const auto& [one, other] : {std::pair(&a, &b), std::pair(&b, &a)}) {
+        for (const auto& [modes, probability] : *one) {
+            const auto found = other->find(modes);
+            const double there = found == other->end() ? 0.0 : found->second;
+            largest = std::max(largest, std::abs(probability - there));
+        }
+    }
+    return largest;
+}
+
+void write(std::ostream& out, const char* who, const Distribution& distribution)
+{
+    out << who << (distribution.empty() ? ": inconsistent\n" : ":\n");
+    for (const auto& [modes, probability] : distribution) {
+        out << "    " << probability;
+        for (const Atom* mode : modes) {
+            out << ' ' << mode->id;
+        }
+        out << '\n';
+    }
+}
+
+// The size of the example, and its text.
+void comparePlant(const WatchedOptions& options, std::uint64_t seed, int steps, Agreement& result,
+                  std::size_t& exampleSize)
+{
+    Random random(seed);
+    WatchedPlant watched = makeWatchedPlant(random, options);
+    ExactFilter filter(*watched.model, {.inputs = watched.inputs, .lost = watched.lost});
+    WatchedRun run(random, watched, options);
+    watched.model->activate();
+    itms engine;
+    engine.rtInit();
+    const plant::Plant plant(*watched.model);
+    monitor::Tracker tracker(engine, plant, {.maxFaults = 1000, .keep = 100000, .lookBack = 1000});
+    ++result.plants;
+    std::ostringstream story;
+    story << "seed " << seed << '\n' << watched.described();
+    bool differs = false;
+    for (int number = 1; number <= steps; ++number) {
+        const std::optional<WatchedStep> step = run.next();
+        if (!step) {
+            return;
+        }
+        const Distribution exact = ofFilter(filter.advance({step->commands, step->observations}));
+        const Distribution tracked = ofTracker(
+            plant, filter.modes(),
+            tracker.advance(trackInput(plant, watched, *step, static_cast<std::size_t>(number))));
+        story << "step " << number << ": " << described(*step) << '\n';
+        ++result.steps;
+        result.several += exact.size() > 1 ? 1 : 0;
+        result.inconsistent += exact.empty() && tracked.empty() ? 1 : 0;
+        const double difference = largestDifference(exact, tracked);
+        if (difference > tolerance) {
+            ++result.differing;
+            result.largest = std::max(result.largest, difference);
+            const std::size_t size =
+                100 * watched.model->components().size() + watched.model->laws().size() +
+                watched.model->transitions().size() + 3 * static_cast<std::size_t>(number);
+            result.differingPlants += differs ? 0 : 1;
+            if (!differs && (result.example.empty() || size < exampleSize)) {
+                exampleSize = size;
+                write(story, "exact", exact);
+                write(story, "tracker", tracked);
+                result.example = story.str();
+            }
+            differs = true;
+        }
+        if (exact.empty()) {
+            return;
+        }
+    }
+}
+
+} // namespace
+
+Agreement compareTracker(const WatchedOptions& options, std::uint64_t firstSeed, int seeds,
+                         int steps)
+{
+    const MutedTrace muted;
+    Agreement result;
+    std::size_t exampleSize = 0;
+    for (int i = 0; i < seeds; ++i) {
+        comparePlant(options, firstSeed + static_cast<std::uint64_t>(i), steps, result, exampleSize);
+    }
+    return result;
+}

@@ -1,0 +1,68 @@
+// The tracker's probabilities against the exact filter's, on random plants of classes in which the two agree.
+#include "tests/reference/TrackerAgreement.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// On 150 plants; at some steps at least several modes are possible.
+void expectAgreement(const WatchedOptions& options, std::uint64_t firstSeed)
+{
+    const Agreement agreement = compareTracker(options, firstSeed, 150, 6);
+    EXPECT_EQ(agreement.differing, 0)
+        << agreement.differing << " of " << agreement.steps << " steps differ, by up to "
+        << agreement.largest << ", among them\n"
+        << agreement.example;
+    EXPECT_GT(agreement.steps, 800);
+    EXPECT_GT(agreement.several, 120);
+}
+
+TEST(TrackerAgreement, IsExactWhereEveryChangeShowsAndEveryConditionFollows)
+{
+    expectAgreement({}, 0);
+}
+
+TEST(TrackerAgreement, IsExactWhereAnOpenInputIsReadInAnyPlace)
+{
+    expectAgreement({.shuffled = true, .supply = true}, 1000);
+}
+
+TEST(TrackerAgreement, IsExactWhereGuardsReadConditions)
+{
+    expectAgreement({.conditionGuards = true}, 2000);
+}
+
+TEST(TrackerAgreement, IsExactWhereGuardsHaveAlternatives)
+{
+    expectAgreement({.conditionGuards = true, .disjunctiveGuards = true}, 3000);
+}
+
+TEST(TrackerAgreement, IsExactWhereFaultsLeaveGaugesOpen)
+{
+    expectAgreement({.gaugesPercent = 60, .shuffled = true, .openConditions = true}, 4000);
+}
+
+TEST(TrackerAgreement, IsExactWhereAConditionFollowsByCases)
+{
+    expectAgreement({.gaugesPercent = 60, .shuffled = true, .lawsByCases = true}, 5000);
+}
+
+TEST(TrackerAgreement, IsExactWhereItShowsWhichOfTwoCommandsWereLost)
+{
+    expectAgreement({.mostParts = 2, .lostPercent = 80, .echoes = true}, 6000);
+}
+
+TEST(TrackerAgreement, IsExactWhereAllOfThatComesTogether)
+{
+    expectAgreement({.mostParts = 2,
+                     .lostPercent = 80,
+                     .echoes = true,
+                     .shuffled = true,
+                     .openConditions = true,
+                     .conditionGuards = true,
+                     .disjunctiveGuards = true,
+                     .supply = true},
+                    7000);
+}
+
+} // namespace
