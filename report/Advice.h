@@ -36,13 +36,14 @@ struct AdviceReport {
 };
 
 /// The report of an advice about an answer. Entropies become bits.
+/// Requires: the advice was given about this answer. Linear in both.
 AdviceReport adviceReport(const plant::Plant& plant, const plant::Bindings& bindings,
                           const monitor::TrackAnswer& answer, const monitor::Advice& advice);
 
 /// One line of JSON with up to `shown` measurements, 0 for all; docs/output.md describes the fields.
 std::string adviceJson(const AdviceReport& report, std::size_t shown);
 
-/// The same for people. Measurements with the same outcomes are listed as one.
+/// The same for people, in lines ended by newlines. Measurements with the same outcomes are listed as one.
 std::string adviceText(const AdviceReport& report, std::size_t shown, Colours colours);
 
 } // namespace report

@@ -59,9 +59,10 @@ struct ExplainedConflict {
     std::optional<bool> everyValueCounts;
 };
 
-/// Where laws and channels were declared. The model outlives it; linear in its laws.
+/// Where laws and channels were declared.
 class ModelNames {
 public:
+    /// Requires: the model was read without errors, and outlives this. Linear in its laws.
     explicit ModelNames(const language::ReadResult& model);
 
     /// Text and place; what followed is left to the caller.

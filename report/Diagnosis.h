@@ -48,7 +48,9 @@ struct Diagnosis {
     SearchWork work;                       ///< summed over the searches
 };
 
-/// The diagnosis of a problem that was solved. Linear in the observed outputs times those that differ, and in what was found.
+/// The diagnosis of a problem that was solved.
+/// Requires: the session gave this answer to this problem. Linear in the observed outputs times those that differ, and in what was
+/// found.
 Diagnosis diagnosis(const session::CircuitSession& session, const session::CircuitProblem& problem,
                     const session::CircuitAnswer& answer);
 
@@ -62,6 +64,7 @@ enum class Layout { single, many };
 class DiagnosisTable {
 public:
     /// Of each diagnosis, up to `shown` explanations are listed; 0 lists all.
+    /// Requires: the circuit outlives this.
     DiagnosisTable(const netlist::Circuit& circuit, Layout layout, Colours colours,
                    std::size_t shown);
 

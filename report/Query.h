@@ -19,6 +19,7 @@ struct QueryReport {
 };
 
 /// The report of a step.
+/// Requires: the formula was asked of this step's answer.
 QueryReport queryReport(const monitor::TrackAnswer& step, const monitor::QueryAnswer& answer);
 
 /// The record of the step, ended by a newline; docs/output.md describes its fields.

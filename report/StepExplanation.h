@@ -43,7 +43,8 @@ struct StepExplanation {
     std::size_t stepsLeftOut = 0; ///< earlier steps that contradicted the most probable hypothesis
 };
 
-/// What a step is explained from. All of it outlives the call only.
+/// What a step is explained from.
+/// Requires: the history and the answer are those of one session over the plant and the model. None of it is kept.
 struct ExplainedRun {
     const plant::Plant& plant;
     const language::ReadResult& model;

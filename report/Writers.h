@@ -20,6 +20,7 @@ enum class Format {
 };
 
 /// Makes the writers of a format. The colours are those of what is for people.
+/// Ensures: a writer has a copy of the sink, and may outlive this.
 class Writers {
 public:
     Writers(Format format, Colours colours, Sink sink)

@@ -20,7 +20,8 @@ public:
     double fraction() { return static_cast<double>(generator_() >> 11) * 0x1p-53; }
     /// True with this probability.
     bool happens(double probability) { return fraction() < probability; }
-    /// One of 0 .. n-1; n is at least 1. Their probabilities differ by 2^-53 at most.
+    /// One of 0 .. n-1. Their probabilities differ by 2^-53 at most.
+    /// Requires: n >= 1.
     std::size_t below(std::size_t n)
     {
         return static_cast<std::size_t>(fraction() * static_cast<double>(n));

@@ -11,7 +11,8 @@ constexpr double usualCommandProbability = 0.2;
 /// Commands drawn one after the other.
 class CommandSource {
 public:
-    /// `probability` that a command variable is not silent at a step. The plant outlives it.
+    /// `probability` that a command variable is not silent at a step, 0..1.
+    /// Requires: the plant outlives this.
     CommandSource(const plant::Plant& plant, std::uint64_t seed,
                   double probability = usualCommandProbability);
 

@@ -87,13 +87,15 @@ struct SimulatorSettings {
 
 class Simulator {
 public:
-    /// In the initial state (monitor/step/Step.h, initialLabels). The plant outlives it. Linear in the plant, and in the
-    /// open variables times the observed ones that are open with them.
+    /// In the initial state (monitor/step/Step.h, initialLabels). Linear in the plant, and in the open variables times the observed
+    /// ones that are open with them.
+    /// Requires: the plant outlives this; the bindings are of its model.
     Simulator(const plant::Plant& plant, const plant::Bindings& bindings,
               const SimulatorSettings& settings = {});
 
-    /// Goes a step on. With a problem the state stays as it was. Linear in the plant, if no value that was given to
-    /// an open variable has to be taken back; there is a bound on how many are.
+    /// Goes a step on. Linear in the plant, if no value that was given to an open variable has to be taken back; there is a bound on
+    /// how many are.
+    /// Ensures: with a problem the state is as it was.
     std::variant<SimulatedStep, SimulationProblem> step(const SimulationInput& input);
 
     /// Labels after the last step. Before the first, the initial ones: modes, and conditions as far as known.
