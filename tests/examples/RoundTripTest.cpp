@@ -5,6 +5,7 @@
 // that never shows, or that looks like a change of an input, nobody can know.
 #include "monitor/track/Tracker.h"
 #include "tests/examples/ExamplePlant.h"
+#include "tests/support/Sanitized.h"
 #include "tests/support/SimulatedRun.h"
 #include "tests/support/TestModel.h"
 
@@ -25,12 +26,7 @@ struct Trial {
     Names drawn; ///< a value of each variable that comes from outside and is drawn anew at every step
 };
 
-// With one fault, and as many with two. Sanitizers make each run some ten times as long.
-#ifdef __SANITIZE_ADDRESS__
-constexpr std::size_t runs = 30;
-#else
-constexpr std::size_t runs = 150;
-#endif
+constexpr std::size_t runs = underSanitizers ? 15 : 150; // with one fault, and as many with two
 constexpr std::size_t steps = 30;
 
 /// What came of the runs of a trial.

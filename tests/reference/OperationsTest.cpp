@@ -1,12 +1,13 @@
 #include "tests/reference/EvaluationOperations.h"
 #include "tests/reference/ProbabilityOperations.h"
 #include "tests/reference/RepairOperations.h"
+#include "tests/support/Sanitized.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-constexpr std::uint64_t operationsPerBlock = 200;
+constexpr std::uint64_t operationsPerBlock = underSanitizers ? 50 : 200;
 constexpr int operationsPerSeed = 30;
 
 template <class Table, class Engine> void tryOne(Bench<Engine>& bench)

@@ -1,10 +1,11 @@
 #include "tests/reference/Steps.h"
+#include "tests/support/Sanitized.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-constexpr std::uint64_t seedsPerBlock = 400;
+constexpr std::uint64_t seedsPerBlock = underSanitizers ? 100 : 400;
 
 class StepsOverSeeds : public ::testing::TestWithParam<std::uint64_t> {};
 
