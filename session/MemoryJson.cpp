@@ -88,7 +88,7 @@ monitor::StepLabels labelsFromJson(const Json& json, const Plant& plant)
         for (const AtomIndex value : numbers.atoms(json.at("values"))) {
             values.assume(value);
         }
-        return {plant, concluded(std::move(values))};
+        return {plant, concluded(values)};
     }
     monitor::StepLabels labels(plant);
     labels.take(numbers.atoms(json.at("assumptions")), numbers.atoms(json.at("observations")));

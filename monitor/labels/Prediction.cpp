@@ -315,10 +315,13 @@ std::vector<bool> Prediction::dependents(const std::vector<bool>& markedVariable
     return dependent;
 }
 
-Prediction concluded(Prediction labels)
+Prediction concluded(const Prediction& labels)
 {
     Prediction drawn = labels;
-    return drawn.propagate() ? drawn : labels;
+    if (!drawn.propagate()) {
+        return labels;
+    }
+    return drawn;
 }
 
 } // namespace monitor

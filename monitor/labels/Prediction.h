@@ -85,6 +85,6 @@ private:
 };
 
 /// The labels with all conclusions drawn; as they are where these contradict one another.
-Prediction concluded(Prediction labels);
+Prediction concluded(const Prediction& labels);
 
 } // namespace monitor

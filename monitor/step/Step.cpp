@@ -59,7 +59,7 @@ Prediction initialLabels(const Plant& plant)
             labels.assume(variable.values.front());
         }
     }
-    return concluded(std::move(labels));
+    return concluded(labels);
 }
 
 const char* name(StepStatus status)

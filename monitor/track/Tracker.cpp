@@ -181,7 +181,7 @@ private:
                 for (const AtomIndex mode : hypothesis.modes) {
                     modes.assume(mode);
                 }
-                hypothesis.labels = StepLabels(tracker_.plant_, concluded(std::move(modes)));
+                hypothesis.labels = StepLabels(tracker_.plant_, concluded(modes));
                 hypothesis.unexplained = input_.values.observations;
             }
             add(std::move(hypothesis), i);
