@@ -34,7 +34,8 @@ struct ModeStep {
 /// The possibilities of every mode variable, in the plant's order of variables. Guards are read in the modes and
 /// conditions before the step and the commands of this step; a command that is not given is unknown, whatever
 /// `before` says of it, and a literal of an unknown atom does not hold. A mode variable without a value in
-/// `before` is taken to have its first. Linear in the transitions of each component times its mode variables.
+/// `before` is taken to have its first. Linear in the plant and in the changes that leave
+/// the values before the step.
 std::vector<ModeStep> modeSteps(const Plant& plant, const Prediction& before,
                                 const std::vector<AtomIndex>& commands);
 
