@@ -55,6 +55,7 @@ format:
 lint:
 	@scripts/install-packages.sh --all
 	cmake --preset lint
+	cmake --preset tidy
 	JOBS=$(JOBS) scripts/lint.sh
 
 install:

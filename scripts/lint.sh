@@ -23,6 +23,7 @@ check 'sources are listed' scripts/check-sources.sh
 check 'length of files' scripts/check-length.sh
 check 'format' scripts/format.sh --check
 check 'headers stand alone' cmake --build --preset lint --target all_verify_interface_header_sets -- --quiet
+check 'sources compile by themselves' scripts/check-standalone.sh
 check 'clang-tidy' scripts/tidy.sh
 
 if [ ${#failed[@]} -gt 0 ]; then

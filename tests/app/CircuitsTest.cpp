@@ -1,5 +1,6 @@
 // Every problem of examples/circuits through the program: its explanations are exactly the listed smallest diagnoses.
 #include "tests/app/Program.h"
+#include "tests/support/Sanitized.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -51,12 +52,22 @@ class Circuits : public testing::TestWithParam<std::string> {};
 TEST_P(Circuits, HaveExactlyTheListedDiagnoses)
 {
     const std::string base = "examples/circuits/" + GetParam();
-    const ProgramRun run = runProgram({"diagnose", base + ".bench", "--problems", base + ".jsonl",
-                                       "-n", "0", "--max-seconds", "0"});
+    std::vector<std::string> problems = projectLines(base + ".jsonl");
+    ASSERT_FALSE(problems.empty());
+    if (underSanitizers) {
+        problems.resize(1); // the others are solved in the release tests
+    }
+    std::string given;
+    for (const std::string& problem : problems) {
+        given += problem + '\n';
+    }
+    ProgramSetting setting;
+    setting.input = given;
+    const ProgramRun run = runProgram(
+        {"diagnose", base + ".bench", "--problems", "/dev/stdin", "-n", "0", "--max-seconds", "0"},
+        setting);
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.err, "");
-    const std::vector<std::string> problems = projectLines(base + ".jsonl");
-    ASSERT_FALSE(problems.empty());
     std::istringstream records(run.out);
     for (const std::string& line : problems) {
         const Json problem = Json::parse(line);

@@ -88,7 +88,49 @@ public:
         return assign(0) ? std::optional(chosen_) : std::nullopt;
     }
 
+    // The combinations of values of these variables for which there is a world. Requires that find() was not called.
+    std::uint32_t count(const std::vector<const StateVar*>& counted)
+    {
+        const auto toFront = [this](std::size_t begin, auto&& wanted) {
+            for (std::size_t i = begin; i < variables_.size(); ++i) {
+                if (wanted(i)) {
+                    std::swap(variables_[i], variables_[begin]);
+                    std::swap(choices_[i], choices_[begin]);
+                    ++begin;
+                }
+            }
+            return begin;
+        };
+        const std::size_t first =
+            toFront(0, [this](std::size_t i) { return choices_[i].size() == 1; });
+        const std::size_t last = toFront(first, [&](std::size_t i) {
+            return std::find(counted.begin(), counted.end(), variables_[i]) != counted.end();
+        });
+        for (std::size_t i = 0; i < first; ++i) {
+            write(i, choices_[i].front());
+        }
+        return countFrom(first, last);
+    }
+
 private:
+    std::uint32_t countFrom(std::size_t index, std::size_t last)
+    {
+        if (index == last) {
+            const bool possible = assign(index);
+            for (std::size_t i = index; i < variables_.size(); ++i) {
+                write(i, nullptr);
+            }
+            return possible ? 1 : 0;
+        }
+        std::uint32_t sum = 0;
+        for (const Atom* value : choices_[index]) {
+            write(index, value);
+            sum += violated() ? 0 : countFrom(index + 1, last);
+        }
+        write(index, nullptr);
+        return sum;
+    }
+
     bool assign(std::size_t index)
     {
         if (violated()) {
@@ -255,29 +297,14 @@ std::uint32_t BruteForceDiagnosis::combinations(const std::vector<const Atom*>& 
     if (!labels) {
         return 0;
     }
-    std::vector<const StateVar*> open;
-    for (const StateVar* variable : variables) {
-        if (std::none_of(variable->atomLinks->begin(), variable->atomLinks->end(),
-                         [&](const Atom* value) {
-                             const auto label = labels->find(value);
-                             return label != labels->end() && label->second;
-                         })) {
-            open.push_back(variable);
+    // What follows need not be tried.
+    std::vector<const Atom*> known;
+    for (const auto& [atom, holds] : *labels) {
+        if (holds) {
+            known.push_back(atom);
         }
     }
-    if (open.empty()) {
-        return world(given) ? 1 : 0;
-    }
-    const std::vector<const StateVar*> others(open.begin() + 1, open.end());
-    std::uint32_t sum = 0;
-    for (const Atom* value : *open.front()->atomLinks) {
-        if (!labels->contains(value)) {
-            std::vector<const Atom*> longer = given;
-            longer.push_back(value);
-            sum += combinations(longer, others);
-        }
-    }
-    return sum;
+    return Worlds(known, 0).count(variables);
 }
 
 // Where the laws allow the modes and the observations together, they are one of the combinations.

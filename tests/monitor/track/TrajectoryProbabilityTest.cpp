@@ -8,6 +8,7 @@
 // sums over all sequences are an upper bound. Where every deviation shows at once, each is called for.
 #include "tests/monitor/track/RandomTrack.h"
 #include "tests/support/HandMade.h"
+#include "tests/support/Sanitized.h"
 #include "tests/support/TestModel.h"
 
 #include <gtest/gtest.h>
@@ -189,62 +190,68 @@ protected:
 
 TEST_F(TrajectoryProbability, OfMixedModelsIsThatOfTheSequencesThatWereCalledFor)
 {
-    for (std::uint64_t seed = 0; seed < 50 && !HasFailure(); ++seed) {
+    for (int i = 0; i < fewerUnderSanitizers(50) && !HasFailure(); ++i) {
+        const std::uint64_t seed = 0 + static_cast<std::uint64_t>(i);
         compareCalledFor(seed, PlantKind::mixed, 99, {});
     }
-    EXPECT_GT(steps_, 150);
-    EXPECT_GT(several_, 12);
-    EXPECT_GT(inconsistent_, 5);
+    EXPECT_GT(steps_, fewerUnderSanitizers(150));
+    EXPECT_GT(several_, fewerUnderSanitizers(12));
+    EXPECT_GT(inconsistent_, fewerUnderSanitizers(5));
 }
 
 TEST_F(TrajectoryProbability, OfCircuitsIsThatOfTheSequencesThatWereCalledFor)
 {
-    for (std::uint64_t seed = 1000; seed < 1050 && !HasFailure(); ++seed) {
+    for (int i = 0; i < fewerUnderSanitizers(50) && !HasFailure(); ++i) {
+        const std::uint64_t seed = 1000 + static_cast<std::uint64_t>(i);
         compareCalledFor(seed, PlantKind::circuit, 1 + static_cast<int>(seed % 3), {});
     }
-    EXPECT_GT(steps_, 200);
-    EXPECT_GT(several_, 50);
-    EXPECT_GT(inconsistent_, 5);
+    EXPECT_GT(steps_, fewerUnderSanitizers(200));
+    EXPECT_GT(several_, fewerUnderSanitizers(50));
+    EXPECT_GT(inconsistent_, fewerUnderSanitizers(5));
 }
 
 TEST_F(TrajectoryProbability, OfMixedModelsWithLostCommandsIsThatOfTheSequencesThatWereCalledFor)
 {
-    for (std::uint64_t seed = 2000; seed < 2035 && !HasFailure(); ++seed) {
+    for (int i = 0; i < fewerUnderSanitizers(35) && !HasFailure(); ++i) {
+        const std::uint64_t seed = 2000 + static_cast<std::uint64_t>(i);
         compareCalledFor(seed, PlantKind::mixed, 99, {.lossy = 80});
     }
-    EXPECT_GT(steps_, 120);
-    EXPECT_GT(several_, 30);
+    EXPECT_GT(steps_, fewerUnderSanitizers(120));
+    EXPECT_GT(several_, fewerUnderSanitizers(30));
 }
 
 TEST_F(TrajectoryProbability, WithOneFaultIsThatOfAllSequences)
 {
-    for (std::uint64_t seed = 3000; seed < 3150 && !HasFailure(); ++seed) {
+    for (int i = 0; i < fewerUnderSanitizers(150) && !HasFailure(); ++i) {
+        const std::uint64_t seed = 3000 + static_cast<std::uint64_t>(i);
         compareOneFault(seed);
     }
-    EXPECT_GT(steps_, 200);
-    EXPECT_GT(several_, 100);
-    EXPECT_GT(wentBack_, 40);
+    EXPECT_GT(steps_, fewerUnderSanitizers(200));
+    EXPECT_GT(several_, fewerUnderSanitizers(100));
+    EXPECT_GT(wentBack_, fewerUnderSanitizers(40));
 }
 
 TEST_F(TrajectoryProbability, OfCircuitsNeverExceedsThatOfAllSequences)
 {
-    for (std::uint64_t seed = 4000; seed < 4150 && !HasFailure(); ++seed) {
+    for (int i = 0; i < fewerUnderSanitizers(150) && !HasFailure(); ++i) {
+        const std::uint64_t seed = 4000 + static_cast<std::uint64_t>(i);
         compareBound(seed, PlantKind::circuit, {.deviating = 15, .observed = 30, .noise = 0},
                      {.maxFaults = 5, .keep = 1 + seed % 5, .lookBack = 10});
     }
-    EXPECT_GT(steps_, 200);
-    EXPECT_GT(wentBack_, 10);
+    EXPECT_GT(steps_, fewerUnderSanitizers(200));
+    EXPECT_GT(wentBack_, fewerUnderSanitizers(10));
 }
 
 TEST_F(TrajectoryProbability, OfMixedModelsNeverExceedsThatOfAllSequences)
 {
-    for (std::uint64_t seed = 4000; seed < 4150 && !HasFailure(); ++seed) {
+    for (int i = 0; i < fewerUnderSanitizers(150) && !HasFailure(); ++i) {
+        const std::uint64_t seed = 4000 + static_cast<std::uint64_t>(i);
         compareBound(seed, PlantKind::mixed,
                      {.deviating = 15, .observed = 30, .noise = 0, .lossy = 30},
                      {.maxFaults = 5, .keep = 1 + seed % 5, .lookBack = 10});
     }
-    EXPECT_GT(steps_, 500);
-    EXPECT_GT(wentBack_, 30);
+    EXPECT_GT(steps_, fewerUnderSanitizers(500));
+    EXPECT_GT(wentBack_, fewerUnderSanitizers(30));
 }
 
 // Worn and hot look alike; hot cools down by itself, mostly, and both may end in dead. No reading hides a deviation.
