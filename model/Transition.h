@@ -1,4 +1,4 @@
-// A change of a component's mode: nominal, by a fault, or the idle one that keeps a mode as it is.
+// A change of a component's mode: nominal, by a fault, by a repair, or the idle one that keeps a mode as it is.
 #pragma once
 
 #include "model/StateFormula.h"
@@ -18,7 +18,7 @@ public:
     StateFormula* formula = nullptr; ///< what holds after it fired; null: nothing that is known
     bool idle = false;               ///< fires without a command
     bool commanded = true;           ///< set-up clears it when no command can cause the transition
-    std::string type;                ///< "Fail" for a fault
+    std::string type;                ///< "Fail" for a fault, "Repair" for what mends one
 
     /// Ensures: a transition of nothing, with probability 0.
     Transition() = default;

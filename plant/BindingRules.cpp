@@ -7,10 +7,12 @@
 namespace plant {
 
 bool checkDirection(bool isCommand, ChannelBinding::Kind kind, const std::string& name,
-                    const PlaceHandle& at)
+                    const PlaceHandle& at, bool input)
 {
     if (isCommand == (kind == ChannelBinding::Kind::command)) return true;
-    text::Message what = isCommand ? at.words().commandObserved : at.words().conditionCommanded;
+    text::Message what = !isCommand ? at.words().conditionCommanded
+                         : input    ? at.words().commandAsInput
+                                    : at.words().commandObserved;
     what.message = text::quoted(name) +
                    (isCommand ? " is a command: it is given, not observed" : " is not a command");
     at.report(std::move(what));
@@ -80,6 +82,29 @@ bool ReadingSet::add(std::variant<double, std::string> reading, const std::strin
 {
     if (seen_.insert(std::move(reading)).second) return true;
     at.report(called + " stands for two values");
+    return false;
+}
+
+bool checkVaryingKind(const ChannelBinding& binding, const PlaceHandle& at)
+{
+    const bool command = binding.kind == ChannelBinding::Kind::command;
+    if (!command && !binding.input) return true;
+    if (command) {
+        at.report("a command with 'varies'", {},
+                  "'varies' says how often a reading changes: leave it out");
+    } else {
+        at.report(
+            "an input with 'varies'", {},
+            "an input is not scored, however often it changes: leave out 'varies', or observe it");
+    }
+    return false;
+}
+
+bool checkVaries(double probability, const PlaceHandle& at)
+{
+    if (probability > 0 && probability < 1) return true;
+    at.report("the reading changes with probability " + text::shown(probability) + " per step",
+              "more than 0 and less than 1");
     return false;
 }
 

@@ -16,9 +16,10 @@
 
 namespace plant {
 
-/// Reports a command that is observed, and something else that is commanded. `name` is the variable's, as messages show it.
+/// Reports a command that is observed, and something else that is commanded. `name` is the variable's, as messages show it; `input`
+/// says that the observation is of an input.
 bool checkDirection(bool isCommand, ChannelBinding::Kind kind, const std::string& name,
-                    const PlaceHandle& at);
+                    const PlaceHandle& at, bool input = false);
 
 /// The values of a row of thresholds, from the lowest to the highest.
 class ThresholdRow {
@@ -55,6 +56,10 @@ private:
     std::set<std::variant<double, std::string>> seen_;
 };
 
+/// Reports 'varies' where no reading is scored: for an input and for a command.
+bool checkVaryingKind(const ChannelBinding& binding, const PlaceHandle& at);
+/// Reports a reading that changes never or always: a probability per step that is not between 0 and 1.
+bool checkVaries(double probability, const PlaceHandle& at);
 /// Reports a time that is negative.
 bool checkSeconds(double seconds, const PlaceHandle& at);
 /// Reports a length of a step that is not above 0.

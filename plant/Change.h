@@ -10,7 +10,7 @@
 
 namespace plant {
 
-enum class ChangeKind { nominal, fault, idle };
+enum class ChangeKind { nominal, fault, repair, idle };
 
 /// Literals that hold together: atoms with key true must hold, those with key false must not.
 using Conjunction = std::vector<GuardLiteral>;
@@ -22,7 +22,7 @@ struct Change {
     Atom* from = nullptr;
     Atom* to = nullptr;
     std::vector<Conjunction> alternatives; ///< an empty one always holds
-    std::optional<double> probability;     ///< per step; nothing: what the faults leave
+    std::optional<double> probability;     ///< per step; nothing: what faults and repairs leave
     PlaceHandle at;
 
     /// No guard stands in its way.

@@ -62,6 +62,9 @@ std::size_t CheckedBuilder::change(const Change& change)
     case ChangeKind::fault:
         builder_.fault(change.from, change.to, *change.probability, first);
         break;
+    case ChangeKind::repair:
+        builder_.repair(change.from, change.to, *change.probability, first);
+        break;
     case ChangeKind::idle: builder_.idle(change.from, *change.probability, first); break;
     }
     for (std::size_t i = 1; i < change.alternatives.size(); ++i) {

@@ -63,6 +63,7 @@ void add(Hash& hash, const Plant& plant, const PlantVariable& variable)
 void add(Hash& hash, const Transition& transition)
 {
     hash.add(transition.name);
+    if (transition.type == "Repair") hash.add(std::string_view("repair"));
     hash.add(number(transition.idle ? 1 : 0));
     hash.add(transition.atom->id);
     hash.add(transition.proba);
@@ -106,6 +107,11 @@ void add(Hash& hash, const ChannelBinding& channel)
     hash.add(channel.variable->comp->name);
     hash.add(channel.variable->name);
     hash.add(channel.holdSeconds.value_or(-1.0));
+    if (channel.input) hash.add(std::string_view("input"));
+    if (channel.varies) {
+        hash.add(std::string_view("varies"));
+        hash.add(*channel.varies);
+    }
     if (const auto* thresholds = std::get_if<ThresholdTable>(&channel.translation)) {
         add(hash, *thresholds);
     } else if (const auto* readings = std::get_if<ReadingTable>(&channel.translation)) {

@@ -145,6 +145,15 @@ Transition* ModelBuilder::fault(Atom* from, Atom* to, double proba,
     return made;
 }
 
+Transition* ModelBuilder::repair(Atom* from, Atom* to, double proba,
+                                 const std::vector<std::pair<bool, Atom*>>& guard)
+{
+    Transition* made = transition(from, to, guard, proba);
+    made->name = "Repair";
+    made->type = "Repair";
+    return made;
+}
+
 Transition* ModelBuilder::idle(Atom* at, double proba,
                                const std::vector<std::pair<bool, Atom*>>& guard)
 {

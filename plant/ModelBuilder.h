@@ -61,6 +61,9 @@ public:
     /// A fault: named after its target, of type "Fail", possible whatever is commanded.
     Transition* fault(Atom* from, Atom* to, double proba,
                       const std::vector<std::pair<bool, Atom*>>& guard = {});
+    /// Something that was wrong is mended: named "Repair", of type "Repair", possible whatever is commanded.
+    Transition* repair(Atom* from, Atom* to, double proba,
+                       const std::vector<std::pair<bool, Atom*>>& guard = {});
     /// Staying in a mode value when nothing is asked of it.
     Transition* idle(Atom* at, double proba, const std::vector<std::pair<bool, Atom*>>& guard = {});
     /// Another alternative of the guard of the transition made last: a transition like it that counts as the same change

@@ -34,8 +34,9 @@ struct Words {
     std::string_view hysteresis;
     /// Of a law that no assignment satisfies.
     text::Message unsatisfiable;
-    /// What is expected, and what to do, where a command is observed, and where something else is commanded.
+    /// What is expected, and what to do, where a command is observed, where it is an input, and where something else is commanded.
     text::Message commandObserved;
+    text::Message commandAsInput;
     text::Message conditionCommanded;
 };
 

@@ -59,6 +59,7 @@ void Plant::addChanges(const Model& model)
             changes.push_back({indexOf(transition->atom),
                                transition->proba,
                                transition->name == "Nominal" && !transition->idle,
+                               transition->type == "Repair",
                                {}});
         }
         changes[place->second].alternatives.push_back({std::move(guard), transition});

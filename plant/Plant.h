@@ -36,6 +36,7 @@ struct PlantChange {
     AtomIndex to;
     double probability; ///< per step, above 0; counts once, however many alternatives hold
     bool nominal;
+    bool repair; ///< something that was wrong is mended; never nominal
     std::vector<Alternative> alternatives;
 };
 

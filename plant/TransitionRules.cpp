@@ -66,7 +66,7 @@ void reportSum(const std::vector<const Change*>& together, double sum)
     const Change& last = *together.back();
     last.at.report("the transitions from " +
                        text::quoted(last.at.words().fullNames ? last.from->id : last.from->value) +
-                       " that are possible at once add up to " + text::shown(sum),
+                       " that are possible at once add up to " + text::shownAbove(sum, 1),
                    "at most 1", list);
 }
 
@@ -77,6 +77,7 @@ const char* word(ChangeKind kind)
     switch (kind) {
     case ChangeKind::nominal: return "nominal";
     case ChangeKind::fault: return "fault";
+    case ChangeKind::repair: return "repair";
     case ChangeKind::idle: return "idle";
     }
     return "";
@@ -117,7 +118,7 @@ void checkSum(const std::vector<const Change*>& leaving)
     for (const ChangeKind kind : {ChangeKind::nominal, ChangeKind::idle}) {
         std::vector<const Change*> together;
         for (const Change* change : leaving) {
-            const bool counts = change->kind == ChangeKind::fault || change->kind == kind;
+            const bool counts = isUnbidden(change->kind) || change->kind == kind;
             if (counts && *change->probability > 0) together.push_back(change);
         }
         const std::vector<const Change*> likeliest = likeliestSet(together);
@@ -133,20 +134,30 @@ void checkSum(const std::vector<const Change*>& leaving)
 
 void completeProbabilities(const std::vector<Change*>& leaving)
 {
-    double faults = 0;
+    double unbidden = 0;
     for (const Change* change : leaving) {
-        if (change->kind == ChangeKind::fault && change->always()) faults += *change->probability;
+        if (isUnbidden(change->kind) && change->always()) unbidden += *change->probability;
     }
     for (Change* change : leaving) {
-        if (!change->probability) change->probability = std::max(0.0, 1 - faults);
+        if (!change->probability) change->probability = std::max(0.0, 1 - unbidden);
     }
 }
 
-bool checkFault(ChangeKind kind, const std::string& from, const std::string& to,
-                const std::string& elsewhere, const PlaceHandle& target)
+bool checkLeaves(ChangeKind kind, const std::string& from, const std::string& to,
+                 const std::string& elsewhere, const PlaceHandle& target)
 {
-    if (kind != ChangeKind::fault || from != to) return true;
-    target.report("a fault that leads from " + text::quoted(from) + " to itself", elsewhere);
+    if (!isUnbidden(kind) || from != to) return true;
+    target.report("a " + std::string(word(kind)) + " that leads from " + text::quoted(from) +
+                      " to itself",
+                  elsewhere);
+    return false;
+}
+
+bool checkMends(ChangeKind kind, const std::string& to, bool isFault, const PlaceHandle& target)
+{
+    if (kind != ChangeKind::repair || !isFault) return true;
+    target.report("a repair that leads to " + text::quoted(to) + ", which is a fault",
+                  "a value that is not a fault");
     return false;
 }
 

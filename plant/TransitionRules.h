@@ -17,6 +17,12 @@ constexpr bool isProbability(double number)
     return number >= 0 && number <= 1;
 }
 
+/// Whether changes of this kind happen by themselves, with a probability that the model has to give: faults and repairs.
+constexpr bool isUnbidden(ChangeKind kind)
+{
+    return kind == ChangeKind::fault || kind == ChangeKind::repair;
+}
+
 /// Whether some assignment makes all of these literals hold. Costs n log n.
 bool canHold(Conjunction guard);
 
@@ -30,14 +36,17 @@ std::vector<const Change*> likeliestSet(const std::vector<const Change*>& change
 /// Requires: all of them leave the same value, and have probabilities.
 void checkSum(const std::vector<const Change*>& leaving);
 
-/// Gives the changes without a probability what the faults that can always happen leave.
-/// Requires: all of them leave the same value, and the faults have probabilities.
+/// Gives the changes without a probability what the faults and repairs that can always happen leave.
+/// Requires: all of them leave the same value, and the faults and repairs have probabilities.
 void completeProbabilities(const std::vector<Change*>& leaving);
 
-/// Reports, at `target`, a fault that leads to the value that it leaves. `from` and `to` are names of values, `elsewhere` says
-/// what was expected.
-bool checkFault(ChangeKind kind, const std::string& from, const std::string& to,
-                const std::string& elsewhere, const PlaceHandle& target);
+/// Reports, at `target`, a fault or repair that leads to the value that it leaves. `from` and `to` are names of values, `elsewhere`
+/// says what was expected.
+bool checkLeaves(ChangeKind kind, const std::string& from, const std::string& to,
+                 const std::string& elsewhere, const PlaceHandle& target);
+
+/// Reports, at `target`, a repair that leads to a fault. `to` is the name of the value.
+bool checkMends(ChangeKind kind, const std::string& to, bool isFault, const PlaceHandle& target);
 
 /// Reports a guard of which no alternative can hold.
 bool checkGuard(const std::vector<Conjunction>& alternatives, const PlaceHandle& at);

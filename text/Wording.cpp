@@ -1,6 +1,7 @@
 #include "text/Wording.h"
 
 #include <charconv>
+#include <limits>
 
 namespace text {
 
@@ -16,13 +17,29 @@ std::string joined(const std::vector<std::string>& items, std::string_view last)
     return text;
 }
 
+std::string shownTo(int digits, double number)
+{
+    char text[32];
+    const auto end =
+        std::to_chars(text, text + sizeof text, number, std::chars_format::general, digits);
+    return {text, end.ptr};
+}
+
 } // namespace
 
 std::string shown(double number)
 {
-    char text[32];
-    const auto end = std::to_chars(text, text + sizeof text, number, std::chars_format::general, 6);
-    return {text, end.ptr};
+    return shownTo(6, number);
+}
+
+std::string shownAbove(double number, double limit)
+{
+    for (int digits = 6;; ++digits) {
+        const std::string text = shownTo(digits, number);
+        double read = 0;
+        std::from_chars(text.data(), text.data() + text.size(), read);
+        if (read > limit || digits == std::numeric_limits<double>::max_digits10) return text;
+    }
 }
 
 std::string grouped(std::uint64_t number)

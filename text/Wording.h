@@ -11,6 +11,9 @@ namespace text {
 
 /// A number as a message shows it: six digits, without an exponent where it reads well.
 std::string shown(double number);
+/// The same for a number that is above a limit, with as many digits as it takes to see that.
+/// Requires: it is above the limit.
+std::string shownAbove(double number, double limit);
 /// The digits in groups of three: 1234567 is "1,234,567".
 std::string grouped(std::uint64_t number);
 /// "1 gate", "2 gates", "1,000 gates". The plural of the noun takes an s.

@@ -43,6 +43,7 @@ const plant::Words& JsonPlaces::words() const
         .unsatisfiable = {"a law without literals, which no assignment satisfies", "one at least",
                           ""},
         .commandObserved = {"", "command", ""},
+        .commandAsInput = {"", "command", ""},
         .conditionCommanded = {"", "observe", ""}};
     return words;
 }

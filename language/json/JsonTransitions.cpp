@@ -72,7 +72,7 @@ bool JsonTransitions::fits(const JsonNode& node, plant::ChangeKind kind, const A
         target.error("an idle transition that leads to another value", text::quoted(from->id));
         return false;
     }
-    if (!plant::checkFault(kind, from->id, to->id, "another value of the mode", target.at())) {
+    if (!plant::checkLeaves(kind, from->id, to->id, "another value of the mode", target.at())) {
         return false;
     }
     if (!node.has("name")) return true;

@@ -52,6 +52,7 @@ const plant::Words& Report::words() const
         .hysteresis = "'within'",
         .unsatisfiable = {"no assignment satisfies this law", "a formula that can hold", ""},
         .commandObserved = {"", "a cond or a mode", "write 'command' in place of 'observe'"},
+        .commandAsInput = {"", "a cond or a mode", "write 'command' in place of 'input'"},
         .conditionCommanded = {"", "a command", "write 'observe' in place of 'command'"}};
     return words;
 }

@@ -84,9 +84,9 @@ bool TypeChecks::checkSources(const Transition& transition, const VariableType& 
             sound = false;
         }
         if (transition.target) {
-            sound = plant::checkFault(kindOf(transition), source.text, transition.target->text,
-                                      "another value of " + text::quoted(mode.syntax->name.text),
-                                      report_.at(transition.target->range)) &&
+            sound = plant::checkLeaves(kindOf(transition), source.text, transition.target->text,
+                                       "another value of " + text::quoted(mode.syntax->name.text),
+                                       report_.at(transition.target->range)) &&
                     sound;
         }
     }

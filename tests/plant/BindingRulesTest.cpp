@@ -16,11 +16,48 @@ TEST(BindingRules, ObserveWhatIsNoCommand)
     EXPECT_TRUE(checkDirection(false, Kind::observation, "v.flow", places.at(1)));
     EXPECT_EQ(places.take(), "");
     places.ownWords.commandObserved = {"", "a cond", "turn it round"};
+    places.ownWords.commandAsInput = {"", "a cond", "no input"};
     EXPECT_FALSE(checkDirection(true, Kind::observation, "v.request", places.at(2)));
     EXPECT_FALSE(checkDirection(false, Kind::command, "v.flow", places.at(3)));
+    EXPECT_FALSE(checkDirection(true, Kind::observation, "v.request", places.at(4), true));
     EXPECT_EQ(places.take(), "2: 'v.request' is a command: it is given, not observed\n"
                              "  expected: a cond\n  hint: turn it round\n"
-                             "3: 'v.flow' is not a command\n");
+                             "3: 'v.flow' is not a command\n"
+                             "4: 'v.request' is a command: it is given, not observed\n"
+                             "  expected: a cond\n  hint: no input\n");
+}
+
+TEST(BindingRules, LetOnlyVaryWhatIsScored)
+{
+    using Kind = ChannelBinding::Kind;
+    NotedPlaces places;
+    ChannelBinding binding;
+    EXPECT_TRUE(checkVaryingKind(binding, places.at(1)));
+    EXPECT_EQ(places.take(), "");
+    binding.input = true;
+    EXPECT_FALSE(checkVaryingKind(binding, places.at(2)));
+    binding.input = false;
+    binding.kind = Kind::command;
+    EXPECT_FALSE(checkVaryingKind(binding, places.at(3)));
+    EXPECT_EQ(places.take(),
+              "2: an input with 'varies'\n"
+              "  hint: an input is not scored, however often it changes: leave out 'varies', or "
+              "observe it\n"
+              "3: a command with 'varies'\n"
+              "  hint: 'varies' says how often a reading changes: leave it out\n");
+}
+
+TEST(BindingRules, WantReadingsThatChangeNeitherNeverNorAlways)
+{
+    NotedPlaces places;
+    EXPECT_TRUE(checkVaries(0.5, places.at(1)));
+    EXPECT_EQ(places.take(), "");
+    EXPECT_FALSE(checkVaries(0, places.at(2)));
+    EXPECT_FALSE(checkVaries(1, places.at(3)));
+    EXPECT_EQ(places.take(), "2: the reading changes with probability 0 per step\n"
+                             "  expected: more than 0 and less than 1\n"
+                             "3: the reading changes with probability 1 per step\n"
+                             "  expected: more than 0 and less than 1\n");
 }
 
 TEST(BindingRules, WantEachValueInTheRowOnce)

@@ -72,6 +72,22 @@ TEST_F(CheckedBuilderTest, MakesATransitionForEachAlternative)
     EXPECT_EQ(model->transitions()[1]->type, "Fail");
 }
 
+TEST_F(CheckedBuilderTest, MakesARepairThatIsNeitherNominalNorAFault)
+{
+    builder.change({ChangeKind::repair,
+                    value(state, "broken"),
+                    value(state, "on"),
+                    {{{true, value(flow, "full")}}, {{true, value(flow, "zero")}}},
+                    0.1,
+                    places.at(4)});
+    const auto model = builder.build();
+    ASSERT_EQ(model->transitions().size(), 2U);
+    for (const auto& transition : model->transitions()) {
+        EXPECT_EQ(transition->type, "Repair");
+        EXPECT_EQ(transition->name, "Repair");
+    }
+}
+
 TEST_F(CheckedBuilderTest, BindsAVariableOnce)
 {
     EXPECT_TRUE(builder.bind(flow, places.at(4)));

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
+
 namespace {
 
 const std::string room = R"(component Lamp {
@@ -59,6 +61,23 @@ INSTANTIATE_TEST_SUITE_P(
                     std::pair{"request: none, light", "request: none, light lost 0.1"},
                     std::pair{"<= yes", "<= yes hold 5 s"}, std::pair{"<= yes", "<= yes within 0.1"},
                     std::pair{"lamp: Lamp", "step 5 s\n    lamp: Lamp"}));
+
+TEST(Fingerprint, OfAModelKnowsInputsAndHowOftenReadingsChange)
+{
+    const language::ReadResult read = language::readModelText("room.itms", room);
+    const plant::Plant plant(*read.model);
+    plant::Bindings bindings = read.bindings;
+    plant::ChannelBinding& channel = bindings.channels.front();
+    std::set<std::string> seen{plant::fingerprint(plant, bindings)};
+    channel.input = true;
+    seen.insert(plant::fingerprint(plant, bindings));
+    channel.input = false;
+    for (const double varies : {0.1, 0.2}) {
+        channel.varies = varies;
+        seen.insert(plant::fingerprint(plant, bindings));
+    }
+    EXPECT_EQ(seen.size(), 4U);
+}
 
 TEST(Fingerprint, OfTextsTellsThemApart)
 {

@@ -205,6 +205,18 @@ TEST_F(ModelBuilderTest, MakesAFaultNamedAfterItsTarget)
     EXPECT_EQ(made->proba, 0.25);
 }
 
+TEST_F(ModelBuilderTest, MakesARepair)
+{
+    Transition* made = builder.repair(broken, off, 0.125, {{true, start}});
+    EXPECT_EQ(made->name, "Repair");
+    EXPECT_EQ(made->type, "Repair");
+    EXPECT_EQ(made->atom, off);
+    EXPECT_EQ(made->proba, 0.125);
+    EXPECT_FALSE(made->idle);
+    EXPECT_THAT(*broken->outTransitions, ElementsAre(made));
+    EXPECT_THAT(*start->outTransitions, ElementsAre(made));
+}
+
 TEST_F(ModelBuilderTest, MakesAnIdleTransition)
 {
     Transition* made = builder.idle(on, 0.75);

@@ -82,6 +82,23 @@ TEST_F(PlantTest, TellsModesAndCommandsFromConditions)
     EXPECT_TRUE(!variable("a.k=go").isMode && variable("a.k=go").isCommand);
 }
 
+TEST_F(PlantTest, TellsRepairsFromNominalChangesAndFaults)
+{
+    HandMade model;
+    model.mode("a.m", {"ok", "off", "broken!"});
+    model.nominal("a.m=broken", "a.m=off", 0.25);
+    model.fault("a.m=broken", "a.m=off", 0.25);
+    model.repair("a.m=broken", "a.m=ok", 0.125);
+    const auto active = model.activate();
+    std::vector<std::pair<bool, bool>> given;
+    for (const plant::PlantChange& change :
+         active->plant->changesFrom(active->index("a.m=broken"))) {
+        given.emplace_back(change.nominal, change.repair);
+    }
+    EXPECT_EQ(given,
+              (std::vector<std::pair<bool, bool>>{{true, false}, {false, false}, {false, true}}));
+}
+
 TEST_F(PlantTest, HasEveryClauseOnceWithItsLiterals)
 {
     Random random(12);

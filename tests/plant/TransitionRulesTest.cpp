@@ -56,6 +56,17 @@ TEST_F(TransitionRulesTest, AddsUpWhatCanHappenAtOnce)
               "  hint: fault -> stuck 0.7 (#1), fault -> broken 0.4 (#3)\n");
 }
 
+TEST_F(TransitionRulesTest, ShowsThatASumIsMoreThanOne)
+{
+    const Change repair = change(ChangeKind::repair, "stuck", 0.5, 1);
+    const Change fault = change(ChangeKind::fault, "broken", 0.5000004, 2);
+    checkSum({&repair, &fault});
+    EXPECT_EQ(places.take(),
+              "2: the transitions from 'ok' that are possible at once add up to 1.0000004\n"
+              "  expected: at most 1\n"
+              "  hint: repair -> stuck 0.5 (#1), fault -> broken 0.5 (#2)\n");
+}
+
 TEST_F(TransitionRulesTest, NeverAddsIdleToNominalChanges)
 {
     const Change nominal = change(ChangeKind::nominal, "stuck", 0.9, 1);
@@ -80,12 +91,45 @@ TEST_F(TransitionRulesTest, GivesTheRestToChangesWithoutAProbability)
     EXPECT_EQ(idle.probability, 0.75);
 }
 
-TEST_F(TransitionRulesTest, ReportsFaultsToThemselvesAndGuardsThatNeverHold)
+TEST_F(TransitionRulesTest, AddsRepairsToNominalAndToIdleChanges)
 {
-    EXPECT_TRUE(checkFault(ChangeKind::nominal, "ok", "ok", "another", places.at(1)));
-    EXPECT_TRUE(checkFault(ChangeKind::fault, "ok", "stuck", "another", places.at(1)));
-    EXPECT_FALSE(checkFault(ChangeKind::fault, "ok", "ok", "another", places.at(1)));
-    EXPECT_EQ(places.take(), "1: a fault that leads from 'ok' to itself\n  expected: another\n");
+    const Change repair = change(ChangeKind::repair, "stuck", 0.2, 1);
+    for (const ChangeKind kind : {ChangeKind::nominal, ChangeKind::idle}) {
+        const Change other = change(kind, "ok", 0.9, 2);
+        checkSum({&repair, &other});
+        EXPECT_EQ(places.take(),
+                  "2: the transitions from 'ok' that are possible at once add up to 1.1\n"
+                  "  expected: at most 1\n"
+                  "  hint: repair -> stuck 0.2 (#1), " +
+                      std::string(word(kind)) + " -> ok 0.9 (#2)\n");
+    }
+}
+
+TEST_F(TransitionRulesTest, LeavesToNominalChangesWhatRepairsLeave)
+{
+    Change nominal = change(ChangeKind::nominal, "stuck", std::nullopt, 1);
+    Change repair = change(ChangeKind::repair, "ok", 0.25, 2);
+    completeProbabilities({&nominal, &repair});
+    EXPECT_EQ(nominal.probability, 0.75);
+}
+
+TEST_F(TransitionRulesTest, ReportsARepairThatLeadsToAFault)
+{
+    EXPECT_TRUE(checkMends(ChangeKind::repair, "ok", false, places.at(1)));
+    EXPECT_TRUE(checkMends(ChangeKind::fault, "stuck", true, places.at(1)));
+    EXPECT_FALSE(checkMends(ChangeKind::repair, "stuck", true, places.at(1)));
+    EXPECT_EQ(places.take(), "1: a repair that leads to 'stuck', which is a fault\n"
+                             "  expected: a value that is not a fault\n");
+}
+
+TEST_F(TransitionRulesTest, ReportsChangesToThemselvesAndGuardsThatNeverHold)
+{
+    EXPECT_TRUE(checkLeaves(ChangeKind::nominal, "ok", "ok", "another", places.at(1)));
+    EXPECT_TRUE(checkLeaves(ChangeKind::fault, "ok", "stuck", "another", places.at(1)));
+    EXPECT_FALSE(checkLeaves(ChangeKind::fault, "ok", "ok", "another", places.at(1)));
+    EXPECT_FALSE(checkLeaves(ChangeKind::repair, "ok", "ok", "another", places.at(2)));
+    EXPECT_EQ(places.take(), "1: a fault that leads from 'ok' to itself\n  expected: another\n"
+                             "2: a repair that leads from 'ok' to itself\n  expected: another\n");
 
     const Conjunction never{{true, value(load, "low")}, {true, value(load, "high")}};
     EXPECT_TRUE(checkGuard({never, {}}, places.at(2)));

@@ -76,6 +76,12 @@ Transition* HandMade::fault(const std::string& from, const std::string& to, doub
     return builder_.fault(atom(from), atom(to), proba, literals(guard, true));
 }
 
+Transition* HandMade::repair(const std::string& from, const std::string& to, double proba,
+                             const std::string& guard)
+{
+    return builder_.repair(atom(from), atom(to), proba, literals(guard, true));
+}
+
 void HandMade::follower(const std::string& name, const std::string& input)
 {
     mode(name + ".mode", {"ok", "broken!"});

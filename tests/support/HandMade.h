@@ -23,6 +23,8 @@ public:
                         const std::string& guard = "");
     Transition* fault(const std::string& from, const std::string& to, double proba,
                       const std::string& guard = "");
+    Transition* repair(const std::string& from, const std::string& to, double proba,
+                       const std::string& guard = "");
     Atom* atom(const std::string& id) const { return atoms_.at(id); }
     plant::ModelBuilder& builder() { return builder_; }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace {
 
 using text::enumerated;
@@ -33,6 +35,14 @@ TEST(Wording, JoinsWithAndOrOr)
     EXPECT_EQ(text::alternatives({"a"}), "a");
     EXPECT_EQ(text::alternatives({"a", "b"}), "a or b");
     EXPECT_EQ(text::alternatives({"a", "b", "c"}), "a, b or c");
+}
+
+TEST(Wording, ShowsThatANumberIsAboveALimit)
+{
+    EXPECT_EQ(text::shownAbove(1.1, 1), "1.1");
+    EXPECT_EQ(text::shownAbove(1.0000004, 1), "1.0000004");
+    EXPECT_EQ(text::shownAbove(1.00000049, 1), "1.0000005");
+    EXPECT_EQ(text::shownAbove(std::nextafter(1.0, 2.0), 1), "1.0000000000000002");
 }
 
 TEST(Wording, EnumeratesAllOfAShortList)
