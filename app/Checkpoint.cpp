@@ -13,7 +13,7 @@ namespace app {
 namespace {
 
 constexpr const char* formatName = "itms-checkpoint";
-constexpr int version = 1;
+constexpr int version = 2;
 
 [[noreturn]] void refuse(const std::string& path, const std::string& what)
 {

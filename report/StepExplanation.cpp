@@ -188,7 +188,7 @@ private:
             }));
         }
         result.avoided = avoided(hypothesis);
-        result.over = std::max(0, hypothesis.faults - visible);
+        result.over = std::max(0, hypothesis.faultCount() - visible);
         return result;
     }
 

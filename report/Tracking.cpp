@@ -25,7 +25,7 @@ std::vector<std::string> identifiers(const plant::Plant& plant,
 TrackedExplanation explanation(const plant::Plant& plant, const monitor::Hypothesis& hypothesis)
 {
     TrackedExplanation result;
-    result.faults = hypothesis.faults;
+    result.faults = hypothesis.faultCount();
     result.modes = deviatingModes(plant, hypothesis);
     result.lost = identifiers(plant, hypothesis.lost);
     result.unexplained = identifiers(plant, hypothesis.unexplained);

@@ -31,7 +31,8 @@ Json checkpointJson(const Session& session)
 {
     return {{"model", plant::fingerprint(session.plant(), session.bindings())},
             {"settings", settingsJson(session.settings())},
-            {"tracker", memoryJson(session.tracker().memory(), session.plant())}};
+            {"tracker", memoryJson(session.tracker().memory(), session.plant())},
+            {"readings", readingsJson(session.readingChanges())}};
 }
 
 void checkSame(const Session& session, const Json& checkpoint)
@@ -48,7 +49,9 @@ void checkSame(const Session& session, const Json& checkpoint)
 
 void restore(Session& session, const Json& checkpoint)
 {
+    auto counts = readingsFromJson(checkpoint.at("readings"), session.plant());
     session.tracker().restore(memoryFromJson(checkpoint.at("tracker"), session.plant()));
+    session.readingChanges().restore(std::move(counts));
 }
 
 } // namespace session

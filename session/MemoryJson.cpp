@@ -26,25 +26,41 @@ std::vector<AtomIndex> valuesOf(const Plant& plant, const monitor::Prediction& l
     return values;
 }
 
+void addLabels(Json& json, const monitor::StepLabels& labels, const Plant& plant)
+{
+    if (labels.consistent()) {
+        json["assumptions"] = labels.assumptions();
+        json["observations"] = labels.observations();
+    } else {
+        json["values"] = valuesOf(plant, labels.prediction());
+    }
+}
+
 Json hypothesisJson(const Hypothesis& hypothesis, const Plant& plant)
 {
     Json since = Json::array();
     for (const auto& [variable, entry] : hypothesis.since) {
         since.push_back({variable, entry.value, entry.step, entry.t});
     }
-    const monitor::StepLabels& labels = hypothesis.labels;
+    Json faults = Json::array();
+    for (const monitor::FaultBegun& fault : hypothesis.faults) {
+        faults.push_back({fault.variable, fault.step});
+    }
     Json json{{"modes", hypothesis.modes},
               {"weight", hypothesis.logWeight},
               {"step", hypothesis.logStep},
-              {"faults", hypothesis.faults},
+              {"faults", std::move(faults)},
               {"since", std::move(since)},
               {"lost", hypothesis.lost},
               {"unexplained", hypothesis.unexplained}};
-    if (labels.consistent()) {
-        json["assumptions"] = labels.assumptions();
-        json["observations"] = labels.observations();
-    } else {
-        json["values"] = valuesOf(plant, labels.prediction());
+    json["readings"] = Json::array();
+    for (const auto& [variable, value] : hypothesis.readings) {
+        json["readings"].push_back(value);
+    }
+    addLabels(json, hypothesis.labels, plant);
+    if (hypothesis.twin) {
+        json["twin"] = {{"modes", hypothesis.twin->modes}};
+        addLabels(json["twin"], hypothesis.twin->labels, plant);
     }
     return json;
 }
@@ -98,13 +114,30 @@ monitor::StepLabels labelsFromJson(const Json& json, const Plant& plant)
 HypothesisPointer hypothesisFromJson(const Json& json, const Plant& plant)
 {
     const Numbers numbers(plant);
-    Hypothesis made{labelsFromJson(json, plant),     numbers.atoms(json.at("modes")),
-                    json.at("weight").get<double>(), json.at("step").get<double>(),
-                    json.at("faults").get<int>(),    {},
-                    numbers.atoms(json.at("lost")),  numbers.atoms(json.at("unexplained"))};
+    Hypothesis made{labelsFromJson(json, plant),
+                    numbers.atoms(json.at("modes")),
+                    json.at("weight").get<double>(),
+                    json.at("step").get<double>(),
+                    {},
+                    nullptr,
+                    {},
+                    numbers.atoms(json.at("lost")),
+                    numbers.atoms(json.at("unexplained")),
+                    {}};
+    for (const AtomIndex value : numbers.atoms(json.at("readings"))) {
+        made.readings.emplace(plant.variableOf(value), value);
+    }
     for (const Json& entry : json.at("since")) {
         made.since[numbers.variable(entry.at(0))] = {
             numbers.atom(entry.at(1)), entry.at(2).get<std::size_t>(), entry.at(3).get<double>()};
+    }
+    for (const Json& fault : json.at("faults")) {
+        made.faults.push_back({numbers.variable(fault.at(0)), fault.at(1).get<std::size_t>()});
+    }
+    if (json.contains("twin")) {
+        const Json& twin = json.at("twin");
+        made.twin = std::make_shared<const monitor::Twin>(
+            monitor::Twin{numbers.atoms(twin.at("modes")), labelsFromJson(twin, plant)});
     }
     return std::make_shared<const Hypothesis>(std::move(made));
 }
@@ -119,6 +152,8 @@ Json inputJson(const monitor::TrackInput& input)
             {"t", input.t},
             {"commands", input.values.commands},
             {"observations", input.values.observations},
+            {"inputs", input.values.inputs},
+            {"changing", input.values.changing},
             {"lossy", std::move(lossy)}};
 }
 
@@ -130,6 +165,12 @@ monitor::TrackInput inputFromJson(const Json& json, const Plant& plant)
     input.t = json.at("t").get<double>();
     input.values.commands = numbers.atoms(json.at("commands"));
     input.values.observations = numbers.atoms(json.at("observations"));
+    input.values.inputs = json.at("inputs").get<std::size_t>();
+    input.values.changing = json.at("changing").get<std::vector<double>>();
+    if (input.values.inputs > input.values.observations.size() ||
+        input.values.changing.size() != input.values.observations.size()) {
+        throw std::out_of_range("number of inputs");
+    }
     for (const Json& command : json.at("lossy")) {
         input.lossy.push_back({numbers.atom(command.at(0)), numbers.atom(command.at(1)),
                                command.at(2).get<double>()});
@@ -201,11 +242,31 @@ monitor::TrackMemory memoryFromJson(const Json& json, const Plant& plant)
     for (const Json& step : json.at("past")) {
         memory.past.push_back({inputFromJson(step.at("input"), plant), named(step.at("before")),
                                step.at("scale").get<double>(),
-                               passagesFromJson(step.value("passages", Json::array()), plant)});
+                               passagesFromJson(step.at("passages"), plant)});
     }
     memory.hypotheses = named(json.at("now"));
     if (memory.hypotheses.empty()) throw std::out_of_range("no hypothesis");
     return memory;
+}
+
+Json readingsJson(const ReadingChanges& changes)
+{
+    Json list = Json::array();
+    for (const auto& [variable, count] : changes.counts()) {
+        list.push_back({variable, count.readings, count.changes, count.last});
+    }
+    return list;
+}
+
+std::map<plant::VariableIndex, ReadingCount> readingsFromJson(const Json& json, const Plant& plant)
+{
+    const Numbers numbers(plant);
+    std::map<plant::VariableIndex, ReadingCount> counts;
+    for (const Json& one : json) {
+        counts[numbers.variable(one.at(0))] = {
+            one.at(1).get<std::size_t>(), one.at(2).get<std::size_t>(), numbers.atom(one.at(3))};
+    }
+    return counts;
 }
 
 Json readerJson(const telemetry::ReaderState& state)

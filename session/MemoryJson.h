@@ -2,6 +2,7 @@
 #pragma once
 
 #include "monitor/track/Tracker.h"
+#include "session/ReadingChanges.h"
 #include "telemetry/ReaderState.h"
 
 #include <nlohmann/json_fwd.hpp>
@@ -11,6 +12,11 @@ namespace session {
 nlohmann::json memoryJson(const monitor::TrackMemory& memory, const plant::Plant& plant);
 /// Throws nlohmann::json::exception, or std::out_of_range for a number that the plant has not.
 monitor::TrackMemory memoryFromJson(const nlohmann::json& json, const plant::Plant& plant);
+
+nlohmann::json readingsJson(const ReadingChanges& changes);
+/// Throws as memoryFromJson().
+std::map<plant::VariableIndex, ReadingCount> readingsFromJson(const nlohmann::json& json,
+                                                              const plant::Plant& plant);
 
 nlohmann::json readerJson(const telemetry::ReaderState& state);
 /// Throws nlohmann::json::exception.

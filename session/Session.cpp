@@ -69,7 +69,8 @@ public:
 
     const monitor::TrackAnswer& advance(const telemetry::Step& step)
     {
-        input = trackInput(plant, read.bindings, step);
+        input = trackInput(plant, read.bindings, changes, step);
+        changes.add(plant, step);
         {
             const Quiet silence(quiet);
             tracker.advance(input);
@@ -92,6 +93,7 @@ public:
     plant::Plant plant;
     monitor::Tracker tracker;
     monitor::TrackInput input;
+    ReadingChanges changes;
     monitor::ConflictHistory history;
     std::vector<text::Diagnostic> warnings;
 
@@ -234,6 +236,16 @@ const monitor::Tracker& Session::tracker() const
 monitor::Tracker& Session::tracker()
 {
     return work_->tracker;
+}
+
+const ReadingChanges& Session::readingChanges() const
+{
+    return work_->changes;
+}
+
+ReadingChanges& Session::readingChanges()
+{
+    return work_->changes;
 }
 
 } // namespace session

@@ -23,6 +23,7 @@
 #include "monitor/why/Measurement.h"
 #include "monitor/why/StateQuery.h"
 #include "session/Errors.h"
+#include "session/ReadingChanges.h"
 #include "telemetry/Step.h"
 
 #include <memory>
@@ -137,6 +138,8 @@ public:
     itms& engine();
     const monitor::Tracker& tracker() const;
     monitor::Tracker& tracker();
+    const ReadingChanges& readingChanges() const;
+    ReadingChanges& readingChanges();
 
 private:
     class Work;

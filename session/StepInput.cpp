@@ -2,10 +2,13 @@
 
 #include "monitor/track/Successors.h"
 
+#include <algorithm>
+#include <unordered_map>
+
 namespace session {
 
 monitor::TrackInput trackInput(const plant::Plant& plant, const plant::Bindings& bindings,
-                               const telemetry::Step& step)
+                               const ReadingChanges& changes, const telemetry::Step& step)
 {
     monitor::TrackInput input;
     input.step = step.number;
@@ -13,8 +16,29 @@ monitor::TrackInput trackInput(const plant::Plant& plant, const plant::Bindings&
     for (const Atom* command : step.commands) {
         input.values.commands.push_back(plant.indexOf(command));
     }
-    for (const telemetry::Observation& observation : step.observations) {
-        input.values.observations.push_back(plant.indexOf(observation.value));
+    std::unordered_map<const StateVar*, const plant::ChannelBinding*> channels;
+    for (const plant::ChannelBinding& channel : bindings.channels) {
+        channels.emplace(channel.variable, &channel);
+    }
+    const auto channelOf = [&](const telemetry::Observation& observation) {
+        const auto found = channels.find(observation.value->stateVar);
+        return found == channels.end() ? nullptr : found->second;
+    };
+    std::vector<telemetry::Observation> observations = step.observations;
+    const auto inputsEnd = std::stable_partition(
+        observations.begin(), observations.end(), [&](const telemetry::Observation& observation) {
+            const plant::ChannelBinding* channel = channelOf(observation);
+            return channel && channel->input;
+        });
+    input.values.inputs = static_cast<std::size_t>(inputsEnd - observations.begin());
+    for (const telemetry::Observation& observation : observations) {
+        const plant::AtomIndex value = plant.indexOf(observation.value);
+        const plant::ChannelBinding* channel = channelOf(observation);
+        input.values.observations.push_back(value);
+        input.values.changing.push_back(observation.held ? 0.0
+                                        : channel && channel->varies
+                                            ? *channel->varies
+                                            : changes.probability(plant.variableOf(value)));
     }
     std::vector<plant::AtomIndex> given;
     for (const Atom* command : step.givenCommands) {

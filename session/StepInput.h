@@ -3,12 +3,13 @@
 
 #include "monitor/track/Hypothesis.h"
 #include "plant/Bindings.h"
-#include "telemetry/Step.h"
+#include "session/ReadingChanges.h"
 
 namespace session {
 
-/// Requires that the step's atoms are the plant's. Linear in the commands and the observations.
+/// Requires that the step's atoms are the plant's; `changes` are those before the step. Declared inputs come first. Linear in the
+/// commands, the observations and the channels.
 monitor::TrackInput trackInput(const plant::Plant& plant, const plant::Bindings& bindings,
-                               const telemetry::Step& step);
+                               const ReadingChanges& changes, const telemetry::Step& step);
 
 } // namespace session

@@ -55,15 +55,16 @@ const PlantChange::Alternative* enabledBy(const PlantChange& change,
     return found == change.alternatives.end() ? nullptr : &*found;
 }
 
-void addOption(ModeStep& step, AtomIndex value, double probability, bool fault)
+void addOption(ModeStep& step, const ModeOption& added)
 {
     for (ModeOption& option : step.options) {
-        if (option.value == value) {
-            option.probability += probability;
+        if (option.value == added.value) {
+            option.probability += added.probability;
+            option.repair = option.repair || added.repair;
             return;
         }
     }
-    step.options.push_back({value, probability, fault});
+    step.options.push_back(added);
 }
 
 AtomIndex mostProbable(const std::vector<ModeOption>& options)
@@ -86,7 +87,7 @@ ModeStep modeStep(const Plant& plant, VariableIndex index, AtomIndex from,
         if (!alternative) {
             continue;
         }
-        addOption(step, change.to, change.probability, plant.atom(change.to)->fail);
+        addOption(step, {change.to, change.probability, plant.atom(change.to)->fail, change.repair});
         leaving += change.probability;
         if (change.nominal && !nominalTaken) {
             step.predicted = change.to;
@@ -94,8 +95,13 @@ ModeStep modeStep(const Plant& plant, VariableIndex index, AtomIndex from,
             nominalTaken = true;
         }
     }
-    if (1.0 - leaving > noProbability) {
-        addOption(step, from, 1.0 - leaving, false);
+    const double staying = 1.0 - leaving;
+    if (staying > noProbability) {
+        if (nominalTaken && step.option(step.predicted)->probability < staying - noProbability) {
+            step.predicted = from;
+            step.followed = nullptr;
+        }
+        addOption(step, {from, staying, false, false});
     } else if (!nominalTaken) {
         step.predicted = mostProbable(step.options);
     }

@@ -1,7 +1,7 @@
 // What each mode variable may do in one step, and how probable that is.
 //
 // From value a, with the transitions enabled by this step's commands: it follows the nominal transition if one
-// is enabled and stays otherwise; it may also take any other enabled transition, or stay, with what the enabled
+// is enabled, and no less probable than staying, and stays otherwise; it may also take any other enabled transition, or stay, with what the enabled
 // transitions leave of the probability. Where they leave nothing to staying and none of them is nominal, the most
 // probable one is followed. A value that none of these reaches cannot be had at this step.
 #pragma once
@@ -15,6 +15,7 @@ struct ModeOption {
     AtomIndex value;
     double probability; ///< per step, above 0, at most 1 (if the model's add up to at most 1)
     bool fault;         ///< the value is a fault, and not the one that the variable had
+    bool repair;        ///< a repair leads to it
 };
 
 /// The possibilities of one mode variable.

@@ -324,4 +324,13 @@ Prediction concluded(const Prediction& labels)
     return drawn;
 }
 
+Prediction concludedFrom(const Plant& plant, const std::vector<AtomIndex>& values)
+{
+    Prediction assumed(plant);
+    for (const AtomIndex value : values) {
+        assumed.assume(value);
+    }
+    return concluded(assumed);
+}
+
 } // namespace monitor

@@ -86,5 +86,7 @@ private:
 
 /// The labels with all conclusions drawn; as they are where these contradict one another.
 Prediction concluded(const Prediction& labels);
+/// The same of these values, assumed in their order. Requires: at most one of each variable.
+Prediction concludedFrom(const Plant& plant, const std::vector<AtomIndex>& values);
 
 } // namespace monitor

@@ -106,6 +106,27 @@ Likelihood StepLabels::likelihood() const
     return result;
 }
 
+ReadingsInTime StepLabels::inTime(const std::vector<double>& changing, const ReadingMemory& before,
+                                  const std::set<VariableIndex>& changedModes) const
+{
+    std::vector<Reading> readings;
+    bool follow = true;
+    for (std::size_t i = inputs_; i < taken_.size(); ++i) {
+        if (!taken_[i].ruledOut) {
+            readings.push_back({taken_[i].value, changing[i], taken_[i].logFactor});
+            follow = follow && taken_[i].logFactor == 0.0;
+        }
+    }
+    if ((follow && before.empty()) || !consistent_) {
+        return {};
+    }
+    Prediction given = prediction_;
+    if (inputs_ < taken_.size()) {
+        given.undo(taken_[inputs_].mark);
+    }
+    return readingsInTime(*plant_, given, readings, before, changedModes);
+}
+
 std::vector<AtomIndex> StepLabels::observations() const
 {
     std::vector<AtomIndex> observations;

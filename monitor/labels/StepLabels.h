@@ -9,7 +9,7 @@
 // values of the observed variables, and each of them has the probability 1/N.
 #pragma once
 
-#include "monitor/labels/Prediction.h"
+#include "monitor/labels/ReadingsInTime.h"
 
 namespace monitor {
 
@@ -44,6 +44,10 @@ public:
     const std::vector<AtomIndex>& contradicted() const { return contradicted_; }
     /// That of the observations that are neither inputs nor contradicted. Constant time where each follows, else countCombinations().
     Likelihood likelihood() const;
+    /// The same, given the readings before the step. `changing` says of each observation how probable it is that it is not what it was.
+    /// Constant time where each follows and nothing is remembered, else readingsInTime().
+    ReadingsInTime inTime(const std::vector<double>& changing, const ReadingMemory& before,
+                          const std::set<VariableIndex>& changedModes) const;
 
     /// What was taken last; empty for labels that came from elsewhere.
     const std::vector<AtomIndex>& assumptions() const { return assumptions_; }

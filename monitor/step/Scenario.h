@@ -16,6 +16,9 @@ struct StepInput {
     std::vector<AtomIndex> observations; ///< inputs first: they are adopted in this order
     std::size_t inputs =
         0; ///< so many at the beginning of these are inputs: not scored, whatever they are
+    /// Along time, for each observation: how probable it is that it is not what it was at the step before, where the plant leaves
+    /// it open. Empty: readings are taken without what they were before.
+    std::vector<double> changing = {};
 };
 
 /// Mode values other than predicted, sorted.

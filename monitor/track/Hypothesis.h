@@ -9,12 +9,25 @@
 
 namespace monitor {
 
-/// When a mode variable took a value that differs from what is expected of a plant without faults.
+/// Since when a mode variable is not as in the fault-free twin, or has a value that is a fault.
 struct Since {
-    AtomIndex value;
-    std::size_t step; ///< 0: it began with it
+    AtomIndex value;  ///< what it has now
+    std::size_t step; ///< 0: from the beginning
     double t;         ///< of that step, in seconds
 };
+
+/// A fault, or the loss of a command.
+struct FaultBegun {
+    VariableIndex variable; ///< a mode variable, or a command
+    std::size_t step;
+};
+
+/// The plant as it would be had no deviation happened (Twin.h).
+struct Twin {
+    std::vector<AtomIndex> modes; ///< in the plant's order
+    StepLabels labels;
+};
+using TwinPointer = std::shared_ptr<const Twin>;
 
 /// The plant after a step, as one explanation has it. Never changed once it is made.
 struct Hypothesis {
@@ -25,14 +38,22 @@ struct Hypothesis {
     double logWeight = 0.0;
     /// What the step alone contributed, before scaling, in the most probable way here.
     double logStep = 0.0;
-    int faults = 0; ///< faults and lost commands so far, in the most probable way here
+    /// Faults that are still there, and faults and lost commands that began within the look-back, in the most probable way here.
+    std::vector<FaultBegun> faults;
+    TwinPointer twin; ///< null: itself
     std::map<VariableIndex, Since> since;
     std::vector<AtomIndex> lost;        ///< commands of this step that did not arrive
     std::vector<AtomIndex> unexplained; ///< observations of this step that contradict it
+    ReadingMemory readings = {};             ///< of what the plant leaves open, the last ones
     bool exact = true; ///< the likelihood of this step's observations was counted, not estimated
 
-    /// Whether something is not as in a plant without faults.
-    bool differs() const { return !since.empty() || !lost.empty(); }
+    /// How many faults it has, as a bound on faults counts them.
+    int faultCount() const { return static_cast<int>(faults.size()); }
+    const std::vector<AtomIndex>& twinModes() const { return twin ? twin->modes : modes; }
+    /// Whether a mode is not as in the fault-free twin, or a fault.
+    bool isFaulty() const { return !since.empty(); }
+    /// The same, or a command of this step was lost.
+    bool differs() const { return isFaulty() || !lost.empty(); }
     /// Whether the observations of the step, and the laws, agree with it.
     bool explains() const { return labels.consistent() && unexplained.empty(); }
 };

@@ -39,12 +39,13 @@ std::vector<std::pair<std::vector<AtomIndex>, std::vector<AtomIndex>>> Way::step
     return all;
 }
 
-std::size_t placeOf(const std::vector<HypothesisPointer>& hypotheses,
-                    const std::vector<AtomIndex>& modes)
+std::size_t placeOf(const std::vector<HypothesisPointer>& hypotheses, const Hypothesis& wanted)
 {
-    const auto found = std::find_if(
-        hypotheses.begin(), hypotheses.end(),
-        [&](const HypothesisPointer& hypothesis) { return hypothesis->modes == modes; });
+    const auto found = std::find_if(hypotheses.begin(), hypotheses.end(),
+                                    [&](const HypothesisPointer& hypothesis) {
+                                        return hypothesis->modes == wanted.modes &&
+                                               hypothesis->twinModes() == wanted.twinModes();
+                                    });
     return static_cast<std::size_t>(found - hypotheses.begin());
 }
 
@@ -56,7 +57,7 @@ Way withoutKnownBeginning(Way way, const std::deque<PastStep>& past,
         const std::size_t step = way.begin + known;
         const std::vector<HypothesisPointer>& believed =
             step + 1 < past.size() ? past[step + 1].before : now;
-        const std::size_t to = placeOf(believed, after.modes);
+        const std::size_t to = placeOf(believed, after);
         if (!past[step].passages.contains({way.parent, to, after.lost})) {
             break;
         }
@@ -75,7 +76,7 @@ std::optional<std::size_t> enter(const Way& way, std::deque<PastStep>& past,
     for (std::size_t i = 0; i < way.path.size(); ++i) {
         const Hypothesis& after = way.path[i];
         std::vector<HypothesisPointer>& believed = believedAfter(way.begin + i, past, now);
-        const std::size_t to = placeOf(believed, after.modes);
+        const std::size_t to = placeOf(believed, after);
         Passage passage{from, to, after.lost};
         std::set<Passage>& passages = past[way.begin + i].passages;
         if (to == believed.size()) {

@@ -1,6 +1,6 @@
 // Which ways count already in the probability of a hypothesis, so that each counts once.
 //
-// Hypotheses with the same modes after a step are one, whose weight is the sum over the ways that lead to them. Going back may come to
+// Hypotheses with the same modes and twin after a step are one, whose weight is the sum over the ways that lead to them. Going back may come to
 // the same modes by a way that was not followed before, which has to be added, or by one that was, which must not count twice. So
 // each past step keeps the passages from the hypotheses before it to those after it: a way all of whose passages are kept counts.
 #pragma once
@@ -50,9 +50,8 @@ struct Way {
 /// log(exp(a) + exp(b)), without overflow.
 double logOfSum(double a, double b);
 
-/// The place of the hypothesis with these modes; their number when there is none.
-std::size_t placeOf(const std::vector<HypothesisPointer>& hypotheses,
-                    const std::vector<AtomIndex>& modes);
+/// The place of the hypothesis with the same modes and the same twin; their number when there is none.
+std::size_t placeOf(const std::vector<HypothesisPointer>& hypotheses, const Hypothesis& wanted);
 
 /// The way without the passages at its beginning that count already: it begins where it leaves them. `now` is what is believed before
 /// the present step, the last to which passages lead. Linear in the way times the hypotheses.

@@ -6,9 +6,11 @@
 #include "monitor/step/Budget.h"
 #include "monitor/step/EngineExplanations.h"
 #include "monitor/step/Judge.h"
+#include "monitor/track/Twin.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace monitor {
 
@@ -31,23 +33,73 @@ double logArrivals(const TrackInput& input, const std::vector<LossyCommand>& los
     return sum;
 }
 
-// A value is remembered from the step at which it came unexpectedly, until the variable changes as expected. That it is
-// still there against what is expected makes it no newer.
-void updateSince(Hypothesis& made, const Plant& plant, const ModeStep& expected, AtomIndex value,
-                 const TrackInput& input)
+// The natural logarithm of their likelihood; what is remembered of them goes into the hypothesis.
+double takeReadings(Hypothesis& made, const Hypothesis& parent, const StepFrame& frame,
+                    const TrackInput& input)
 {
-    const auto known = made.since.find(expected.variable);
-    if (known != made.since.end() && known->second.value == value) {
-        return;
+    if (input.values.changing.empty()) {
+        const Likelihood likelihood = made.labels.likelihood();
+        made.exact = likelihood.exact;
+        return likelihood.log;
     }
-    if (value != expected.predicted) {
-        made.since[expected.variable] = {value, input.step, input.t};
-    } else if (value != expected.before) {
-        made.since.erase(expected.variable);
-        if (plant.atom(value)->fail) {
-            made.since[expected.variable] = {value, input.step, input.t};
+    std::set<VariableIndex> changed;
+    for (std::size_t i = 0; i < made.modes.size(); ++i) {
+        if (made.modes[i] != parent.modes[i]) {
+            changed.insert(frame.modes[i].variable);
         }
     }
+    ReadingsInTime readings = made.labels.inTime(input.values.changing, parent.readings, changed);
+    made.exact = readings.exact;
+    made.readings = std::move(readings.memory);
+    return readings.log;
+}
+
+// It began to differ when it did, whatever values it had since.
+void updateSince(Hypothesis& made, const Plant& plant, const std::vector<ModeStep>& steps,
+                 const TrackInput& input)
+{
+    const std::vector<AtomIndex>& twin = made.twinModes();
+    for (std::size_t i = 0; i < steps.size(); ++i) {
+        const AtomIndex value = made.modes[i];
+        if (value == twin[i] && !plant.atom(value)->fail) {
+            made.since.erase(steps[i].variable);
+            continue;
+        }
+        made.since.try_emplace(steps[i].variable, Since{value, input.step, input.t})
+            .first->second.value = value;
+    }
+}
+
+// Whether a fault counts after the step: it began within so many steps, or is the last one of a mode that is still wrong.
+bool stillCounts(const FaultBegun& fault, const Hypothesis& made, std::size_t step,
+                 std::size_t window)
+{
+    return step - fault.step <= window ||
+           (made.since.contains(fault.variable) &&
+            std::none_of(made.faults.begin(), made.faults.end(), [&](const FaultBegun& other) {
+                return other.variable == fault.variable && other.step > fault.step;
+            }));
+}
+
+// Requires: `since` is that of the step.
+void updateFaults(Hypothesis& made, const StepFrame& frame, const Deviations& deviations,
+                  const std::vector<LossyCommand>& lost, const TrackInput& input, std::size_t window)
+{
+    for (const AtomIndex value : deviations) {
+        const VariableIndex variable = frame.plant.variableOf(value);
+        const ModeOption* option = frame.stepOf(variable).option(value);
+        if (option && option->fault) {
+            made.faults.push_back({variable, input.step});
+        }
+    }
+    for (const LossyCommand& command : lost) {
+        made.faults.push_back({frame.plant.variableOf(command.given), input.step});
+    }
+    std::vector<FaultBegun> kept;
+    std::copy_if(
+        made.faults.begin(), made.faults.end(), std::back_inserter(kept),
+        [&](const FaultBegun& fault) { return stillCounts(fault, made, input.step, window); });
+    made.faults = std::move(kept);
 }
 
 // All sets of lossy commands of a size, each in the order of the commands.
@@ -97,8 +149,8 @@ StepFrame frameAfter(const Plant& plant, const Hypothesis& parent, const TrackIn
     return makeFrame(plant, parent.labels.prediction(), values);
 }
 
-Successors::Successors(itms& engine, const Plant& plant)
-    : Successors(std::make_shared<EngineExplanations>(engine, recordsBeforeSplit), plant)
+Successors::Successors(itms& engine, const Plant& plant, std::size_t window)
+    : Successors(std::make_shared<EngineExplanations>(engine, recordsBeforeSplit), plant, window)
 {
 }
 
@@ -107,34 +159,26 @@ std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const Track
                                            const StepFrame& frame, const Deviations& deviations,
                                            const std::vector<LossyCommand>& lost) const
 {
-    Hypothesis made{parent.labels, {}, 0.0, 0.0, parent.faults, parent.since, {}, {}};
+    Hypothesis made{parent.labels, {}, 0.0, 0.0, parent.faults, nullptr, parent.since, {}, {}, {}};
     const std::vector<AtomIndex> assumptions = assumptionsOf(frame, deviations);
     made.labels.take(assumptions, frame.observations, frame.inputs);
     made.modes.assign(assumptions.begin() + static_cast<std::ptrdiff_t>(frame.commands.size()),
                       assumptions.end());
-    const Likelihood likelihood = made.labels.likelihood();
-    made.exact = likelihood.exact;
-    const auto weighed = weigh(frame, deviations, likelihood.log);
+    const auto weighed = weigh(frame, deviations, takeReadings(made, parent, frame, input));
     if (!weighed) {
         return std::nullopt;
     }
     made.logStep = weighed->logProbability + logArrivals(input, lost);
     made.logWeight = parent.logWeight + made.logStep;
-    made.faults += weighed->faults + static_cast<int>(lost.size());
     made.unexplained = made.labels.contradicted();
     for (const LossyCommand& command : lost) {
         made.lost.push_back(command.given);
     }
-    const auto update = [&](const std::vector<ModeStep>& expected) {
-        for (std::size_t i = 0; i < expected.size(); ++i) {
-            updateSince(made, plant_, expected[i], made.modes[i], input);
-        }
-    };
-    if (lost.empty()) {
-        update(frame.modes);
-    } else {
-        update(this->frame(parent, input, {}).modes);
-    }
+    made.twin = lost.empty()
+                    ? twinAfter(plant_, parent, input, frame, frame, made)
+                    : twinAfter(plant_, parent, input, frame, this->frame(parent, input, {}), made);
+    updateSince(made, plant_, frame.modes, input);
+    updateFaults(made, frame, deviations, lost, input, window_);
     return made;
 }
 
@@ -215,7 +259,7 @@ std::vector<LossyCommand> lossyCommands(const Plant& plant, const plant::Binding
 Hypothesis initialHypothesis(const Plant& plant)
 {
     const Prediction labels = initialLabels(plant);
-    Hypothesis made{StepLabels(plant, labels), {}, 0.0, 0.0, 0, {}, {}, {}};
+    Hypothesis made{StepLabels(plant, labels), {}, 0.0, 0.0, {}, nullptr, {}, {}, {}, {}};
     for (std::size_t i = 0; i < plant.variables().size(); ++i) {
         const PlantVariable& variable = plant.variables()[i];
         if (!variable.isMode || variable.values.empty()) {

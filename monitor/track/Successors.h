@@ -40,11 +40,15 @@ public:
     /// few modes: the engine's searches that end at all end early.
     static constexpr std::uint64_t recordsBeforeSplit = 100;
 
-    /// Searches with an engine that is set up over the plant. Both outlive it.
-    Successors(itms& engine, const Plant& plant);
+    /// For ever, as long as a fault counts that is over.
+    static constexpr std::size_t always = static_cast<std::size_t>(-1);
+
+    /// Searches with an engine that is set up over the plant. Both outlive it. A fault that is over counts for so many steps more.
+    Successors(itms& engine, const Plant& plant, std::size_t window = always);
     /// Searches in a way of the caller's. The plant outlives it.
-    Successors(std::shared_ptr<ExplanationSearch> search, const Plant& plant)
-        : search_(std::move(search)), plant_(plant)
+    Successors(std::shared_ptr<ExplanationSearch> search, const Plant& plant,
+               std::size_t window = always)
+        : search_(std::move(search)), plant_(plant), window_(window)
     {
     }
 
@@ -79,6 +83,7 @@ private:
 
     std::shared_ptr<ExplanationSearch> search_;
     const Plant& plant_;
+    std::size_t window_;
 };
 
 /// Those among the given commands that may be lost, and are not what their variable has without a command anyway.

@@ -112,7 +112,8 @@ private:
             answer_.contradicted.push_back(i);
             contradicted_.push_back(std::move(made));
             SuccessorSearch search = tracker_.successors_.search(
-                *parent, input_, tracker_.settings_.maxFaults - parent->faults, budget_.remaining());
+                *parent, input_, tracker_.settings_.maxFaults - parent->faultCount(),
+                budget_.remaining());
             note(search.complete, search.limit, search.work);
             for (Hypothesis& hypothesis : search.found) {
                 add(std::move(hypothesis), i);
@@ -177,25 +178,23 @@ private:
                 hypothesis.logWeight = tracker_.memory_.hypotheses[i]->logWeight;
             }
             if (!hypothesis.labels.consistent()) {
-                Prediction modes(tracker_.plant_);
-                for (const AtomIndex mode : hypothesis.modes) {
-                    modes.assume(mode);
-                }
-                hypothesis.labels = StepLabels(tracker_.plant_, concluded(modes));
+                hypothesis.labels =
+                    StepLabels(tracker_.plant_, concludedFrom(tracker_.plant_, hypothesis.modes));
                 hypothesis.unexplained = input_.values.observations;
             }
             add(std::move(hypothesis), i);
         }
     }
 
-    // One hypothesis for the same modes; the most probable way stays, of nearly equal ones the first: that is the one in
+    // One hypothesis for the same modes and the same twin; the most probable way stays, of nearly equal ones the first: that is the one in
     // which the fault is youngest. It may be older, but nothing tells.
     void merge()
     {
-        std::map<std::vector<AtomIndex>, std::size_t> known;
+        std::map<std::pair<std::vector<AtomIndex>, std::vector<AtomIndex>>, std::size_t> known;
         std::vector<Found> merged;
         for (Found& found : found_) {
-            const auto [entry, isNew] = known.emplace(found.hypothesis.modes, merged.size());
+            const auto [entry, isNew] = known.emplace(
+                std::pair(found.hypothesis.modes, found.hypothesis.twinModes()), merged.size());
             if (isNew) {
                 merged.push_back(std::move(found));
                 best_.push_back(merged.back().hypothesis.logWeight);
@@ -312,13 +311,13 @@ private:
 };
 
 Tracker::Tracker(itms& engine, const Plant& plant, const TrackSettings& settings)
-    : Tracker(Successors(engine, plant), plant, settings)
+    : Tracker(Successors(engine, plant, settings.lookBack), plant, settings)
 {
 }
 
 Tracker::Tracker(std::shared_ptr<ExplanationSearch> search, const Plant& plant,
                  const TrackSettings& settings)
-    : Tracker(Successors(std::move(search), plant), plant, settings)
+    : Tracker(Successors(std::move(search), plant, settings.lookBack), plant, settings)
 {
 }
 

@@ -254,7 +254,7 @@ bool BruteForceDiagnosis::enabled(const Transition* transition) const
                                          : std::all_of(guard.begin(), guard.end(), holds);
 }
 
-// Follows the first nominal transition that is enabled, else stays. What the enabled transitions leave of 1 is
+// Follows the first nominal transition that is enabled where staying is not more probable, else stays. What the enabled transitions leave of 1 is
 // the probability of staying; where that is nothing and none is nominal, the most probable value is predicted.
 void BruteForceDiagnosis::findChances(const StateVar* mode)
 {
@@ -279,7 +279,8 @@ void BruteForceDiagnosis::findChances(const StateVar* mode)
     if (staying.value() > 0.0) {
         chances[from] = {staying, false};
     }
-    predicted_[mode] = nominal ? nominal : from;
+    const bool rather = nominal && staying.value() > chances[nominal].probability.value() + 1e-9;
+    predicted_[mode] = nominal && !rather ? nominal : from;
     if (!nominal && staying.value() <= 0.0) {
         for (const auto& [value, chance] : chances) {
             const Atom*& best = predicted_[mode];

@@ -76,7 +76,9 @@ ModeChances chancesOf(const StateVar* mode, const Atom* from, const AtomLabels& 
                       [](const auto& a, const auto& b) { return a.second.units < b.second.units; })
                       ->first;
     }
-    chances.predicted = nominal ? nominal : from;
+    const bool rather =
+        nominal && leaving < unit && unit - leaving > chances.values.at(nominal).units;
+    chances.predicted = nominal && !rather ? nominal : from;
     return chances;
 }
 

@@ -40,7 +40,7 @@ TEST_F(LossyCommandTest, IsFoundToBeLostWithItsProbability)
     const Fraction isLost = Fraction(1, 8) * Fraction(63, 64);
     const Fraction stuck = Fraction(7, 8) * Fraction(1, 64);
     EXPECT_NEAR(probability(lost), (isLost / (isLost + stuck)).value(), 1e-12);
-    EXPECT_EQ(best().faults, 1);
+    EXPECT_EQ(best().faultCount(), 1);
     EXPECT_THAT(active_->ids(best().modes), ElementsAre("v.position=closed"));
     EXPECT_EQ(tracker_->answer().status, TrackStatus::faulty);
 }
@@ -56,7 +56,7 @@ TEST_F(LossyCommandTest, IsRememberedUntilTheVariableChangesAsExpected)
     step({"v.flow=1"}, {"v.request=open"}, {open("v", 1.0 / 8)});
     EXPECT_THAT(texts(), ElementsAre(""));
     EXPECT_THAT(best().lost, IsEmpty());
-    EXPECT_EQ(best().faults, 1);
+    EXPECT_EQ(best().faultCount(), 1);
 }
 
 TEST_F(LossyCommandTest, CountsAsAFaultWhenItIsLost)
@@ -98,7 +98,7 @@ TEST_F(LossyCommandTest, IsFoundToBeLostTogetherWithAnotherOne)
                     "!b.request=open a.position=stuck@1 b.position=closed@1",
                     "a.position=stuck@1 b.position=stuck@1"));
     EXPECT_THAT(active_->ids(best().lost), ElementsAre("a.request=open", "b.request=open"));
-    EXPECT_EQ(best().faults, 2);
+    EXPECT_EQ(best().faultCount(), 2);
 }
 
 TEST_F(LossyCommandTest, IsNotLostWhereThatExplainsNothing)

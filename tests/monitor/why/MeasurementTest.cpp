@@ -23,8 +23,15 @@ protected:
         for (const std::string& id : assumed) {
             assumptions.push_back(active_->index(id));
         }
-        monitor::Hypothesis made{
-            monitor::StepLabels(*active_->plant), {}, std::log(probability), 0.0, 0, {}, {}, {}};
+        monitor::Hypothesis made{monitor::StepLabels(*active_->plant),
+                                 {},
+                                 std::log(probability),
+                                 0.0,
+                                 {},
+                                 {},
+                                 {},
+                                 {},
+                                 {}};
         made.labels.take(assumptions, {});
         answer_.hypotheses.push_back(std::make_shared<const monitor::Hypothesis>(std::move(made)));
         answer_.probabilities.push_back(probability);

@@ -49,7 +49,7 @@ protected:
             EXPECT_TRUE(labels.assume(active_->index(id))) << id;
         }
         EXPECT_TRUE(labels.propagate());
-        return {monitor::StepLabels(*active_->plant, labels), {}, 0.0, 0.0, 0, {}, {}, {}};
+        return {monitor::StepLabels(*active_->plant, labels), {}, 0.0, 0.0, {}, {}, {}, {}, {}, {}};
     }
     language::FormulaClauses clauses(const std::string& text) const
     {

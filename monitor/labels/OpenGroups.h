@@ -1,0 +1,55 @@
+// What the laws leave open: which variables hang together, which values they can have, and what bears on them.
+#pragma once
+
+#include "monitor/labels/Prediction.h"
+
+#include <map>
+#include <set>
+
+namespace monitor {
+
+/// Values of some variables, in the order of these.
+using Combination = std::vector<AtomIndex>;
+
+/// Open variables that do not depend on any others: every combination of theirs goes with every one of those.
+struct OpenGroup {
+    std::vector<VariableIndex> variables; ///< by rising index
+    std::set<Combination> combinations;   ///< that the laws allow, two at least
+};
+
+/// The variables of which the labels leave values open, looked at one by one.
+class OpenVariables {
+public:
+    /// Requires: all conclusions are drawn from the labels, and there is no contradiction. The plant outlives it.
+    OpenVariables(const Plant& plant, Prediction labels);
+
+    /// Whether the laws allow the variable several values; where that cannot be decided within a bound, true.
+    bool isOpen(VariableIndex variable);
+    /// The modes that bear on an open variable: some law mentions the mode and the variable, or the mode and an open variable that
+    /// laws connect with it through open variables.
+    std::set<VariableIndex> bearing(VariableIndex variable);
+
+    /// The finest groups of those among the variables that are open. `undecided` are those of which there are too many combinations:
+    /// one set for each part of the plant where that is so.
+    struct Groups {
+        std::vector<OpenGroup> groups;
+        std::vector<std::vector<VariableIndex>> undecided;
+    };
+    /// Requires: no variable twice. Costs a propagation for each value that is tried, of which there is a bound.
+    Groups groups(const std::vector<VariableIndex>& variables);
+
+private:
+    /// The variables that open clauses connect with this one, itself included, by rising index.
+    std::vector<VariableIndex> connected(VariableIndex variable) const;
+    std::vector<AtomIndex> openValues(VariableIndex variable) const;
+    bool canBeCompleted(const std::vector<VariableIndex>& variables);
+    bool collect(const std::vector<VariableIndex>& wanted, const std::vector<VariableIndex>& all,
+                 Combination& chosen, std::set<Combination>& found);
+
+    const Plant& plant_;
+    Prediction labels_;
+    std::map<VariableIndex, bool> known_; ///< whether it is open
+    std::size_t tried_ = 0;
+};
+
+} // namespace monitor

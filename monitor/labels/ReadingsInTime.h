@@ -1,0 +1,39 @@
+// How probable readings are that the plant leaves open, given what they were before.
+//
+// A reading that nothing in the plant determines is expected to stay what it is: the second time that a sensor with a dead input shows
+// the same is no new evidence. So the last readings are remembered, as long as they stay open and no mode that bears on them
+// changes. A group of readings that hang together, N combinations of which are possible, shows the last one again with the
+// probability 1 - v, and each other one with v / (N - 1); v is 1 less the product of (1 - v) of its channels, where v of a channel is how
+// often it changes from one step to the next. A group of which not all is remembered shows each combination with 1 / N.
+#pragma once
+
+#include "monitor/labels/Prediction.h"
+
+#include <map>
+#include <set>
+
+namespace monitor {
+
+/// The last readings that are expected again.
+using ReadingMemory = std::map<VariableIndex, AtomIndex>;
+
+/// A reading of a step.
+struct Reading {
+    AtomIndex value;
+    double changing;    ///< probability that it is not what it was at the step before
+    double logEstimate; ///< what it counts where there are too many combinations; 0: it follows
+};
+
+struct ReadingsInTime {
+    double log = 0.0;     ///< natural logarithm of the likelihood
+    bool exact = true;    ///< false where estimates had to do
+    ReadingMemory memory; ///< after the step
+};
+
+/// Requires: `labels` are what follows from modes, commands and inputs, and agree with the readings; no variable twice. `changedModes` are
+/// those that were not as they are before the step.
+ReadingsInTime readingsInTime(const Plant& plant, const Prediction& labels,
+                              const std::vector<Reading>& readings, const ReadingMemory& before,
+                              const std::set<VariableIndex>& changedModes);
+
+} // namespace monitor
