@@ -75,13 +75,13 @@ struct duration : seq<amount, must<unit>> {
     using action = makes<Duration>;
 };
 struct hold : if_must<token<TokenKind::holdWord>, duration> {};
-struct variation_of_a_binding : seq<named<"'varies'", soft_word<"varies">>, must<amount>, opt<per>> {
+struct variation : seq<named<"'varies'", soft_word<"varies">>, must<amount>, opt<per>> {
     using action = makes_member<Probability, &Binding::varies>;
 };
 struct binding_rest
     : seq<must<bound_variable>, opt<if_must<token<TokenKind::fromWord>, channel>>,
           opt<if_must<token<TokenKind::colon>, sor<thresholds, readings>>>, opt<hold>> {};
-struct varies : opt<variation_of_a_binding> {};
+struct varies : opt<variation> {};
 // Where it has no place it is read all the same, for a message that says why.
 struct varies_in_vain : named<"", varies> {};
 struct observe_word : token<TokenKind::observeWord> {

@@ -43,6 +43,12 @@ TEST(Fingerprint, OfAModelDoesNotDependOnLayoutAndComments)
     EXPECT_EQ(fingerprintOf(room), fingerprintOf(room, "system", "\n\n// The room.\nsystem"));
 }
 
+// Checkpoints hold it: a program that gives another one refuses those of the program before.
+TEST(Fingerprint, OfAModelIsTheSameInEveryVersion)
+{
+    EXPECT_EQ(fingerprintOf(room), "c241a3688cc6d72a");
+}
+
 TEST_P(EachChange, ChangesTheFingerprintOfAModel)
 {
     EXPECT_NE(fingerprintOf(room), fingerprintOf(room, GetParam().first, GetParam().second));
