@@ -302,8 +302,8 @@ std::vector<Section> sections(SimulateOptions& options)
            &options.inputs,
            {}},
           {"--random", "SEED",
-           "draw faults, lost commands and what nothing determines\nby the model's probabilities. "
-           "Otherwise everything\ngoes as predicted, and nothing breaks by itself",
+           "draw faults, repairs, lost commands and what nothing\ndetermines by the model's "
+           "probabilities. Otherwise\neverything goes as predicted, and nothing breaks by\nitself",
            &options.random, wholeNumber(0)}}},
         {"What to print",
          {{"--observe",

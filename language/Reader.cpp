@@ -92,7 +92,7 @@ private:
         result_.system = types_.system->name;
         LawBuilder laws(plant, builder_, report_, options_.expansion.lawClauses);
         TransitionBuilder transitions(plant, builder_, report_, step, options_.expansion.lawClauses);
-        BindingBuilder channels(plant, builder_, files_, report_);
+        BindingBuilder channels(plant, builder_, files_, report_, step);
         plant.forEach([&](Instance& instance) {
             plant.forEachMember(instance, Elaboration::Wanted::lawsAndBindings,
                                 [&](const syntax::Member& member, Environment& here) {

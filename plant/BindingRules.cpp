@@ -85,10 +85,10 @@ bool ReadingSet::add(std::variant<double, std::string> reading, const std::strin
     return false;
 }
 
-bool checkVaryingKind(const ChannelBinding& binding, const PlaceHandle& at)
+bool checkVaryingKind(ChannelBinding::Kind kind, bool input, const PlaceHandle& at)
 {
-    const bool command = binding.kind == ChannelBinding::Kind::command;
-    if (!command && !binding.input) return true;
+    const bool command = kind == ChannelBinding::Kind::command;
+    if (!command && !input) return true;
     if (command) {
         at.report("a command with 'varies'", {},
                   "'varies' says how often a reading changes: leave it out");

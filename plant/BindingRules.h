@@ -57,7 +57,7 @@ private:
 };
 
 /// Reports 'varies' where no reading is scored: for an input and for a command.
-bool checkVaryingKind(const ChannelBinding& binding, const PlaceHandle& at);
+bool checkVaryingKind(ChannelBinding::Kind kind, bool input, const PlaceHandle& at);
 /// Reports a reading that changes never or always: a probability per step that is not between 0 and 1.
 bool checkVaries(double probability, const PlaceHandle& at);
 /// Reports a time that is negative.

@@ -61,7 +61,7 @@ public:
     /// A fault: named after its target, of type "Fail", possible whatever is commanded.
     Transition* fault(Atom* from, Atom* to, double proba,
                       const std::vector<std::pair<bool, Atom*>>& guard = {});
-    /// Something that was wrong is mended: named "Repair", of type "Repair", possible whatever is commanded.
+    /// Something that was wrong is mended: named "Repair", of type "Repair", and so neither nominal nor a fault.
     Transition* repair(Atom* from, Atom* to, double proba,
                        const std::vector<std::pair<bool, Atom*>>& guard = {});
     /// Staying in a mode value when nothing is asked of it.

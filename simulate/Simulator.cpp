@@ -118,7 +118,8 @@ struct Simulator::Trial {
 
 Simulator::Simulator(const plant::Plant& plant, const plant::Bindings& bindings,
                      const SimulatorSettings& settings)
-    : plant_(plant), lost_(plant.variables().size(), 0.0), isInput_(plant.variables().size(), false),
+    : plant_(plant), lost_(plant.variables().size(), 0.0),
+      isInput_(plant.variables().size(), false), varies_(plant.variables().size()),
       wasOpen_(plant.variables().size(), false), labels_(monitor::initialLabels(plant))
 {
     if (settings.seed) {
@@ -127,6 +128,8 @@ Simulator::Simulator(const plant::Plant& plant, const plant::Bindings& bindings,
     for (const plant::ChannelBinding& binding : bindings.channels) {
         if (binding.kind == plant::ChannelBinding::Kind::observation) {
             observed_.push_back(indexOf(plant, binding.variable));
+            isInput_[static_cast<std::size_t>(observed_.back())] = binding.input;
+            varies_[static_cast<std::size_t>(observed_.back())] = binding.varies;
         }
     }
     for (const auto& [variable, probability] : bindings.lost) {
@@ -155,9 +158,15 @@ void Simulator::findOrder()
                      [&](plant::VariableIndex a, plant::VariableIndex b) { return key(a) < key(b); });
 }
 
-// Takes the variables in their order, each with some value, and sees which are open when their turn comes.
+// Takes the variables in their order, declared inputs first, each with some value, and sees which are open when their turn comes.
 void Simulator::findInputs()
 {
+    const auto inputsFirst = [this] {
+        std::stable_partition(order_.begin(), order_.end(), [this](plant::VariableIndex variable) {
+            return static_cast<bool>(isInput_[static_cast<std::size_t>(variable)]);
+        });
+    };
+    inputsFirst();
     monitor::Prediction labels(plant_);
     for (const plant::PlantVariable& variable : plant_.variables()) {
         if (variable.isMode && !variable.values.empty()) {
@@ -175,13 +184,12 @@ void Simulator::findInputs()
             return labels.valueOf(plant_.variable(observed)).has_value();
         });
         if (!labels.valueOf(plant_.variable(variable))) {
+            const bool measured = settle(plant_, variable, openObserved, labels);
             isInput_[static_cast<std::size_t>(variable)] =
-                settle(plant_, variable, openObserved, labels);
+                isInput_[static_cast<std::size_t>(variable)] || measured;
         }
     }
-    std::stable_partition(order_.begin(), order_.end(), [this](plant::VariableIndex variable) {
-        return static_cast<bool>(isInput_[static_cast<std::size_t>(variable)]);
-    });
+    inputsFirst();
 }
 
 std::vector<plant::AtomIndex> Simulator::allCommands(
@@ -322,11 +330,23 @@ std::optional<SimulationProblem> Simulator::fill(const SimulationInput& input, T
 std::vector<plant::AtomIndex> Simulator::valuesToTry(plant::VariableIndex variable,
                                                      std::optional<plant::AtomIndex> wanted)
 {
+    const auto index = static_cast<std::size_t>(variable);
+    const auto last = labels_->valueOf(plant_.variable(variable));
     std::vector<plant::AtomIndex> values = plant_.variable(variable).values;
-    if (chance_ && !isInput_[static_cast<std::size_t>(variable)]) {
+    if (chance_ && varies_[index] && last && !wanted) {
+        values = chance_->shuffled(std::move(values));
+        const auto place = std::find(values.begin(), values.end(), *last);
+        if (chance_->happens(*varies_[index])) {
+            std::rotate(place, place + 1, values.end());
+        } else {
+            std::rotate(values.begin(), place, place + 1);
+        }
+        return values;
+    }
+    if (chance_ && !isInput_[index]) {
         values = chance_->shuffled(std::move(values));
     } else if (!wanted) {
-        wanted = labels_->valueOf(plant_.variable(variable));
+        wanted = last;
     }
     if (wanted) {
         const auto place = std::find(values.begin(), values.end(), *wanted);

@@ -6,8 +6,8 @@ namespace language {
 
 void JsonChannels::add(const JsonNode& node)
 {
-    if (!node.isObject({"kind", "variable"},
-                       {"channel", "thresholds", "readings", "otherwise", "holdSeconds"})) {
+    if (!node.isObject({"kind", "variable"}, {"channel", "thresholds", "readings", "otherwise",
+                                              "holdSeconds", "input", "varies"})) {
         return;
     }
     StateVar* variable = names_.variable(node["variable"]);
@@ -30,7 +30,28 @@ void JsonChannels::add(const JsonNode& node)
         if (!made.holdSeconds) return;
         if (!plant::checkSeconds(*made.holdSeconds, node["holdSeconds"].at())) return;
     }
+    if (!readChances(node, made)) return;
     builder_.channel(std::move(made));
+}
+
+// What is known of the readings before they come.
+bool JsonChannels::readChances(const JsonNode& node, plant::ChannelBinding& made)
+{
+    if (node.has("input")) {
+        const JsonNode input = node["input"];
+        const auto flag = input.flag();
+        if (!flag) return false;
+        if (*flag && made.kind == plant::ChannelBinding::Kind::command) {
+            input.error("a command that is an input", "false", "a command is given anyway");
+            return false;
+        }
+        made.input = *flag;
+    }
+    if (!node.has("varies")) return true;
+    const JsonNode varies = node["varies"];
+    if (!plant::checkVaryingKind(made.kind, made.input, varies.at())) return false;
+    made.varies = varies.number();
+    return made.varies && plant::checkVaries(*made.varies, varies.at());
 }
 
 std::optional<plant::ChannelBinding::Kind> JsonChannels::kindOf(const JsonNode& node,

@@ -26,6 +26,7 @@ private:
     static bool readLimits(const JsonNode& node, plant::ThresholdTable& table);
     static std::optional<plant::ReadingTable> readings(const JsonNode& channel,
                                                        const StateVar& variable);
+    static bool readChances(const JsonNode& node, plant::ChannelBinding& made);
     static bool readTranslation(const JsonNode& node, plant::ChannelBinding& made);
 
     plant::CheckedBuilder& builder_;

@@ -9,7 +9,18 @@ namespace language {
 namespace {
 
 constexpr std::array kinds{plant::ChangeKind::nominal, plant::ChangeKind::fault,
-                           plant::ChangeKind::idle};
+                           plant::ChangeKind::repair, plant::ChangeKind::idle};
+
+std::string nameOf(plant::ChangeKind kind, const Atom* to)
+{
+    switch (kind) {
+    case plant::ChangeKind::nominal: return "Nominal";
+    case plant::ChangeKind::fault: return to->value;
+    case plant::ChangeKind::repair: return "Repair";
+    case plant::ChangeKind::idle: return "idle";
+    }
+    return {};
+}
 
 } // namespace
 
@@ -19,8 +30,8 @@ void JsonTransitions::add(const JsonNode& node)
 {
     const std::size_t index = index_++;
     if (!node.isObject({"kind", "from", "to", "probability"}, {"name", "guard"})) return;
-    const auto word =
-        node["kind"].oneOf({plant::word(kinds[0]), plant::word(kinds[1]), plant::word(kinds[2])});
+    const auto word = node["kind"].oneOf({plant::word(kinds[0]), plant::word(kinds[1]),
+                                          plant::word(kinds[2]), plant::word(kinds[3])});
     Atom* from = names_.atom(node["from"]);
     Atom* to = names_.atom(node["to"]);
     const auto probability = node["probability"].probability();
@@ -72,16 +83,15 @@ bool JsonTransitions::fits(const JsonNode& node, plant::ChangeKind kind, const A
         target.error("an idle transition that leads to another value", text::quoted(from->id));
         return false;
     }
-    if (!plant::checkLeaves(kind, from->id, to->id, "another value of the mode", target.at())) {
+    if (!plant::checkLeaves(kind, from->id, to->id, "another value of the mode", target.at()) ||
+        !plant::checkMends(kind, to->id, to->fail, target.at())) {
         return false;
     }
     if (!node.has("name")) return true;
     const JsonNode named = node["name"];
     const auto name = named.text();
     if (!name) return false;
-    const std::string fixed = kind == plant::ChangeKind::nominal ? "Nominal"
-                              : kind == plant::ChangeKind::idle  ? "idle"
-                                                                 : to->value;
+    const std::string fixed = nameOf(kind, to);
     if (*name == fixed) return true;
     named.error("found " + text::quoted(*name), text::quoted(fixed) + ", or no name");
     return false;

@@ -74,9 +74,10 @@ ordered_json transitionJson(const plant::Model& model, std::size_t index)
     for (const auto& [holds, atom] : precondition.subspan(1)) {
         guard.push_back((holds ? "" : "!") + atom->id);
     }
-    return {{"kind", transition.idle             ? "idle"
-                     : transition.type == "Fail" ? "fault"
-                                                 : "nominal"},
+    return {{"kind", transition.idle               ? "idle"
+                     : transition.type == "Fail"   ? "fault"
+                     : transition.type == "Repair" ? "repair"
+                                                   : "nominal"},
             {"name", transition.name},
             {"from", precondition.front().second->id},
             {"to", transition.atom->id},
@@ -124,6 +125,8 @@ ordered_json jsonOf(const plant::ChannelBinding& channel)
         addReadings(*readings, made);
     }
     if (channel.holdSeconds) made["holdSeconds"] = *channel.holdSeconds;
+    if (channel.input) made["input"] = true;
+    if (channel.varies) made["varies"] = *channel.varies;
     return made;
 }
 

@@ -25,6 +25,7 @@ void BindingBuilder::build(const syntax::Binding& binding, Instance& within,
     if (!made.variable) return;
     if (!builder_.bind(made.variable, report_.at(binding.range))) return;
     made.kind = kindOf(binding);
+    made.input = binding.kind == syntax::Binding::Kind::input;
     made.channel = plant::nameOf(*made.variable);
     if (binding.channel) {
         const auto channel = channelName(*binding.channel, environment);
@@ -43,6 +44,11 @@ void BindingBuilder::build(const syntax::Binding& binding, Instance& within,
     if (binding.hold) {
         made.holdSeconds = seconds(*binding.hold, environment);
         if (!made.holdSeconds) return;
+    }
+    if (binding.varies) {
+        made.varies = probabilityPerStep(*binding.varies, environment, stepSeconds_, report_);
+        if (!made.varies) return;
+        if (!plant::checkVaries(*made.varies, report_.at(binding.varies->range))) return;
     }
     builder_.channel(std::move(made));
 }

@@ -14,8 +14,8 @@ plant::ChannelBinding::Kind kindOf(const syntax::Binding& binding);
 class BindingBuilder {
 public:
     BindingBuilder(Elaboration& plant, plant::CheckedBuilder& builder, const SourceFiles& files,
-                   Report& report)
-        : plant_(plant), builder_(builder), files_(files), report_(report)
+                   Report& report, double stepSeconds)
+        : plant_(plant), builder_(builder), files_(files), report_(report), stepSeconds_(stepSeconds)
     {
     }
 
@@ -37,6 +37,7 @@ private:
     plant::CheckedBuilder& builder_;
     const SourceFiles& files_;
     Report& report_;
+    double stepSeconds_;
 };
 
 } // namespace language

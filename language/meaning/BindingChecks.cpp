@@ -11,12 +11,19 @@ using namespace syntax;
 
 bool TypeChecks::checkBinding(const Binding& binding)
 {
+    const bool isInput = binding.kind == Binding::Kind::input;
     bool sound = !binding.hold || checkNumbers(binding.hold->amount);
+    if (binding.varies) {
+        sound = checkNumbers(binding.varies->amount) && sound;
+        sound =
+            plant::checkVaryingKind(kindOf(binding), isInput, report_.at(binding.varies->range)) &&
+            sound;
+    }
     const Resolved found = resolve(*type_, binding.variable);
     if (!found) return false;
     const bool isCommand = found.variable->syntax->kind == syntax::VariableKind::command;
     if (!plant::checkDirection(isCommand, kindOf(binding), found.variable->syntax->name.text,
-                               report_.at(binding.variable.range))) {
+                               report_.at(binding.variable.range), isInput)) {
         return false;
     }
     if (const auto* thresholds = std::get_if<Thresholds>(&binding.translation)) {

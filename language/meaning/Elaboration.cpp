@@ -9,6 +9,7 @@
 #include "text/Wording.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace language {
 
@@ -59,6 +60,22 @@ std::optional<double> probability(const syntax::Expression& expression,
                      ? "percent are written as a fraction: " + text::shown(*value / 100)
                      : "");
     return std::nullopt;
+}
+
+std::optional<double> probabilityPerStep(const syntax::Probability& written,
+                                         const Environment& environment, double stepSeconds,
+                                         Report& report)
+{
+    const std::optional<double> seconds =
+        written.per ? secondsOf(written.per->text) : std::optional<double>();
+    if (!seconds) return probability(written.amount, environment, report);
+    const std::optional<double> amount = evaluate(written.amount, environment, report);
+    if (!amount) return std::nullopt;
+    if (*amount < 0) {
+        report.error(written.amount.range, "the rate is " + text::shown(*amount), "0 or more");
+        return std::nullopt;
+    }
+    return -std::expm1(-*amount / *seconds * stepSeconds);
 }
 
 std::string variableName(const Instance& instance, const VariableType& variable)

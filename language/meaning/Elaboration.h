@@ -103,6 +103,12 @@ private:
 std::optional<double> probability(const syntax::Expression& expression,
                                   const Environment& environment, Report& report);
 
+/// The same of a probability per step, or of a rate, which becomes the probability of at least one event in a step,
+/// 1 - exp(-rate * step).
+std::optional<double> probabilityPerStep(const syntax::Probability& written,
+                                         const Environment& environment, double stepSeconds,
+                                         Report& report);
+
 /// `name` of the component type for messages, with the instance: `'valveA.position'`.
 std::string variableName(const Instance& instance, const VariableType& variable);
 

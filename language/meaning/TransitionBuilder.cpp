@@ -1,12 +1,10 @@
 #include "language/meaning/TransitionBuilder.h"
 
 #include "language/meaning/FormulaTranslator.h"
-#include "language/syntax/Words.h"
 #include "plant/TransitionRules.h"
 #include "text/Wording.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace language {
 
@@ -15,9 +13,15 @@ plant::ChangeKind kindOf(const syntax::Transition& transition)
     switch (transition.kind) {
     case syntax::TransitionKind::nominal: return plant::ChangeKind::nominal;
     case syntax::TransitionKind::fault: return plant::ChangeKind::fault;
+    case syntax::TransitionKind::repair: return plant::ChangeKind::repair;
     case syntax::TransitionKind::idle: return plant::ChangeKind::idle;
     }
     return plant::ChangeKind::nominal;
+}
+
+bool isAmongAny(const syntax::Transition& transition, bool isFault)
+{
+    return isFault == (transition.kind == syntax::TransitionKind::repair);
 }
 
 void TransitionBuilder::build(Instance& instance)
@@ -65,14 +69,16 @@ void TransitionBuilder::gather(const syntax::Transition& transition, Instance& i
         change.alternatives = std::move(*alternatives);
     }
     if (transition.probability) {
-        change.probability = probabilityOf(*transition.probability, environment);
+        change.probability =
+            probabilityPerStep(*transition.probability, environment, stepSeconds_, report_);
         if (!change.probability) return;
     }
     for (Atom* from : *variable->atomLinks) {
         const bool named =
             std::any_of(transition.sources.begin(), transition.sources.end(),
                         [&](const syntax::Name& name) { return name.text == from->value; });
-        if (transition.any ? from->fail || from == change.to : !named) continue;
+        if (transition.any ? from == change.to || !isAmongAny(transition, from->fail) : !named)
+            continue;
         plant::Change& made = changes.emplace_back(change);
         made.from = from;
         if (!made.to) made.to = from;
@@ -109,21 +115,6 @@ std::optional<std::vector<plant::Conjunction>> TransitionBuilder::alternativesOf
     }
     if (!plant::checkGuard(alternatives, report_.at(transition.guard->range))) return std::nullopt;
     return alternatives;
-}
-
-std::optional<double> TransitionBuilder::probabilityOf(const syntax::Probability& written,
-                                                       const Environment& environment)
-{
-    const std::optional<double> seconds =
-        written.per ? secondsOf(written.per->text) : std::optional<double>();
-    if (!seconds) return probability(written.amount, environment, report_);
-    const std::optional<double> amount = evaluate(written.amount, environment, report_);
-    if (!amount) return std::nullopt;
-    if (*amount < 0) {
-        report_.error(written.amount.range, "the rate is " + text::shown(*amount), "0 or more");
-        return std::nullopt;
-    }
-    return -std::expm1(-*amount / *seconds * stepSeconds_);
 }
 
 } // namespace language

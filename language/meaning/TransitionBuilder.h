@@ -2,9 +2,8 @@
 //
 //     fault closed, open -> stuck when load = high | load = extreme : 1e-4 per hour
 //
-// becomes four: one for each source and each alternative of the guard, which is brought into disjunctive normal form. A rate
-// becomes the probability of at least one event in a step, 1 - exp(-rate * step). A nominal or idle transition without a
-// probability takes what the faults that can always happen leave.
+// becomes four: one for each source and each alternative of the guard, which is brought into disjunctive normal form. A nominal or idle
+// transition without a probability takes what the faults and repairs that can always happen leave.
 #pragma once
 
 #include "language/meaning/Elaboration.h"
@@ -15,6 +14,8 @@
 namespace language {
 
 plant::ChangeKind kindOf(const syntax::Transition& transition);
+/// Whether a value other than the target is meant by `any`: a fault where it is a repair, and one that is none elsewhere.
+bool isAmongAny(const syntax::Transition& transition, bool isFault);
 
 class TransitionBuilder {
 public:
@@ -35,8 +36,6 @@ private:
                 const Environment& environment, Changes& changes);
     std::optional<std::vector<plant::Conjunction>> alternativesOf(
         const syntax::Transition& transition, Instance& instance, const Environment& environment);
-    std::optional<double> probabilityOf(const syntax::Probability& probability,
-                                        const Environment& environment);
 
     Elaboration& plant_;
     plant::CheckedBuilder& builder_;

@@ -60,11 +60,12 @@ bool TypeChecks::checkTransition(const Transition& transition)
     const VariableType* mode = modeOf(transition);
     bool sound = mode && mode->values.size() >= 2;
     if (sound) sound = checkSources(transition, *mode);
-    if (mode && transition.target) sound = checkValue(*mode, *transition.target) && sound;
+    if (mode && transition.target) sound = checkTarget(transition, *mode) && sound;
     if (transition.guard) sound = checkFormula(*transition.guard) && sound;
     if (transition.probability) sound = checkNumbers(transition.probability->amount) && sound;
-    if (transition.kind == TransitionKind::fault && !transition.probability) {
-        report_.error(transition.range, "a fault without a probability",
+    if (plant::isUnbidden(kindOf(transition)) && !transition.probability) {
+        report_.error(transition.range,
+                      "a " + std::string(kindName(transition)) + " without a probability",
                       "': ' and a probability per step, or a rate such as 1e-4 per hour");
         sound = false;
     }
@@ -75,6 +76,13 @@ bool TypeChecks::checkTransition(const Transition& transition)
 bool TypeChecks::checkSources(const Transition& transition, const VariableType& mode)
 {
     bool sound = true;
+    if (transition.any && transition.kind == TransitionKind::repair && !mode.hasFaults()) {
+        report_.error(transition.sourcesRange,
+                      "no value of " + text::quoted(mode.syntax->name.text) + " is a fault",
+                      "the values that are left",
+                      "'any' stands here for all values that are faults");
+        sound = false;
+    }
     for (std::size_t i = 0; i < transition.sources.size(); ++i) {
         const Name& source = transition.sources[i];
         sound = checkValue(mode, source) && sound;
@@ -93,6 +101,15 @@ bool TypeChecks::checkSources(const Transition& transition, const VariableType& 
     return sound;
 }
 
+bool TypeChecks::checkTarget(const Transition& transition, const VariableType& mode)
+{
+    const Name& target = *transition.target;
+    if (!checkValue(mode, target)) return false;
+    const auto index = mode.indexOf(target.text);
+    return plant::checkMends(kindOf(transition), target.text, index && mode.isFault(*index),
+                             report_.at(target.range));
+}
+
 // The same change under the same guard, written once more.
 bool TypeChecks::checkRepetition(const Transition& transition, const VariableType& mode)
 {
@@ -103,7 +120,8 @@ bool TypeChecks::checkRepetition(const Transition& transition, const VariableTyp
     if (transition.any) {
         for (std::size_t i = 0; i < mode.values.size(); ++i) {
             const bool target = transition.target && mode.values[i] == transition.target->text;
-            if (!mode.isFault(i) && !target) sources.push_back(mode.values[i]);
+            if (isAmongAny(transition, mode.isFault(i)) && !target)
+                sources.push_back(mode.values[i]);
         }
     }
     std::string rest = std::string(" ") + kindName(transition) + " " + mode.syntax->name.text +

@@ -39,6 +39,7 @@ private:
     bool checkTransition(const syntax::Transition& transition);
     const VariableType* modeOf(const syntax::Transition& transition);
     bool checkSources(const syntax::Transition& transition, const VariableType& mode);
+    bool checkTarget(const syntax::Transition& transition, const VariableType& mode);
     bool checkRepetition(const syntax::Transition& transition, const VariableType& mode);
 
     bool checkBinding(const syntax::Binding& binding);

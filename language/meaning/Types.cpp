@@ -27,6 +27,12 @@ std::optional<std::size_t> VariableType::indexOf(std::string_view value) const
     return static_cast<std::size_t>(found - values.begin());
 }
 
+bool VariableType::hasFaults() const
+{
+    return std::any_of(syntax->values.begin(), syntax->values.end(),
+                       [](const syntax::Value& value) { return value.fault; });
+}
+
 bool VariableType::isFault(std::size_t value) const
 {
     return syntax->values[declared[value]].fault;

@@ -23,6 +23,7 @@ struct VariableType {
     std::optional<std::size_t> indexOf(std::string_view value) const;
     bool isMode() const { return syntax->kind == syntax::VariableKind::mode; }
     bool isFault(std::size_t value) const;
+    bool hasFaults() const;
     /// The value that is marked as initial.
     std::optional<std::size_t> marked() const;
 

@@ -1,5 +1,7 @@
 #include "language/meaning/Usage.h"
 
+#include "language/meaning/TransitionBuilder.h"
+
 #include <algorithm>
 
 namespace language {
@@ -12,7 +14,7 @@ bool leaves(const syntax::Transition& transition, const VariableType& mode,
 {
     if (transition.any) {
         for (std::size_t i = 0; i < reached.size(); ++i) {
-            if (reached[i] && !mode.isFault(i)) return true;
+            if (reached[i] && isAmongAny(transition, mode.isFault(i))) return true;
         }
         return false;
     }

@@ -75,19 +75,30 @@ struct duration : seq<amount, must<unit>> {
     using action = makes<Duration>;
 };
 struct hold : if_must<token<TokenKind::holdWord>, duration> {};
+struct variation : seq<named<"'varies'", soft_word<"varies">>, must<amount>, opt<per>> {
+    using action = makes_member<Probability, &Binding::varies>;
+};
 struct binding_rest
     : seq<must<bound_variable>, opt<if_must<token<TokenKind::fromWord>, channel>>,
           opt<if_must<token<TokenKind::colon>, sor<thresholds, readings>>>, opt<hold>> {};
+struct varies : opt<variation> {};
+// Where it has no place it is read all the same, for a message that says why.
+struct varies_in_vain : named<"", varies> {};
 struct observe_word : token<TokenKind::observeWord> {
     using action = sets<&Binding::kind, Binding::Kind::observation>;
 };
-struct observation : in_context<"an observation", seq<observe_word, binding_rest>> {};
+struct observation : in_context<"an observation", seq<observe_word, binding_rest, varies>> {};
+struct input_word : soft_word<"input"> {
+    using action = sets<&Binding::kind, Binding::Kind::input>;
+};
+struct input : in_context<"an input", seq<input_word, binding_rest, varies_in_vain>> {};
 struct bind_command_word : token<TokenKind::commandWord> {
     using action = sets<&Binding::kind, Binding::Kind::command>;
 };
 struct command_binding
-    : in_context<"a command", seq<command_is_bound, bind_command_word, binding_rest>> {};
-struct binding : sor<observation, command_binding> {
+    : in_context<"a command", seq<command_is_bound, bind_command_word, binding_rest, varies_in_vain>> {
+};
+struct binding : sor<observation, input, command_binding> {
     using action = makes<Binding>;
 };
 struct step_length

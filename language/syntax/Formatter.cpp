@@ -118,6 +118,7 @@ public:
         }
         Spacing spacing;
         spacing.colonStandsFree = true;
+        spacing.parenthesisStandsFree = true;
         statement(binding.range, LineKind::binding, starts, spacing, shape);
     }
     void operator()(const StepLength& step) { statement(step.range, LineKind::other, {}); }
@@ -375,6 +376,7 @@ private:
     {
         Spacing spacing;
         spacing.colonStandsFree = true;
+        spacing.parenthesisStandsFree = true;
         for (const Loop* inner = &loop; inner; inner = std::get_if<Loop>(&inner->members.front())) {
             ++spacing.tightColons;
         }

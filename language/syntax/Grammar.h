@@ -40,8 +40,9 @@ struct loop
 };
 struct part_loop_member
     : named<"a law, 'initially' or a loop", sor<law, initially, loop<part_loop_member>>> {};
-struct system_loop_member : named<"a law, an observation, a command, 'initially' or a loop",
-                                  sor<law, binding, initially, loop<system_loop_member>>> {};
+struct system_loop_member
+    : named<"a law, an observation, an input, a command, 'initially' or a loop",
+            sor<law, binding, initially, loop<system_loop_member>>> {};
 struct component_member
     : named<"a statement of a component",
             sor<variable, law, transition, part, initially, loop<part_loop_member>>> {};

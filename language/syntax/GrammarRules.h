@@ -135,6 +135,23 @@ struct time_unit : Leaf {
     }
 };
 
+/// A name that is a word of the language where a statement begins or a binding may go on: `input`, `repair`, `varies`. Before `:` and
+/// `[` it is the name of a part.
+template <Literal Word> struct soft_word : Leaf {
+    using rule_t = soft_word;
+    static bool match(TokenInput& in)
+    {
+        const TokenKind next = in.peek(1).kind;
+        if (in.front().kind != TokenKind::name || in.text(in.front()) != Word.view() ||
+            next == TokenKind::colon || next == TokenKind::openBracket) {
+            in.expect(TokenKind::end, Word.view());
+            return false;
+        }
+        in.bump();
+        return true;
+    }
+};
+
 /// `fault` that begins a transition, where it could be a mark of a value: before `any`, and before a name with `,`, `->` or `=`.
 struct begins_fault : Leaf {
     using rule_t = begins_fault;

@@ -26,6 +26,16 @@ bool beginsMember(const Token* token)
            token[3].kind == TokenKind::closeBracket && token[4].kind == TokenKind::colon;
 }
 
+// A name that has to be a word at the beginning of a line: what stands behind it is no part of the line before.
+bool isSoftStatement(const text::SourceText& source, const Token* token)
+{
+    if (token->kind != TokenKind::name || !token->firstOnLine || token[1].firstOnLine) return false;
+    const std::string_view word =
+        std::string_view(source.text()).substr(token->offset, token->length);
+    return (word == "input" && token[1].kind == TokenKind::name) ||
+           (word == "repair" && (canBeValue(token[1].kind) || token[1].kind == TokenKind::anyWord));
+}
+
 // The column where the line of the token begins.
 std::uint32_t indentation(const Token* token)
 {
@@ -38,7 +48,8 @@ std::uint32_t indentation(const Token* token)
 // The token to go on from: the next statement on a line of its own, or what ends the block. A line that is not farther to the
 // right than the statement is a new one. Braces that were opened behind the mistake belong to the statement that has it; one
 // before the mistake may have lost its end.
-const Token* afterStatement(const Token* begin, const Token* at, bool inBlock)
+const Token* afterStatement(const text::SourceText& source, const Token* begin, const Token* at,
+                            bool inBlock)
 {
     std::ptrdiff_t before = 0;
     for (const Token* token = begin; token < at; ++token) {
@@ -57,7 +68,8 @@ const Token* afterStatement(const Token* begin, const Token* at, bool inBlock)
         const bool closes =
             token->kind == TokenKind::closeBrace || token->kind == TokenKind::openBrace;
         if (token->firstOnLine && behind == 0 && !closes &&
-            (beginsMember(token) ? inBlock : token->column <= margin)) {
+            (beginsMember(token) || isSoftStatement(source, token) ? inBlock
+                                                                   : token->column <= margin)) {
             return token;
         }
         if (token->kind == TokenKind::openBrace) ++behind;
@@ -130,11 +142,17 @@ std::vector<std::string_view> expectedWords(const Expectations& expectations)
         if (isWord(kind)) words.push_back(what);
     }
     if (isExpected(expectations, "'component'")) add(TokenKind::importWord, TokenKind::systemWord);
-    if (isExpected(expectations, "a statement of a")) add(TokenKind::modeWord, TokenKind::forWord);
-    if (isExpected(expectations, "a statement of a system")) words.push_back("step");
-    if (isExpected(expectations, "a law, ")) {
-        words.insert(words.end(), {"law", "initially", "for", "observe", "command"});
+    if (isExpected(expectations, "a statement of a")) {
+        add(TokenKind::modeWord, TokenKind::forWord);
+        words.push_back("repair");
     }
+    if (isExpected(expectations, "a statement of a system")) {
+        words.insert(words.end(), {"step", "input"});
+    }
+    if (isExpected(expectations, "a law, ")) {
+        words.insert(words.end(), {"law", "initially", "for", "observe", "command", "input"});
+    }
+    if (isExpected(expectations, "'varies'")) words.push_back("varies");
     if (isExpected(expectations, "unit of time")) {
         words.insert(words.end(), timeUnits().begin(), timeUnits().end());
     }
@@ -178,6 +196,11 @@ std::string advice(const TokenInput& in, const Token* begin, const Token* at,
                    const Expectations& expectations)
 {
     const bool first = at == begin;
+    const bool inComponent = isExpected(expectations, "a statement of a component");
+    if (first && inComponent && in.text(*at) == "input" && at[1].kind == TokenKind::name &&
+        !at[2].firstOnLine) {
+        return "'input' stands in the system";
+    }
     if (first && at->kind == TokenKind::number && touches(at + 1))
         return "a name does not begin with a digit";
     if (first && at->kind == TokenKind::name && at[1].kind == TokenKind::minus && touches(at + 1)) {
@@ -193,7 +216,7 @@ std::string advice(const TokenInput& in, const Token* begin, const Token* at,
         }
     }
     const bool binds = at->kind == TokenKind::observeWord || at->kind == TokenKind::stepWord;
-    if (binds && isExpected(expectations, "a statement of a component")) {
+    if (binds && inComponent) {
         return text::quoted(in.text(*at)) + " stands in the system";
     }
     if (in.context == "a variable" && begin->kind == TokenKind::commandWord &&
@@ -223,12 +246,14 @@ void Mistakes::recover(TokenInput& in, const Token* begin, std::size_t blocks,
                        const Mistake& mistake)
 {
     const Token* at = mistake.at ? mistake.at : in.farthest();
-    // A law that lacks its end has taken the name of the part on the next line for it.
-    if (blocks > 0 && at == begin && at->kind == TokenKind::colon && at[-1].firstOnLine &&
-        at[-1].kind == TokenKind::name) {
+    // A law that lacks its end has taken the name of the part on the next line for it, or the word with which that line begins.
+    if (blocks > 0 && at == begin && at[-1].firstOnLine && at[-1].kind == TokenKind::name &&
+        (at->kind == TokenKind::colon || isSoftStatement(source_, at - 1))) {
         const Token& last = at[-2];
+        const std::string_view name = in.text(at[-1]);
         add(source_.range(last.offset + last.length, 1), "unexpected end of the line", {},
-            "the next line begins a part, " + text::quoted(in.text(at[-1])));
+            at->kind == TokenKind::colon ? "the next line begins a part, " + text::quoted(name)
+                                         : "the next line begins with " + text::quoted(name));
         in.restart(at - 1);
         return;
     }
@@ -236,7 +261,7 @@ void Mistakes::recover(TokenInput& in, const Token* begin, std::size_t blocks,
     const bool silent = unreadable(at) || (at->kind == TokenKind::end && openComment_) ||
                         (at->kind != TokenKind::end && unreadable(at + 1) && touches(at + 1));
     if (!silent) report(in, begin, blocks, mistake);
-    in.restart(afterStatement(begin, at, blocks > 0));
+    in.restart(afterStatement(source_, begin, at, blocks > 0));
 }
 
 void Mistakes::report(const TokenInput& in, const Token* begin, std::size_t blocks,

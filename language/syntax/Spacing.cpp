@@ -48,7 +48,7 @@ bool Spacing::wants(TokenKind kind) const
     case TokenKind::dots: return false;
     case TokenKind::closeBrace: return !inSet_;
     case TokenKind::colon: return colonStandsFree && tightColons == 0;
-    case TokenKind::openParenthesis: return last_ != TokenKind::name;
+    case TokenKind::openParenthesis: return parenthesisStandsFree || last_ != TokenKind::name;
     case TokenKind::plus:
     case TokenKind::minus:
     case TokenKind::star:

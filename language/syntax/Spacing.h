@@ -10,8 +10,9 @@ namespace language {
 /// Goes through the tokens of one statement.
 class Spacing {
 public:
-    bool colonStandsFree = false; ///< ` : ` instead of `: `
-    std::size_t tightColons = 0;  ///< so many first ones do not: those of loops
+    bool colonStandsFree = false;       ///< ` : ` instead of `: `
+    bool parenthesisStandsFree = false; ///< also behind a name: `varies (a + b)`
+    std::size_t tightColons = 0;        ///< so many first ones do not: those of loops
 
     /// Whether a blank stands before the token; notes the token.
     bool before(TokenKind kind);

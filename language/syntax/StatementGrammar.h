@@ -64,6 +64,9 @@ struct nominal_word : token<TokenKind::nominalWord> {
 struct fault_word : token<TokenKind::faultWord> {
     using action = sets<&Transition::kind, TransitionKind::fault>;
 };
+struct repair_word : soft_word<"repair"> {
+    using action = sets<&Transition::kind, TransitionKind::repair>;
+};
 struct idle_word : token<TokenKind::idleWord> {
     using action = sets<&Transition::kind, TransitionKind::idle>;
 };
@@ -104,7 +107,8 @@ struct amount : sum {
         }
     };
 };
-struct probability : seq<amount, opt<if_must<token<TokenKind::perWord>, per_unit>>> {
+struct per : if_must<token<TokenKind::perWord>, per_unit> {};
+struct probability : seq<amount, opt<per>> {
     using action = makes_member<Probability, &Transition::probability>;
 };
 struct transition_rest : seq<opt<guard>, opt<if_must<token<TokenKind::colon>, probability>>> {};
@@ -112,10 +116,11 @@ struct change_rest : seq<opt<of_mode>, must<sources>, must<token<TokenKind::arro
                          must<target_value>, transition_rest> {};
 struct nominal_transition : in_context<"a nominal transition", seq<nominal_word, change_rest>> {};
 struct fault_transition : in_context<"a fault", seq<fault_word, change_rest>> {};
+struct repair_transition : in_context<"a repair", seq<repair_word, change_rest>> {};
 struct idle_transition
     : in_context<"an idle transition", seq<idle_word, opt<of_mode>, must<sources>, transition_rest>> {
 };
-struct transition : sor<nominal_transition, fault_transition, idle_transition> {
+struct transition : sor<nominal_transition, fault_transition, repair_transition, idle_transition> {
     using action = makes<Transition>;
 };
 

@@ -120,17 +120,19 @@ struct Law {
     text::Range range;
 };
 
-enum class TransitionKind { nominal, fault, idle };
+enum class TransitionKind { nominal, fault, repair, idle };
 
-/// `nominal closed -> open when request = open : 0.99`, `fault any -> unknown : 1e-4 per hour`, `idle closed, open`.
+/// `nominal closed -> open when request = open : 0.99`, `fault any -> unknown : 1e-4 per hour`, `repair any -> closed : 1 per day`,
+/// `idle closed, open`.
 /// A component with several modes says which one is meant: `fault position = closed -> stuck : 0.01`.
 struct Transition {
     TransitionKind kind = TransitionKind::nominal;
     std::optional<Name> variable; ///< the mode variable, where it is named
-    bool any = false; ///< from `any` value that is not a fault; then there are no sources
+    bool any =
+        false; ///< from `any` value that is not a fault, or, of a repair, that is one; then there are no sources
     std::vector<Name>
         sources; ///< otherwise: the values it leaves (or in which an idle one stays), at least one
-    std::optional<Name> target; ///< of nominal and fault transitions, always
+    std::optional<Name> target; ///< always, except of idle transitions
     std::optional<Formula> guard;
     std::optional<Probability> probability;
     text::Range range;
@@ -196,17 +198,19 @@ struct Readings {
     text::Range range;
 };
 
-/// `observe tank.pressure from "PT-100" : low < 1.2 <= nominal hold 5 s` and `command valveA.request from "XV-A" : open = 1`.
+/// `observe tank.pressure from "PT-100" : low < 1.2 <= nominal hold 5 s varies 2 per hour`, `input tank.inflow from "FT-1"` and
+/// `command valveA.request from "XV-A" : open = 1`.
 /// Without a translation the channel has the names of values. In a loop the name of the channel may have indices in
 /// braces: `"T-{i}"`, `"T-{i+1}"`; they are left in the text here.
 struct Binding {
-    enum class Kind { observation, command };
+    enum class Kind { observation, input, command };
 
     Kind kind = Kind::observation;
     Path variable;
     std::optional<Text> channel; ///< missing: the channel has the variable's own name
     std::variant<std::monostate, Thresholds, Readings> translation;
     std::optional<Duration> hold; ///< how long the last reading stands for a missing one
+    std::optional<Probability> varies; ///< how often an open reading changes; its range begins at the word
     text::Range range;
 };
 

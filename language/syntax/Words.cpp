@@ -73,6 +73,12 @@ const std::vector<std::string_view>& reservedWords()
     return words;
 }
 
+const std::vector<std::string_view>& softWords()
+{
+    static const std::vector<std::string_view> words{"input", "repair", "varies"};
+    return words;
+}
+
 const std::vector<std::string_view>& timeUnits()
 {
     static const std::vector<std::string_view> names = [] {

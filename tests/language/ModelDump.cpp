@@ -118,6 +118,8 @@ private:
         out_ << (channel.kind == plant::ChannelBinding::Kind::command ? "command " : "observe ")
              << channel.channel << " " << channel.variable->comp->name << "."
              << channel.variable->name;
+        if (channel.input) out_ << " input";
+        if (channel.varies) out_ << " varies " << *channel.varies;
         if (channel.holdSeconds) out_ << " hold " << *channel.holdSeconds;
         if (const auto* row = std::get_if<plant::ThresholdTable>(&channel.translation)) {
             for (const Atom* value : row->values) {

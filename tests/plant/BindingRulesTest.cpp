@@ -31,14 +31,10 @@ TEST(BindingRules, LetOnlyVaryWhatIsScored)
 {
     using Kind = ChannelBinding::Kind;
     NotedPlaces places;
-    ChannelBinding binding;
-    EXPECT_TRUE(checkVaryingKind(binding, places.at(1)));
+    EXPECT_TRUE(checkVaryingKind(Kind::observation, false, places.at(1)));
     EXPECT_EQ(places.take(), "");
-    binding.input = true;
-    EXPECT_FALSE(checkVaryingKind(binding, places.at(2)));
-    binding.input = false;
-    binding.kind = Kind::command;
-    EXPECT_FALSE(checkVaryingKind(binding, places.at(3)));
+    EXPECT_FALSE(checkVaryingKind(Kind::observation, true, places.at(2)));
+    EXPECT_FALSE(checkVaryingKind(Kind::command, false, places.at(3)));
     EXPECT_EQ(places.take(),
               "2: an input with 'varies'\n"
               "  hint: an input is not scored, however often it changes: leave out 'varies', or "

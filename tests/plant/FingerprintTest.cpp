@@ -43,6 +43,12 @@ TEST(Fingerprint, OfAModelDoesNotDependOnLayoutAndComments)
     EXPECT_EQ(fingerprintOf(room), fingerprintOf(room, "system", "\n\n// The room.\nsystem"));
 }
 
+// Checkpoints hold it: a program that gives another one refuses those of the program before.
+TEST(Fingerprint, OfAModelIsTheSameInEveryVersion)
+{
+    EXPECT_EQ(fingerprintOf(room), "c241a3688cc6d72a");
+}
+
 TEST_P(EachChange, ChangesTheFingerprintOfAModel)
 {
     EXPECT_NE(fingerprintOf(room), fingerprintOf(room, GetParam().first, GetParam().second));
@@ -58,9 +64,21 @@ INSTANTIATE_TEST_SUITE_P(
                     std::pair{"\"L-1\"", "\"L-2\""}, std::pair{"< 0.5 <=", "<= 0.5 <"},
                     std::pair{"< 0.5 <=", "< 0.6 <="}, std::pair{"light = 1", "light = 2"},
                     std::pair{", none otherwise", ", none = 0"},
+                    std::pair{"observe lamp", "input lamp"}, std::pair{"<= yes", "<= yes varies 0.1"},
+                    std::pair{"fault any", "repair broken -> off : 0.01\n    fault any"},
+                    std::pair{"nominal off -> on when request = light",
+                              "repair off -> on when request = light"},
                     std::pair{"request: none, light", "request: none, light lost 0.1"},
                     std::pair{"<= yes", "<= yes hold 5 s"}, std::pair{"<= yes", "<= yes within 0.1"},
                     std::pair{"lamp: Lamp", "step 5 s\n    lamp: Lamp"}));
+
+TEST(Fingerprint, OfAModelTellsARepairFromAFaultThatIsCalledSo)
+{
+    const std::string fault =
+        "component C {\n mode m { a initial Repair }\n fault a -> Repair : 0.1\n}\n"
+        "system S { c: C }\n";
+    EXPECT_NE(fingerprintOf(fault), fingerprintOf(fault, "fault", "repair"));
+}
 
 TEST(Fingerprint, OfAModelKnowsInputsAndHowOftenReadingsChange)
 {

@@ -1,125 +1,17 @@
-#include "tests/support/HandMade.h"
-#include "tests/support/SimulatedRun.h"
-#include "tests/support/TestModel.h"
+#include "tests/simulate/SimulatorFixture.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace {
 
-using plant::AtomIndex;
 using simulate::ModeCause;
-using simulate::ModeChange;
 using simulate::SimulatedStep;
-using simulate::SimulationInput;
 using simulate::SimulationProblem;
 using simulate::Simulator;
 using simulate::SimulatorSettings;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::Not;
-
-using Texts = std::vector<std::string>;
-
-/// What comes from outside, by identifiers.
-struct Given {
-    Texts commands;
-    Texts observations;
-    Texts injections;
-};
-
-class SimulatorTest : public testing::Test {
-protected:
-    /// A valve between `v.in` and `v.out`, closed at first.
-    void makeValve()
-    {
-        model_.mode("v.position", {"closed", "open", "stuckClosed!", "stuckOpen!", "unknown!"});
-        model_.command("v.request", {"none", "open", "close"});
-        model_.condition("v.in", {"zero", "positive"});
-        model_.condition("v.out", {"zero", "positive"});
-        for (const std::string open : {"open", "stuckOpen"}) {
-            model_.law("!v.position=" + open + " | !v.in=zero | v.out=zero");
-            model_.law("!v.position=" + open + " | !v.in=positive | v.out=positive");
-        }
-        model_.law("!v.position=closed | v.out=zero");
-        model_.law("!v.position=stuckClosed | v.out=zero");
-        model_.nominal("v.position=closed", "v.position=open", 7.0 / 8, "v.request=open");
-        model_.nominal("v.position=open", "v.position=closed", 7.0 / 8, "v.request=close");
-        model_.fault("v.position=closed", "v.position=stuckClosed", 1.0 / 64);
-        model_.fault("v.position=open", "v.position=stuckOpen", 1.0 / 64);
-        model_.fault("v.position=open", "v.position=unknown", 1.0 / 64);
-        observe("v.out");
-        observe("v.in");
-    }
-    void observe(const std::string& id)
-    {
-        plant::ChannelBinding binding;
-        binding.channel = id;
-        binding.variable = model_.atom(id + (id.ends_with("mode") ? "=ok" : "=zero"))->stateVar;
-        bindings_.channels.push_back(binding);
-    }
-    Simulator& simulator(std::optional<std::uint64_t> seed = {})
-    {
-        if (!active_) {
-            active_ = model_.activate();
-        }
-        if (!simulator_) {
-            simulator_ = std::make_unique<Simulator>(*active_->plant, bindings_,
-                                                     SimulatorSettings{seed, {}});
-        }
-        return *simulator_;
-    }
-    SimulationInput input(const Given& given)
-    {
-        simulator();
-        return {indices(given.commands), indices(given.observations), indices(given.injections)};
-    }
-    std::vector<AtomIndex> indices(const Texts& ids)
-    {
-        std::vector<AtomIndex> result;
-        for (const std::string& id : ids) {
-            result.push_back(active_->index(id));
-        }
-        return result;
-    }
-    SimulatedStep step(const Given& given = {})
-    {
-        const SimulationInput all = input(given);
-        auto result = simulator_->step(all);
-        if (const auto* problem = std::get_if<SimulationProblem>(&result)) {
-            ADD_FAILURE() << "problem " << static_cast<int>(problem->kind);
-            return {};
-        }
-        return std::get<SimulatedStep>(result);
-    }
-    SimulationProblem problem(const Given& given)
-    {
-        const SimulationInput all = input(given);
-        auto result = simulator_->step(all);
-        if (std::holds_alternative<SimulatedStep>(result)) {
-            ADD_FAILURE() << "no problem";
-            return {};
-        }
-        return std::get<SimulationProblem>(result);
-    }
-    Texts ids(const std::vector<AtomIndex>& atoms) const { return active_->ids(atoms); }
-    Texts faults()
-    {
-        std::vector<AtomIndex> values;
-        for (const monitor::ModeOption& fault :
-             simulate::possibleFaults(*active_->plant, simulator(), {})) {
-            values.push_back(fault.value);
-        }
-        return ids(values);
-    }
-
-    MutedTrace muted_;
-    HandMade model_;
-    plant::Bindings bindings_;
-    std::unique_ptr<ActivePlant> active_;
-    std::unique_ptr<Simulator> simulator_;
-};
 
 TEST_F(SimulatorTest, FollowsCommandsAndLetsConditionsFollow)
 {
@@ -237,99 +129,32 @@ TEST_F(SimulatorTest, ReportsLawsThatLeaveNoValues)
     step();
 }
 
-TEST_F(SimulatorTest, InputsKeepTheirValueUntilAnotherIsGiven)
+TEST_F(SimulatorTest, AnInjectedRepairMendsAFault)
 {
-    makeValve();
-    EXPECT_THAT(ids(step().observations), Contains("v.in=zero"));
-    EXPECT_THAT(ids(step({{}, {"v.in=positive"}, {}}).observations), Contains("v.in=positive"));
-    EXPECT_THAT(ids(step().observations), Contains("v.in=positive"));
-    EXPECT_THAT(ids(step({{}, {"v.in=zero"}, {}}).observations), Contains("v.in=zero"));
+    model_.mode("a.mode", {"bad!", "ok"});
+    model_.repair("a.mode=bad", "a.mode=ok", 1.0 / 1024);
+    EXPECT_THAT(ids(step().values), ElementsAre("a.mode=bad"));
+    const SimulatedStep mended = step({{}, {}, {"a.mode=ok"}});
+    EXPECT_THAT(ids(mended.values), ElementsAre("a.mode=ok"));
+    ASSERT_EQ(mended.changes.size(), 1U);
+    EXPECT_EQ(mended.changes.front().cause, ModeCause::injected);
+    EXPECT_THAT(ids(step().values), ElementsAre("a.mode=ok"));
 }
 
-TEST_F(SimulatorTest, InputsKeepTheirValueWhereAllElseIsDrawn)
+TEST_F(SimulatorTest, RepairsAreDrawnByTheirProbability)
 {
-    makeValve();
-    simulator(7);
-    step({{}, {"v.in=positive"}, {}});
-    for (int i = 0; i < 20; ++i) {
-        EXPECT_THAT(ids(step().observations), Contains("v.in=positive")) << "step " << i;
+    model_.mode("a.mode", {"bad!", "ok"});
+    model_.repair("a.mode=bad", "a.mode=ok", 1.0 / 4);
+    active_ = model_.activate();
+    int mended = 0;
+    for (std::uint64_t seed = 0; seed < 2000; ++seed) {
+        simulator_.reset();
+        simulator(seed);
+        const SimulatedStep drawn = step();
+        mended += ids(drawn.values).front() == "a.mode=ok" ? 1 : 0;
+        EXPECT_EQ(drawn.changes.empty(), ids(drawn.values).front() == "a.mode=bad");
     }
-}
-
-TEST_F(SimulatorTest, WhatAnObservedVariableShowsIsAnInputAsWell)
-{
-    // The sensor shows the level. When it is stuck, nothing tells the level any more, which stays what it is.
-    model_.condition("tank.level", {"low", "high"});
-    model_.condition("tank.colour", {"red", "blue"}); // nothing shows it
-    model_.mode("sensor.mode", {"ok", "stuck!"});
-    model_.condition("sensor.reading", {"zero", "low", "high"});
-    model_.law("!sensor.mode=ok | !tank.level=low | sensor.reading=low");
-    model_.law("!sensor.mode=ok | !tank.level=high | sensor.reading=high");
-    model_.law("!sensor.mode=stuck | sensor.reading=zero");
-    model_.fault("sensor.mode=ok", "sensor.mode=stuck", 1.0 / 1024);
-    observe("sensor.reading");
-    simulator(5);
-    EXPECT_THAT(ids(step({{}, {"tank.level=high"}, {}}).observations),
-                ElementsAre("sensor.reading=high"));
-    step({{}, {}, {"sensor.mode=stuck"}});
-    int red = 0;
-    for (int i = 0; i < 40; ++i) {
-        const Texts values = ids(step().values);
-        EXPECT_THAT(values, Contains("tank.level=high"));
-        red += std::count(values.begin(), values.end(), "tank.colour=red") > 0 ? 1 : 0;
-    }
-    EXPECT_GT(red, 5);
-    EXPECT_LT(red, 35);
-}
-
-TEST_F(SimulatorTest, OfGivenValuesThoseOfInputsCount)
-{
-    makeValve();
-    step({{"v.request=open"}, {"v.in=positive"}, {}});
-    const SimulatedStep contradictory = step({{}, {"v.out=zero", "v.in=positive"}, {}});
-    EXPECT_THAT(ids(contradictory.ignored), ElementsAre("v.out=zero"));
-    EXPECT_THAT(ids(contradictory.values), Contains("v.in=positive"));
-}
-
-TEST_F(SimulatorTest, AGivenValueOfWhatFollowsFromOthersIsIgnored)
-{
-    makeValve();
-    const SimulatedStep closed = step({{}, {"v.out=positive"}, {}});
-    EXPECT_THAT(ids(closed.ignored), ElementsAre("v.out=positive"));
-    EXPECT_THAT(ids(closed.observations), Contains("v.out=zero"));
-}
-
-TEST_F(SimulatorTest, WhatFlowsInTakesWhatFlowsOutAlong)
-{
-    makeValve();
-    bindings_.channels.clear(); // so that the order of bindings does not tell which one comes first
-    step({{}, {"v.in=positive"}, {}});
-    EXPECT_THAT(ids(step({{"v.request=open"}, {}, {}}).values), Contains("v.out=positive"));
-}
-
-TEST_F(SimulatorTest, WhatNothingDeterminesKeepsItsValue)
-{
-    makeValve();
-    step({{"v.request=open"}, {"v.in=positive"}, {}});
-    step({{}, {}, {"v.position=unknown"}});
-    EXPECT_THAT(ids(step({{}, {"v.in=zero"}, {}}).observations),
-                ElementsAre("v.out=positive", "v.in=zero"));
-}
-
-TEST_F(SimulatorTest, WhatNothingDeterminesIsDrawnFromAllThatIsPossible)
-{
-    makeValve();
-    simulator(3);
-    while (std::get<SimulatedStep>(simulator_->step(input({{"v.request=open"}, {}, {}})))
-               .changes.empty()) {
-    }
-    step({{}, {}, {"v.position=unknown"}});
-    int positive = 0;
-    for (int i = 0; i < 400; ++i) {
-        const Texts seen = ids(step().observations);
-        positive += seen.front() == "v.out=positive" ? 1 : 0;
-    }
-    EXPECT_NEAR(positive / 400.0, 0.5, 0.1); // four standard deviations
+    EXPECT_NEAR(mended / 2000.0, 1.0 / 4, 0.039); // four standard deviations
 }
 
 TEST_F(SimulatorTest, LostCommandsHaveNoEffect)

@@ -8,6 +8,9 @@ syntax keyword itmsVariable mode cond command
 syntax keyword itmsStatement law nominal fault idle initially observe for step
 syntax keyword itmsWord initial any when in per from within hold otherwise lost
 syntax keyword itmsOperator not and or
+" Words only where a statement begins or a binding goes on; names elsewhere.
+syntax match itmsStatement "\v<(input|repair)>(\s+(initial|fault)>)@!(\s+\h)@="
+syntax match itmsWord "\v<(varies)>(\s+[0-9A-Za-z_(])@="
 syntax match itmsOperator "<->\|->\|!=\|<=\|[=!&|<]"
 syntax match itmsNumber "\<\d\+\(\.\d\+\)\?\([eE][+-]\?\d\+\)\?"
 syntax keyword itmsUnit ms s second seconds min minute minutes h hour hours d day days contained

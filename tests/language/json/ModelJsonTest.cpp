@@ -63,6 +63,8 @@ component Pump {
     nominal state = on -> off when request = stop and not flow = zero : 1 / 3
     fault state = any -> broken when not seal = leaking : 3e-7 per hour
     fault seal = tight -> leaking : 0.1
+    repair state = broken -> off when request = start : 1 per day
+    repair seal = any -> tight : 0.01
     idle state = any
 }
 system Plant {
@@ -73,8 +75,8 @@ system Plant {
     initially pump[1].state = off
     step 0.1 s
     observe pump[0].flow from "a \"b\" \\ ü" : zero <= 0.1 < low < 2.5 <= high within 0.3 hold 2 min
-    observe pump[1].flow : zero = 1, low = "LOW", high otherwise
-    observe sun
+    observe pump[1].flow : zero = 1, low = "LOW", high otherwise varies 2 per hour
+    input sun hold 1 h
     command pump[1].request from "R" : start = 1, stop = "off"
 }
 )");
@@ -180,6 +182,21 @@ TEST(ModelJson, TakesTheProbabilityOfAlternativesOnce)
                                          "system S { c: C }\n");
     EXPECT_EQ(original.model->transitions().size(), 2U);
     EXPECT_TRUE(readJson(language::modelJson(original)).model);
+}
+
+TEST(ModelJson, SaysWhatIsAnInputAndWhatVariesOnlyWhereItIs)
+{
+    const auto channels = nlohmann::json::parse(language::modelJson(
+        readText("system S {\n cond a: x, y\n cond b: x, y\n cond c: x, y\n"
+                 "input a\n observe b varies 0.1\n observe c\n}\n")))["channels"];
+    const auto common = [](const std::string& name) {
+        return nlohmann::json{
+            {"kind", "observe"}, {"channel", "S." + name}, {"variable", "S." + name}};
+    };
+    auto expected = nlohmann::json::array({common("a"), common("b"), common("c")});
+    expected[0]["input"] = true;
+    expected[1]["varies"] = 0.1;
+    EXPECT_EQ(channels, expected);
 }
 
 TEST(ModelJson, StopsCountingErrorsWhenThereAreMany)

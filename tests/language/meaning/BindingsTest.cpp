@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <stdexcept>
 
 namespace {
@@ -95,6 +96,36 @@ TEST(Readings, WithoutATranslationAreTheNamesOfValues)
     EXPECT_EQ(binding.holdSeconds, 120.0);
 }
 
+TEST(Bindings, OfInputsAreObservationsThatSaySo)
+{
+    const ReadResult result = readSystem("for i in 0..1: input tank[i].level from \"L-{i}\" : low "
+                                         "< 1 <= middle <= 2 < high hold 5 s\n");
+    ASSERT_EQ(result.bindings.channels.size(), 2U);
+    const ChannelBinding& binding = result.bindings.channels.back();
+    EXPECT_EQ(binding.kind, ChannelBinding::Kind::observation);
+    EXPECT_TRUE(binding.input);
+    EXPECT_EQ(binding.channel, "L-1");
+    EXPECT_EQ(binding.read(1.0)->id, "tank[1].level=middle");
+    EXPECT_EQ(binding.holdSeconds, 5.0);
+    EXPECT_FALSE(binding.varies.has_value());
+}
+
+TEST(Bindings, OfObservationsAreNoInputs)
+{
+    const ReadResult result = readSystem("observe tank[0].level");
+    EXPECT_FALSE(result.bindings.channels.front().input);
+    EXPECT_FALSE(result.bindings.channels.front().varies.has_value());
+}
+
+TEST(Bindings, SayHowOftenAReadingChangesPerStep)
+{
+    const ReadResult result = readSystem("step 10 s\nobserve tank[0].level varies 0.25\n"
+                                         "observe tank[1].level from \"L\" varies 36 per hour\n");
+    EXPECT_EQ(result.bindings.channels[0].varies, 0.25);
+    ASSERT_TRUE(result.bindings.channels[1].varies.has_value());
+    EXPECT_DOUBLE_EQ(*result.bindings.channels[1].varies, 1 - std::exp(-0.1));
+}
+
 TEST(Bindings, InALoopHaveIndicesInTheNamesOfTheirChannels)
 {
     const ReadResult result = readSystem(R"(for i in 0..1: observe tank[i].level from "L-{i + 1}")");
@@ -132,6 +163,18 @@ TEST(Warnings, NameModesThatNothingLeadsTo)
 {
     EXPECT_THAT(warnings("component C {\n mode m { a initial b c d fault }\n nominal b -> c\n"
                          " fault a -> d : 0.1\n}\nsystem S {\n c: C\n}\n"),
+                ElementsAre("2: nothing leads to 'm = b'", "2: nothing leads to 'm = c'"));
+}
+
+TEST(Warnings, DoNotNameModesThatARepairLeadsTo)
+{
+    const std::string modes = "component C {\n mode m { a initial b c fault }\n"
+                              " fault a -> c : 0.1\n";
+    const std::string system = "}\nsystem S {\n c: C\n}\n";
+    EXPECT_THAT(warnings(modes + " repair any -> b : 0.1\n" + system), IsEmpty());
+    EXPECT_THAT(warnings("component C {\n mode m { a initial b c fault }\n"
+                         " repair any -> b : 0.1\n" +
+                         system),
                 ElementsAre("2: nothing leads to 'm = b'", "2: nothing leads to 'm = c'"));
 }
 

@@ -205,6 +205,16 @@ TEST(Elaboration, TakesAnyAsEveryValueThatIsNoFault)
                 ElementsAre("Fail to broken if state=on", "Fail to broken if state=off"));
 }
 
+TEST(Elaboration, TakesAnyOfARepairAsEveryValueThatIsAFault)
+{
+    const ReadResult result =
+        read("component C { mode m { a initial b c fault d fault }\n command k: none, fix\n"
+             "repair any -> a when k = fix : 0.1\n repair b -> a : 0.2 }\nsystem S { c: C }\n");
+    EXPECT_THAT(
+        transitionTexts(result, "c"),
+        ElementsAre("Repair to a if k=fix m=c", "Repair to a if k=fix m=d", "Repair to a if m=b"));
+}
+
 TEST(Elaboration, MakesATransitionForEachAlternativeOfAGuard)
 {
     const ReadResult result =
@@ -242,6 +252,16 @@ TEST(Elaboration, GivesTransitionsWithoutAProbabilityWhatTheFaultsLeave)
     EXPECT_DOUBLE_EQ(transitions[0]->proba, 0.75);
     EXPECT_DOUBLE_EQ(transitions[1]->proba, 0.75);
     EXPECT_TRUE(transitions[1]->idle);
+}
+
+TEST(Elaboration, GivesTransitionsWithoutAProbabilityWhatTheRepairsLeave)
+{
+    const ReadResult result = read("component C { mode m { a initial b fault }\n"
+                                   "repair b -> a : 36 per hour\n idle b }\n"
+                                   "system S { c: C\n step 5 s }\n");
+    const std::vector<Transition*>& transitions = *result.model->components()[0]->transitions;
+    EXPECT_DOUBLE_EQ(transitions[0]->proba, 1 - std::exp(-0.05));
+    EXPECT_DOUBLE_EQ(transitions[1]->proba, std::exp(-0.05));
 }
 
 TEST(Elaboration, NamesTheModelByItsPathWithoutTheSuffix)

@@ -63,6 +63,24 @@ TEST(Formatter, AlignsNeighbouringStatementsOfAKind)
               "}\n");
 }
 
+TEST(Formatter, AlignsInputsWithObservationsAndRepairsWithFaults)
+{
+    EXPECT_EQ(
+        checked("system S {\nobserve a.bc from \"X\": u<1<=v hold 5s varies(1-p)per h\ninput d "
+                "from \"YY\": w=1\n}\n"),
+        "system S {\n"
+        "    observe a.bc from \"X\"  : u < 1 <= v hold 5 s varies (1 - p) per h\n"
+        "    input   d    from \"YY\" : w = 1\n"
+        "}\n");
+    EXPECT_EQ(checked("system S {\nfor i in 0..3: observe a[i] varies (p)\n}\n"),
+              "system S {\n    for i in 0..3: observe a[i] varies (p)\n}\n");
+    EXPECT_EQ(checked("component C {\nfault any -> stuck : 0.1\nrepair stuck -> ok : 1 per d\n}\n"),
+              "component C {\n"
+              "    fault  any   -> stuck : 0.1\n"
+              "    repair stuck -> ok    : 1 per d\n"
+              "}\n");
+}
+
 TEST(Formatter, KeepsABlockOfOneLineOnOneLine)
 {
     EXPECT_EQ(checked("component C {\nmode m { a initial b fault }\nmode n {\na b fault }\nt: T { "
@@ -126,24 +144,26 @@ TEST(Formatter, LaysOutNothingThatHasErrors)
 TEST(Formatter, KeepsTheTreeHoweverAFileIsBroken)
 {
     const std::vector<std::string> tokens{
-        "import",    "\"a\"",   "const", "p",    "=",       "1",       "-",       "2",
-        "component", "C",       "(",     "q",    "=",       "p",       ")",       "{",
-        "mode",      "m",       "{",     "a",    "initial", "b",       "fault",   "}",
-        "cond",      "x",       ":",     "u",    ",",       "v",       "command", "c",
-        ":",         "n",       ",",     "o",    "lost",    "0.1",     "law",     "x",
-        "in",        "{",       "u",     ",",    "v",       "}",       "->",      "!",
-        "(",         "x",       "=",     "u",    ")",       "nominal", "a",       "->",
-        "a",         "when",    "c",     "=",    "o",       ":",       "0.5",     "per",
-        "h",         "idle",    "any",   "part", "[",       "3",       "]",       ":",
-        "D",         "(",       "q",     "=",    "2",       ")",       "{",       "initially",
-        "y",         "=",       "z",     "}",    "}",       "system",  "S",       "{",
-        "step",      "1",       "s",     "for",  "i",       "in",      "0",       "..",
-        "3",         ":",       "for",   "j",    "in",      "0",       "..",      "3",
-        ":",         "observe", "x",     "[",    "i",       "+",       "j",       "]",
-        "from",      "\"A\"",   ":",     "a",    "<",       "1",       "<=",      "b",
-        "hold",      "5",       "s",     "for",  "k",       "in",      "0",       "..",
-        "p",         "{",       "law",   "x",    "[",       "k",       "]",       "=",
-        "y",         "}",       "}"};
+        "import",    "\"a\"",   "const",  "p",      "=",       "1",       "-",       "2",
+        "component", "C",       "(",      "q",      "=",       "p",       ")",       "{",
+        "mode",      "m",       "{",      "a",      "initial", "b",       "fault",   "}",
+        "cond",      "x",       ":",      "u",      ",",       "v",       "command", "c",
+        ":",         "n",       ",",      "o",      "lost",    "0.1",     "law",     "x",
+        "in",        "{",       "u",      ",",      "v",       "}",       "->",      "!",
+        "(",         "x",       "=",      "u",      ")",       "nominal", "a",       "->",
+        "a",         "when",    "c",      "=",      "o",       ":",       "0.5",     "per",
+        "h",         "idle",    "any",    "part",   "[",       "3",       "]",       ":",
+        "D",         "(",       "q",      "=",      "2",       ")",       "{",       "initially",
+        "y",         "=",       "z",      "}",      "}",       "system",  "S",       "{",
+        "step",      "1",       "s",      "for",    "i",       "in",      "0",       "..",
+        "3",         ":",       "for",    "j",      "in",      "0",       "..",      "3",
+        ":",         "observe", "x",      "[",      "i",       "+",       "j",       "]",
+        "from",      "\"A\"",   ":",      "a",      "<",       "1",       "<=",      "b",
+        "hold",      "5",       "s",      "varies", "(",       "2",       "-",       "p",
+        ")",         "per",     "h",      "input",  "y",       "from",    "\"B\"",   "varies",
+        ":",         "D",       "repair", "b",      "->",      "a",       ":",       "0.5",
+        "for",       "k",       "in",     "0",      "..",      "p",       "{",       "law",
+        "x",         "[",       "k",      "]",      "=",       "y",       "}",       "}"};
     const std::vector<std::string> between{
         " ", " ", " ", " ", " ", "\n", "\n\n", "  ", " /* c */ ", " // c\n", "\n// c\n", "/*\n*/"};
     constexpr unsigned seed = 4711;

@@ -128,16 +128,19 @@ TEST(Recovery, BoundsTheDepthOfEveryKindOfNesting)
 TEST(Recovery, ReadsFilesWithATokenTooManyOrTooFew)
 {
     const std::vector<std::string> tokens{
-        "import",  "\"a\"", "\nconst",  "p",      "=",         "1",     "\ncomponent", "C",
-        "(",       "q",     ")",        "{",      "\nmode",    "m",     "{",           "a",
-        "initial", "}",     "\nlaw",    "x",      "in",        "{",     "a",           ",",
-        "b",       "}",     "->",       "!",      "y",         "=",     "z",           "\nnominal",
-        "a",       "->",    "b",        "when",   "x",         "=",     "y",           ":",
-        "0.5",     "per",   "h",        "\npart", "[",         "3",     "]",           ":",
-        "C",       "\n}",   "\nsystem", "S",      "{",         "\nfor", "i",           "in",
-        "0",       "..",    "3",        "{",      "\nobserve", "x",     "from",        "\"A\"",
-        ":",       "a",     "<",        "1",      "<=",        "b",     "hold",        "5",
-        "s",       "\n}",   "\n}"};
+        "import", "\"a\"",   "\nconst",  "p",        "=",         "1",         "\ncomponent",
+        "C",      "(",       "q",        ")",        "{",         "\nmode",    "m",
+        "{",      "a",       "initial",  "}",        "\nlaw",     "x",         "in",
+        "{",      "a",       ",",        "b",        "}",         "->",        "!",
+        "y",      "=",       "z",        "\nrepair", "b",         ",",         "c",
+        "->",     "a",       ":",        "0.1",      "\nnominal", "a",         "->",
+        "b",      "when",    "x",        "=",        "y",         ":",         "0.5",
+        "per",    "h",       "\npart",   "[",        "3",         "]",         ":",
+        "C",      "\n}",     "\nsystem", "S",        "{",         "\nfor",     "i",
+        "in",     "0",       "..",       "3",        "{",         "\nobserve", "x",
+        "from",   "\"A\"",   ":",        "a",        "<",         "1",         "<=",
+        "b",      "hold",    "5",        "s",        "varies",    "2",         "per",
+        "h",      "\ninput", "y",        "from",     "\"B\"",     "\n}",       "\n}"};
     const auto join = [](const std::vector<std::string>& list) {
         std::string text;
         for (const std::string& token : list) {
@@ -159,10 +162,11 @@ TEST(Recovery, ReadsFilesWithATokenTooManyOrTooFew)
 TEST(Recovery, EndsForAnySequenceOfTokens)
 {
     const std::vector<std::string> pieces{
-        "component", "system", "{",   "}",     "(",  ")",    "[",         "]",   "law",   "a",
-        "b",         "=",      "->",  "\n",    ":",  ",",    "for",       "in",  "0..3",  "mode",
-        "observe",   "from",   "\"x", "\"y\"", "/*", "*/",   "//",        "0.5", "fault", "any",
-        "nominal",   "idle",   "<",   "<=",    "&",  "\xFF", "initially", "!",   "import"};
+        "component", "system", "{",       "}",       "(",      ")",     "[",  "]",   "law",
+        "a",         "b",      "=",       "->",      "\n",     ":",     ",",  "for", "in",
+        "0..3",      "mode",   "observe", "from",    "\"x",    "\"y\"", "/*", "*/",  "//",
+        "0.5",       "fault",  "any",     "nominal", "idle",   "<",     "<=", "&",   "\xFF",
+        "initially", "!",      "import",  "input",   "repair", "varies"};
     constexpr unsigned seed = 20240611;
     std::mt19937 random(seed);
     for (int round = 0; round < 1000; ++round) {

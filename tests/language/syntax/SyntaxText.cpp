@@ -50,17 +50,13 @@ public:
     void operator()(const Law& law) { line("(law " + text(law.formula) + ")"); }
     void operator()(const Transition& transition)
     {
-        static constexpr std::array<std::string_view, 3> words{"nominal", "fault", "idle"};
+        static constexpr std::array<std::string_view, 4> words{"nominal", "fault", "repair", "idle"};
         std::string written = "(" + std::string(words[static_cast<std::size_t>(transition.kind)]);
         if (transition.variable) written += " (of " + transition.variable->text + ")";
         written += transition.any ? " any" : " (" + names(transition.sources) + ")";
         if (transition.target) written += " " + transition.target->text;
         if (transition.guard) written += " (when " + text(*transition.guard) + ")";
-        if (transition.probability) {
-            written +=
-                " (p " + text(transition.probability->amount) +
-                (transition.probability->per ? " " + transition.probability->per->text : "") + ")";
-        }
+        if (transition.probability) written += " (p " + text(*transition.probability) + ")";
         line(written + ")");
     }
     void operator()(const Part& part)
@@ -79,14 +75,16 @@ public:
     void operator()(const InitialValue& initial) { line(text(initial)); }
     void operator()(const Binding& binding)
     {
-        std::string written = binding.kind == Binding::Kind::observation ? "(observe " : "(command ";
-        written += text(binding.variable);
+        static constexpr std::array<std::string_view, 3> words{"observe", "input", "command"};
+        std::string written = "(" + std::string(words[static_cast<std::size_t>(binding.kind)]) +
+                              " " + text(binding.variable);
         if (binding.channel) written += " " + text(*binding.channel);
         if (const auto* thresholds = std::get_if<Thresholds>(&binding.translation))
             written += text(*thresholds);
         if (const auto* readings = std::get_if<Readings>(&binding.translation))
             written += text(*readings);
         if (binding.hold) written += " (hold " + text(*binding.hold) + ")";
+        if (binding.varies) written += " (varies " + text(*binding.varies) + ")";
         line(written + ")");
     }
     void operator()(const StepLength& step) { line("(step " + text(step.duration) + ")"); }
@@ -116,6 +114,10 @@ private:
     static std::string text(const Duration& duration)
     {
         return text(duration.amount) + " " + duration.unit.text;
+    }
+    static std::string text(const Probability& probability)
+    {
+        return text(probability.amount) + (probability.per ? " " + probability.per->text : "");
     }
     static std::string text(const InitialValue& initial)
     {

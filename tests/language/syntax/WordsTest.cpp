@@ -41,6 +41,18 @@ TEST(Words, AreKnownToTheEditors)
     }
 }
 
+TEST(Words, ThatAreSoftAreKnownToTheEditorsAndReadAsNames)
+{
+    const std::string vim = contents("editors/vim/syntax/itms.vim");
+    const std::string code = contents("editors/vscode/syntaxes/itms.tmLanguage.json");
+    ASSERT_FALSE(language::softWords().empty());
+    for (const std::string_view word : language::softWords()) {
+        EXPECT_EQ(language::wordKind(word), language::TokenKind::name) << word;
+        EXPECT_TRUE(hasWord(vim, word)) << word;
+        EXPECT_TRUE(hasWord(code, word)) << word;
+    }
+}
+
 TEST(Words, ThatAreReservedAreNotUnits)
 {
     EXPECT_EQ(language::wordKind("mode"), language::TokenKind::modeWord);
