@@ -54,7 +54,7 @@ Json hypothesisJson(const Hypothesis& hypothesis, const Plant& plant)
               {"lost", hypothesis.lost},
               {"unexplained", hypothesis.unexplained}};
     json["readings"] = Json::array();
-    for (const auto& [variable, value] : hypothesis.readings) {
+    for (const auto& [variable, value] : hypothesis.readings.last) {
         json["readings"].push_back(value);
     }
     addLabels(json, hypothesis.labels, plant);
@@ -125,7 +125,7 @@ HypothesisPointer hypothesisFromJson(const Json& json, const Plant& plant)
                     numbers.atoms(json.at("unexplained")),
                     {}};
     for (const AtomIndex value : numbers.atoms(json.at("readings"))) {
-        made.readings.emplace(plant.variableOf(value), value);
+        made.readings.last.emplace(plant.variableOf(value), value);
     }
     for (const Json& entry : json.at("since")) {
         made.since[numbers.variable(entry.at(0))] = {

@@ -11,9 +11,9 @@ namespace monitor {
 namespace {
 
 constexpr std::size_t mostCombinedValues = 1000;
-constexpr std::size_t mostVariablesTogether = 10;
+constexpr std::size_t mostPartsTried = 10;
 
-bool isSatisfied(const Plant& plant, const Prediction& labels, ClauseIndex clause)
+bool holds(const Plant& plant, const Prediction& labels, ClauseIndex clause)
 {
     const std::vector<PlantLiteral>& literals = plant.clause(clause);
     return std::any_of(literals.begin(), literals.end(), [&](const PlantLiteral& literal) {
@@ -35,38 +35,90 @@ std::set<Combination> projected(const std::set<Combination>& combinations,
     return result;
 }
 
-// The smallest part with the first variable whose combinations go with all those of the others is split off, until nothing is left.
-void addFactors(const std::vector<VariableIndex>& variables,
-                const std::set<Combination>& combinations, std::vector<OpenGroup>& groups)
+using Places = std::vector<std::size_t>;
+
+bool areIndependent(const std::set<Combination>& combinations, const std::vector<Places>& parts)
 {
-    std::vector<std::size_t> best;
-    std::vector<std::size_t> bestOthers;
-    for (std::size_t set = 0; set < std::size_t{1} << (variables.size() - 1); ++set) {
-        std::vector<std::size_t> part{0};
-        std::vector<std::size_t> others;
-        for (std::size_t i = 1; i < variables.size(); ++i) {
-            (((set >> (i - 1)) & 1) != 0 ? part : others).push_back(i);
+    double product = 1.0;
+    for (const Places& part : parts) {
+        product *= static_cast<double>(projected(combinations, part).size());
+    }
+    return product == static_cast<double>(combinations.size());
+}
+
+// Parts of which any two that depend on one another are one.
+std::vector<Places> pairwiseParts(const std::set<Combination>& combinations, std::size_t count)
+{
+    std::vector<Places> parts;
+    for (std::size_t place = 0; place < count; ++place) {
+        Places together{place};
+        std::erase_if(parts, [&](const Places& part) {
+            const bool depends = std::any_of(part.begin(), part.end(), [&](std::size_t other) {
+                const std::set<Combination> both = projected(combinations, {other, place});
+                return both.size() != projected(both, {0}).size() * projected(both, {1}).size();
+            });
+            if (depends) {
+                together.insert(together.end(), part.begin(), part.end());
+            }
+            return depends;
+        });
+        parts.push_back(std::move(together));
+    }
+    return parts;
+}
+
+Places joined(const std::vector<Places>& parts)
+{
+    Places all;
+    for (const Places& part : parts) {
+        all.insert(all.end(), part.begin(), part.end());
+    }
+    return all;
+}
+
+// The finest parts of which any combination of one goes with any of the others. Three may depend on one another though no two do, as a
+// parity does: then the smallest set of parts with the first one that is independent of the others is split off.
+std::vector<Places> independentParts(const std::set<Combination>& combinations,
+                                     std::vector<Places> parts)
+{
+    if (parts.size() < 2 || areIndependent(combinations, parts)) {
+        return parts;
+    }
+    if (parts.size() > mostPartsTried) {
+        return {joined(parts)};
+    }
+    std::vector<Places> best = parts;
+    std::vector<Places> bestOthers;
+    for (std::size_t set = 0; set < std::size_t{1} << (parts.size() - 1); ++set) {
+        std::vector<Places> own{parts.front()};
+        std::vector<Places> others;
+        for (std::size_t i = 1; i < parts.size(); ++i) {
+            (((set >> (i - 1)) & 1) != 0 ? own : others).push_back(parts[i]);
         }
-        if ((best.empty() || part.size() < best.size()) &&
-            projected(combinations, part).size() * projected(combinations, others).size() ==
-                combinations.size()) {
-            best = part;
+        if (own.size() < best.size() && areIndependent(combinations, {joined(own), joined(others)})) {
+            best = own;
             bestOthers = others;
         }
     }
-    const auto named = [&](const std::vector<std::size_t>& places) {
-        std::vector<VariableIndex> result;
-        for (const std::size_t place : places) {
-            result.push_back(variables[place]);
+    std::vector<Places> result = independentParts(combinations, std::move(bestOthers));
+    result.push_back(joined(best));
+    return result;
+}
+
+void addGroups(const std::vector<VariableIndex>& variables,
+               const std::set<Combination>& combinations, std::vector<OpenGroup>& groups)
+{
+    for (Places& part :
+         independentParts(combinations, pairwiseParts(combinations, variables.size()))) {
+        std::sort(part.begin(), part.end());
+        std::set<Combination> own = projected(combinations, part);
+        if (own.size() > 1) {
+            std::vector<VariableIndex> named;
+            for (const std::size_t place : part) {
+                named.push_back(variables[place]);
+            }
+            groups.push_back({std::move(named), std::move(own)});
         }
-        return result;
-    };
-    std::set<Combination> own = projected(combinations, best);
-    if (own.size() > 1) {
-        groups.push_back({named(best), std::move(own)});
-    }
-    if (!bestOthers.empty()) {
-        addFactors(named(bestOthers), projected(combinations, bestOthers), groups);
     }
 }
 
@@ -88,28 +140,32 @@ std::vector<AtomIndex> OpenVariables::openValues(VariableIndex variable) const
     return values;
 }
 
-std::vector<VariableIndex> OpenVariables::connected(VariableIndex variable) const
+const std::vector<VariableIndex>& OpenVariables::connected(VariableIndex variable)
 {
-    std::set<VariableIndex> reached{variable};
-    std::vector<VariableIndex> next{variable};
-    while (!next.empty()) {
-        const std::vector<AtomIndex> values = openValues(next.back());
-        next.pop_back();
-        for (const AtomIndex value : values) {
+    const auto [place, isNew] = connectedOf_.emplace(variable, connected_.size());
+    if (!isNew) {
+        return connected_[place->second];
+    }
+    std::vector<VariableIndex> reached{variable};
+    for (std::size_t next = 0; next < reached.size(); ++next) {
+        for (const AtomIndex value : openValues(reached[next])) {
             for (const ClauseIndex clause : plant_.clausesOf(value)) {
-                if (isSatisfied(plant_, labels_, clause)) {
+                if (holds(plant_, labels_, clause)) {
                     continue;
                 }
                 for (const PlantLiteral& literal : plant_.clause(clause)) {
                     const VariableIndex other = plant_.variableOf(literal.atom);
-                    if (!labels_.isKnown(literal.atom) && reached.insert(other).second) {
-                        next.push_back(other);
+                    if (!labels_.isKnown(literal.atom) &&
+                        connectedOf_.emplace(other, connected_.size()).second) {
+                        reached.push_back(other);
                     }
                 }
             }
         }
     }
-    return {reached.begin(), reached.end()};
+    std::sort(reached.begin(), reached.end());
+    connected_.push_back(std::move(reached));
+    return connected_.back();
 }
 
 bool OpenVariables::canBeCompleted(const std::vector<VariableIndex>& variables)
@@ -118,8 +174,22 @@ bool OpenVariables::canBeCompleted(const std::vector<VariableIndex>& variables)
     const Completion found = complete(plant_, labels_, variables, [this](VariableIndex variable) {
         return plant_.variable(variable).values;
     });
+    if (found == Completion::possible) {
+        noteValues(variables);
+    }
     labels_.undo(mark);
     return found != Completion::impossible;
+}
+
+// Two values that were seen show that a variable is open.
+void OpenVariables::noteValues(const std::vector<VariableIndex>& variables)
+{
+    for (const VariableIndex variable : variables) {
+        const auto value = labels_.valueOf(plant_.variable(variable));
+        if (value && seen_.emplace(variable, *value).first->second != *value) {
+            known_.insert_or_assign(variable, true);
+        }
+    }
 }
 
 bool OpenVariables::isOpen(VariableIndex variable)
@@ -128,27 +198,29 @@ bool OpenVariables::isOpen(VariableIndex variable)
     if (values.empty()) {
         return false;
     }
-    const auto [known, isNew] = known_.emplace(variable, true);
-    if (!isNew) {
+    const auto known = known_.find(variable);
+    if (known != known_.end()) {
         return known->second;
     }
-    const std::vector<VariableIndex> others = connected(variable);
+    const std::vector<VariableIndex>& others = connected(variable);
     const std::size_t mark = labels_.mark();
     int possible = 0;
     for (const AtomIndex value : values) {
         possible += labels_.assume(value) && labels_.propagate() && canBeCompleted(others) ? 1 : 0;
         labels_.undo(mark);
         if (possible > 1) {
-            return true;
+            break;
         }
     }
-    known->second = false;
-    return false;
+    return known_.insert_or_assign(variable, possible > 1).first->second;
 }
 
-std::set<VariableIndex> OpenVariables::bearing(VariableIndex variable)
+const std::set<VariableIndex>& OpenVariables::bearing(VariableIndex variable)
 {
-    std::set<VariableIndex> region{variable};
+    const auto [place, isNew] = bearingOf_.emplace(variable, bearing_.size());
+    if (!isNew) {
+        return bearing_[place->second];
+    }
     std::vector<VariableIndex> next{variable};
     std::set<VariableIndex> modes;
     while (!next.empty()) {
@@ -160,15 +232,16 @@ std::set<VariableIndex> OpenVariables::bearing(VariableIndex variable)
                     const VariableIndex other = plant_.variableOf(literal.atom);
                     if (plant_.variable(other).isMode) {
                         modes.insert(other);
-                    } else if (!region.contains(other) && isOpen(other)) {
-                        region.insert(other);
+                    } else if (!bearingOf_.contains(other) && isOpen(other)) {
+                        bearingOf_.emplace(other, bearing_.size());
                         next.push_back(other);
                     }
                 }
             }
         }
     }
-    return modes;
+    bearing_.push_back(std::move(modes));
+    return bearing_.back();
 }
 
 // False where there are too many.
@@ -204,9 +277,9 @@ bool OpenVariables::collect(const std::vector<VariableIndex>& wanted,
     return true;
 }
 
-OpenVariables::Groups OpenVariables::groups(const std::vector<VariableIndex>& variables)
+OpenGroups OpenVariables::groups(const std::vector<VariableIndex>& variables)
 {
-    Groups result;
+    OpenGroups result;
     std::set<VariableIndex> left;
     for (const VariableIndex variable : variables) {
         if (!openValues(variable).empty()) {
@@ -214,16 +287,29 @@ OpenVariables::Groups OpenVariables::groups(const std::vector<VariableIndex>& va
         }
     }
     while (!left.empty()) {
-        const std::vector<VariableIndex> all = connected(*left.begin());
+        const std::vector<VariableIndex>& all = connected(*left.begin());
         std::vector<VariableIndex> wanted;
         std::copy_if(all.begin(), all.end(), std::back_inserter(wanted),
                      [&](VariableIndex variable) { return left.erase(variable) > 0; });
         Combination chosen;
         std::set<Combination> combinations;
-        if (wanted.size() <= mostVariablesTogether && collect(wanted, all, chosen, combinations)) {
-            addFactors(wanted, combinations, result.groups);
+        if (collect(wanted, all, chosen, combinations)) {
+            addGroups(wanted, combinations, result.groups);
         } else {
             result.undecided.push_back(std::move(wanted));
+        }
+    }
+    for (const VariableIndex variable : variables) {
+        known_.insert_or_assign(variable, false);
+    }
+    for (const OpenGroup& group : result.groups) {
+        for (std::size_t place = 0; place < group.variables.size(); ++place) {
+            known_[group.variables[place]] = projected(group.combinations, {place}).size() > 1;
+        }
+    }
+    for (const std::vector<VariableIndex>& group : result.undecided) {
+        for (const VariableIndex variable : group) {
+            known_[variable] = true;
         }
     }
     return result;

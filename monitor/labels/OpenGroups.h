@@ -17,6 +17,12 @@ struct OpenGroup {
     std::set<Combination> combinations;   ///< that the laws allow, two at least
 };
 
+struct OpenGroups {
+    std::vector<OpenGroup> groups;
+    /// Variables of which there are too many combinations: one set for each part of the plant where that is so.
+    std::vector<std::vector<VariableIndex>> undecided;
+};
+
 /// The variables of which the labels leave values open, looked at one by one.
 class OpenVariables {
 public:
@@ -27,28 +33,30 @@ public:
     bool isOpen(VariableIndex variable);
     /// The modes that bear on an open variable: some law mentions the mode and the variable, or the mode and an open variable that
     /// laws connect with it through open variables.
-    std::set<VariableIndex> bearing(VariableIndex variable);
+    const std::set<VariableIndex>& bearing(VariableIndex variable);
 
-    /// The finest groups of those among the variables that are open. `undecided` are those of which there are too many combinations:
-    /// one set for each part of the plant where that is so.
-    struct Groups {
-        std::vector<OpenGroup> groups;
-        std::vector<std::vector<VariableIndex>> undecided;
-    };
-    /// Requires: no variable twice. Costs a propagation for each value that is tried, of which there is a bound.
-    Groups groups(const std::vector<VariableIndex>& variables);
+    /// The finest groups of those among the variables that are open. Requires: no variable twice. Costs a propagation for each value
+    /// that is tried, of which there is a bound.
+    OpenGroups groups(const std::vector<VariableIndex>& variables);
 
 private:
     /// The variables that open clauses connect with this one, itself included, by rising index.
-    std::vector<VariableIndex> connected(VariableIndex variable) const;
+    const std::vector<VariableIndex>& connected(VariableIndex variable);
     std::vector<AtomIndex> openValues(VariableIndex variable) const;
     bool canBeCompleted(const std::vector<VariableIndex>& variables);
+    void noteValues(const std::vector<VariableIndex>& variables);
     bool collect(const std::vector<VariableIndex>& wanted, const std::vector<VariableIndex>& all,
                  Combination& chosen, std::set<Combination>& found);
 
     const Plant& plant_;
     Prediction labels_;
-    std::map<VariableIndex, bool> known_; ///< whether it is open
+    std::vector<std::vector<VariableIndex>> connected_;
+    std::map<VariableIndex, std::size_t> connectedOf_; ///< places in these
+    std::map<VariableIndex, bool> known_;              ///< whether it is open
+    std::map<VariableIndex, AtomIndex> seen_;          ///< a value that it can have
+    std::vector<std::set<VariableIndex>> bearing_;
+    std::map<VariableIndex, std::size_t>
+        bearingOf_; ///< places in these: variables that are connected have the same
     std::size_t tried_ = 0;
 };
 

@@ -1,6 +1,5 @@
+// What is open is kept from step to step: as long as modes, commands and inputs stay, so does it.
 #include "monitor/labels/ReadingsInTime.h"
-
-#include "monitor/labels/OpenGroups.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,23 +8,39 @@ namespace monitor {
 
 namespace {
 
-// What is still expected of what was remembered.
-ReadingMemory stillOpen(OpenVariables& open, const ReadingMemory& before,
-                        const std::set<VariableIndex>& changedModes)
+bool isKnown(const ReadingMemory& before, const std::vector<AtomIndex>& given,
+             const std::vector<VariableIndex>& read)
 {
-    ReadingMemory result;
-    for (const auto& [variable, value] : before) {
-        if (!open.isOpen(variable)) {
-            continue;
-        }
-        const std::set<VariableIndex> modes =
-            changedModes.empty() ? std::set<VariableIndex>() : open.bearing(variable);
-        if (std::none_of(modes.begin(), modes.end(),
-                         [&](VariableIndex mode) { return changedModes.contains(mode); })) {
-            result.emplace(variable, value);
-        }
+    return before.open && before.open->given == given && before.open->read == read &&
+           std::all_of(before.last.begin(), before.last.end(),
+                       [&](const auto& last) { return before.open->isOpen.contains(last.first); });
+}
+
+// Also takes from `last` what a changed mode bears on.
+std::shared_ptr<const OpenReadings> whatIsOpen(const Plant& plant, std::vector<AtomIndex> given,
+                                               const Prediction& labels,
+                                               std::vector<VariableIndex> read,
+                                               std::map<VariableIndex, AtomIndex>& last,
+                                               const std::set<VariableIndex>& changedModes)
+{
+    OpenVariables variables(plant, labels);
+    OpenReadings open;
+    open.groups = variables.groups(read);
+    for (const VariableIndex variable : read) {
+        open.isOpen[variable] = variables.isOpen(variable);
     }
-    return result;
+    std::erase_if(last, [&](const auto& one) {
+        open.isOpen[one.first] = variables.isOpen(one.first);
+        if (changedModes.empty() || !open.isOpen[one.first]) {
+            return false;
+        }
+        const std::set<VariableIndex>& modes = variables.bearing(one.first);
+        return std::any_of(modes.begin(), modes.end(),
+                           [&](VariableIndex mode) { return changedModes.contains(mode); });
+    });
+    open.given = std::move(given);
+    open.read = std::move(read);
+    return std::make_shared<const OpenReadings>(std::move(open));
 }
 
 // Of one group, which has N combinations.
@@ -37,53 +52,90 @@ double logLikelihood(bool expected, bool same, double logSame, double count)
     return same ? logSame : std::log(-std::expm1(logSame)) - std::log(count - 1.0);
 }
 
-} // namespace
-
-ReadingsInTime readingsInTime(const Plant& plant, const Prediction& labels,
-                              const std::vector<Reading>& readings, const ReadingMemory& before,
-                              const std::set<VariableIndex>& changedModes)
-{
-    OpenVariables open(plant, labels);
-    ReadingsInTime result;
-    result.memory = stillOpen(open, before, changedModes);
-    std::map<VariableIndex, const Reading*> read;
-    std::vector<VariableIndex> variables;
-    for (const Reading& reading : readings) {
-        variables.push_back(plant.variableOf(reading.value));
-        read.emplace(variables.back(), &reading);
+// The readings of a step, group by group.
+class Groups {
+public:
+    Groups(const Plant& plant, const std::vector<Reading>& readings,
+           const std::map<VariableIndex, AtomIndex>& last)
+        : last_(last)
+    {
+        for (const Reading& reading : readings) {
+            read_.emplace(plant.variableOf(reading.value), &reading);
+        }
     }
-    // The readings of these variables now and last; not expected where not all are remembered, or not possible together.
-    const auto add = [&](const std::vector<VariableIndex>& group, double count,
-                         const std::set<Combination>* possible) {
+
+    double log(const OpenGroup& group) const
+    {
+        return log(group.variables, static_cast<double>(group.combinations.size()),
+                   &group.combinations);
+    }
+
+    // The number of combinations is estimated.
+    double logOfUndecided(const std::vector<VariableIndex>& group) const
+    {
+        double logCount = 0.0;
+        for (const VariableIndex variable : group) {
+            logCount -= read_.at(variable)->logEstimate;
+        }
+        return log(group, std::max(2.0, std::exp(logCount)), nullptr);
+    }
+
+private:
+    // Not expected where not all are remembered, or where they are not possible together.
+    double log(const std::vector<VariableIndex>& group, double count,
+               const std::set<Combination>* possible) const
+    {
         Combination now;
         Combination last;
         double logSame = 0.0;
         for (const VariableIndex variable : group) {
-            const auto remembered = result.memory.find(variable);
-            now.push_back(read.at(variable)->value);
-            if (remembered != result.memory.end()) {
+            now.push_back(read_.at(variable)->value);
+            logSame += std::log1p(-read_.at(variable)->changing);
+            const auto remembered = last_.find(variable);
+            if (remembered != last_.end()) {
                 last.push_back(remembered->second);
             }
-            logSame += std::log1p(-read.at(variable)->changing);
         }
         const bool expected = last.size() == now.size() && (!possible || possible->contains(last));
-        result.log += logLikelihood(expected, now == last, logSame, count);
-    };
-    const OpenVariables::Groups groups = open.groups(variables);
-    for (const OpenGroup& group : groups.groups) {
-        add(group.variables, static_cast<double>(group.combinations.size()), &group.combinations);
+        return logLikelihood(expected, now == last, logSame, count);
     }
-    for (const std::vector<VariableIndex>& group : groups.undecided) {
-        double logCount = 0.0;
-        for (const VariableIndex variable : group) {
-            logCount -= read.at(variable)->logEstimate;
-        }
-        add(group, std::max(2.0, std::exp(logCount)), nullptr);
+
+    const std::map<VariableIndex, AtomIndex>& last_;
+    std::map<VariableIndex, const Reading*> read_;
+};
+
+} // namespace
+
+ReadingsInTime readingsInTime(const Plant& plant, std::vector<AtomIndex> given,
+                              const std::function<Prediction()>& labels,
+                              const std::vector<Reading>& readings, const ReadingMemory& before,
+                              const std::set<VariableIndex>& changedModes)
+{
+    std::vector<VariableIndex> read;
+    for (const Reading& reading : readings) {
+        read.push_back(plant.variableOf(reading.value));
+    }
+    ReadingsInTime result;
+    std::map<VariableIndex, AtomIndex>& last = result.memory.last;
+    last = before.last;
+    result.memory.open =
+        isKnown(before, given, read)
+            ? before.open
+            : whatIsOpen(plant, std::move(given), labels(), std::move(read), last, changedModes);
+    const OpenReadings& open = *result.memory.open;
+    std::erase_if(last, [&](const auto& one) { return !open.isOpen.at(one.first); });
+    const Groups groups(plant, readings, last);
+    for (const OpenGroup& group : open.groups.groups) {
+        result.log += groups.log(group);
+    }
+    for (const std::vector<VariableIndex>& group : open.groups.undecided) {
+        result.log += groups.logOfUndecided(group);
         result.exact = false;
     }
-    for (const VariableIndex variable : variables) {
-        if (open.isOpen(variable)) {
-            result.memory[variable] = read.at(variable)->value;
+    for (const Reading& reading : readings) {
+        const VariableIndex variable = plant.variableOf(reading.value);
+        if (open.isOpen.at(variable)) {
+            last[variable] = reading.value;
         }
     }
     return result;

@@ -7,15 +7,28 @@
 // often it changes from one step to the next. A group of which not all is remembered shows each combination with 1 / N.
 #pragma once
 
-#include "monitor/labels/Prediction.h"
+#include "monitor/labels/OpenGroups.h"
 
+#include <functional>
 #include <map>
+#include <memory>
 #include <set>
 
 namespace monitor {
 
-/// The last readings that are expected again.
-using ReadingMemory = std::map<VariableIndex, AtomIndex>;
+/// What is open under some modes, commands and inputs, as far as it was asked.
+struct OpenReadings {
+    std::vector<AtomIndex> given; ///< modes, commands and inputs
+    std::vector<VariableIndex> read;
+    OpenGroups groups; ///< of the variables that were read
+    std::map<VariableIndex, bool> isOpen;
+};
+
+struct ReadingMemory {
+    std::map<VariableIndex, AtomIndex> last; ///< readings that are expected again
+    /// From the step before: most of the time the next one is like it. Null: not known.
+    std::shared_ptr<const OpenReadings> open;
+};
 
 /// A reading of a step.
 struct Reading {
@@ -30,9 +43,11 @@ struct ReadingsInTime {
     ReadingMemory memory; ///< after the step
 };
 
-/// Requires: `labels` are what follows from modes, commands and inputs, and agree with the readings; no variable twice. `changedModes` are
-/// those that were not as they are before the step.
-ReadingsInTime readingsInTime(const Plant& plant, const Prediction& labels,
+/// `given` are modes, commands and inputs, and `labels` gives what follows from them; the readings agree with it, and no variable has
+/// two. `changedModes` are those that were not as they are before the step. Linear in the readings where what is given is what was given
+/// at the step before; else `labels` is called, and OpenVariables asked.
+ReadingsInTime readingsInTime(const Plant& plant, std::vector<AtomIndex> given,
+                              const std::function<Prediction()>& labels,
                               const std::vector<Reading>& readings, const ReadingMemory& before,
                               const std::set<VariableIndex>& changedModes);
 

@@ -117,14 +117,21 @@ ReadingsInTime StepLabels::inTime(const std::vector<double>& changing, const Rea
             follow = follow && taken_[i].logFactor == 0.0;
         }
     }
-    if ((follow && before.empty()) || !consistent_) {
+    if ((follow && before.last.empty()) || !consistent_) {
         return {};
     }
-    Prediction given = prediction_;
-    if (inputs_ < taken_.size()) {
-        given.undo(taken_[inputs_].mark);
+    std::vector<AtomIndex> given = assumptions_;
+    for (std::size_t i = 0; i < inputs_; ++i) {
+        given.push_back(taken_[i].value);
     }
-    return readingsInTime(*plant_, given, readings, before, changedModes);
+    const auto labels = [this] {
+        Prediction alone = prediction_;
+        if (inputs_ < taken_.size()) {
+            alone.undo(taken_[inputs_].mark);
+        }
+        return alone;
+    };
+    return readingsInTime(*plant_, std::move(given), labels, readings, before, changedModes);
 }
 
 std::vector<AtomIndex> StepLabels::observations() const

@@ -44,7 +44,7 @@ struct Hypothesis {
     std::map<VariableIndex, Since> since;
     std::vector<AtomIndex> lost;        ///< commands of this step that did not arrive
     std::vector<AtomIndex> unexplained; ///< observations of this step that contradict it
-    ReadingMemory readings = {};             ///< of what the plant leaves open, the last ones
+    ReadingMemory readings = {};        ///< of what the plant leaves open, the last ones
     bool exact = true; ///< the likelihood of this step's observations was counted, not estimated
 
     /// How many faults it has, as a bound on faults counts them.

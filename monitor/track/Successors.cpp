@@ -157,20 +157,23 @@ Successors::Successors(itms& engine, const Plant& plant, std::size_t window)
 // Nothing when a mode cannot be had at this step.
 std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const TrackInput& input,
                                            const StepFrame& frame, const Deviations& deviations,
-                                           const std::vector<LossyCommand>& lost) const
+                                           const std::vector<LossyCommand>& lost,
+                                           Contradictions despite) const
 {
     Hypothesis made{parent.labels, {}, 0.0, 0.0, parent.faults, nullptr, parent.since, {}, {}, {}};
     const std::vector<AtomIndex> assumptions = assumptionsOf(frame, deviations);
     made.labels.take(assumptions, frame.observations, frame.inputs);
     made.modes.assign(assumptions.begin() + static_cast<std::ptrdiff_t>(frame.commands.size()),
                       assumptions.end());
-    const auto weighed = weigh(frame, deviations, takeReadings(made, parent, frame, input));
+    made.unexplained = made.labels.contradicted();
+    const bool counts = made.explains() || despite == Contradictions::areWeighed;
+    const auto weighed =
+        weigh(frame, deviations, counts ? takeReadings(made, parent, frame, input) : 0.0);
     if (!weighed) {
         return std::nullopt;
     }
     made.logStep = weighed->logProbability + logArrivals(input, lost);
     made.logWeight = parent.logWeight + made.logStep;
-    made.unexplained = made.labels.contradicted();
     for (const LossyCommand& command : lost) {
         made.lost.push_back(command.given);
     }
@@ -182,9 +185,10 @@ std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const Track
     return made;
 }
 
-Hypothesis Successors::predicted(const Hypothesis& parent, const TrackInput& input) const
+Hypothesis Successors::predicted(const Hypothesis& parent, const TrackInput& input,
+                                 Contradictions despite) const
 {
-    return *make(parent, input, frame(parent, input, {}), {}, {});
+    return *make(parent, input, frame(parent, input, {}), {}, {}, despite);
 }
 
 bool Successors::explains(const Hypothesis& predicted) const
@@ -198,7 +202,8 @@ std::optional<Hypothesis> Successors::deviating(const Hypothesis& parent, const 
                                                 const Deviations& deviations,
                                                 const std::vector<LossyCommand>& lost) const
 {
-    auto made = make(parent, input, frame(parent, input, lost), deviations, lost);
+    auto made =
+        make(parent, input, frame(parent, input, lost), deviations, lost, Contradictions::areNot);
     return made && explains(*made) ? made : std::nullopt;
 }
 
@@ -227,7 +232,8 @@ SuccessorSearch Successors::search(const Hypothesis& parent, const TrackInput& i
                 if (std::none_of(smallest.begin(), smallest.end(), [&](const Explained& other) {
                         return isSmaller(other, explained);
                     })) {
-                    result.found.push_back(*make(parent, input, tried, candidate.modes, lost));
+                    result.found.push_back(
+                        *make(parent, input, tried, candidate.modes, lost, Contradictions::areNot));
                     smallest.push_back(std::move(explained));
                 }
             }

@@ -53,8 +53,11 @@ public:
     }
 
     /// The step as it is expected: every mode follows its nominal transition or stays, and every command arrives. What
-    /// contradicts that is listed as unexplained, and does not count in the likelihood.
-    Hypothesis predicted(const Hypothesis& parent, const TrackInput& input) const;
+    /// contradicts that is listed as unexplained. The likelihood is that of the other observations; where something is unexplained it is
+    /// left out, and so are the readings that it would remember, unless they are asked for.
+    enum class Contradictions { areNot, areWeighed };
+    Hypothesis predicted(const Hypothesis& parent, const TrackInput& input,
+                         Contradictions despite = Contradictions::areNot) const;
 
     /// Whether what is predicted explains the step: nothing contradicts it, what it leaves open can have values, and it is
     /// not impossible (as where a command arrives that never does).
@@ -79,7 +82,8 @@ public:
 private:
     std::optional<Hypothesis> make(const Hypothesis& parent, const TrackInput& input,
                                    const StepFrame& frame, const Deviations& deviations,
-                                   const std::vector<LossyCommand>& lost) const;
+                                   const std::vector<LossyCommand>& lost,
+                                   Contradictions despite) const;
 
     std::shared_ptr<ExplanationSearch> search_;
     const Plant& plant_;

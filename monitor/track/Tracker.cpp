@@ -110,7 +110,6 @@ private:
                 continue;
             }
             answer_.contradicted.push_back(i);
-            contradicted_.push_back(std::move(made));
             SuccessorSearch search = tracker_.successors_.search(
                 *parent, input_, tracker_.settings_.maxFaults - parent->faultCount(),
                 budget_.remaining());
@@ -172,8 +171,9 @@ private:
     // Nothing explains the step, so every hypothesis is contradicted: the predictions stand, without what contradicts them.
     void goOn()
     {
-        for (std::size_t i = 0; i < contradicted_.size(); ++i) {
-            Hypothesis& hypothesis = contradicted_[i];
+        for (std::size_t i = 0; i < answer_.before.size(); ++i) {
+            Hypothesis hypothesis = tracker_.successors_.predicted(
+                *answer_.before[i], input_, Successors::Contradictions::areWeighed);
             if (!std::isfinite(hypothesis.logWeight)) {
                 hypothesis.logWeight = tracker_.memory_.hypotheses[i]->logWeight;
             }
@@ -307,7 +307,6 @@ private:
         ways_;                 ///< places in `found_`
     std::vector<double> best_; ///< the weight of the most probable way of each of `found_`
     std::vector<Found*> order_;
-    std::vector<Hypothesis> contradicted_;
 };
 
 Tracker::Tracker(itms& engine, const Plant& plant, const TrackSettings& settings)

@@ -109,7 +109,7 @@ TEST_F(TrackerTest, AddsUpTheWaysThatLeadToTheSameModes)
     step({"a.out=poor"});
     EXPECT_THAT(texts(), ElementsAre("a.mode=hot@2", "a.mode=worn@2"));
     step({"a.out=none"});
-    EXPECT_THAT(texts(), ElementsAre("a.mode=dead@3"));
+    EXPECT_THAT(texts(), ElementsAre("a.mode=dead@2"));
     const Fraction stays = Fraction(61, 64);
     const Fraction both =
         stays * (Fraction(1, 64) * Fraction(1, 4) + Fraction(2, 64) * Fraction(1, 16));
