@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <set>
 
 namespace report {
 
@@ -71,9 +72,15 @@ StepReport stepReport(const plant::Plant& plant, const monitor::TrackAnswer& ans
     for (std::size_t i = 0; i < answer.hypotheses.size(); ++i) {
         TrackedExplanation one = explanation(plant, *answer.hypotheses[i]);
         one.probability = answer.probabilities[i];
+        std::set<std::string> components;
         for (const DeviatingMode& mode : one.modes) {
             report.marginals[mode.variable][mode.value] += one.probability;
+            components.insert(mode.variable.substr(0, mode.variable.rfind('.')));
         }
+        for (const std::string& component : components) {
+            report.components[component] += one.probability;
+        }
+        report.fault += one.modes.empty() ? 0.0 : one.probability;
         report.explanations.push_back(std::move(one));
     }
     return report;

@@ -12,17 +12,18 @@
 
 namespace report {
 
-/// A mode variable that is not as it is in a plant without faults: `valveB.position`, `stuckClosed`.
+/// A mode variable that is not as it would be had nothing gone wrong, or a fault: `valveB.position`, `stuckClosed`.
 struct DeviatingMode {
     std::string variable;
     std::string value;
-    std::size_t since = 0; ///< the step at which it took the value; 0: it began with it
+    std::size_t since = 0; ///< the step at which it began to differ; 0: from the beginning
 };
 
 /// One of the kept hypotheses.
 struct TrackedExplanation {
     double probability = 0.0; ///< over the kept hypotheses, 0..1
-    int faults = 0;           ///< that it takes, along the whole way; a lost command counts as one
+    /// That are there, or began within the look-back; a lost command counts as one.
+    int faults = 0;
     std::vector<DeviatingMode> modes; ///< by name of the variable
     std::vector<std::string> lost;    ///< commands of this step that did not arrive, VARIABLE=VALUE
     std::vector<std::string> unexplained; ///< observations of this step, VARIABLE=VALUE
@@ -43,6 +44,8 @@ struct StepReport {
     std::size_t dropped = 0;                      ///< hypotheses beyond those that are kept
     bool wentBack = false;
     Marginals marginals;
+    double fault = 0.0; ///< probability that some mode deviates, 0..1
+    std::map<std::string, double> components; ///< of those with a deviating mode: that one of theirs does
     std::vector<std::string> held; ///< observations that stand in for missing readings
     SearchWork work;
 };

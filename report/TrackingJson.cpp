@@ -31,10 +31,11 @@ std::string stepJson(const StepReport& report, const Shown& shown)
         candidates.push_back(candidateJson(report.explanations[i]));
     }
     Json record;
-    record["v"] = 1;
+    record["v"] = 2;
     record["step"] = report.step;
     record["t"] = report.t;
     record["status"] = monitor::name(report.status);
+    record["fault"] = sixDigits(report.fault);
     record["complete"] = report.complete;
     const std::string limit = monitor::name(report.limit);
     record["approximate"] = report.approximate;
@@ -45,6 +46,10 @@ std::string stepJson(const StepReport& report, const Shown& shown)
     record["dropped"] = report.dropped;
     record["candidates"] = std::move(candidates);
     record["marginals"] = marginalsJson(report.marginals);
+    record["components"] = Json::object();
+    for (const auto& [component, probability] : report.components) {
+        record["components"][component] = sixDigits(probability);
+    }
     record["work"] = {{"records", report.work.records},
                       {"flips", report.work.flips},
                       {"components", report.work.components}};

@@ -45,9 +45,9 @@ system Plant {
 HELD = "t,LT-1\n0,2\n1,\n2,0.5\n3,\n"
 
 SPOILT = {
-    "v": [2, "1", None], "step": [0, -1, 1.5, "1", None], "t": ["0", None], "status": ["broken", None, 1],
+    "v": [1, "2", None], "step": [0, -1, 1.5, "1", None], "t": ["0", None], "status": ["broken", None, 1],
     "complete": [0, None, "true"], "limit": ["memory", 0, False], "gap": [0, -1, "60"], "held": [None, ["LT-1"], [1]],
-    "approximate": [0, None, "true"],
+    "approximate": [0, None, "true"], "fault": [-0.1, 1.1, "1", None], "components": [None, [], {"tank": 1.5}, {"tank": "1"}],
     "kept": [0, -1, None], "dropped": [-1, None], "candidates": [[], None, {}, [{}]],
     "marginals": [None, [], {"tank.state": {}}, {"tank.state": {"leaky": 1.5}}, {"tank.state": 1}], "work": [None, {}, []],
 }
@@ -94,6 +94,10 @@ def disagreements(record):
                 yield f"the marginal of {variable} is less than the candidate's probability"
         if candidate["unexplained"] and record["status"] != "inconsistent":
             yield "something is unexplained, and the status is " + record["status"]
+    if any(p > record["fault"] + 1e-5 for p in record["components"].values()):
+        yield "a component is more probably at fault than the plant"
+    if record["fault"] > sum(record["components"].values()) + 1e-5:
+        yield "no component is at fault, but the plant is"
     differs = bool(candidates[0]["modes"] or candidates[0]["lost"])
     if record["status"] == "nominal" and (differs or probabilities[0] <= 0.5):
         yield "nominal without reason"
@@ -112,7 +116,7 @@ def seen(records):
         yield f"complete {record['complete']}"
         yield f"limit {record['limit']}"
         yield "gap" if record["gap"] else "no gap"
-        for key in ("held", "dropped", "marginals"):
+        for key in ("held", "dropped", "marginals", "components", "fault"):
             if record[key]:
                 yield key
         for candidate in record["candidates"]:
@@ -124,7 +128,7 @@ def seen(records):
 EVERYTHING = set(
     ["status " + status for status in ("nominal", "faulty", "ambiguous", "stale", "inconsistent")]
     + ["complete True", "complete False", "limit None", "limit records", "limit seconds", "gap", "no gap"]
-    + ["held", "dropped", "marginals", "modes", "lost", "unexplained", "rank"]
+    + ["held", "dropped", "marginals", "components", "fault", "modes", "lost", "unexplained", "rank"]
 )
 
 

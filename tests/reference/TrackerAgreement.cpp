@@ -15,9 +15,11 @@ using Modes = ExactFilter::Modes;
 using Distribution = std::map<Modes, double>;
 
 constexpr double tolerance = 1e-9;
+// That a reading is not what it was; a power of two, so that the fractions are exact.
+constexpr double changing = 0.25;
 
 monitor::TrackInput trackInput(const plant::Plant& plant, const WatchedPlant& watched,
-                               const WatchedStep& step, std::size_t number)
+                               const WatchedStep& step, std::size_t number, bool inTime)
 {
     monitor::TrackInput input;
     input.step = number;
@@ -30,8 +32,16 @@ monitor::TrackInput trackInput(const plant::Plant& plant, const WatchedPlant& wa
             input.lossy.push_back({plant.indexOf(command), plant.indexOf(fallback), lost->second});
         }
     }
-    for (const Atom* observed : step.observations) {
-        input.values.observations.push_back(plant.indexOf(observed));
+    for (const bool isInput : {true, false}) {
+        for (const Atom* observed : step.observations) {
+            if (watched.inputs.contains(observed->stateVar) == isInput) {
+                input.values.observations.push_back(plant.indexOf(observed));
+            }
+        }
+        input.values.inputs += isInput ? input.values.observations.size() : 0;
+    }
+    if (inTime) {
+        input.values.changing.assign(input.values.observations.size(), changing);
     }
     return input;
 }
@@ -98,7 +108,14 @@ void comparePlant(const WatchedOptions& options, std::uint64_t seed, int steps, 
 {
     Random random(seed);
     WatchedPlant watched = makeWatchedPlant(random, options);
-    ExactFilter filter(*watched.model, {.inputs = watched.inputs, .lost = watched.lost});
+    FilterSettings settings;
+    settings.inputs = watched.inputs;
+    settings.lost = watched.lost;
+    settings.readingsInTime = options.readingsInTime;
+    for (const StateVar* variable : watched.observed) {
+        settings.changing.emplace(variable, ExactFraction::of(changing));
+    }
+    ExactFilter filter(*watched.model, settings);
     WatchedRun run(random, watched, options);
     watched.model->activate();
     itms engine;
@@ -117,7 +134,8 @@ void comparePlant(const WatchedOptions& options, std::uint64_t seed, int steps, 
         const Distribution exact = ofFilter(filter.advance({step->commands, step->observations}));
         const Distribution tracked = ofTracker(
             plant, filter.modes(),
-            tracker.advance(trackInput(plant, watched, *step, static_cast<std::size_t>(number))));
+            tracker.advance(trackInput(plant, watched, *step, static_cast<std::size_t>(number),
+                                       options.readingsInTime)));
         story << "step " << number << ": " << described(*step) << '\n';
         ++result.steps;
         result.several += exact.size() > 1 ? 1 : 0;

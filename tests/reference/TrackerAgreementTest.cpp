@@ -52,6 +52,16 @@ TEST(TrackerAgreement, IsExactWhereItShowsWhichOfTwoCommandsWereLost)
     expectAgreement({.mostParts = 2, .lostPercent = 80, .echoes = true}, 6000);
 }
 
+TEST(TrackerAgreement, IsExactWhereReadingsAreExpectedAgain)
+{
+    expectAgreement({.gaugesPercent = 60,
+                     .shuffled = true,
+                     .openConditions = true,
+                     .lawsByCases = true,
+                     .readingsInTime = true},
+                    8000);
+}
+
 TEST(TrackerAgreement, IsExactWhereAllOfThatComesTogether)
 {
     expectAgreement({.mostParts = 2,

@@ -2,9 +2,11 @@
 #include "language/Reader.h"
 #include "session/Session.h"
 #include "telemetry/StepReader.h"
+#include "tests/support/Sanitized.h"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -261,6 +263,111 @@ system Room {
     session.advance(std::get<telemetry::Step>(reader.next()));
     const monitor::Hypothesis& best = *session.answer().hypotheses.front();
     EXPECT_EQ(session.plant().atom(best.modes.front())->id, "h.state=on");
+}
+
+// A dead sensor may show anything, a stuck one shows the middle; the dead one is ten times as probable.
+std::string sensorThatMayDie(const std::string& varies)
+{
+    return R"(component Sensor {
+    cond y: lo, mid, hi
+    mode state { good initial dead fault stuck fault }
+    law state = good -> y = lo
+    law state = stuck -> y = mid
+    fault good -> dead : 0.001
+    fault good -> stuck : 0.0001
+}
+system Rig {
+    s: Sensor
+    observe s.y)" +
+           varies + "\n}\n";
+}
+
+std::vector<std::string> constantReading(int steps)
+{
+    std::vector<std::string> lines;
+    for (int step = 1; step <= steps; ++step) {
+        lines.push_back(R"({"t": )" + std::to_string(step) +
+                        R"(, "observations": {"s.y": "mid"}})");
+    }
+    return lines;
+}
+
+TEST(Answers, TakeAConstantReadingForNoNewEvidence)
+{
+    const int steps = underSanitizers ? 200 : 2000;
+    const Believed believed = follow(sensorThatMayDie(" varies 0.00001"), constantReading(steps));
+    const double dead = 0.001 / 3 * std::pow(1.0 - 0.00001, steps - 1);
+    EXPECT_NEAR(believed.of("s.state=dead"), dead / (dead + 0.0001), 1e-9);
+}
+
+TEST(Answers, LearnHowOftenAReadingChanges)
+{
+    const int steps = underSanitizers ? 200 : 2000;
+    const Believed believed = follow(sensorThatMayDie(""), constantReading(steps));
+    double dead = 0.001 / 3;
+    for (int step = 2; step <= steps; ++step) {
+        dead *= 1.0 - 0.5 / step;
+    }
+    EXPECT_NEAR(believed.of("s.state=dead"), dead / (dead + 0.0001), 1e-9);
+}
+
+TEST(Answers, TakeAReadingThatWandersForEvidence)
+{
+    const Believed believed =
+        follow(sensorThatMayDie(" varies 0.5"),
+               {R"({"t": 1, "observations": {"s.y": "mid"}})",
+                R"({"t": 2, "observations": {"s.y": "hi"}})"});
+    EXPECT_NEAR(believed.of("s.state=dead"), 1.0, 1e-12);
+}
+
+// The reading of the supply says nothing of the lamp; scored, it would be one of two values that the broken lamp leaves open.
+TEST(Answers, TakeADeclaredInputAsGiven)
+{
+    const auto room = [](const std::string& word) {
+        return R"(component Lamp {
+    cond power: no, yes
+    cond light: no, yes
+    mode state { good initial broken fault miswired fault }
+    law state = good -> (power = light)
+    law state = broken -> light = no
+    law state = miswired -> power = yes & light = no
+    fault good -> broken : 0.001
+    fault good -> miswired : 0.001
+}
+system Room {
+    l: Lamp
+    observe l.light
+    )" + word +
+               " l.power\n}\n";
+    };
+    const std::vector<std::string> steps{
+        R"({"t": 1, "observations": {"l.light": "no", "l.power": "yes"}})"};
+    EXPECT_NEAR(follow(room("observe"), steps).of("l.state=broken"), 1.0 / 3, 1e-12);
+    EXPECT_NEAR(follow(room("input"), steps).of("l.state=broken"), 0.5, 1e-12);
+}
+
+TEST(Answers, SayThatNothingIsWrongAfterARepair)
+{
+    const std::string model = R"(component Fan {
+    cond air: no, yes
+    command c: none, service
+    mode state { turning initial broken fault }
+    law state = turning <-> air = yes
+    fault turning -> broken : 0.001
+    repair broken -> turning when c = service : 0.9
+}
+system Rig {
+    f: Fan
+    observe f.air
+    command f.c
+}
+)";
+    std::vector<std::string> steps{R"({"t": 1, "observations": {"f.air": "no"}})"};
+    EXPECT_EQ(follow(model, steps).status, monitor::TrackStatus::faulty);
+    steps.emplace_back(R"({"t": 2, "commands": {"f.c": "service"}, "observations": {"f.air": "yes"}})");
+    const Believed after = follow(model, steps);
+    EXPECT_EQ(after.status, monitor::TrackStatus::nominal);
+    EXPECT_TRUE(after.marginals.empty());
 }
 
 } // namespace
