@@ -44,9 +44,9 @@ struct StepReport {
     std::size_t dropped = 0;                      ///< hypotheses beyond those that are kept
     bool wentBack = false;
     Marginals marginals;
-    double fault = 0.0; ///< probability that some mode deviates, 0..1
+    double fault = 0.0;                       ///< probability that some mode deviates, 0..1
     std::map<std::string, double> components; ///< of those with a deviating mode: that one of theirs does
-    std::vector<std::string> held; ///< observations that stand in for missing readings
+    std::vector<std::string> held;            ///< observations that stand in for missing readings
     SearchWork work;
 };
 

@@ -30,7 +30,7 @@ struct WatchedOptions {
     bool conditionGuards = false; ///< guards read outputs, and gauges and sums where there are any
     bool disjunctiveGuards = false; ///< guards have several alternatives
     bool lawsByCases = false;       ///< a condition that follows in some modes by cases only
-    bool readingsInTime = false; ///< readings are expected to stay what they are
+    bool readingsInTime = false;    ///< readings are expected to stay what they are
     bool supply = false; ///< an open condition on which the flow depends; its reading is an input
 };
 

@@ -286,8 +286,7 @@ std::vector<std::string> constantReading(int steps)
 {
     std::vector<std::string> lines;
     for (int step = 1; step <= steps; ++step) {
-        lines.push_back(R"({"t": )" + std::to_string(step) +
-                        R"(, "observations": {"s.y": "mid"}})");
+        lines.push_back(R"({"t": )" + std::to_string(step) + R"(, "observations": {"s.y": "mid"}})");
     }
     return lines;
 }
@@ -314,9 +313,8 @@ TEST(Answers, LearnHowOftenAReadingChanges)
 TEST(Answers, TakeAReadingThatWandersForEvidence)
 {
     const Believed believed =
-        follow(sensorThatMayDie(" varies 0.5"),
-               {R"({"t": 1, "observations": {"s.y": "mid"}})",
-                R"({"t": 2, "observations": {"s.y": "hi"}})"});
+        follow(sensorThatMayDie(" varies 0.5"), {R"({"t": 1, "observations": {"s.y": "mid"}})",
+                                                 R"({"t": 2, "observations": {"s.y": "hi"}})"});
     EXPECT_NEAR(believed.of("s.state=dead"), 1.0, 1e-12);
 }
 
@@ -337,8 +335,7 @@ TEST(Answers, TakeADeclaredInputAsGiven)
 system Room {
     l: Lamp
     observe l.light
-    )" + word +
-               " l.power\n}\n";
+    )" + word + " l.power\n}\n";
     };
     const std::vector<std::string> steps{
         R"({"t": 1, "observations": {"l.light": "no", "l.power": "yes"}})"};
@@ -364,7 +361,8 @@ system Rig {
 )";
     std::vector<std::string> steps{R"({"t": 1, "observations": {"f.air": "no"}})"};
     EXPECT_EQ(follow(model, steps).status, monitor::TrackStatus::faulty);
-    steps.emplace_back(R"({"t": 2, "commands": {"f.c": "service"}, "observations": {"f.air": "yes"}})");
+    steps.emplace_back(
+        R"({"t": 2, "commands": {"f.c": "service"}, "observations": {"f.air": "yes"}})");
     const Believed after = follow(model, steps);
     EXPECT_EQ(after.status, monitor::TrackStatus::nominal);
     EXPECT_TRUE(after.marginals.empty());
