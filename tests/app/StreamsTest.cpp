@@ -158,7 +158,7 @@ TEST_P(Signals, EndARunThatWaitsForTheNextStep)
         runUntilSignal({"run", "examples/water/station.itms", "-"},
                        "{\"t\": 0, \"observations\": {\"PT-121\": 4}}\n", GetParam());
     EXPECT_EQ(run.status, 130);
-    EXPECT_THAT(run.out, StartsWith("{\"v\":1,\"step\":1,\"t\":0.0,\"status\":\"nominal\""));
+    EXPECT_THAT(run.out, StartsWith("{\"v\":2,\"step\":1,\"t\":0.0,\"status\":\"nominal\""));
     EXPECT_EQ(run.err, "");
 }
 
