@@ -37,13 +37,22 @@ std::set<Combination> projected(const std::set<Combination>& combinations,
 
 using Places = std::vector<std::size_t>;
 
+Places joined(const std::vector<Places>& parts)
+{
+    Places all;
+    for (const Places& part : parts) {
+        all.insert(all.end(), part.begin(), part.end());
+    }
+    return all;
+}
+
 bool areIndependent(const std::set<Combination>& combinations, const std::vector<Places>& parts)
 {
     double product = 1.0;
     for (const Places& part : parts) {
         product *= static_cast<double>(projected(combinations, part).size());
     }
-    return product == static_cast<double>(combinations.size());
+    return product == static_cast<double>(projected(combinations, joined(parts)).size());
 }
 
 // Parts of which any two that depend on one another are one.
@@ -65,15 +74,6 @@ std::vector<Places> pairwiseParts(const std::set<Combination>& combinations, std
         parts.push_back(std::move(together));
     }
     return parts;
-}
-
-Places joined(const std::vector<Places>& parts)
-{
-    Places all;
-    for (const Places& part : parts) {
-        all.insert(all.end(), part.begin(), part.end());
-    }
-    return all;
 }
 
 // The finest parts of which any combination of one goes with any of the others. Three may depend on one another though no two do, as a
