@@ -37,13 +37,22 @@ std::set<Combination> projected(const std::set<Combination>& combinations,
 
 using Places = std::vector<std::size_t>;
 
+Places joined(const std::vector<Places>& parts)
+{
+    Places all;
+    for (const Places& part : parts) {
+        all.insert(all.end(), part.begin(), part.end());
+    }
+    return all;
+}
+
 bool areIndependent(const std::set<Combination>& combinations, const std::vector<Places>& parts)
 {
     double product = 1.0;
     for (const Places& part : parts) {
         product *= static_cast<double>(projected(combinations, part).size());
     }
-    return product == static_cast<double>(combinations.size());
+    return product == static_cast<double>(projected(combinations, joined(parts)).size());
 }
 
 // Parts of which any two that depend on one another are one.
@@ -65,15 +74,6 @@ std::vector<Places> pairwiseParts(const std::set<Combination>& combinations, std
         parts.push_back(std::move(together));
     }
     return parts;
-}
-
-Places joined(const std::vector<Places>& parts)
-{
-    Places all;
-    for (const Places& part : parts) {
-        all.insert(all.end(), part.begin(), part.end());
-    }
-    return all;
 }
 
 // The finest parts of which any combination of one goes with any of the others. Three may depend on one another though no two do, as a
@@ -277,26 +277,41 @@ bool OpenVariables::collect(const std::vector<VariableIndex>& wanted,
     return true;
 }
 
-OpenGroups OpenVariables::groups(const std::vector<VariableIndex>& variables)
+std::multimap<double, std::vector<VariableIndex>> OpenVariables::parts(
+    const std::vector<VariableIndex>& variables)
 {
-    OpenGroups result;
     std::set<VariableIndex> left;
     for (const VariableIndex variable : variables) {
         if (!openValues(variable).empty()) {
             left.insert(variable);
         }
     }
+    std::multimap<double, std::vector<VariableIndex>> result;
     while (!left.empty()) {
-        const std::vector<VariableIndex>& all = connected(*left.begin());
-        std::vector<VariableIndex> wanted;
-        std::copy_if(all.begin(), all.end(), std::back_inserter(wanted),
-                     [&](VariableIndex variable) { return left.erase(variable) > 0; });
+        std::vector<VariableIndex> part;
+        double most = 1.0;
+        for (const VariableIndex variable : connected(*left.begin())) {
+            if (left.erase(variable) > 0) {
+                part.push_back(variable);
+                most *= static_cast<double>(openValues(variable).size());
+            }
+        }
+        result.emplace(most, std::move(part));
+    }
+    return result;
+}
+
+OpenGroups OpenVariables::groups(const std::vector<VariableIndex>& variables)
+{
+    OpenGroups result;
+    // The bound is for all parts together, so that a large one comes after the small ones.
+    for (const auto& [most, wanted] : parts(variables)) {
         Combination chosen;
         std::set<Combination> combinations;
-        if (collect(wanted, all, chosen, combinations)) {
+        if (collect(wanted, connected(wanted.front()), chosen, combinations)) {
             addGroups(wanted, combinations, result.groups);
         } else {
-            result.undecided.push_back(std::move(wanted));
+            result.undecided.push_back(wanted);
         }
     }
     for (const VariableIndex variable : variables) {

@@ -36,13 +36,16 @@ public:
     const std::set<VariableIndex>& bearing(VariableIndex variable);
 
     /// The finest groups of those among the variables that are open. Requires: no variable twice. Costs a propagation for each value
-    /// that is tried, of which there is a bound.
+    /// that is tried, of which there is a bound for all groups together; those of few variables and values are found first.
     OpenGroups groups(const std::vector<VariableIndex>& variables);
 
 private:
     /// The variables that open clauses connect with this one, itself included, by rising index.
     const std::vector<VariableIndex>& connected(VariableIndex variable);
     std::vector<AtomIndex> openValues(VariableIndex variable) const;
+    /// Those among the variables that may be open, as open clauses connect them, by the number of combinations at most.
+    std::multimap<double, std::vector<VariableIndex>> parts(
+        const std::vector<VariableIndex>& variables);
     bool canBeCompleted(const std::vector<VariableIndex>& variables);
     void noteValues(const std::vector<VariableIndex>& variables);
     bool collect(const std::vector<VariableIndex>& wanted, const std::vector<VariableIndex>& all,

@@ -125,7 +125,7 @@ private:
     {
         const Hypothesis& parent = *past_[step].before[place];
         const TrackInput& input = past_[step].input;
-        const int budget = settings_.maxFaults - parent.faultCount();
+        const int budget = successors_.faultsLeft(parent, input, settings_.maxFaults);
         const StepFrame frame = successors_.frame(parent, input, {});
         for (const ModeStep& mode : frame.modes) {
             if (!relevant[static_cast<std::size_t>(mode.variable)]) {
@@ -186,8 +186,9 @@ private:
     void fork(const Replay& replay, const TrackInput& input, double scale)
     {
         const Hypothesis& last = replay.way.back();
-        SuccessorSearch search = successors_.search(
-            last, input, settings_.maxFaults - last.faultCount(), budget_.remaining());
+        SuccessorSearch search =
+            successors_.search(last, input, successors_.faultsLeft(last, input, settings_.maxFaults),
+                               budget_.remaining());
         search.work.candidates = 0; // those that can be followed to the present count
         budget_.spend(search.work);
         budget_.meet(search.limit);

@@ -70,7 +70,7 @@ void updateSince(Hypothesis& made, const Plant& plant, const std::vector<ModeSte
     }
 }
 
-// Whether a fault counts after the step: it began within so many steps, or is the last one of a mode that is still wrong.
+// Whether a fault counts at the step: it began within so many steps, or is the last one of a mode that is still wrong.
 bool stillCounts(const FaultBegun& fault, const Hypothesis& made, std::size_t step,
                  std::size_t window)
 {
@@ -205,6 +205,15 @@ std::optional<Hypothesis> Successors::deviating(const Hypothesis& parent, const 
     auto made =
         make(parent, input, frame(parent, input, lost), deviations, lost, Contradictions::areNot);
     return made && explains(*made) ? made : std::nullopt;
+}
+
+int Successors::faultsLeft(const Hypothesis& parent, const TrackInput& input, int mostFaults) const
+{
+    const auto counting =
+        std::count_if(parent.faults.begin(), parent.faults.end(), [&](const FaultBegun& fault) {
+            return stillCounts(fault, parent, input.step, window_);
+        });
+    return mostFaults - static_cast<int>(counting);
 }
 
 SuccessorSearch Successors::search(const Hypothesis& parent, const TrackInput& input,

@@ -68,6 +68,10 @@ public:
                                         const Deviations& deviations,
                                         const std::vector<LossyCommand>& lost) const;
 
+    /// How many more faults and lost commands there may be at a step after the parent, of so many at most: those of the parent are
+    /// taken off that still count then, unless the step itself ends them. May be less than 0.
+    int faultsLeft(const Hypothesis& parent, const TrackInput& input, int mostFaults) const;
+
     /// The smallest explanations with at most `faultBudget` more faults and lost commands. The limits are for all of it.
     SuccessorSearch search(const Hypothesis& parent, const TrackInput& input, int faultBudget,
                            const SearchLimits& limits);

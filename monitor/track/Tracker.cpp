@@ -111,7 +111,8 @@ private:
             }
             answer_.contradicted.push_back(i);
             SuccessorSearch search = tracker_.successors_.search(
-                *parent, input_, tracker_.settings_.maxFaults - parent->faultCount(),
+                *parent, input_,
+                tracker_.successors_.faultsLeft(*parent, input_, tracker_.settings_.maxFaults),
                 budget_.remaining());
             note(search.complete, search.limit, search.work);
             for (Hypothesis& hypothesis : search.found) {

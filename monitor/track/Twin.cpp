@@ -40,7 +40,8 @@ TwinPointer twinAfter(const Plant& plant, const Hypothesis& parent, const TrackI
     for (std::size_t i = 0; i < steps.size(); ++i) {
         const AtomIndex value = made.modes[i];
         const ModeOption* taken = happened.modes[i].option(value);
-        const bool repaired = taken && taken->repair && value != happened.modes[i].predicted;
+        const bool nominal = happened.modes[i].followed && value == happened.modes[i].predicted;
+        const bool repaired = taken && taken->repair && !nominal;
         modes.push_back(repaired ? value : steps[i].predicted);
     }
     if (modes == made.modes && made.lost.empty()) {

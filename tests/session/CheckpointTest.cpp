@@ -7,6 +7,8 @@
 namespace {
 
 using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
 
 TEST(SessionCheckpoint, GoesOnAsIfThereHadBeenNoEnd)
 {
@@ -38,6 +40,28 @@ TEST(SessionCheckpoint, TakesThePlaceOfWhatIsBelieved)
     EXPECT_NE(run.session().checkpoint().text, early.text);
     run.session().resume(early);
     EXPECT_EQ(run.session().checkpoint().text, early.text);
+}
+
+TEST(SessionCheckpoint, KeepsHowOftenReadingsChanged)
+{
+    ExampleRun before(waterModel, waterTelemetry);
+    before.skip(13);
+    ExampleRun after(waterModel, waterTelemetry);
+    ASSERT_THAT(after.session().readingChanges().counts(), IsEmpty());
+    after.session().resume(before.session().checkpoint());
+    const auto& expected = before.session().readingChanges().counts();
+    const auto& found = after.session().readingChanges().counts();
+    ASSERT_THAT(expected, Not(IsEmpty()));
+    ASSERT_EQ(found.size(), expected.size());
+    std::size_t changes = 0;
+    for (const auto& [variable, count] : expected) {
+        ASSERT_TRUE(found.contains(variable));
+        EXPECT_EQ(found.at(variable).readings, count.readings);
+        EXPECT_EQ(found.at(variable).changes, count.changes);
+        EXPECT_EQ(found.at(variable).last, count.last);
+        changes += count.changes;
+    }
+    EXPECT_GT(changes, 0u);
 }
 
 TEST(SessionCheckpoint, IsRefusedByAnotherModel)
