@@ -104,7 +104,8 @@ Section searchSection(TrackOptions& track)
     constexpr double infinity = std::numeric_limits<double>::infinity();
     return {
         "How to search",
-        {{"--max-rank", "N", "up to N faults along the whole way (default {default})",
+        {{"--max-rank", "N",
+          "up to N faults at once, those of the look-back included (default {default})",
           &track.maxRank, wholeNumber(0, mostFaults)},
          {"--keep", "N", "keep the N most probable hypotheses (default {default})", &track.keep,
           wholeNumber(1, mostKept)},

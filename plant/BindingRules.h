@@ -1,7 +1,7 @@
 // What every channel has to keep to, whatever it was written in.
 //
-// A front end calls each check as soon as it knows enough for it. A model file has types, whose mistakes are reported once for all of
-// their instances; in data every variable is checked.
+// A front end calls each check as soon as it knows enough for it. A model file has types, whose mistakes are reported once for
+// all of their instances; in data every variable is checked.
 #pragma once
 
 #include "plant/Bindings.h"

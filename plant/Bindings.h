@@ -42,7 +42,8 @@ struct ChannelBinding {
     std::variant<std::monostate, ThresholdTable, ReadingTable>
         translation;                   ///< none: the channel has the names of values
     std::optional<double> holdSeconds; ///< how long the last reading stands for a missing one
-    /// An observation of what is given from outside: its readings are taken as they are, and never make anything more or less probable.
+    /// An observation of what is given from outside: its readings are taken as they are, and never make anything more or less
+    /// probable.
     bool input = false;
     /// Of an observation that is no input: how often its reading changes where the plant leaves it open, as a probability per step,
     /// above 0 and below 1.

@@ -45,7 +45,8 @@ struct OpenOptions {
 
 /// How a plant is followed.
 struct Settings {
-    /// Faults and lost commands along the whole way of a hypothesis, >= 0. A larger bound finds more, and costs more.
+    /// Faults of a hypothesis that are there, and faults and lost commands that began within the look-back, >= 0. A larger bound
+    /// finds more, and costs more.
     int maxRank = 3;
     std::size_t keep = 8;                       ///< hypotheses kept after a step, >= 1
     std::size_t lookBack = 10;                  ///< steps that may be gone back to; 0: none

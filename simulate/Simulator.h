@@ -94,8 +94,8 @@ public:
     Simulator(const plant::Plant& plant, const plant::Bindings& bindings,
               const SimulatorSettings& settings = {});
 
-    /// Goes a step on. Linear in the plant, if no value that was given to an open variable has to be taken back; there is a bound on
-    /// how many are.
+    /// Goes a step on. Linear in the plant, if no value that was given to an open variable has to be taken back; there is a bound
+    /// on how many are.
     /// Ensures: with a problem the state is as it was.
     std::variant<SimulatedStep, SimulationProblem> step(const SimulationInput& input);
 

@@ -24,8 +24,8 @@ std::string nameOf(plant::ChangeKind kind, const Atom* to)
 
 } // namespace
 
-// A model file has one statement for what are here several transitions, one behind the other, that differ in their guards: they are one
-// change, whose probability counts once.
+// A model file has one statement for what are here several transitions, one behind the other, that differ in their guards: they
+// are one change, whose probability counts once.
 void JsonTransitions::add(const JsonNode& node)
 {
     const std::size_t index = index_++;

@@ -2,8 +2,8 @@
 //
 //     fault closed, open -> stuck when load = high | load = extreme : 1e-4 per hour
 //
-// becomes four: one for each source and each alternative of the guard, which is brought into disjunctive normal form. A nominal or idle
-// transition without a probability takes what the faults and repairs that can always happen leave.
+// becomes four: one for each source and each alternative of the guard, which is brought into disjunctive normal form. A nominal
+// or idle transition without a probability takes what the faults and repairs that can always happen leave.
 #pragma once
 
 #include "language/meaning/Elaboration.h"

@@ -2,8 +2,8 @@
 //
 // Every construct is known by its first token or two, and from there on what follows is required: `must` throws a Mistake
 // where it is missing. `recovering` catches it around each statement and goes on with the next one. Rules have the name of
-// what they read, and each says below its pattern, as its `action`, what the tree gets from it (NodeActions.h); a rule that inherits
-// another one gives it a role. The rules stand from the smallest to the largest: ExpressionGrammar.h, FormulaGrammar.h,
+// what they read, and each says below its pattern, as its `action`, what the tree gets from it (NodeActions.h); a rule that
+// inherits another one gives it a role. The rules stand from the smallest to the largest: ExpressionGrammar.h, FormulaGrammar.h,
 // StatementGrammar.h, BindingGrammar.h, and here loops, blocks and the file.
 #pragma once
 

@@ -135,8 +135,8 @@ struct time_unit : Leaf {
     }
 };
 
-/// A name that is a word of the language where a statement begins or a binding may go on: `input`, `repair`, `varies`. Before `:` and
-/// `[` it is the name of a part.
+/// A name that is a word of the language where a statement begins or a binding may go on: `input`, `repair`, `varies`. Before `:`
+/// and `[` it is the name of a part.
 template <Literal Word> struct soft_word : Leaf {
     using rule_t = soft_word;
     static bool match(TokenInput& in)

@@ -1,5 +1,5 @@
-// A message is made of the farthest token that was looked at and of what was tried there in vain. Then the statement is passed over:
-// indentation, braces and the words that begin statements tell where the next one begins.
+// A message is made of the farthest token that was looked at and of what was tried there in vain. Then the statement is passed
+// over: indentation, braces and the words that begin statements tell where the next one begins.
 #include "language/syntax/Mistakes.h"
 
 #include "language/syntax/Words.h"

@@ -1,9 +1,9 @@
 // What each mode variable may do in one step, and how probable that is.
 //
 // From value a, with the transitions enabled by this step's commands: it follows the nominal transition if one
-// is enabled, and no less probable than staying, and stays otherwise; it may also take any other enabled transition, or stay, with what the enabled
-// transitions leave of the probability. Where they leave nothing to staying and none of them is nominal, the most
-// probable one is followed. A value that none of these reaches cannot be had at this step.
+// is enabled, and no less probable than staying, and stays otherwise; it may also take any other enabled transition, or stay,
+// with what the enabled transitions leave of the probability. Where they leave nothing to staying and none of them is nominal,
+// the most probable one is followed. A value that none of these reaches cannot be had at this step.
 #pragma once
 
 #include "monitor/labels/Prediction.h"

@@ -1,5 +1,5 @@
-// Variables that no open clause connects are independent. Among those that are connected all combinations are collected, and taken apart
-// where the set of them is a product: so it makes no difference how the laws that leave them open are written.
+// Variables that no open clause connects are independent. Among those that are connected all combinations are collected, and
+// taken apart where the set of them is a product: so it makes no difference how the laws that leave them open are written.
 #include "monitor/labels/OpenGroups.h"
 
 #include "monitor/labels/Completion.h"
@@ -76,8 +76,8 @@ std::vector<Places> pairwiseParts(const std::set<Combination>& combinations, std
     return parts;
 }
 
-// The finest parts of which any combination of one goes with any of the others. Three may depend on one another though no two do, as a
-// parity does: then the smallest set of parts with the first one that is independent of the others is split off.
+// The finest parts of which any combination of one goes with any of the others. Three may depend on one another though no two do,
+// as a parity does: then the smallest set of parts with the first one that is independent of the others is split off.
 std::vector<Places> independentParts(const std::set<Combination>& combinations,
                                      std::vector<Places> parts)
 {

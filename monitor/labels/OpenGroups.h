@@ -35,8 +35,8 @@ public:
     /// laws connect with it through open variables.
     const std::set<VariableIndex>& bearing(VariableIndex variable);
 
-    /// The finest groups of those among the variables that are open. Requires: no variable twice. Costs a propagation for each value
-    /// that is tried, of which there is a bound for all groups together; those of few variables and values are found first.
+    /// The finest groups of those among the variables that are open. Requires: no variable twice. Costs a propagation for each
+    /// value that is tried, of which there is a bound for all groups together; those of few variables and values are found first.
     OpenGroups groups(const std::vector<VariableIndex>& variables);
 
 private:

@@ -1,10 +1,11 @@
 // How probable readings are that the plant leaves open, given what they were before.
 //
-// A reading that nothing in the plant determines is expected to stay what it is: the second time that a sensor with a dead input shows
-// the same is no new evidence. So the last readings are remembered, as long as they stay open and no mode that bears on them
+// A reading that nothing in the plant determines is expected to stay what it is: the second time that a sensor with a dead input
+// shows the same is no new evidence. So the last readings are remembered, as long as they stay open and no mode that bears on them
 // changes. A group of readings that hang together, N combinations of which are possible, shows the last one again with the
-// probability 1 - v, and each other one with v / (N - 1); v is 1 less the product of (1 - v) of its channels, where v of a channel is how
-// often it changes from one step to the next. A group of which not all is remembered shows each combination with 1 / N.
+// probability 1 - v, and each other one with v / (N - 1); v is 1 less the product of (1 - v) of its channels, where v of a
+// channel is how often it changes from one step to the next. A group of which not all is remembered shows each combination with 1
+// / N.
 #pragma once
 
 #include "monitor/labels/OpenGroups.h"
@@ -43,9 +44,9 @@ struct ReadingsInTime {
     ReadingMemory memory; ///< after the step
 };
 
-/// `given` are modes, commands and inputs, and `labels` gives what follows from them; the readings agree with it, and no variable has
-/// two. `changedModes` are those that were not as they are before the step. Linear in the readings where what is given is what was given
-/// at the step before; else `labels` is called, and OpenVariables asked.
+/// `given` are modes, commands and inputs, and `labels` gives what follows from them; the readings agree with it, and no variable
+/// has two. `changedModes` are those that were not as they are before the step. Linear in the readings where what is given is
+/// what was given at the step before; else `labels` is called, and OpenVariables asked.
 ReadingsInTime readingsInTime(const Plant& plant, std::vector<AtomIndex> given,
                               const std::function<Prediction()>& labels,
                               const std::vector<Reading>& readings, const ReadingMemory& before,

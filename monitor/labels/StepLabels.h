@@ -31,9 +31,9 @@ public:
     {
     }
 
-    /// Goes over to other assumptions and observations, of which so many at the beginning are inputs: taken for what they are, and not
-    /// scored. Requires: at most one value of each variable. Costs what changes where the assumptions are of the same variables
-    /// in the same order as before, else what the whole plant costs.
+    /// Goes over to other assumptions and observations, of which so many at the beginning are inputs: taken for what they are,
+    /// and not scored. Requires: at most one value of each variable. Costs what changes where the assumptions are of the same
+    /// variables in the same order as before, else what the whole plant costs.
     void take(const std::vector<AtomIndex>& assumptions, const std::vector<AtomIndex>& observations,
               std::size_t inputs = 0);
 
@@ -42,10 +42,11 @@ public:
     const Prediction& prediction() const { return prediction_; }
     /// The observations that the assumptions and the observations before them rule out, in their order.
     const std::vector<AtomIndex>& contradicted() const { return contradicted_; }
-    /// That of the observations that are neither inputs nor contradicted. Constant time where each follows, else countCombinations().
+    /// That of the observations that are neither inputs nor contradicted. Constant time where each follows, else
+    /// countCombinations().
     Likelihood likelihood() const;
-    /// The same, given the readings before the step. `changing` says of each observation how probable it is that it is not what it was.
-    /// Constant time where each follows and nothing is remembered, else readingsInTime().
+    /// The same, given the readings before the step. `changing` says of each observation how probable it is that it is not what
+    /// it was. Constant time where each follows and nothing is remembered, else readingsInTime().
     ReadingsInTime inTime(const std::vector<double>& changing, const ReadingMemory& before,
                           const std::set<VariableIndex>& changedModes) const;
 

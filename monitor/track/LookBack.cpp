@@ -1,6 +1,6 @@
 // All single deviations of the past steps are listed with an estimate of the weight of the way that they begin, and tried from the
-// best one on. A try replays the steps since by prediction; with `searchOn` a step that is not as predicted is searched, and each of
-// its explanations is followed in turn.
+// best one on. A try replays the steps since by prediction; with `searchOn` a step that is not as predicted is searched, and each
+// of its explanations is followed in turn.
 #include "monitor/track/LookBack.h"
 
 #include "monitor/step/Budget.h"

@@ -53,8 +53,8 @@ public:
     }
 
     /// The step as it is expected: every mode follows its nominal transition or stays, and every command arrives. What
-    /// contradicts that is listed as unexplained. The likelihood is that of the other observations; where something is unexplained it is
-    /// left out, and so are the readings that it would remember, unless they are asked for.
+    /// contradicts that is listed as unexplained. The likelihood is that of the other observations; where something is
+    /// unexplained it is left out, and so are the readings that it would remember, unless they are asked for.
     enum class Contradictions { areNot, areWeighed };
     Hypothesis predicted(const Hypothesis& parent, const TrackInput& input,
                          Contradictions despite = Contradictions::areNot) const;

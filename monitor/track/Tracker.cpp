@@ -187,8 +187,8 @@ private:
         }
     }
 
-    // One hypothesis for the same modes and the same twin; the most probable way stays, of nearly equal ones the first: that is the one in
-    // which the fault is youngest. It may be older, but nothing tells.
+    // One hypothesis for the same modes and the same twin; the most probable way stays, of nearly equal ones the first: that is
+    // the one in which the fault is youngest. It may be older, but nothing tells.
     void merge()
     {
         std::map<std::pair<std::vector<AtomIndex>, std::vector<AtomIndex>>, std::size_t> known;

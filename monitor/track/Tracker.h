@@ -15,7 +15,8 @@
 namespace monitor {
 
 struct TrackSettings {
-    /// Faults and lost commands along the trajectory of a hypothesis, >= 0. A larger bound finds more, and costs more.
+    /// Faults of a hypothesis that are there, and faults and lost commands that began within the look-back, >= 0. A larger bound
+    /// finds more, and costs more.
     int maxFaults = 3;
     std::size_t keep = 8; ///< hypotheses kept after a step, at least 1
     /// Steps that may be gone back to, 0 for none. Each keeps its hypotheses in memory.

@@ -254,8 +254,9 @@ bool BruteForceDiagnosis::enabled(const Transition* transition) const
                                          : std::all_of(guard.begin(), guard.end(), holds);
 }
 
-// Follows the first nominal transition that is enabled where staying is not more probable, else stays. What the enabled transitions leave of 1 is
-// the probability of staying; where that is nothing and none is nominal, the most probable value is predicted.
+// Follows the first nominal transition that is enabled where staying is not more probable, else stays. What the enabled
+// transitions leave of 1 is the probability of staying; where that is nothing and none is nominal, the most probable value is
+// predicted.
 void BruteForceDiagnosis::findChances(const StateVar* mode)
 {
     const Atom* from = valueAmong(mode, problem_.before);

@@ -1,8 +1,8 @@
 // Random plants that are watched over several steps, for comparing two ways of calculating what is known about their modes.
 //
 // A plant is a chain of parts. Each has a mode with the values off, on and one or two faults; a command that asks for off or on; an
-// output `out` that tells the mode, though not one fault from another; and `flow`, which is 1 where all parts up to this one are on.
-// Without options every condition follows from modes and commands by propagation, everything is observed, and whatever a mode
+// output `out` that tells the mode, though not one fault from another; and `flow`, which is 1 where all parts up to this one are
+// on. Without options every condition follows from modes and commands by propagation, everything is observed, and whatever a mode
 // does other than expected changes its output. Each option widens that.
 #pragma once
 

@@ -205,9 +205,9 @@ TEST(Answers, DoNotDependOnTheOrderOfWhatIsObserved)
         R"({"t": 2, "observations": {"p.flow": "high", "m.shown": "none"}})"};
     const Believed one = follow(meter("    observe p.flow\n    observe m.shown\n"), steps);
     expectSame(one, follow(meter("    observe m.shown\n    observe p.flow\n"), steps));
-    // While it is good there are three combinations; stuck, the pipe has three values and the meter one; drifting, it has two. It may
-    // have drifted at the first step, or at the second. If at the first, both readings were open before they changed: after one reading
-    // without a change that has the probability (0 + 1/2) / (1 + 1), and the pipe has two values to change to.
+    // While it is good there are three combinations; stuck, the pipe has three values and the meter one; drifting, it has two. It
+    // may have drifted at the first step, or at the second. If at the first, both readings were open before they changed: after
+    // one reading without a change that has the probability (0 + 1/2) / (1 + 1), and the pipe has two values to change to.
     const double stuck = 0.998 / 3 * 0.001 / 3;
     const double drifting = 0.998 / 3 * 0.001 / 6 + 0.001 / 6 * (0.25 / 2) * 0.25;
     EXPECT_NEAR(one.of("m.state=stuck"), stuck / (stuck + drifting), 1e-12);

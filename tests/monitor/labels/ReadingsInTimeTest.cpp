@@ -24,8 +24,8 @@ struct Read {
     Fraction changing = Fraction(1, 4);
 };
 
-// A sensor a.v of three values, which shows anything unless m.mode is ok, and b.v of two, which no mode concerns. While the command ties
-// them, a.v is 0 or 1, and b.v is not less.
+// A sensor a.v of three values, which shows anything unless m.mode is ok, and b.v of two, which no mode concerns. While the
+// command ties them, a.v is 0 or 1, and b.v is not less.
 class ReadingsInTimeTest : public testing::Test {
 protected:
     ReadingsInTimeTest()

@@ -243,8 +243,8 @@ TEST_F(FaultsInTime, AreNeverTooManyWhereEveryOtherStepHasOne)
     }
 }
 
-// The relay missed its toggle. Its twin is on, where y and z would be the same: one reading or the other is adopted there, and k goes
-// over where y is 0.
+// The relay missed its toggle. Its twin is on, where y and z would be the same: one reading or the other is adopted there, and k
+// goes over where y is 0.
 class TwinOfContradictingReadings : public TwinTest {
 protected:
     TwinOfContradictingReadings()
