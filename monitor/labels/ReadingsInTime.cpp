@@ -81,7 +81,8 @@ public:
     }
 
 private:
-    // Not expected where not all are remembered, or where they are not possible together.
+    // Not expected where not all are remembered, or where they are not possible together; nor where a reading that cannot change
+    // did: it is held from a step at which nothing explained it.
     double log(const std::vector<VariableIndex>& group, double count,
                const std::set<Combination>* possible) const
     {
@@ -96,7 +97,8 @@ private:
                 last.push_back(remembered->second);
             }
         }
-        const bool expected = last.size() == now.size() && (!possible || possible->contains(last));
+        const bool expected = last.size() == now.size() && (now == last || logSame < 0.0) &&
+                              (!possible || possible->contains(last));
         return logLikelihood(expected, now == last, logSame, count);
     }
 

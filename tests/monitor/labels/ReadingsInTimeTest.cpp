@@ -118,6 +118,13 @@ TEST_F(ReadingsInTimeTest, AreCertainOfAReadingThatNeverChanges)
     expectEqual(step(odd_, {{"a.v=1", 0}}), 1);
 }
 
+// A held reading is the last one of its channel, which an inconsistent step may have left unexplained.
+TEST_F(ReadingsInTimeTest, TakeAHeldReadingThatWasNotRememberedForANewOne)
+{
+    step(odd_, {{"a.v=1"}});
+    expectEqual(step(odd_, {{"a.v=2", 0}}), Fraction(1, 3));
+}
+
 TEST_F(ReadingsInTimeTest, CountNothingForAReadingThatFollows)
 {
     const Names ok{"m.mode=ok", "n.mode=ok", "c.command=none"};
