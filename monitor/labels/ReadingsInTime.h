@@ -4,8 +4,8 @@
 // shows the same is no new evidence. So the last readings are remembered, as long as they stay open and no mode that bears on them
 // changes. A group of readings that hang together, N combinations of which are possible, shows the last one again with the
 // probability 1 - v, and each other one with v / (N - 1); v is 1 less the product of (1 - v) of its channels, where v of a
-// channel is how often it changes from one step to the next. A group of which not all is remembered shows each combination with 1
-// / N.
+// channel is how often it changes from one step to the next. A group of which not all is remembered shows each combination with
+// 1/N.
 #pragma once
 
 #include "monitor/labels/OpenGroups.h"
