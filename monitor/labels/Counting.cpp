@@ -38,14 +38,6 @@ private:
                            [this](AtomIndex value) { return !labels_.isKnown(value); });
     }
 
-    bool isSatisfied(ClauseIndex clause) const
-    {
-        const std::vector<PlantLiteral>& literals = plant_.clause(clause);
-        return std::any_of(literals.begin(), literals.end(), [this](const PlantLiteral& literal) {
-            return labels_.label(literal.atom) == (literal.negated ? Label::isFalse : Label::isTrue);
-        });
-    }
-
     // The variables that open clauses connect with the first, this included. Marks them.
     Component componentOf(VariableIndex first)
     {
@@ -57,7 +49,7 @@ private:
                     continue;
                 }
                 for (const ClauseIndex clause : plant_.clausesOf(atom)) {
-                    if (!isSatisfied(clause)) {
+                    if (!labels_.satisfies(clause)) {
                         reachThrough(clause, component);
                     }
                 }

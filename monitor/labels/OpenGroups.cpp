@@ -13,14 +13,6 @@ namespace {
 constexpr std::size_t mostCombinedValues = 1000;
 constexpr std::size_t mostPartsTried = 10;
 
-bool holds(const Plant& plant, const Prediction& labels, ClauseIndex clause)
-{
-    const std::vector<PlantLiteral>& literals = plant.clause(clause);
-    return std::any_of(literals.begin(), literals.end(), [&](const PlantLiteral& literal) {
-        return labels.label(literal.atom) == (literal.negated ? Label::isFalse : Label::isTrue);
-    });
-}
-
 std::set<Combination> projected(const std::set<Combination>& combinations,
                                 const std::vector<std::size_t>& places)
 {
@@ -77,14 +69,16 @@ std::vector<Places> pairwiseParts(const std::set<Combination>& combinations, std
 }
 
 // The finest parts of which any combination of one goes with any of the others. Three may depend on one another though no two do,
-// as a parity does: then the smallest set of parts with the first one that is independent of the others is split off.
+// as a parity does: then the smallest set of parts with the first one that is independent of the others is split off. Not
+// exact where these are too many to be tried.
 std::vector<Places> independentParts(const std::set<Combination>& combinations,
-                                     std::vector<Places> parts)
+                                     std::vector<Places> parts, bool& exact)
 {
     if (parts.size() < 2 || areIndependent(combinations, parts)) {
         return parts;
     }
     if (parts.size() > mostPartsTried) {
+        exact = false;
         return {joined(parts)};
     }
     std::vector<Places> best = parts;
@@ -100,16 +94,17 @@ std::vector<Places> independentParts(const std::set<Combination>& combinations,
             bestOthers = others;
         }
     }
-    std::vector<Places> result = independentParts(combinations, std::move(bestOthers));
+    std::vector<Places> result = independentParts(combinations, std::move(bestOthers), exact);
     result.push_back(joined(best));
     return result;
 }
 
 void addGroups(const std::vector<VariableIndex>& variables,
-               const std::set<Combination>& combinations, std::vector<OpenGroup>& groups)
+               const std::set<Combination>& combinations, std::vector<OpenGroup>& groups,
+               bool& exact)
 {
     for (Places& part :
-         independentParts(combinations, pairwiseParts(combinations, variables.size()))) {
+         independentParts(combinations, pairwiseParts(combinations, variables.size()), exact)) {
         std::sort(part.begin(), part.end());
         std::set<Combination> own = projected(combinations, part);
         if (own.size() > 1) {
@@ -150,7 +145,7 @@ const std::vector<VariableIndex>& OpenVariables::connected(VariableIndex variabl
     for (std::size_t next = 0; next < reached.size(); ++next) {
         for (const AtomIndex value : openValues(reached[next])) {
             for (const ClauseIndex clause : plant_.clausesOf(value)) {
-                if (holds(plant_, labels_, clause)) {
+                if (labels_.satisfies(clause)) {
                     continue;
                 }
                 for (const PlantLiteral& literal : plant_.clause(clause)) {
@@ -178,6 +173,7 @@ bool OpenVariables::canBeCompleted(const std::vector<VariableIndex>& variables)
         noteValues(variables);
     }
     labels_.undo(mark);
+    exact_ = exact_ && found != Completion::unsettled;
     return found != Completion::impossible;
 }
 
@@ -309,7 +305,7 @@ OpenGroups OpenVariables::groups(const std::vector<VariableIndex>& variables)
         Combination chosen;
         std::set<Combination> combinations;
         if (collect(wanted, connected(wanted.front()), chosen, combinations)) {
-            addGroups(wanted, combinations, result.groups);
+            addGroups(wanted, combinations, result.groups, exact_);
         } else {
             result.undecided.push_back(wanted);
         }

@@ -29,6 +29,8 @@ public:
     /// Requires: all conclusions are drawn from the labels, and there is no contradiction. The plant outlives it.
     OpenVariables(const Plant& plant, Prediction labels);
 
+    /// The variables that open clauses connect with this one, itself included, by rising index.
+    const std::vector<VariableIndex>& connected(VariableIndex variable);
     /// Whether the laws allow the variable several values; where that cannot be decided within a bound, true.
     bool isOpen(VariableIndex variable);
     /// The modes that bear on an open variable: some law mentions the mode and the variable, or the mode and an open variable that
@@ -38,10 +40,11 @@ public:
     /// The finest groups of those among the variables that are open. Requires: no variable twice. Costs a propagation for each
     /// value that is tried, of which there is a bound for all groups together; those of few variables and values are found first.
     OpenGroups groups(const std::vector<VariableIndex>& variables);
+    /// False when something so far could not be decided within a bound, and was taken to be open, or to depend on one another. What
+    /// is `undecided` among groups does not count.
+    bool exact() const { return exact_; }
 
 private:
-    /// The variables that open clauses connect with this one, itself included, by rising index.
-    const std::vector<VariableIndex>& connected(VariableIndex variable);
     std::vector<AtomIndex> openValues(VariableIndex variable) const;
     /// Those among the variables that may be open, as open clauses connect them, by the number of combinations at most.
     std::multimap<double, std::vector<VariableIndex>> parts(
@@ -61,6 +64,7 @@ private:
     std::map<VariableIndex, std::size_t>
         bearingOf_; ///< places in these: variables that are connected have the same
     std::size_t tried_ = 0;
+    bool exact_ = true;
 };
 
 } // namespace monitor

@@ -143,6 +143,14 @@ void Prediction::undo(std::size_t mark)
     violated_ = -1;
 }
 
+bool Prediction::satisfies(ClauseIndex clause) const
+{
+    const std::vector<PlantLiteral>& literals = plant_->clause(clause);
+    return std::any_of(literals.begin(), literals.end(), [this](const PlantLiteral& literal) {
+        return label(literal.atom) == (literal.negated ? Label::isFalse : Label::isTrue);
+    });
+}
+
 std::optional<AtomIndex> Prediction::valueOf(const PlantVariable& variable) const
 {
     for (const AtomIndex atom : variable.values) {

@@ -42,6 +42,8 @@ public:
     bool isKnown(AtomIndex atom) const { return label(atom) != Label::unknown; }
     /// The value of the variable that is true, if there is one.
     std::optional<AtomIndex> valueOf(const PlantVariable& variable) const;
+    /// Whether a literal of the clause holds. Linear in the clause.
+    bool satisfies(ClauseIndex clause) const;
     /// True when no atom is unknown.
     bool complete() const { return trail_.size() == labels_.size(); }
     /// The clause that propagate() found violated, -1 when it found none.

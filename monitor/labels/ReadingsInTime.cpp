@@ -38,6 +38,7 @@ std::shared_ptr<const OpenReadings> whatIsOpen(const Plant& plant, std::vector<A
         return std::any_of(modes.begin(), modes.end(),
                            [&](VariableIndex mode) { return changedModes.contains(mode); });
     });
+    open.exact = variables.exact();
     open.given = std::move(given);
     open.read = std::move(read);
     return std::make_shared<const OpenReadings>(std::move(open));
@@ -126,6 +127,7 @@ ReadingsInTime readingsInTime(const Plant& plant, std::vector<AtomIndex> given,
             : whatIsOpen(plant, std::move(given), labels(), std::move(read), last, changedModes);
     const OpenReadings& open = *result.memory.open;
     std::erase_if(last, [&](const auto& one) { return !open.isOpen.at(one.first); });
+    result.exact = open.exact;
     const Groups groups(plant, readings, last);
     for (const OpenGroup& group : open.groups.groups) {
         result.log += groups.log(group);

@@ -23,6 +23,7 @@ struct OpenReadings {
     std::vector<VariableIndex> read;
     OpenGroups groups; ///< of the variables that were read
     std::map<VariableIndex, bool> isOpen;
+    bool exact = true; ///< what is open, and in which groups, was decided
 };
 
 struct ReadingMemory {
