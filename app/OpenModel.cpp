@@ -13,6 +13,7 @@ session::Settings settingsOf(const TrackOptions& track)
     settings.maxRank = track.maxRank;
     settings.keep = track.keep;
     settings.lookBack = track.lookBack;
+    settings.follow = track.follow;
     settings.limits = {};
     if (track.maxRecords > 0) settings.limits.maxRecords = track.maxRecords;
     if (track.maxSeconds > 0.0) settings.limits.maxSeconds = track.maxSeconds;

@@ -23,6 +23,7 @@ struct TrackOptions {
     int maxRank = 3;
     std::uint64_t keep = 8;
     std::uint64_t lookBack = 10;
+    double follow = 0.05;
     std::uint64_t maxRecords = 100000; ///< of a step; 0: no limit
     double maxSeconds = 0.0;           ///< of a step; 0: no limit
     bool quiet = false;

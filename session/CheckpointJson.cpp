@@ -21,6 +21,7 @@ Json settingsJson(const Settings& settings)
     return {{"max-rank", settings.maxRank},
             {"keep", settings.keep},
             {"look-back", settings.lookBack},
+            {"follow", settings.follow},
             {"max-records", records ? limits.maxRecords : 0},
             {"max-seconds", std::isfinite(limits.maxSeconds) ? limits.maxSeconds : 0.0}};
 }

@@ -45,7 +45,8 @@ language::ReadResult sound(language::ReadResult read, const std::string& name)
 
 monitor::TrackSettings trackSettings(const Settings& settings)
 {
-    return {settings.maxRank, settings.keep, settings.lookBack, settings.limits};
+    return {settings.maxRank, settings.keep, settings.lookBack, settings.limits,
+            settings.follow};
 }
 
 } // namespace

@@ -50,6 +50,9 @@ struct Settings {
     int maxRank = 3;
     std::size_t keep = 8;                       ///< hypotheses kept after a step, >= 1
     std::size_t lookBack = 10;                  ///< steps that may be gone back to; 0: none
+    /// What else than expected is at least so probable, 0..1, is followed though nothing contradicts what is expected. 0: whatever
+    /// is possible, which takes a small plant.
+    double follow = 0.05;
     SearchLimits limits{.maxRecords = 100'000}; ///< of each step
     /// Steps with a contradiction that explain() can go back to, of which the hypotheses are kept in memory; 0: none.
     std::size_t history = 10;

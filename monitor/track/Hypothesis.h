@@ -60,6 +60,10 @@ struct Hypothesis {
 
 using HypothesisPointer = std::shared_ptr<const Hypothesis>;
 
+/// Whether the same will become of both, but for their weights: they have the same modes, the same twin, the same readings are
+/// expected again, and of the commands of the step that laws mention the same ones did not arrive. Linear in these.
+bool haveSameFuture(const Plant& plant, const Hypothesis& a, const Hypothesis& b);
+
 /// A given command that may not arrive. Its variable has the fallback then.
 struct LossyCommand {
     AtomIndex given;

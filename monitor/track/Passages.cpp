@@ -39,17 +39,17 @@ std::vector<std::pair<std::vector<AtomIndex>, std::vector<AtomIndex>>> Way::step
     return all;
 }
 
-std::size_t placeOf(const std::vector<HypothesisPointer>& hypotheses, const Hypothesis& wanted)
+std::size_t placeOf(const Plant& plant, const std::vector<HypothesisPointer>& hypotheses,
+                    const Hypothesis& wanted)
 {
     const auto found = std::find_if(hypotheses.begin(), hypotheses.end(),
                                     [&](const HypothesisPointer& hypothesis) {
-                                        return hypothesis->modes == wanted.modes &&
-                                               hypothesis->twinModes() == wanted.twinModes();
+                                        return haveSameFuture(plant, *hypothesis, wanted);
                                     });
     return static_cast<std::size_t>(found - hypotheses.begin());
 }
 
-Way withoutKnownBeginning(Way way, const std::deque<PastStep>& past,
+Way withoutKnownBeginning(const Plant& plant, Way way, const std::deque<PastStep>& past,
                           const std::vector<HypothesisPointer>& now)
 {
     std::size_t known = 0;
@@ -57,7 +57,7 @@ Way withoutKnownBeginning(Way way, const std::deque<PastStep>& past,
         const std::size_t step = way.begin + known;
         const std::vector<HypothesisPointer>& believed =
             step + 1 < past.size() ? past[step + 1].before : now;
-        const std::size_t to = placeOf(believed, after);
+        const std::size_t to = placeOf(plant, believed, after);
         if (!past[step].passages.contains({way.parent, to, after.lost})) {
             break;
         }
@@ -69,14 +69,14 @@ Way withoutKnownBeginning(Way way, const std::deque<PastStep>& past,
     return way;
 }
 
-std::optional<std::size_t> enter(const Way& way, std::deque<PastStep>& past,
+std::optional<std::size_t> enter(const Plant& plant, const Way& way, std::deque<PastStep>& past,
                                  std::vector<HypothesisPointer>& now, std::size_t most)
 {
     std::size_t from = way.parent;
     for (std::size_t i = 0; i < way.path.size(); ++i) {
         const Hypothesis& after = way.path[i];
         std::vector<HypothesisPointer>& believed = believedAfter(way.begin + i, past, now);
-        const std::size_t to = placeOf(believed, after);
+        const std::size_t to = placeOf(plant, believed, after);
         Passage passage{from, to, after.lost};
         std::set<Passage>& passages = past[way.begin + i].passages;
         if (to == believed.size()) {

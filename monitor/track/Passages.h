@@ -1,6 +1,6 @@
 // Which ways count already in the probability of a hypothesis, so that each counts once.
 //
-// Hypotheses with the same modes and twin after a step are one, whose weight is the sum over the ways that lead to them. Going
+// Hypotheses that have the same future after a step are one, whose weight is the sum over the ways that lead to them. Going
 // back may come to the same modes by a way that was not followed before, which has to be added, or by one that was, which must
 // not count twice. So each past step keeps the passages from the hypotheses before it to those after it: a way all of whose
 // passages are kept counts.
@@ -51,17 +51,18 @@ struct Way {
 /// log(exp(a) + exp(b)), without overflow.
 double logOfSum(double a, double b);
 
-/// The place of the hypothesis with the same modes and the same twin; their number when there is none.
-std::size_t placeOf(const std::vector<HypothesisPointer>& hypotheses, const Hypothesis& wanted);
+/// The place of the hypothesis with the same future; their number when there is none.
+std::size_t placeOf(const Plant& plant, const std::vector<HypothesisPointer>& hypotheses,
+                    const Hypothesis& wanted);
 
 /// The way without the passages at its beginning that count already: it begins where it leaves them. `now` is what is believed
 /// before the present step, the last to which passages lead. Linear in the way times the hypotheses.
-Way withoutKnownBeginning(Way way, const std::deque<PastStep>& past,
+Way withoutKnownBeginning(const Plant& plant, Way way, const std::deque<PastStep>& past,
                           const std::vector<HypothesisPointer>& now);
 
 /// Enters the path of a way into what was believed after each of its steps, where its weight is added, and its passages as far as
 /// they lead. No step is to believe more than `most`. Returns the place before the present step to which the way leads, if it does.
-std::optional<std::size_t> enter(const Way& way, std::deque<PastStep>& past,
+std::optional<std::size_t> enter(const Plant& plant, const Way& way, std::deque<PastStep>& past,
                                  std::vector<HypothesisPointer>& now, std::size_t most);
 
 } // namespace monitor

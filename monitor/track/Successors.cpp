@@ -6,6 +6,7 @@
 #include "monitor/step/Budget.h"
 #include "monitor/step/EngineExplanations.h"
 #include "monitor/step/Judge.h"
+#include "monitor/step/ProbableDeviations.h"
 #include "monitor/track/Twin.h"
 
 #include <algorithm>
@@ -136,6 +137,39 @@ bool isSmaller(const Explained& one, const Explained& other)
                          one.deviations.end());
 }
 
+// Commands of a step that do not arrive together.
+struct ProbableLoss {
+    std::vector<LossyCommand> lost;
+    double ratio; ///< how probable that is, compared with what is most probable
+};
+
+// Those that are probable enough, with at most so many commands; the first `most` of them, the smaller ones first.
+std::vector<ProbableLoss> probableLosses(const std::vector<LossyCommand>& lossy, double leastRatio,
+                                         int mostLost, std::size_t most)
+{
+    std::vector<ProbableLoss> all{{{}, 1.0}};
+    for (const LossyCommand& command : lossy) {
+        const double arrives = 1.0 - command.probability;
+        const double larger = std::max(arrives, command.probability);
+        const std::size_t known = all.size();
+        for (std::size_t i = 0; i < known; ++i) {
+            ProbableLoss longer = all[i];
+            longer.ratio *= command.probability / larger;
+            longer.lost.push_back(command);
+            all[i].ratio *= arrives / larger;
+            if (longer.ratio > 0.0 && longer.ratio >= leastRatio &&
+                longer.lost.size() <= static_cast<std::size_t>(std::max(0, mostLost)) &&
+                all.size() <= most) {
+                all.push_back(std::move(longer));
+            }
+        }
+    }
+    std::erase_if(all, [&](const ProbableLoss& loss) {
+        return loss.ratio <= 0.0 || loss.ratio < leastRatio;
+    });
+    return all;
+}
+
 } // namespace
 
 StepFrame frameAfter(const Plant& plant, const Hypothesis& parent, const TrackInput& input,
@@ -180,6 +214,8 @@ std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const Track
     made.twin = lost.empty()
                     ? twinAfter(plant_, parent, input, frame, frame, made)
                     : twinAfter(plant_, parent, input, frame, this->frame(parent, input, {}), made);
+    made.exact = made.exact && std::all_of(frame.modes.begin(), frame.modes.end(),
+                                           [](const ModeStep& step) { return step.exact; });
     updateSince(made, plant_, frame.modes, input);
     updateFaults(made, frame, deviations, lost, input, window_);
     return made;
@@ -205,6 +241,43 @@ std::optional<Hypothesis> Successors::deviating(const Hypothesis& parent, const 
     auto made =
         make(parent, input, frame(parent, input, lost), deviations, lost, Contradictions::areNot);
     return made && explains(*made) ? made : std::nullopt;
+}
+
+SuccessorSearch Successors::probable(const Hypothesis& parent, const TrackInput& input,
+                                     double leastRatio, int faultBudget, std::size_t most,
+                                     const SearchLimits& limits) const
+{
+    Budget budget(limits);
+    SuccessorSearch result;
+    const std::vector<ProbableLoss> losses =
+        probableLosses(input.lossy, leastRatio, faultBudget, most);
+    result.complete = losses.size() <= most;
+    for (const ProbableLoss& loss : losses) {
+        const StepFrame tried = frame(parent, input, loss.lost);
+        const int left = faultBudget - static_cast<int>(loss.lost.size());
+        ProbableDeviations others =
+            probableDeviations(tried.modes, leastRatio / loss.ratio, left, most);
+        if (!loss.lost.empty()) {
+            others.found.insert(others.found.begin(), {{}, 0.0, 0});
+        }
+        result.complete = result.complete && others.complete;
+        for (const ProbableDeviation& other : others.found) {
+            if (budget.exhausted()) {
+                result.complete = false;
+                break;
+            }
+            budget.spendRecord();
+            auto made =
+                make(parent, input, tried, other.deviations, loss.lost, Contradictions::areNot);
+            if (made && explains(*made)) {
+                budget.spendCandidate();
+                result.found.push_back(std::move(*made));
+            }
+        }
+    }
+    result.limit = budget.limit();
+    result.work = budget.work();
+    return result;
 }
 
 int Successors::faultsLeft(const Hypothesis& parent, const TrackInput& input, int mostFaults) const

@@ -68,6 +68,11 @@ public:
                                         const Deviations& deviations,
                                         const std::vector<LossyCommand>& lost) const;
 
+    /// Whatever else is at least so probable, compared with what is most probable, and explains the observations: other modes than
+    /// expected, and lost commands, with at most so many faults and losses. `most` are tried, each of which is a record.
+    SuccessorSearch probable(const Hypothesis& parent, const TrackInput& input, double leastRatio,
+                             int faultBudget, std::size_t most, const SearchLimits& limits) const;
+
     /// How many more faults and lost commands there may be at a step after the parent, of so many at most: those of the parent are
     /// taken off that still count then, unless the step itself ends them. May be less than 0.
     int faultsLeft(const Hypothesis& parent, const TrackInput& input, int mostFaults) const;

@@ -81,7 +81,7 @@ public:
         answer_.t = input_.t;
         answer_.before = tracker_.memory_.hypotheses;
         succeed();
-        if (predicted_ < 0.5 - 1e-9) {
+        if (predicted_ < 0.5 - 1e-9 && !triesEverything()) {
             goBack();
         }
         const bool explained = !found_.empty();
@@ -104,21 +104,57 @@ private:
         for (std::size_t i = 0; i < answer_.before.size(); ++i) {
             const HypothesisPointer& parent = answer_.before[i];
             Hypothesis made = tracker_.successors_.predicted(*parent, input_);
-            if (tracker_.successors_.explains(made)) {
-                predicted_ += std::exp(parent->logWeight);
+            const bool explains = tracker_.successors_.explains(made);
+            if (explains) {
                 add(std::move(made), i);
-                continue;
+            } else {
+                answer_.contradicted.push_back(i);
             }
-            answer_.contradicted.push_back(i);
-            SuccessorSearch search = tracker_.successors_.search(
-                *parent, input_,
-                tracker_.successors_.faultsLeft(*parent, input_, tracker_.settings_.maxFaults),
-                budget_.remaining());
-            note(search.complete, search.limit, search.work);
-            for (Hypothesis& hypothesis : search.found) {
-                add(std::move(hypothesis), i);
+            const bool isFollowed = followProbable(i) || explains;
+            predicted_ += isFollowed ? std::exp(parent->logWeight) : 0.0;
+            if (!explains && !triesEverything()) {
+                search(i);
             }
         }
+    }
+
+    bool triesEverything() const { return tracker_.settings_.follow <= 0.0; }
+    int faultsLeft(const Hypothesis& parent) const
+    {
+        return std::max(
+            0, tracker_.successors_.faultsLeft(parent, input_, tracker_.settings_.maxFaults));
+    }
+
+    // What is probable beside what is expected. False when nothing of it explains the step.
+    bool followProbable(std::size_t place)
+    {
+        const Hypothesis& parent = *answer_.before[place];
+        const double least =
+            triesEverything() ? 0.0 : tracker_.settings_.follow / std::exp(parent.logWeight);
+        if (least > 1.0) {
+            return false;
+        }
+        const std::size_t most =
+            tracker_.settings_.keep * (triesEverything() ? tryingEverything : 1);
+        SuccessorSearch others = tracker_.successors_.probable(
+            parent, input_, least, faultsLeft(parent), most, budget_.remaining());
+        return takeAll(std::move(others), place);
+    }
+
+    void search(std::size_t place)
+    {
+        const Hypothesis& parent = *answer_.before[place];
+        takeAll(tracker_.successors_.search(parent, input_, faultsLeft(parent), budget_.remaining()),
+                place);
+    }
+
+    bool takeAll(SuccessorSearch search, std::size_t place)
+    {
+        note(search.complete, search.limit, search.work);
+        for (Hypothesis& hypothesis : search.found) {
+            add(std::move(hypothesis), place);
+        }
+        return !search.found.empty();
     }
 
     // What becomes of a kept hypothesis at this step.
@@ -164,8 +200,9 @@ private:
             Hypothesis last = std::move(replay.way.back());
             replay.way.pop_back();
             Way way{replay.begin, replay.parent, std::move(replay.way), last.modes, last.lost};
-            take(std::move(last), withoutKnownBeginning(std::move(way), tracker_.memory_.past,
-                                                        tracker_.memory_.hypotheses));
+            take(std::move(last),
+                 withoutKnownBeginning(tracker_.plant_, std::move(way), tracker_.memory_.past,
+                                       tracker_.memory_.hypotheses));
         }
     }
 
@@ -187,21 +224,24 @@ private:
         }
     }
 
-    // One hypothesis for the same modes and the same twin; the most probable way stays, of nearly equal ones the first: that is
+    // One hypothesis for those that have the same future; the most probable way stays, of nearly equal ones the first: that is
     // the one in which the fault is youngest. It may be older, but nothing tells.
     void merge()
     {
-        std::map<std::pair<std::vector<AtomIndex>, std::vector<AtomIndex>>, std::size_t> known;
+        std::map<std::vector<AtomIndex>, std::vector<std::size_t>> known; // by modes
         std::vector<Found> merged;
         for (Found& found : found_) {
-            const auto [entry, isNew] = known.emplace(
-                std::pair(found.hypothesis.modes, found.hypothesis.twinModes()), merged.size());
-            if (isNew) {
+            std::vector<std::size_t>& places = known[found.hypothesis.modes];
+            const auto same = std::find_if(places.begin(), places.end(), [&](std::size_t place) {
+                return haveSameFuture(tracker_.plant_, merged[place].hypothesis, found.hypothesis);
+            });
+            if (same == places.end()) {
+                places.push_back(merged.size());
                 merged.push_back(std::move(found));
                 best_.push_back(merged.back().hypothesis.logWeight);
                 continue;
             }
-            const std::size_t index = entry->second;
+            const std::size_t index = *same;
             const double own = found.hypothesis.logWeight;
             const double sum = logOfSum(merged[index].hypothesis.logWeight, own);
             constexpr double nearly = 0.01;
@@ -274,8 +314,8 @@ private:
         std::set<Passage> passages;
         for (std::size_t to = 0; to < order_.size(); ++to) {
             for (const Way& way : order_[to]->ways) {
-                const auto from =
-                    enter(way, memory.past, memory.hypotheses, 2 * tracker_.settings_.keep);
+                const auto from = enter(tracker_.plant_, way, memory.past, memory.hypotheses,
+                                        2 * tracker_.settings_.keep);
                 if (from) {
                     passages.insert({*from, to, way.lost});
                 }
@@ -294,6 +334,9 @@ private:
         budget_.meet(limit);
         budget_.spend(work);
     }
+
+    /// So many times as many are tried as are kept, where all are.
+    static constexpr std::size_t tryingEverything = 1000;
 
     Tracker& tracker_;
     const TrackInput& input_;

@@ -3,8 +3,8 @@
 //     Tracker tracker(engine, plant, {.maxFaults = 2});
 //     while (more) { const TrackAnswer& answer = tracker.advance(input); ... }
 //
-// Every kept hypothesis is predicted; one that contradicts the observations is replaced by its smallest explanations
-// (monitor/track/Successors.h). When those that predict the step had less than half of the probability before it, earlier steps
+// Every kept hypothesis is predicted, together with what else is quite probable at the step; one that contradicts the observations
+// is replaced by its smallest explanations (monitor/track/Successors.h). When those that predict the step had less than half of the probability before it, earlier steps
 // are gone back to as well (monitor/track/LookBack.h): that some unlikely hypothesis predicts anything does not keep better
 // explanations from being looked for. Ways that lead to the same modes are one hypothesis, whose probabilities add up. The
 // most probable ones go on.
@@ -22,6 +22,9 @@ struct TrackSettings {
     /// Steps that may be gone back to, 0 for none. Each keeps its hypotheses in memory.
     std::size_t lookBack = 10;
     SearchLimits limits = {}; ///< of each step; replayed steps count as records
+    /// What else than expected is at least so probable, 0..1, compared with the most probable of all, is followed though nothing
+    /// contradicts what is expected. With 0 everything that is possible is, and nothing is searched: for small plants.
+    double follow = 0.05;
 };
 
 enum class TrackStatus {

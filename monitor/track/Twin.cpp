@@ -1,4 +1,5 @@
 // Readings tell the twin what its modes leave open, such as what is fed into the plant; one that contradicts it is the plant's own.
+// Where a mode may well do this or that, such as where it is not known whether a guard holds, the twin does what the plant did.
 #include "monitor/track/Twin.h"
 
 #include <algorithm>
@@ -42,7 +43,9 @@ TwinPointer twinAfter(const Plant& plant, const Hypothesis& parent, const TrackI
         const ModeOption* taken = happened.modes[i].option(value);
         const bool nominal = happened.modes[i].followed && value == happened.modes[i].predicted;
         const bool repaired = taken && taken->repair && !nominal;
-        modes.push_back(repaired ? value : steps[i].predicted);
+        const ModeOption* same = steps[i].option(value);
+        const bool together = steps[i].before == happened.modes[i].before && same && same->nominal;
+        modes.push_back(repaired || together ? value : steps[i].predicted);
     }
     if (modes == made.modes && made.lost.empty()) {
         return nullptr;

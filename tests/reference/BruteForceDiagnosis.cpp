@@ -241,20 +241,36 @@ BruteForceDiagnosis::BruteForceDiagnosis(DiagnosisProblem problem)
     }
 }
 
-bool BruteForceDiagnosis::enabled(const Transition* transition) const
+// Of the values that the commands may have that are not given, how many make the guard hold.
+Fraction BruteForceDiagnosis::share(const Transition* transition) const
 {
-    const auto holds = [&](const auto& literal) {
-        const StateVar* variable = literal.second->stateVar;
-        const Atom* value =
-            valueAmong(variable, variable->type == "Command" ? problem_.commands : problem_.before);
-        return value && literal.first == (value == literal.second);
-    };
     const SignedAtoms& guard = *transition->guard->atoms;
-    return transition->guard->op == "or" ? std::any_of(guard.begin(), guard.end(), holds)
-                                         : std::all_of(guard.begin(), guard.end(), holds);
+    std::vector<std::vector<const Atom*>> combinations{problem_.before};
+    for (const StateVar* command : allVariables("Command")) {
+        const Atom* given = valueAmong(command, problem_.commands);
+        std::vector<std::vector<const Atom*>> more;
+        for (const std::vector<const Atom*>& combination : combinations) {
+            for (const Atom* value : *command->atomLinks) {
+                if (!given || value == given) {
+                    more.push_back(combination);
+                    more.back().push_back(value);
+                }
+            }
+        }
+        combinations = std::move(more);
+    }
+    const auto holding =
+        std::count_if(combinations.begin(), combinations.end(), [&](const auto& combination) {
+            const auto holds = [&](const auto& literal) {
+                return literal.first == contains(combination, literal.second);
+            };
+            return transition->guard->op == "or" ? std::any_of(guard.begin(), guard.end(), holds)
+                                                 : std::all_of(guard.begin(), guard.end(), holds);
+        });
+    return {holding, static_cast<std::int64_t>(combinations.size())};
 }
 
-// Follows the first nominal transition that is enabled where staying is not more probable, else stays. What the enabled
+// Follows the most probable nominal transition that is enabled where staying is not more probable, else stays. What the enabled
 // transitions leave of 1 is the probability of staying; where that is nothing and none is nominal, the most probable value is
 // predicted.
 void BruteForceDiagnosis::findChances(const StateVar* mode)
@@ -262,19 +278,23 @@ void BruteForceDiagnosis::findChances(const StateVar* mode)
     const Atom* from = valueAmong(mode, problem_.before);
     std::map<const Atom*, ModeChance>& chances = chances_[mode];
     const Atom* nominal = nullptr;
+    double ofNominal = 0.0;
     Fraction staying(1);
     for (const Transition* transition : *mode->comp->transitions) {
-        if (transition->stateVar != mode || transition->atom == from || transition->proba == 0.0 ||
-            !enabled(transition)) {
+        if (transition->stateVar != mode || transition->atom == from || transition->proba == 0.0) {
             continue;
         }
-        const Fraction probability = Fraction::ofDyadic(transition->proba);
+        const Fraction probability = Fraction::ofDyadic(transition->proba) * share(transition);
+        if (probability == Fraction(0)) {
+            continue;
+        }
         ModeChance& chance = chances[transition->atom];
         chance.probability = chance.probability + probability;
         chance.fault = transition->atom->fail;
         staying = staying - probability;
-        if (!nominal && transition->name == "Nominal") {
+        if (transition->name == "Nominal" && probability.value() > ofNominal) {
             nominal = transition->atom;
+            ofNominal = probability.value();
         }
     }
     if (staying.value() > 0.0) {

@@ -19,7 +19,8 @@ using AtomLabels = std::map<const Atom*, bool>;
 
 /// What is given for a step.
 struct DiagnosisProblem {
-    std::vector<const Atom*> before; ///< a value of every mode variable, and of conditions that are known
+    std::vector<const Atom*>
+        before; ///< a value of every mode variable, and of every condition that a guard mentions
     std::vector<const Atom*> commands;
     std::vector<const Atom*> observations;
     int maxFaults = 1;
@@ -69,7 +70,7 @@ public:
 
 private:
     void findChances(const StateVar* mode);
-    bool enabled(const Transition* transition) const;
+    Fraction share(const Transition* transition) const;
     Fraction likelihood(const std::vector<const Atom*>& given) const;
 
     DiagnosisProblem problem_;

@@ -34,33 +34,45 @@ struct ModeChances {
     std::map<const Atom*, Chance> values;
 };
 
-bool enabled(const Transition* transition, const AtomLabels& labels)
+// Nothing where that is open.
+std::optional<bool> enabled(const Transition* transition, const AtomLabels& labels)
 {
-    const auto holds = [&](const auto& literal) {
-        const auto label = labels.find(literal.second);
-        return label != labels.end() && label->second == literal.first;
-    };
     const SignedAtoms& guard = *transition->guard->atoms;
-    return transition->guard->op == "or" ? std::any_of(guard.begin(), guard.end(), holds)
-                                         : std::all_of(guard.begin(), guard.end(), holds);
+    const bool one = transition->guard->op == "or"; // is enough, or too much
+    bool open = false;
+    for (const auto& [mustHold, atom] : guard) {
+        const auto label = labels.find(atom);
+        open = open || label == labels.end();
+        if (label != labels.end() && (label->second == mustHold) == one) {
+            return one;
+        }
+    }
+    return open ? std::nullopt : std::optional(!one);
 }
 
-ModeChances chancesOf(const StateVar* mode, const Atom* from, const AtomLabels& labels)
+ModeChances chancesOf(const StateVar* mode, const Atom* from, const AtomLabels& labels,
+                      bool& metOpenGuard)
 {
     ModeChances chances{from, {}};
+    std::uint32_t ofNominal = 0;
     const Atom* nominal = nullptr;
     std::uint32_t leaving = 0;
     for (const Transition* transition : *mode->comp->transitions) {
-        if (transition->stateVar != mode || transition->atom == from || transition->proba == 0.0 ||
-            !enabled(transition, labels)) {
+        if (transition->stateVar != mode || transition->atom == from || transition->proba == 0.0) {
+            continue;
+        }
+        const std::optional<bool> holds = enabled(transition, labels);
+        metOpenGuard = metOpenGuard || !holds;
+        if (!holds || !*holds) {
             continue;
         }
         Chance& chance = chances.values[transition->atom];
         chance.units += inUnits(transition->proba);
         chance.fault = transition->atom->fail;
         leaving += inUnits(transition->proba);
-        if (!nominal && transition->name == "Nominal") {
+        if (transition->name == "Nominal" && inUnits(transition->proba) > ofNominal) {
             nominal = transition->atom;
+            ofNominal = inUnits(transition->proba);
         }
     }
     if (leaving > unit) {
@@ -205,7 +217,7 @@ std::vector<BruteForceTrajectories::Extension> BruteForceTrajectories::extension
         }
         std::vector<ModeChances> chances;
         for (std::size_t i = 0; i < variables_.size(); ++i) {
-            chances.push_back(chancesOf(variables_[i], from.modes[i], labels));
+            chances.push_back(chancesOf(variables_[i], from.modes[i], labels, metOpenGuard_));
         }
         extension.chances = std::make_shared<const std::vector<ModeChances>>(std::move(chances));
         if (!extension.weight.isZero()) {

@@ -47,6 +47,9 @@ public:
     WholeNumber total() const;
     /// Natural logarithm of the common denominator.
     double logDenominator() const { return logDenominator_; }
+    /// A guard was neither sure nor excluded by what follows, at this step or before. It was taken not to hold: from then on this
+    /// is no reference.
+    bool metOpenGuard() const { return metOpenGuard_; }
 
 private:
     struct State {
@@ -74,5 +77,6 @@ private:
     std::vector<State> states_;
     std::map<Modes, WholeNumber> weights_;
     double logDenominator_ = 0.0;
+    bool metOpenGuard_ = false;
     std::map<std::vector<const Atom*>, std::optional<Outcome>> outcomes_;
 };

@@ -121,7 +121,9 @@ void comparePlant(const WatchedOptions& options, std::uint64_t seed, int steps, 
     itms engine;
     engine.rtInit();
     const plant::Plant plant(*watched.model);
-    monitor::Tracker tracker(engine, plant, {.maxFaults = 1000, .keep = 100000, .lookBack = 1000});
+    monitor::Tracker tracker(
+        engine, plant,
+        {.maxFaults = 1000, .keep = 100000, .lookBack = 1000, .limits = {}, .follow = 0.0});
     ++result.plants;
     std::ostringstream story;
     story << "seed " << seed << '\n' << watched.described();

@@ -276,11 +276,14 @@ DiagnosisProblem randomProblem(Random& random, PlantKind kind)
 {
     DiagnosisProblem problem;
     problem.maxFaults = random.chance(10) ? 0 : random.between(1, 3);
+    for (const StateVar* variable : allVariables("Mode")) {
+        problem.before.push_back(modeBefore(random, variable));
+    }
+    const auto worldBefore = BruteForceDiagnosis::world(problem.before, random.below(12));
     for (const StateVar* variable : allVariables()) {
-        if (variable->type == "Mode") {
-            problem.before.push_back(modeBefore(random, variable));
-        } else if (variable->type == "Cond" && random.chance(50)) {
-            problem.before.push_back(random.pick(*variable->atomLinks));
+        if (variable->type == "Cond") {
+            problem.before.push_back(worldBefore ? valueOf(variable, *worldBefore)
+                                                 : random.pick(*variable->atomLinks));
         } else if (variable->type == "Command" && random.chance(95)) {
             problem.commands.push_back(random.pick(*variable->atomLinks));
         }

@@ -120,7 +120,7 @@ protected:
 
 TEST_F(ExplanationSearchTest, OfAStepCanBeAnotherOne)
 {
-    for (std::uint64_t seed = 1; seed <= 60; ++seed) {
+    for (std::uint64_t seed = 1; seed <= 200; ++seed) {
         compareStep(seed, seed % 2 == 0 ? PlantKind::mixed : PlantKind::circuit);
     }
     EXPECT_GT(compared_, 40);

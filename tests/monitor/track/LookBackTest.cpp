@@ -162,7 +162,7 @@ TEST_F(LookBackTest, FindsALostCommandThatShowsLater)
     addSilentValve("v");
     opens("v", 1.0);
     step({"v.flow=0"}, {"v.request=test"});
-    step({}, {"v.request=open"}, {{"v.request=open", "v.request=none", 1.0 / 8}});
+    step({}, {"v.request=open"}, {{"v.request=open", "v.request=none", 1.0 / 32}});
     EXPECT_THAT(texts(), ElementsAre(""));
     step({}, {"v.request=test"});
     step({"v.flow=0"}, {"v.request=test"});

@@ -159,23 +159,23 @@ TEST_F(TwinTest, DoesNotTakeANominalTransitionForARepair)
 TEST_F(TwinTest, DoesNotExpectAFaultToEndByItselfWhileItRatherStays)
 {
     addLamp("l");
-    model_.nominal("l.state=broken", "l.state=ok", 0.05);
+    model_.nominal("l.state=broken", "l.state=ok", 0.02);
     step({"l.light=no"});
     step({});
     EXPECT_THAT(texts(), ElementsAre("l.state=broken@1"));
     step({"l.light=no"});
     EXPECT_THAT(tracker_->answer().contradicted, IsEmpty());
     EXPECT_EQ(tracker_->answer().status, TrackStatus::faulty);
-    EXPECT_NEAR(std::exp(best().logStep), 0.95, 1e-12);
+    EXPECT_NEAR(std::exp(best().logStep), 0.98, 1e-12);
     step({"l.light=yes"});
     EXPECT_THAT(texts(), ElementsAre(""));
-    EXPECT_NEAR(std::exp(best().logStep), 0.05, 1e-12);
+    EXPECT_NEAR(std::exp(best().logStep), 0.02, 1e-12);
 }
 
 TEST_F(TwinTest, ExpectsAFaultToEndByItselfWhereThatIsMoreProbable)
 {
     addLamp("l");
-    model_.nominal("l.state=broken", "l.state=ok", 0.95);
+    model_.nominal("l.state=broken", "l.state=ok", 0.98);
     step({"l.light=no"});
     step({});
     EXPECT_THAT(texts(), ElementsAre(""));

@@ -278,7 +278,7 @@ void examine(const ActivePlant& active, const Scenario& scenario, ConflictTally&
 TEST_F(DerivedConflictTest, OfRandomStepsAreReplayedAndConfirmed)
 {
     ConflictTally tally;
-    for (std::uint64_t seed = 20000; seed < 21500 && !HasFailure(); ++seed) {
+    for (std::uint64_t seed = 20000; seed < 23000 && !HasFailure(); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Random random(seed);
         const PlantKind kind = seed % 2 == 0 ? PlantKind::mixed : PlantKind::circuit;

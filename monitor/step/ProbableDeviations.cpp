@@ -1,0 +1,99 @@
+// Variable by variable, each combination so far goes on with every option of the next one. Compared with the most probable option of
+// each variable no step makes a combination more probable: so what is not probable enough is dropped at once, and of those that are,
+// all but the first `most`.
+#include "monitor/step/ProbableDeviations.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace monitor {
+
+namespace {
+
+struct Choice {
+    AtomIndex value;
+    double logRatio; ///< compared with the most probable option
+    bool deviates;
+    bool fault;
+};
+
+double largestProbability(const ModeStep& step)
+{
+    double largest = 0.0;
+    for (const ModeOption& option : step.options) {
+        largest = std::max(largest, option.probability);
+    }
+    return largest;
+}
+
+// The options of a variable that may be part of a combination.
+std::vector<Choice> choicesOf(const ModeStep& step, double largest, double logLeast)
+{
+    std::vector<Choice> choices;
+    for (const ModeOption& option : step.options) {
+        const double logRatio = std::log(option.probability / largest);
+        const bool deviates = option.value != step.predicted;
+        if (logRatio >= logLeast) {
+            choices.push_back({option.value, logRatio, deviates, deviates && option.fault});
+        }
+    }
+    return choices;
+}
+
+// Two sums that differ by their last bits are equal.
+double rounded(double logRatio)
+{
+    return std::round(logRatio * 1e9);
+}
+
+} // namespace
+
+ProbableDeviations probableDeviations(const std::vector<ModeStep>& steps, double leastRatio,
+                                      int mostFaults, std::size_t most)
+{
+    // A sum of logarithms may miss the product by its last bits.
+    const double logLeast = std::log(leastRatio) - 1e-9;
+    ProbableDeviations result;
+    std::vector<ProbableDeviation> all{{{}, 0.0, 0}};
+    double logPredicted = 0.0; // compared with the most probable options
+    for (const ModeStep& step : steps) {
+        const double largest = largestProbability(step);
+        logPredicted += std::log(step.option(step.predicted)->probability / largest);
+        const std::vector<Choice> choices = choicesOf(step, largest, logLeast);
+        if (choices.size() == 1 && !choices.front().deviates) {
+            continue;
+        }
+        std::vector<ProbableDeviation> longer;
+        for (const Choice& choice : choices) {
+            for (const ProbableDeviation& before : all) {
+                const int faults = before.faults + (choice.fault ? 1 : 0);
+                if (before.logRatio + choice.logRatio < logLeast || faults > mostFaults) {
+                    continue;
+                }
+                longer.push_back({before.deviations, before.logRatio + choice.logRatio, faults});
+                if (choice.deviates) {
+                    longer.back().deviations.push_back(choice.value);
+                }
+            }
+        }
+        std::stable_sort(longer.begin(), longer.end(),
+                         [](const ProbableDeviation& a, const ProbableDeviation& b) {
+                             return rounded(a.logRatio) > rounded(b.logRatio);
+                         });
+        if (longer.size() > most + 1) {
+            longer.resize(most + 1);
+            result.complete = false;
+        }
+        all = std::move(longer);
+    }
+    for (ProbableDeviation& one : all) {
+        if (!one.deviations.empty()) {
+            std::sort(one.deviations.begin(), one.deviations.end());
+            one.logRatio -= logPredicted;
+            result.found.push_back(std::move(one));
+        }
+    }
+    return result;
+}
+
+} // namespace monitor
