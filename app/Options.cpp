@@ -112,7 +112,8 @@ Section searchSection(TrackOptions& track)
          {"--look-back", "N", "go back up to N steps for faults that show late (default {default})",
           &track.lookBack, wholeNumber(0, mostKept)},
          {"--follow", "P",
-          "follow whatever is at least so probable, though nothing\ncontradicts what is expected (default {default}; 0: everything)",
+          "follow whatever is at least so probable, though nothing\ncontradicts what is expected "
+          "(default {default}; 0: everything)",
           &track.follow, number(0.0, 1.0)},
          {"--max-records", "N",
           "stop searching a step after so many records\n(default {default}; 0: no limit)",

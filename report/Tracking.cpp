@@ -67,6 +67,8 @@ StepReport stepReport(const plant::Plant& plant, const monitor::TrackAnswer& ans
     report.limit = answer.limit;
     report.approximate = answer.approximate;
     report.dropped = answer.dropped;
+    report.missing = answer.missing;
+    report.silent = answer.silent;
     report.wentBack = answer.wentBack;
     report.work = answer.work;
     for (std::size_t i = 0; i < answer.hypotheses.size(); ++i) {

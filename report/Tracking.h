@@ -42,6 +42,9 @@ struct StepReport {
     bool approximate = false; ///< the likelihood of an explanation had to be estimated
     std::vector<TrackedExplanation> explanations; ///< most probable first
     std::size_t dropped = 0;                      ///< hypotheses beyond those that are kept
+    double missing = 0.0; ///< upper bound of the probability of what was given up, 0..1
+    double silent =
+        0.0; ///< upper bound of that of a fault within the look-back that is in no explanation, 0..1
     bool wentBack = false;
     Marginals marginals;
     double fault = 0.0;                       ///< probability that some mode deviates, 0..1

@@ -44,6 +44,8 @@ std::string stepJson(const StepReport& report, const Shown& shown)
     record["held"] = report.held;
     record["kept"] = report.explanations.size();
     record["dropped"] = report.dropped;
+    record["missing"] = sixDigits(report.missing);
+    record["silent"] = sixDigits(report.silent);
     record["candidates"] = std::move(candidates);
     record["marginals"] = marginalsJson(report.marginals);
     record["components"] = Json::object();

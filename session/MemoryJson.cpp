@@ -2,6 +2,7 @@
 // Only labels that come from elsewhere are written value by value.
 #include "session/MemoryJson.h"
 
+#include <cmath>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <unordered_map>
@@ -219,10 +220,13 @@ Json memoryJson(const monitor::TrackMemory& memory, const Plant& plant)
         past.push_back({{"input", inputJson(step.input)},
                         {"before", refer(step.before)},
                         {"scale", step.logScale},
-                        {"passages", passagesJson(step.passages)}});
+                        {"passages", passagesJson(step.passages)},
+                        {"calm", step.logCalm}});
     }
     Json now = refer(memory.hypotheses);
-    return {{"hypotheses", std::move(pool)}, {"past", std::move(past)}, {"now", std::move(now)}};
+    Json json = {{"hypotheses", std::move(pool)}, {"past", std::move(past)}, {"now", std::move(now)}};
+    if (std::isfinite(memory.logMissing)) json["missing"] = memory.logMissing;
+    return json;
 }
 
 monitor::TrackMemory memoryFromJson(const Json& json, const Plant& plant)
@@ -242,8 +246,10 @@ monitor::TrackMemory memoryFromJson(const Json& json, const Plant& plant)
     for (const Json& step : json.at("past")) {
         memory.past.push_back({inputFromJson(step.at("input"), plant), named(step.at("before")),
                                step.at("scale").get<double>(),
-                               passagesFromJson(step.at("passages"), plant)});
+                               passagesFromJson(step.at("passages"), plant),
+                               step.value("calm", 0.0)});
     }
+    memory.logMissing = json.value("missing", memory.logMissing);
     memory.hypotheses = named(json.at("now"));
     if (memory.hypotheses.empty()) throw std::out_of_range("no hypothesis");
     return memory;

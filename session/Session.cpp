@@ -45,8 +45,7 @@ language::ReadResult sound(language::ReadResult read, const std::string& name)
 
 monitor::TrackSettings trackSettings(const Settings& settings)
 {
-    return {settings.maxRank, settings.keep, settings.lookBack, settings.limits,
-            settings.follow};
+    return {settings.maxRank, settings.keep, settings.lookBack, settings.limits, settings.follow};
 }
 
 } // namespace

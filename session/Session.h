@@ -48,8 +48,8 @@ struct Settings {
     /// Faults of a hypothesis that are there, and faults and lost commands that began within the look-back, >= 0. A larger bound
     /// finds more, and costs more.
     int maxRank = 3;
-    std::size_t keep = 8;                       ///< hypotheses kept after a step, >= 1
-    std::size_t lookBack = 10;                  ///< steps that may be gone back to; 0: none
+    std::size_t keep = 8;      ///< hypotheses kept after a step, >= 1
+    std::size_t lookBack = 10; ///< steps that may be gone back to; 0: none
     /// What else than expected is at least so probable, 0..1, is followed though nothing contradicts what is expected. 0: whatever
     /// is possible, which takes a small plant.
     double follow = 0.05;

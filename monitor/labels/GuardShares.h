@@ -55,7 +55,7 @@ private:
 
     const Plant& plant_;
     const Prediction& known_;
-    std::vector<Label> labels_; ///< in which guards are read
+    std::vector<Label> labels_;        ///< in which guards are read
     std::optional<Prediction> trying_; ///< that of the labels before the step, with values tried
     std::size_t tried_ = 0;
 };

@@ -52,8 +52,9 @@ public:
 
     /// What was taken last; empty for labels that came from elsewhere.
     const std::vector<AtomIndex>& assumptions() const { return assumptions_; }
-    /// The observations that were taken last, in their order.
+    /// The observations that were taken last, in their order; so many at the beginning are inputs.
     std::vector<AtomIndex> observations() const;
+    std::size_t inputs() const { return inputs_; }
     /// The same, drawn afresh: with equal labels, and reasons that do not depend on the steps before.
     StepLabels afresh() const;
 

@@ -208,7 +208,7 @@ SearchOutcome searchWithEngine(itms& engine, const Scenario& scenario,
                                const SearchLimits& limits)
 {
     const StepFrame& frame = scenario.frame();
-    const std::vector<bool> suspect = suspectsOf(scenario, fixed, faultBudget);
+    const std::vector<bool> suspect = suspectsOf(scenario, scenario.conflicts(), fixed, faultBudget);
     const std::vector<int> locks = makeLocks(scenario, suspect);
     Trajectory trajectory;
     predictAll(trajectory, scenario, locks);

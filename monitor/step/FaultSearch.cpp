@@ -30,23 +30,25 @@ void FaultSearch::explain(const Deviations& deviations, const std::vector<bool>&
     }
     const Scenario scenario(frame_, deviations);
     if (scenario.consistent() && scenario.discrepancies().empty()) {
-        settle(scenario);
+        settle(scenario, fixed, faultBudget);
         return;
     }
     // Its search starts from observations that contradict their labels; modes that contradict one another are taken apart here.
     const bool forEngine =
         scenario.consistent() && scenario.complete() && (deviations.empty() || faultBudget <= 1);
     if (!forEngine || !searchDirectly(scenario, fixed, faultBudget)) {
-        split(scenario, fixed, faultBudget);
+        split(scenario, scenario.conflicts(), fixed, faultBudget);
     }
 }
 
 // Every further explanation on this way contains the scenario's deviations: they are all that is wanted of it, if
-// they are one themselves.
-void FaultSearch::settle(const Scenario& scenario)
+// they are one themselves. Where trying values shows that they are not, that rests on modes, too.
+void FaultSearch::settle(const Scenario& scenario, const std::vector<bool>& fixed, int faultBudget)
 {
     if (completionOf(frame_.plant, scenario.prediction()) == Completion::possible) {
         addFound(scenario, {});
+    } else if (const std::optional<Conflict> conflict = conflictByCases(scenario)) {
+        split(scenario, {*conflict}, fixed, faultBudget);
     } else {
         complete_ = false;
     }
@@ -54,11 +56,11 @@ void FaultSearch::settle(const Scenario& scenario)
 
 // At least one mode of the smallest conflict is not as the scenario has it: each of them in turn, the earlier ones
 // fixed.
-void FaultSearch::split(const Scenario& scenario, std::vector<bool> fixed, int faultBudget)
+void FaultSearch::split(const Scenario& scenario, const std::vector<Conflict>& conflicts,
+                        std::vector<bool> fixed, int faultBudget)
 {
     budget_.spendRecord();
-    const std::vector<Conflict> conflicts = scenario.conflicts();
-    const std::vector<bool> suspect = suspectsOf(scenario, fixed, faultBudget);
+    const std::vector<bool> suspect = suspectsOf(scenario, conflicts, fixed, faultBudget);
     const auto smallest =
         std::min_element(conflicts.begin(), conflicts.end(),
                          [](const Conflict& a, const Conflict& b) { return a.size() < b.size(); });

@@ -35,7 +35,7 @@ public:
     /// one that the observations contradict.
     const std::set<Deviations>& found() const { return found_; }
     /// Every explanation within the bound contains one of those found. False under a limit that cut the search,
-    /// and where modes contradict nothing that was drawn from them and still no values for the rest were found.
+    /// and where it could not be settled within a bound whether there are values for what modes leave open.
     bool complete() const { return complete_; }
     /// The limit that cut the search, if one did.
     SearchLimit limit() const { return budget_.limit(); }
@@ -43,8 +43,9 @@ public:
 
 private:
     void explain(const Deviations& deviations, const std::vector<bool>& fixed, int faultBudget);
-    void settle(const Scenario& scenario);
-    void split(const Scenario& scenario, std::vector<bool> fixed, int faultBudget);
+    void settle(const Scenario& scenario, const std::vector<bool>& fixed, int faultBudget);
+    void split(const Scenario& scenario, const std::vector<Conflict>& conflicts,
+               std::vector<bool> fixed, int faultBudget);
     bool searchDirectly(const Scenario& scenario, const std::vector<bool>& fixed, int faultBudget);
     void addFound(const Scenario& scenario, const Deviations& further);
     bool exhausted();

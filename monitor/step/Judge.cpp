@@ -96,6 +96,30 @@ std::optional<Candidate> weigh(const StepFrame& frame, const Deviations& modes, 
     return candidate;
 }
 
+double logCalm(const StepFrame& frame, const Deviations& deviations)
+{
+    double sum = 0.0;
+    for (const ModeStep& step : frame.modes) {
+        double fault = 0.0;
+        for (const ModeOption& option : step.options) {
+            const bool is = option.value == step.predicted ||
+                            std::binary_search(deviations.begin(), deviations.end(), option.value);
+            fault += option.fault && !is ? option.probability : 0.0;
+        }
+        sum += std::log1p(-std::min(fault, 1.0));
+    }
+    return sum;
+}
+
+double logPredicted(const StepFrame& frame)
+{
+    double sum = 0.0;
+    for (const ModeStep& step : frame.modes) {
+        sum += std::log(step.option(step.predicted)->probability);
+    }
+    return sum;
+}
+
 std::vector<AtomIndex> assumptionsOf(const StepFrame& frame, const Deviations& deviations)
 {
     std::vector<AtomIndex> assumptions = frame.commands;

@@ -22,6 +22,12 @@ Judgement judge(const StepFrame& frame, const std::set<Deviations>& found);
 /// What a step assumes under some deviations: its commands, then one value of each mode variable in the frame's order.
 std::vector<AtomIndex> assumptionsOf(const StepFrame& frame, const Deviations& deviations);
 
+/// Natural logarithm of the probability that no mode takes on a fault but those that deviate as given, whatever else they do.
+double logCalm(const StepFrame& frame, const Deviations& deviations);
+
+/// That of the modes that are predicted: 0 where nothing else is possible.
+double logPredicted(const StepFrame& frame);
+
 /// The candidate with these modes: the transitions' probabilities and the likelihood, not normalised. Nothing
 /// when a mode cannot be had at this step.
 std::optional<Candidate> weigh(const StepFrame& frame, const Deviations& modes,

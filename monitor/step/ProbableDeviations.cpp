@@ -96,4 +96,20 @@ ProbableDeviations probableDeviations(const std::vector<ModeStep>& steps, double
     return result;
 }
 
+std::vector<Deviations> recoveries(const Plant& plant, const std::vector<ModeStep>& steps)
+{
+    std::vector<Deviations> result;
+    for (const ModeStep& step : steps) {
+        if (!plant.atom(step.before)->fail) {
+            continue;
+        }
+        for (const ModeOption& option : step.options) {
+            if (option.value != step.predicted && !plant.atom(option.value)->fail) {
+                result.push_back({option.value});
+            }
+        }
+    }
+    return result;
+}
+
 } // namespace monitor

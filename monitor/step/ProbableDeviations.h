@@ -9,13 +9,13 @@ namespace monitor {
 /// Other modes than predicted.
 struct ProbableDeviation {
     Deviations deviations; ///< never empty
-    double logRatio;       ///< natural logarithm of how probable that is, compared with what is predicted
-    int faults;            ///< among them
+    double logRatio; ///< natural logarithm of how probable that is, compared with what is predicted
+    int faults;      ///< among them
 };
 
 struct ProbableDeviations {
     std::vector<ProbableDeviation> found; ///< most probable first, of equal ones in the order of the variables
-    bool complete = true;                 ///< all that are probable enough; false: there are more than that
+    bool complete = true; ///< all that are probable enough; false: there are more than that
 };
 
 /// The combinations of deviations that are at least so probable, compared with what is most probable, and have at most so many
@@ -23,5 +23,9 @@ struct ProbableDeviations {
 /// one times what is found.
 ProbableDeviations probableDeviations(const std::vector<ModeStep>& steps, double leastRatio,
                                       int mostFaults, std::size_t most);
+
+/// The ways in which faults may end, each by itself: other values than predicted, without a fault, of variables that had one. However
+/// improbable, they are not found by searching, since many a fault explains whatever is read.
+std::vector<Deviations> recoveries(const Plant& plant, const std::vector<ModeStep>& steps);
 
 } // namespace monitor

@@ -1,5 +1,7 @@
 #include "monitor/step/Scenario.h"
 
+#include "monitor/labels/CaseRefutation.h"
+
 #include <algorithm>
 
 namespace monitor {
@@ -101,8 +103,26 @@ Conflict Scenario::modesAgainst(AtomIndex value) const
     return prediction_.environment({other.value_or(value)});
 }
 
-std::vector<bool> suspectsOf(const Scenario& scenario, const std::vector<bool>& fixed,
-                             int faultBudget)
+std::optional<Conflict> conflictByCases(const Scenario& scenario)
+{
+    const Plant& plant = scenario.frame().plant;
+    const auto refutation = refuteByCases(plant, scenario.prediction());
+    if (!refutation) {
+        return std::nullopt;
+    }
+    Conflict conflict;
+    for (const AtomIndex atom : refutation->assumed) {
+        if (plant.variable(plant.variableOf(atom)).isMode) {
+            conflict.push_back(plant.variableOf(atom));
+        }
+    }
+    std::sort(conflict.begin(), conflict.end());
+    conflict.erase(std::unique(conflict.begin(), conflict.end()), conflict.end());
+    return conflict;
+}
+
+std::vector<bool> suspectsOf(const Scenario& scenario, const std::vector<Conflict>& conflicts,
+                             const std::vector<bool>& fixed, int faultBudget)
 {
     const Plant& plant = scenario.frame().plant;
     ModeFreedom freedom{fixed, std::vector<bool>(plant.variables().size(), false)};
@@ -110,7 +130,7 @@ std::vector<bool> suspectsOf(const Scenario& scenario, const std::vector<bool>& 
         const auto index = static_cast<std::size_t>(step.variable);
         freedom.free[index] = !fixed[index] && step.deviatesFreely();
     }
-    return suspects(plant, scenario.conflicts(), freedom, faultBudget);
+    return suspects(plant, conflicts, freedom, faultBudget);
 }
 
 } // namespace monitor

@@ -77,9 +77,13 @@ private:
     std::unordered_map<AtomIndex, Conflict> ruledOut_;
 };
 
-/// For each variable, whether it may deviate from the scenario in an explanation with at most `faultBudget` further
-/// faults, the `fixed` variables keeping the scenario's values.
-std::vector<bool> suspectsOf(const Scenario& scenario, const std::vector<bool>& fixed,
-                             int faultBudget);
+/// Of a scenario that nothing contradicts, but that leaves no values for what is open: the modes on which that rests, as trying
+/// values shows. Nothing where there are values, or trying meets its bound.
+std::optional<Conflict> conflictByCases(const Scenario& scenario);
+
+/// For each variable, whether it may deviate from the scenario in an explanation of these conflicts with at most `faultBudget`
+/// further faults, the `fixed` variables keeping the scenario's values.
+std::vector<bool> suspectsOf(const Scenario& scenario, const std::vector<Conflict>& conflicts,
+                             const std::vector<bool>& fixed, int faultBudget);
 
 } // namespace monitor

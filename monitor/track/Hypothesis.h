@@ -46,6 +46,8 @@ struct Hypothesis {
     std::vector<AtomIndex> unexplained; ///< observations of this step that contradict it
     ReadingMemory readings = {};        ///< of what the plant leaves open, the last ones
     bool exact = true; ///< the likelihood of this step's observations was counted, not estimated
+    /// Natural logarithm of the probability, by the model's rates, that no fault began at this step but those that it has.
+    double logCalm = 0.0;
 
     /// How many faults it has, as a bound on faults counts them.
     int faultCount() const { return static_cast<int>(faults.size()); }

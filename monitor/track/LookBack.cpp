@@ -1,6 +1,6 @@
 // All single deviations of the past steps are listed with an estimate of the weight of the way that they begin, and tried from the
-// best one on. A try replays the steps since by prediction; with `searchOn` a step that is not as predicted is searched, and each
-// of its explanations is followed in turn.
+// best one on. A try replays the steps since by prediction. A step that is not as predicted may be searched, and each of its
+// explanations is followed in turn; or the way is taken up again with one deviation more, of those on which the contradiction rests.
 #include "monitor/track/LookBack.h"
 
 #include "monitor/step/Budget.h"
@@ -41,11 +41,11 @@ std::vector<AtomIndex> guardAtoms(const Plant& plant, VariableIndex index)
     return atoms;
 }
 
-// The mode variables on which the present contradictions rest, directly or through what the transitions of this step and
-// of earlier ones depended on.
+// The mode variables on which it rests that a step contradicts these hypotheses, directly or through what the transitions of the
+// step and of earlier ones depended on.
 std::vector<bool> relevantVariables(const Successors& successors, const Plant& plant,
-                                    const std::deque<PastStep>& past,
-                                    const std::vector<HypothesisPointer>& now,
+                                    const std::vector<const Hypothesis*>& contradicted,
+                                    const std::vector<const Hypothesis*>& earlier,
                                     const TrackInput& present)
 {
     std::vector<bool> relevant(plant.variables().size(), false);
@@ -56,9 +56,14 @@ std::vector<bool> relevantVariables(const Successors& successors, const Plant& p
             open.push_back(variable);
         }
     };
-    for (const HypothesisPointer& hypothesis : now) {
+    for (const Hypothesis* hypothesis : contradicted) {
         const StepFrame frame = successors.frame(*hypothesis, present, {});
-        for (const Conflict& conflict : Scenario(frame, {}).conflicts()) {
+        const Scenario scenario(frame, {});
+        std::vector<Conflict> conflicts = scenario.conflicts();
+        if (conflicts.empty()) {
+            conflicts.push_back(conflictByCases(scenario).value_or(Conflict()));
+        }
+        for (const Conflict& conflict : conflicts) {
             std::for_each(conflict.begin(), conflict.end(), reach);
         }
     }
@@ -68,25 +73,32 @@ std::vector<bool> relevantVariables(const Successors& successors, const Plant& p
         if (atoms.empty()) {
             continue;
         }
-        const auto reachThrough = [&](const HypothesisPointer& hypothesis) {
+        const auto reachThrough = [&](const Hypothesis* hypothesis) {
             const StepLabels labels = hypothesis->labels.afresh();
             const auto modes = labels.prediction().environment(atoms);
             std::for_each(modes.begin(), modes.end(), reach);
         };
-        std::for_each(now.begin(), now.end(), reachThrough);
-        for (const PastStep& step : past) {
-            std::for_each(step.before.begin(), step.before.end(), reachThrough);
-        }
+        std::for_each(contradicted.begin(), contradicted.end(), reachThrough);
+        std::for_each(earlier.begin(), earlier.end(), reachThrough);
     }
     return relevant;
 }
 
+/// A way, and the step at which it deviated last: others that deviate there or later may join it.
+struct Trail {
+    Replay replay;
+    std::size_t step;       ///< index in the past
+    VariableIndex variable; ///< that deviated last there
+    Deviations deviations;
+    std::vector<LossyCommand> lost;
+};
+
 class LookBack {
 public:
-    LookBack(Successors& successors, const std::deque<PastStep>& past, const TrackInput& present,
-             const LookBackSettings& settings)
-        : successors_(successors), past_(past), present_(present), settings_(settings),
-          budget_(settings.limits)
+    LookBack(Successors& successors, const Plant& plant, const std::deque<PastStep>& past,
+             const TrackInput& present, const LookBackSettings& settings)
+        : successors_(successors), plant_(plant), past_(past), present_(present),
+          settings_(settings), budget_(settings.limits)
     {
     }
 
@@ -94,9 +106,11 @@ public:
     {
         for (const Alternative& alternative : alternatives(relevant)) {
             if (exhausted()) {
-                break;
+                result_.logUntried =
+                    logOfSum(result_.logUntried, alternative.estimate - scaledSince(alternative));
+            } else {
+                take(alternative);
             }
-            take(alternative);
         }
         result_.limit = budget_.limit();
         result_.work = budget_.work();
@@ -148,6 +162,16 @@ private:
         }
     }
 
+    // What its weight was scaled by at its step and since. The estimate takes what came since to be as probable as can be.
+    double scaledSince(const Alternative& alternative) const
+    {
+        double sum = 0.0;
+        for (std::size_t step = alternative.step; step < past_.size(); ++step) {
+            sum += past_[step].logScale;
+        }
+        return sum;
+    }
+
     void take(const Alternative& alternative)
     {
         budget_.spendRecord();
@@ -156,23 +180,32 @@ private:
                                           alternative.deviations, alternative.lost);
         if (made) {
             made->logWeight -= step.logScale;
-            follow({alternative.step, alternative.parent, {std::move(*made)}});
+            const VariableIndex variable = alternative.deviations.empty()
+                                               ? VariableIndex{-1}
+                                               : plant_.variableOf(alternative.deviations.front());
+            follow({{alternative.step, alternative.parent, {std::move(*made)}},
+                    alternative.step,
+                    variable,
+                    alternative.deviations,
+                    alternative.lost});
         }
     }
 
     // Replays what came after the last step of the way.
-    void follow(Replay replay)
+    void follow(Trail trail)
     {
-        std::vector<Hypothesis>& way = replay.way;
-        while (replay.begin + way.size() <= past_.size()) {
-            const std::size_t next = replay.begin + way.size();
+        std::vector<Hypothesis>& way = trail.replay.way;
+        while (trail.replay.begin + way.size() <= past_.size()) {
+            const std::size_t next = trail.replay.begin + way.size();
             const TrackInput& input = next < past_.size() ? past_[next].input : present_;
             const double scale = next < past_.size() ? past_[next].logScale : 0.0;
             budget_.spendRecord();
             Hypothesis made = successors_.predicted(way.back(), input);
             if (!successors_.explains(made)) {
-                if (settings_.searchOn) {
-                    fork(replay, input, scale);
+                switch (settings_.otherwise) {
+                case Otherwise::givenUp: break;
+                case Otherwise::searched: fork(trail, input, scale); break;
+                case Otherwise::combined: combine(trail, input); break;
                 }
                 return;
             }
@@ -180,12 +213,12 @@ private:
             way.push_back(std::move(made));
         }
         budget_.spendCandidate();
-        result_.found.push_back(std::move(replay));
+        result_.found.push_back(std::move(trail.replay));
     }
 
-    void fork(const Replay& replay, const TrackInput& input, double scale)
+    void fork(const Trail& trail, const TrackInput& input, double scale)
     {
-        const Hypothesis& last = replay.way.back();
+        const Hypothesis& last = trail.replay.way.back();
         SuccessorSearch search =
             successors_.search(last, input, successors_.faultsLeft(last, input, settings_.maxFaults),
                                budget_.remaining());
@@ -198,9 +231,68 @@ private:
                 return;
             }
             found.logWeight -= scale;
-            Replay longer = replay;
-            longer.way.push_back(std::move(found));
+            Trail longer = trail;
+            longer.replay.way.push_back(std::move(found));
             follow(std::move(longer));
+        }
+    }
+
+    // The step contradicts the way. In the order of steps and variables, so that no two are tried twice.
+    void combine(const Trail& trail, const TrackInput& contradicting)
+    {
+        const std::vector<Hypothesis>& way = trail.replay.way;
+        std::vector<const Hypothesis*> earlier;
+        for (const Hypothesis& hypothesis : way) {
+            earlier.push_back(&hypothesis);
+        }
+        const std::vector<bool> relevant =
+            relevantVariables(successors_, plant_, {&way.back()}, earlier, contradicting);
+        for (std::size_t step = trail.step; step < trail.replay.begin + way.size(); ++step) {
+            combineAt(trail, step, relevant);
+        }
+    }
+
+    void combineAt(const Trail& trail, std::size_t step, const std::vector<bool>& relevant)
+    {
+        const Replay& replay = trail.replay;
+        const std::vector<Hypothesis>& way = replay.way;
+        const auto place = static_cast<std::ptrdiff_t>(step - replay.begin);
+        const Hypothesis& parent = place == 0 ? *past_[step].before[replay.parent]
+                                              : way[static_cast<std::size_t>(place) - 1];
+        const TrackInput& input = past_[step].input;
+        const bool again = step == trail.step; // it deviates there already
+        const std::vector<LossyCommand> lost = again ? trail.lost : std::vector<LossyCommand>();
+        const auto begun = again ? way[static_cast<std::size_t>(place)].faultCount() : 0;
+        const int left = again ? settings_.maxFaults - begun
+                               : successors_.faultsLeft(parent, input, settings_.maxFaults);
+        const StepFrame frame = successors_.frame(parent, input, lost);
+        for (const ModeStep& mode : frame.modes) {
+            if (!relevant[static_cast<std::size_t>(mode.variable)] ||
+                (again && mode.variable <= trail.variable)) {
+                continue;
+            }
+            for (const ModeOption& option : mode.options) {
+                if (exhausted()) {
+                    return;
+                }
+                if (option.value == mode.predicted || left < (option.fault ? 1 : 0)) {
+                    continue;
+                }
+                Trail longer{{replay.begin, replay.parent, {way.begin(), way.begin() + place}},
+                             step,
+                             mode.variable,
+                             again ? trail.deviations : Deviations(),
+                             lost};
+                longer.deviations.push_back(option.value);
+                std::sort(longer.deviations.begin(), longer.deviations.end());
+                budget_.spendRecord();
+                auto made = successors_.deviating(parent, input, longer.deviations, lost);
+                if (made) {
+                    made->logWeight -= past_[step].logScale;
+                    longer.replay.way.push_back(std::move(*made));
+                    follow(std::move(longer));
+                }
+            }
         }
     }
 
@@ -212,6 +304,7 @@ private:
     }
 
     Successors& successors_;
+    const Plant& plant_;
     const std::deque<PastStep>& past_;
     const TrackInput& present_;
     const LookBackSettings& settings_;
@@ -225,10 +318,21 @@ LookBackResult lookBack(Successors& successors, const Plant& plant,
                         const std::deque<PastStep>& past, const std::vector<HypothesisPointer>& now,
                         const TrackInput& present, const LookBackSettings& settings)
 {
-    const std::vector<bool> relevant =
-        settings.searchOn ? std::vector<bool>(plant.variables().size(), true)
-                          : relevantVariables(successors, plant, past, now, present);
-    return LookBack(successors, past, present, settings).run(relevant);
+    std::vector<bool> relevant(plant.variables().size(), true);
+    if (settings.otherwise != Otherwise::searched) {
+        std::vector<const Hypothesis*> contradicted;
+        std::vector<const Hypothesis*> earlier;
+        for (const HypothesisPointer& hypothesis : now) {
+            contradicted.push_back(hypothesis.get());
+        }
+        for (const PastStep& step : past) {
+            for (const HypothesisPointer& hypothesis : step.before) {
+                earlier.push_back(hypothesis.get());
+            }
+        }
+        relevant = relevantVariables(successors, plant, contradicted, earlier, present);
+    }
+    return LookBack(successors, plant, past, present, settings).run(relevant);
 }
 
 } // namespace monitor

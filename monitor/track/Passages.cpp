@@ -26,6 +26,9 @@ void addWeight(HypothesisPointer& hypothesis, double logWeight)
 double logOfSum(double a, double b)
 {
     const double larger = std::max(a, b);
+    if (std::isinf(larger)) {
+        return larger;
+    }
     return larger + std::log1p(std::exp(std::min(a, b) - larger));
 }
 

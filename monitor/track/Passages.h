@@ -33,6 +33,8 @@ struct PastStep {
     double logScale =
         0.0; ///< what the weights of the hypotheses after it were scaled by: subtracted
     std::set<Passage> passages; ///< the ways that count
+    /// Natural logarithm of the probability, by the model's rates, that no fault began at it but those that are believed.
+    double logCalm = 0.0;
 };
 
 /// A way through the last steps, up to the present one.
@@ -48,7 +50,7 @@ struct Way {
     std::vector<std::pair<std::vector<AtomIndex>, std::vector<AtomIndex>>> steps() const;
 };
 
-/// log(exp(a) + exp(b)), without overflow.
+/// log(exp(a) + exp(b)), without overflow; also of minus infinity, which stands for nothing.
 double logOfSum(double a, double b);
 
 /// The place of the hypothesis with the same future; their number when there is none.

@@ -2,6 +2,7 @@
 // smaller one, with a part of its lost commands and of its deviations, was found before.
 #include "monitor/track/Successors.h"
 
+#include "monitor/labels/Agreeing.h"
 #include "monitor/labels/Completion.h"
 #include "monitor/step/Budget.h"
 #include "monitor/step/EngineExplanations.h"
@@ -103,6 +104,12 @@ void updateFaults(Hypothesis& made, const StepFrame& frame, const Deviations& de
     made.faults = std::move(kept);
 }
 
+// Of what can happen at the step but what is predicted.
+double logOfOthers(const StepFrame& expected, const TrackInput& input)
+{
+    return std::log(-std::expm1(std::min(0.0, logPredicted(expected) + logArrivals(input, {}))));
+}
+
 // All sets of lossy commands of a size, each in the order of the commands.
 std::vector<std::vector<LossyCommand>> lostSets(const std::vector<LossyCommand>& lossy,
                                                 std::size_t size)
@@ -199,7 +206,13 @@ std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const Track
     made.labels.take(assumptions, frame.observations, frame.inputs);
     made.modes.assign(assumptions.begin() + static_cast<std::ptrdiff_t>(frame.commands.size()),
                       assumptions.end());
-    made.unexplained = made.labels.contradicted();
+    if (despite == Contradictions::areWeighed) {
+        AgreeingLabels agreed = agreeing(plant_, made.labels);
+        made.labels = std::move(agreed.labels);
+        made.unexplained = std::move(agreed.leftOut);
+    } else {
+        made.unexplained = made.labels.contradicted();
+    }
     const bool counts = made.explains() || despite == Contradictions::areWeighed;
     const auto weighed =
         weigh(frame, deviations, counts ? takeReadings(made, parent, frame, input) : 0.0);
@@ -216,6 +229,7 @@ std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const Track
                     : twinAfter(plant_, parent, input, frame, this->frame(parent, input, {}), made);
     made.exact = made.exact && std::all_of(frame.modes.begin(), frame.modes.end(),
                                            [](const ModeStep& step) { return step.exact; });
+    made.logCalm = logCalm(frame, deviations);
     updateSince(made, plant_, frame.modes, input);
     updateFaults(made, frame, deviations, lost, input, window_);
     return made;
@@ -252,6 +266,7 @@ SuccessorSearch Successors::probable(const Hypothesis& parent, const TrackInput&
     const std::vector<ProbableLoss> losses =
         probableLosses(input.lossy, leastRatio, faultBudget, most);
     result.complete = losses.size() <= most;
+    result.logOthers = logOfOthers(frame(parent, input, {}), input);
     for (const ProbableLoss& loss : losses) {
         const StepFrame tried = frame(parent, input, loss.lost);
         const int left = faultBudget - static_cast<int>(loss.lost.size());
@@ -280,6 +295,19 @@ SuccessorSearch Successors::probable(const Hypothesis& parent, const TrackInput&
     return result;
 }
 
+std::vector<Hypothesis> Successors::recovered(const Hypothesis& parent, const TrackInput& input) const
+{
+    const StepFrame tried = frame(parent, input, {});
+    std::vector<Hypothesis> found;
+    for (const Deviations& deviations : recoveries(plant_, tried.modes)) {
+        auto made = make(parent, input, tried, deviations, {}, Contradictions::areNot);
+        if (made && explains(*made)) {
+            found.push_back(std::move(*made));
+        }
+    }
+    return found;
+}
+
 int Successors::faultsLeft(const Hypothesis& parent, const TrackInput& input, int mostFaults) const
 {
     const auto counting =
@@ -294,6 +322,7 @@ SuccessorSearch Successors::search(const Hypothesis& parent, const TrackInput& i
 {
     Budget work(limits);
     SuccessorSearch result;
+    result.logOthers = logOfOthers(frame(parent, input, {}), input);
     std::vector<Explained> smallest;
     const auto budget = static_cast<std::size_t>(std::max(0, faultBudget));
     for (std::size_t count = 0; count <= std::min(budget, mostLostAtOnce); ++count) {

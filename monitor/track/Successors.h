@@ -27,6 +27,9 @@ struct SuccessorSearch {
     bool complete = true;
     SearchLimit limit = SearchLimit::none;
     SearchWork work;
+    /// Natural logarithm of a bound of the probability, given the parent, of all that can happen at the step but what is predicted:
+    /// where the search is not complete, what is missing has no more.
+    double logOthers = 0.0;
 };
 
 /// What the step can do after the parent, when these commands are lost.
@@ -72,6 +75,9 @@ public:
     /// expected, and lost commands, with at most so many faults and losses. `most` are tried, each of which is a record.
     SuccessorSearch probable(const Hypothesis& parent, const TrackInput& input, double leastRatio,
                              int faultBudget, std::size_t most, const SearchLimits& limits) const;
+
+    /// The ways in which one of the parent's faults may have ended, where that explains the observations.
+    std::vector<Hypothesis> recovered(const Hypothesis& parent, const TrackInput& input) const;
 
     /// How many more faults and lost commands there may be at a step after the parent, of so many at most: those of the parent are
     /// taken off that still count then, unless the step itself ends them. May be less than 0.

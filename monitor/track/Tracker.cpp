@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <set>
 
 namespace monitor {
@@ -112,6 +113,12 @@ private:
             }
             const bool isFollowed = followProbable(i) || explains;
             predicted_ += isFollowed ? std::exp(parent->logWeight) : 0.0;
+            if (parent->isFaulty() && tracker_.settings_.follow <= 1.0) {
+                for (Hypothesis& recovered : tracker_.successors_.recovered(*parent, input_)) {
+                    budget_.spendRecord();
+                    add(std::move(recovered), i);
+                }
+            }
             if (!explains && !triesEverything()) {
                 search(i);
             }
@@ -151,6 +158,9 @@ private:
     bool takeAll(SuccessorSearch search, std::size_t place)
     {
         note(search.complete, search.limit, search.work);
+        if (!search.complete) {
+            giveUp(answer_.before[place]->logWeight + search.logOthers);
+        }
         for (Hypothesis& hypothesis : search.found) {
             add(std::move(hypothesis), place);
         }
@@ -182,20 +192,24 @@ private:
             return;
         }
         answer_.wentBack = true;
-        LookBackSettings settings{tracker_.settings_.maxFaults, budget_.remaining(), false};
-        takeUp(lookBack(tracker_.successors_, tracker_.plant_, tracker_.memory_.past,
-                        tracker_.memory_.hypotheses, input_, settings));
+        goBack(Otherwise::givenUp);
         if (found_.empty()) {
-            settings.limits = budget_.remaining();
-            settings.searchOn = true;
-            takeUp(lookBack(tracker_.successors_, tracker_.plant_, tracker_.memory_.past,
-                            tracker_.memory_.hypotheses, input_, settings));
+            goBack(Otherwise::searched);
+            goBack(Otherwise::combined);
         }
+    }
+
+    void goBack(Otherwise otherwise)
+    {
+        takeUp(lookBack(tracker_.successors_, tracker_.plant_, tracker_.memory_.past,
+                        tracker_.memory_.hypotheses, input_,
+                        {tracker_.settings_.maxFaults, budget_.remaining(), otherwise}));
     }
 
     void takeUp(LookBackResult result)
     {
         note(result.complete, result.limit, result.work);
+        giveUp(result.logUntried);
         for (Replay& replay : result.found) {
             Hypothesis last = std::move(replay.way.back());
             replay.way.pop_back();
@@ -218,7 +232,9 @@ private:
             if (!hypothesis.labels.consistent()) {
                 hypothesis.labels =
                     StepLabels(tracker_.plant_, concludedFrom(tracker_.plant_, hypothesis.modes));
-                hypothesis.unexplained = input_.values.observations;
+            }
+            if (hypothesis.unexplained.empty()) {
+                hypothesis.unexplained = input_.values.observations; // modes contradict the laws
             }
             add(std::move(hypothesis), i);
         }
@@ -272,6 +288,9 @@ private:
         });
         if (order_.size() > tracker_.settings_.keep) {
             answer_.dropped = order_.size() - tracker_.settings_.keep;
+            for (std::size_t i = tracker_.settings_.keep; i < order_.size(); ++i) {
+                giveUp(order_[i]->hypothesis.logWeight);
+            }
             order_.resize(tracker_.settings_.keep);
         }
     }
@@ -311,6 +330,9 @@ private:
     void finish(double logScale)
     {
         TrackMemory& memory = tracker_.memory_;
+        logGivenUp_ = logOfSum(logGivenUp_, memory.logMissing) - logScale;
+        memory.logMissing = logGivenUp_ > logOfNothing ? logGivenUp_ : minusInfinity;
+        answer_.missing = 1.0 / (1.0 + std::exp(-memory.logMissing));
         std::set<Passage> passages;
         for (std::size_t to = 0; to < order_.size(); ++to) {
             for (const Way& way : order_[to]->ways) {
@@ -321,12 +343,31 @@ private:
                 }
             }
         }
-        memory.past.push_back({input_, std::move(memory.hypotheses), logScale, std::move(passages)});
+        memory.past.push_back(
+            {input_, std::move(memory.hypotheses), logScale, std::move(passages), logCalm()});
         memory.hypotheses = answer_.hypotheses;
         while (memory.past.size() > tracker_.settings_.lookBack) {
             memory.past.pop_front();
         }
+        double calm = 0.0;
+        for (const PastStep& step : memory.past) {
+            calm += step.logCalm;
+        }
+        answer_.silent = triesEverything() ? 0.0 : -std::expm1(calm);
     }
+
+    // By the rates, no fault began at this step but those of the hypotheses.
+    double logCalm() const
+    {
+        double sum = minusInfinity;
+        for (const HypothesisPointer& hypothesis : answer_.hypotheses) {
+            sum = logOfSum(sum, hypothesis->logWeight + hypothesis->logCalm);
+        }
+        return std::min(0.0, sum);
+    }
+
+    // Takes note of what was not kept, or not searched.
+    void giveUp(double logWeight) { logGivenUp_ = logOfSum(logGivenUp_, logWeight); }
 
     void note(bool complete, SearchLimit limit, const SearchWork& work)
     {
@@ -337,6 +378,9 @@ private:
 
     /// So many times as many are tried as are kept, where all are.
     static constexpr std::size_t tryingEverything = 1000;
+    static constexpr double minusInfinity = -std::numeric_limits<double>::infinity();
+    /// Of a weight that does not matter any more.
+    static constexpr double logOfNothing = -40.0;
 
     Tracker& tracker_;
     const TrackInput& input_;
@@ -344,6 +388,7 @@ private:
     Budget budget_;
     double predicted_ =
         0.0; ///< what the kept hypotheses that predict the step had of the probability before it
+    double logGivenUp_ = minusInfinity; ///< a bound of the weight of what was given up at this step
     std::vector<Found> found_;
     std::map<std::tuple<std::size_t, std::size_t,
                         std::vector<std::pair<std::vector<AtomIndex>, std::vector<AtomIndex>>>>,

@@ -23,7 +23,8 @@ struct TrackSettings {
     std::size_t lookBack = 10;
     SearchLimits limits = {}; ///< of each step; replayed steps count as records
     /// What else than expected is at least so probable, 0..1, compared with the most probable of all, is followed though nothing
-    /// contradicts what is expected. With 0 everything that is possible is, and nothing is searched: for small plants.
+    /// contradicts what is expected; and so is the end of a fault, however improbable. With 0 everything that is possible is
+    /// followed, and nothing is searched: for small plants. Above 1 nothing is.
     double follow = 0.05;
 };
 
@@ -52,7 +53,13 @@ struct TrackAnswer {
     std::vector<HypothesisPointer> hypotheses; ///< that are kept, most probable first
     std::vector<double> probabilities;         ///< of these; they add up to 1
     std::size_t dropped = 0;                   ///< hypotheses beyond those that are kept
-    bool wentBack = false;                     ///< earlier steps were gone back to
+    /// An upper bound of the probability of what was given up, here or at a step before: hypotheses beyond those that are kept, and
+    /// what a limit or another bound kept from being searched, as if it had predicted all that was observed since.
+    double missing = 0.0;
+    /// The probability, by the model's rates, that a fault began at one of the last steps, as many as may be gone back to, that is in
+    /// no hypothesis: an upper bound, since it might have shown. 0 where everything is followed.
+    double silent = 0.0;
+    bool wentBack = false; ///< earlier steps were gone back to
     SearchWork work;
 };
 
@@ -60,6 +67,8 @@ struct TrackAnswer {
 struct TrackMemory {
     std::vector<HypothesisPointer> hypotheses;
     std::deque<PastStep> past; ///< oldest first
+    /// Natural logarithm of a bound of the weight of what was given up; minus infinity: none. The hypotheses have 0 together.
+    double logMissing = -std::numeric_limits<double>::infinity();
 };
 
 class Tracker {

@@ -8,8 +8,8 @@
 // monitor/why/ConflictCheck.h confirms a conflict in another way.
 #pragma once
 
+#include "monitor/labels/CaseRefutation.h"
 #include "monitor/step/Scenario.h"
-#include "monitor/why/CaseRefutation.h"
 
 #include <optional>
 

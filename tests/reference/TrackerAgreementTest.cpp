@@ -1,4 +1,4 @@
-// The tracker's probabilities against the exact filter's, on random plants of classes in which the two agree.
+// The tracker's probabilities against the exact filter's, on random plants of many classes.
 #include "tests/reference/TrackerAgreement.h"
 
 #include <gtest/gtest.h>
@@ -60,6 +60,65 @@ TEST(TrackerAgreement, IsExactWhereReadingsAreExpectedAgain)
                      .lawsByCases = true,
                      .readingsInTime = true},
                     8000);
+}
+
+TEST(TrackerAgreement, IsExactWhereCommandsAreNotGiven)
+{
+    expectAgreement({.givenPercent = 60, .conditionGuards = true, .disjunctiveGuards = true}, 9000);
+}
+
+TEST(TrackerAgreement, IsExactWhereChangesAreNotSeen)
+{
+    expectAgreement(
+        {.mostParts = 2, .observedPercent = 60, .unreadPercent = 20, .unseenChanges = true}, 10000);
+}
+
+TEST(TrackerAgreement, IsExactWhereGuardsAreOpen)
+{
+    expectAgreement({.mostParts = 2,
+                     .observedPercent = 60,
+                     .gaugesPercent = 60,
+                     .openConditions = true,
+                     .conditionGuards = true,
+                     .disjunctiveGuards = true,
+                     .lawsByCases = true},
+                    11000);
+}
+
+TEST(TrackerAgreement, IsExactWhereNothingTellsWhichCommandsWereLost)
+{
+    expectAgreement({.mostParts = 2, .observedPercent = 60, .lostPercent = 80}, 12000);
+}
+
+// Everything that there is.
+WatchedOptions everything(bool readingsInTime)
+{
+    return {.mostParts = 2,
+            .observedPercent = 60,
+            .gaugesPercent = 60,
+            .unreadPercent = 20,
+            .givenPercent = 80,
+            .lostPercent = 50,
+            .echoes = true,
+            .initialValues = true,
+            .shuffled = true,
+            .unseenChanges = true,
+            .openConditions = true,
+            .conditionGuards = true,
+            .disjunctiveGuards = true,
+            .lawsByCases = true,
+            .readingsInTime = readingsInTime,
+            .supply = true};
+}
+
+TEST(TrackerAgreement, IsExactOnPlantsOfEveryKind)
+{
+    expectAgreement(everything(false), 13000);
+}
+
+TEST(TrackerAgreement, IsExactOnPlantsOfEveryKindWithReadingsInTime)
+{
+    expectAgreement(everything(true), 14000);
 }
 
 TEST(TrackerAgreement, IsExactWhereAllOfThatComesTogether)

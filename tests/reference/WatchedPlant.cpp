@@ -218,7 +218,8 @@ private:
                 }
                 if (to->fail) {
                     const std::vector<Guard> guards = alternatives(part, {}, 40);
-                    builder_.fault(from, to, faultChance(to), guards.front());
+                    builder_.fault(from, to, faultChance(to) / (options_.rareFaults ? 64.0 : 1.0),
+                                   guards.front());
                     addAlternatives(guards);
                     continue;
                 }
@@ -301,7 +302,8 @@ std::optional<WatchedStep> WatchedRun::next()
                 likeliest = value;
             }
         }
-        given.push_back(random_.chance(70) ? likeliest : random_.pick(possible));
+        const bool asExpected = random_.chance(options_.rareFaults ? 96 : 70);
+        given.push_back(asExpected ? likeliest : random_.pick(possible));
     }
     const std::vector<World> worlds = worlds_.with(given);
     if (worlds.empty()) {

@@ -30,11 +30,13 @@ TEST(StepJson, IsOneLine)
     report.marginals["valveB.position"]["stuckClosed"] = 1.0;
     report.fault = 1.0;
     report.components["valveB"] = 1.0;
+    report.missing = 0.25;
     report.work.records = 12;
     EXPECT_EQ(report::stepJson(report, {}),
               R"({"v":2,"step":3,"t":30.0,"status":"faulty","fault":1.0,"complete":true,)"
               R"("approximate":false,"limit":null,"gap":null,)"
-              R"("held":[],"kept":1,"dropped":0,"candidates":[{"p":1.0,"rank":1,)"
+              R"("held":[],"kept":1,"dropped":0,"missing":0.25,"silent":0.0,)"
+              R"("candidates":[{"p":1.0,"rank":1,)"
               R"("modes":{"valveB.position":"stuckClosed"},"since":{"valveB.position":2},"lost":[],)"
               R"("unexplained":[]}],"marginals":{"valveB.position":{"stuckClosed":1.0}},)"
               R"("components":{"valveB":1.0},)"

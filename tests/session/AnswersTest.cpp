@@ -368,4 +368,32 @@ system Rig {
     EXPECT_TRUE(after.marginals.empty());
 }
 
+// A broken sensor may show anything, so nothing contradicts that it is broken still. But what it shows follows the feed again.
+TEST(Answers, BelieveInARepairThatNoReadingCallsFor)
+{
+    const std::string model = R"(
+        component Sensor {
+            cond feed: no, yes
+            cond out: no, yes
+            mode state: good initial, broken fault
+            law state = good -> out = feed
+            fault good -> broken : 0.01
+            repair broken -> good : 0.0001
+        }
+        system Rig {
+            s: Sensor
+            input s.feed
+            observe s.out varies 0.1
+        }
+    )";
+    std::vector<std::string> steps{R"({"t": 0, "observations": {"s.feed": "yes", "s.out": "no"}})"};
+    EXPECT_EQ(follow(model, steps).of("s.state=broken"), 1.0);
+    for (int i = 1; i <= 12; ++i) {
+        const std::string both = i % 2 == 0 ? "yes" : "no";
+        steps.push_back(R"({"t": )" + std::to_string(i) + R"(, "observations": {"s.feed": ")" +
+                        both + R"(", "s.out": ")" + both + R"("}})");
+    }
+    EXPECT_LT(follow(model, steps).of("s.state=broken"), 1e-4);
+}
+
 } // namespace

@@ -57,6 +57,25 @@ TEST_F(FaultSearchTest, WithoutADiscrepancyFindsThePredictionAtNoCost)
     EXPECT_EQ(done.work().records, 0u);
 }
 
+// Whatever v and w are, `ok` leaves nothing for them.
+TEST_F(FaultSearchTest, TakesApartWhatOnlyTryingValuesShows)
+{
+    model_.mode("m.mode", {"ok", "bad!", "worse!"});
+    model_.fault("m.mode=ok", "m.mode=bad", 1.0 / 64);
+    model_.fault("m.mode=ok", "m.mode=worse", 1.0 / 64);
+    for (const std::string variable : {"x.v", "x.w"}) {
+        model_.condition(variable, {"0", "1"});
+    }
+    for (const std::string v : {"0", "1"}) {
+        for (const std::string w : {"0", "1"}) {
+            model_.law("!m.mode=ok | x.v=" + v + " | x.w=" + w);
+        }
+    }
+    const FaultSearch done = search({}, 1, 5000);
+    EXPECT_EQ(found(done), (Sets{{"m.mode=bad"}, {"m.mode=worse"}}));
+    EXPECT_TRUE(done.complete());
+}
+
 TEST_F(FaultSearchTest, IsCompleteThoughAtomsAreUnknown)
 {
     // The input is not observed.

@@ -141,6 +141,64 @@ TEST_F(LookBackTest, FindsTwoFaultsThatShowOneAfterTheOther)
     EXPECT_EQ(best().faultCount(), 2);
 }
 
+class LookBackAtTwo : public LookBackTest {
+protected:
+    LookBackAtTwo()
+    {
+        for (const std::string name : {"a", "b"}) {
+            addSilentValve(name);
+            opens(name, 1.0);
+        }
+    }
+    void isTold(const std::string& a, const std::string& b)
+    {
+        step({"a.flow=0", "b.flow=0"}, {"a.request=" + a, "b.request=" + b});
+    }
+};
+
+TEST_F(LookBackAtTwo, FindsTwoFaultsOfOneStepThatShowTogether)
+{
+    isTold("none", "none");
+    isTold("test", "test");
+    isTold("open", "open");
+    EXPECT_THAT(texts(), ElementsAre("a.position=stuck@1 b.position=stuck@1"));
+    EXPECT_EQ(tracker_->answer().status, TrackStatus::faulty);
+}
+
+TEST_F(LookBackAtTwo, FindsTwoFaultsOfTwoStepsThatShowTogether)
+{
+    isTold("test", "none");
+    isTold("none", "test");
+    isTold("open", "open");
+    EXPECT_THAT(texts(), ElementsAre("a.position=stuck@2 b.position=stuck@1"));
+    EXPECT_EQ(best().faultCount(), 2);
+}
+
+TEST_F(LookBackAtTwo, FindsNoMoreFaultsThanAllowed)
+{
+    settings_.maxFaults = 1;
+    isTold("none", "none");
+    isTold("test", "test");
+    isTold("open", "open");
+    EXPECT_EQ(tracker_->answer().status, TrackStatus::inconsistent);
+}
+
+TEST_F(LookBackAtTwo, GivesTheTwoTheirProbability)
+{
+    model_.fault("a.position=closed", "a.position=stuck", 1.0 / 8, "a.request=test");
+    isTold("none", "none");
+    isTold("test", "test");
+    isTold("open", "open");
+    // Of a: at the first step, or not then but at the second. Of b: at the first.
+    const double a = 1.0 / 64 + 63.0 / 64 * 1.0 / 8;
+    const double b = 1.0 / 64;
+    double logScale = 0.0;
+    for (const monitor::PastStep& past : tracker_->memory().past) {
+        logScale += past.logScale;
+    }
+    EXPECT_NEAR(std::exp(logScale), a * b, 1e-12);
+}
+
 TEST_F(LookBackTest, FindsAnEarlierFaultBesideAPresentOne)
 {
     addSilentValve("v");

@@ -133,7 +133,7 @@ TEST_F(TrackerTest, GoesOnWithPredictionsWhereNothingExplainsTheReadings)
     EXPECT_EQ(tracker_->answer().status, TrackStatus::inconsistent);
     EXPECT_TRUE(tracker_->answer().complete);
     EXPECT_THAT(texts(), ElementsAre(""));
-    EXPECT_THAT(active_->ids(best().unexplained), ElementsAre("a.out=1"));
+    EXPECT_THAT(active_->ids(best().unexplained), ElementsAre("in.v=0", "a.out=1"));
     EXPECT_FALSE(best().explains());
     EXPECT_THAT(tracker_->answer().probabilities, ElementsAre(1.0));
     step({"in.v=1", "a.out=1"});
@@ -305,6 +305,100 @@ TEST_F(TrackerTest, NeedsNoMoreMemoryAfterManySteps)
     }
     EXPECT_GT(statuses[TrackStatus::nominal], 1000);
     EXPECT_GT(statuses[TrackStatus::faulty], 1000);
+}
+
+// A door that may or may not open, as a condition that nobody sees says.
+class TrackerFollows : public TrackFixture {
+protected:
+    TrackerFollows()
+    {
+        model_.mode("d.door", {"closed", "open"});
+        model_.condition("x.clear", {"no", "yes", "partly", "perhaps"});
+        model_.nominal("d.door=closed", "d.door=open", 1.0, "x.clear=yes");
+    }
+    Names doors() const
+    {
+        Names doors;
+        for (const monitor::HypothesisPointer& one : tracker_->answer().hypotheses) {
+            doors.push_back(active_->ids(one->modes).front());
+        }
+        return doors;
+    }
+};
+
+TEST_F(TrackerFollows, WhatAnOpenGuardMayBringAbout)
+{
+    step({});
+    EXPECT_EQ(doors(), (Names{"d.door=closed", "d.door=open"}));
+    EXPECT_NEAR(tracker_->answer().probabilities[1], 0.25, 1e-12);
+    EXPECT_EQ(texts(), (Names{"", ""})); // neither is wrong
+}
+
+TEST_F(TrackerFollows, NothingThatIsLessProbableThanAskedFor)
+{
+    settings_.follow = 0.5;
+    step({});
+    EXPECT_EQ(doors(), (Names{"d.door=closed"}));
+}
+
+class TrackerSays : public TrackFixture {
+protected:
+    TrackerSays()
+    {
+        model_.mode("m.mode", {"ok", "worn!", "dead!"});
+        model_.condition("m.out", {"good", "poor", "none"});
+        model_.law("!m.mode=ok | m.out=good");
+        model_.law("!m.mode=worn | m.out=poor | m.out=none");
+        model_.law("!m.mode=dead | m.out=none");
+        model_.fault("m.mode=ok", "m.mode=worn", 1.0 / 64);
+        model_.fault("m.mode=ok", "m.mode=dead", 1.0 / 64);
+    }
+};
+
+// Of `none` dead is twice as probable as worn.
+TEST_F(TrackerSays, WhatIsMissingBecauseNoMoreIsKept)
+{
+    settings_.keep = 1;
+    step({"m.out=none"});
+    EXPECT_THAT(texts(), ElementsAre("m.mode=dead@1"));
+    EXPECT_NEAR(tracker_->answer().missing, 1.0 / 3, 1e-12);
+    step({"m.out=none"});
+    EXPECT_NEAR(tracker_->answer().missing, 1.0 / 3, 1e-12); // a bound: worn would have 1/2 only
+}
+
+TEST_F(TrackerSays, ThatNothingIsMissingWhereAllIsKept)
+{
+    step({"m.out=none"});
+    EXPECT_EQ(tracker_->answer().missing, 0.0);
+}
+
+TEST_F(TrackerSays, WhatIsMissingBecauseNothingWasSearched)
+{
+    step({"m.out=good"});
+    settings_.limits.maxRecords = 0;
+    tracker_.reset();
+    step({"m.out=none"});
+    EXPECT_FALSE(tracker_->answer().complete);
+    EXPECT_EQ(tracker_->answer().status, TrackStatus::inconsistent);
+    EXPECT_GT(tracker_->answer().missing, 0.0);
+}
+
+TEST_F(TrackerSays, HowProbableAFaultIsThatHasNotShown)
+{
+    settings_.lookBack = 2;
+    step({"m.out=good"});
+    EXPECT_NEAR(tracker_->answer().silent, 1.0 / 32, 1e-12);
+    for (int i = 0; i < 5; ++i) {
+        step({"m.out=good"});
+    }
+    EXPECT_NEAR(tracker_->answer().silent, 1.0 - std::pow(31.0 / 32, 2), 1e-12);
+}
+
+TEST_F(TrackerSays, ThatNothingIsSilentWhereEverythingIsFollowed)
+{
+    settings_.follow = 0.0;
+    step({"m.out=good"});
+    EXPECT_EQ(tracker_->answer().silent, 0.0);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // Each open variable is a level: its values are tried in order, and the grounds of the violations are united. A violation
 // whose ground does not contain the value tried last refutes the whole level.
-#include "monitor/why/CaseRefutation.h"
+#include "monitor/labels/CaseRefutation.h"
 
 #include <algorithm>
 

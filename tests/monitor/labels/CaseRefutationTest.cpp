@@ -1,4 +1,4 @@
-#include "monitor/why/CaseRefutation.h"
+#include "monitor/labels/CaseRefutation.h"
 
 #include "monitor/labels/Completion.h"
 #include "monitor/why/ConflictCheck.h"
