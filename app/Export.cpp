@@ -6,8 +6,6 @@
 #include "language/json/ModelJson.h"
 #include "text/File.h"
 
-#include <filesystem>
-
 namespace app {
 
 namespace {
@@ -18,12 +16,8 @@ struct ExportOptions {
     bool json = true;
 };
 
-void write(const std::string& path, const std::string& model, const std::string& text)
+void write(const std::string& path, const std::string& text)
 {
-    std::error_code error;
-    if (std::filesystem::equivalent(path, model, error)) {
-        throw FileFailure(path + ": is the model itself\n  expected: another file\n");
-    }
     try {
         text::writeFile(path, text);
     } catch (const text::WriteFailure& failure) {
@@ -37,9 +31,17 @@ ExitStatus exportModel(const ExportOptions& options)
         throw Failure("which MODEL?\n  expected: a model file, .itms or .json\n"
                       "  hint: itms export --help shows an example\n");
     }
+    FileRoles files;
+    if (options.output.empty()) {
+        files.writesStandardOutput();
+    } else {
+        files.writes(options.output, "what is exported", "-o");
+    }
+    files.reads(options.model.path, "the model");
     language::ReadOptions reading;
     reading.searchPath = options.model.importFolders;
     const language::ReadResult read = language::readModel(options.model.path, reading);
+    addModelFiles(files, options.model.path, read);
     for (const text::Diagnostic& error : read.errors) {
         complain(error.format());
     }
@@ -49,7 +51,7 @@ ExitStatus exportModel(const ExportOptions& options)
     if (options.output.empty()) {
         print(text);
     } else {
-        write(options.output, options.model.path, text);
+        write(options.output, text);
     }
     return ExitStatus::done;
 }

@@ -33,10 +33,22 @@ report::StepReport reportOf(const TrackRun& track)
     return report;
 }
 
+// What is written.
+FileRoles filesOf(const RunOptions& options)
+{
+    FileRoles files;
+    if (!options.answer.output) files.writesStandardOutput();
+    files.writes(options.answer.output, "the answer", "-o");
+    files.writes(options.checkpoint, "the checkpoint", "--checkpoint");
+    return files;
+}
+
 class Run {
 public:
     explicit Run(const RunOptions& options)
-        : options_(options), track_("run", options.track), pace_(options.track.quiet),
+        : options_(options),
+          track_("run", options.track, settingsOf(options.track), filesOf(options)),
+          pace_(options.track.quiet),
           writers_(writersOf(options.answer, [this](std::string_view text) { write(text); })),
           writer_(writers_.tracking({options.shown, options.mass}, options.everyStep))
     {

@@ -264,7 +264,11 @@ private:
 ExitStatus simulate(const SimulateOptions& options)
 {
     checkUsage(options);
-    const session::Session session = openModel("simulate", options.model, options.quiet);
+    FileRoles files;
+    files.writesStandardOutput();
+    files.writes(options.truth, "what really happens", "--truth");
+    if (options.telemetry) files.reads(*options.telemetry, "the telemetry");
+    const session::Session session = openModel("simulate", options.model, files, options.quiet);
     catchInterruptions();
     return SimulateRun(options, session).run();
 }

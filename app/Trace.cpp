@@ -63,7 +63,7 @@ ExitStatus trace(const TraceOptions& options)
     }
     catchInterruptions();
     if (!options.setup) muteTrace();
-    TrackRun track("trace", options.track, true);
+    TrackRun track("trace", options.track, settingsOf(options.track), TrackRun::printing(), true);
     if (options.setup) checkWritten();
     muteTrace();
     TraceBuffer buffer;
