@@ -35,7 +35,7 @@ std::string readFile(const std::string& name)
 void replaceFile(const std::string& name, const std::string& text)
 {
     try {
-        text::replaceAtomically(name, text);
+        text::writeWhole(name, text, text::OtherNames::getNew);
     } catch (const text::WriteFailure& failure) {
         throw FileFailure(std::string(failure.what()) + "\n");
     }
