@@ -52,4 +52,13 @@ Check numberBetween(double least, double most)
     };
 }
 
+Check fileName(bool mayBeStandardOutput)
+{
+    return [=](const std::string& text) {
+        if (!text.empty() && (text != "-" || mayBeStandardOutput)) return std::string();
+        return fmt::format("found {}; expected the name of a file{}", text::quoted(text),
+                           mayBeStandardOutput ? ", or - for standard output" : "");
+    };
+}
+
 } // namespace app

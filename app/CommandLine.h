@@ -28,6 +28,8 @@ Check wholeNumber(std::uint64_t least, std::uint64_t most = UINT64_MAX);
 Check number(double least, double most);
 /// A number above `least` and below `most`.
 Check numberBetween(double least, double most);
+/// The name of a file that is written: not empty; `-` only where that is standard output.
+Check fileName(bool mayBeStandardOutput = false);
 /// One of some words.
 Check oneOf(std::vector<std::string> words);
 

@@ -44,4 +44,14 @@ void FileRoles::add(File file)
     files_.push_back(std::move(file));
 }
 
+void refuseFileInUse(const std::string& path, const text::LockHolder& holder,
+                     const std::string& option)
+{
+    const std::string process =
+        holder.process > 0 ? fmt::format(", process {}", holder.process) : std::string();
+    throw FileFailure(fmt::format("{}: another run is writing to it{}\n  expected: another file "
+                                  "for {}, or the end of that run\n",
+                                  path, process, option));
+}
+
 } // namespace app

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "text/FileIdentity.h"
+#include "text/FileLock.h"
 
 #include <optional>
 #include <string>
@@ -33,5 +34,9 @@ private:
 
     std::vector<File> files_;
 };
+
+/// Throws FileFailure: another process writes to the file that `option` names.
+[[noreturn]] void refuseFileInUse(const std::string& path, const text::LockHolder& holder,
+                                  const std::string& option);
 
 } // namespace app

@@ -40,6 +40,10 @@ FileRoles filesOf(const RunOptions& options)
     if (!options.answer.output) files.writesStandardOutput();
     files.writes(options.answer.output, "the answer", "-o");
     files.writes(options.checkpoint, "the checkpoint", "--checkpoint");
+    if (options.checkpoint) {
+        files.writes(RunCheckpoint::lockOf(*options.checkpoint), "the lock of the checkpoint",
+                     "--checkpoint");
+    }
     return files;
 }
 
@@ -52,13 +56,20 @@ public:
           writers_(writersOf(options.answer, [this](std::string_view text) { write(text); })),
           writer_(writers_.tracking({options.shown, options.mass}, options.everyStep))
     {
-        if (options.checkpoint) checkpoint_.emplace(*options.checkpoint, options.track, track_);
     }
 
     ExitStatus run()
     {
-        begin();
-        while (track_.next()) {
+        const std::optional<RunState> before = open();
+        // What is in the file stays until the telemetry was accepted as far as its first step.
+        bool more = track_.next();
+        answer_->begin();
+        if (before) {
+            writer_->resume(before->writer);
+        } else {
+            writer_->begin();
+        }
+        for (; more; more = track_.next()) {
             take();
             if (checkpoint_ && memory_.steps % options_.checkpointEvery == 0) save();
         }
@@ -70,18 +81,17 @@ public:
     }
 
 private:
-    void begin()
+    // Takes all files, and says where the run stood that is resumed.
+    std::optional<RunState> open()
     {
-        std::optional<RunState> before;
-        if (options_.resume) before = checkpoint_->resume();
-        if (!before) {
-            answer_.emplace(options_.answer.output);
-            writer_->begin();
-            return;
-        }
+        if (options_.checkpoint) checkpoint_.emplace(*options_.checkpoint, options_.track, track_);
+        answer_.emplace(options_.answer.output);
+        if (!options_.resume) return {};
+        std::optional<RunState> before = checkpoint_->resume();
+        if (!before) return {};
         memory_ = before->memory;
-        writer_->resume(before->writer);
-        answer_.emplace(options_.answer.output, before->outputBytes);
+        answer_->resume(before->outputBytes);
+        return before;
     }
 
     void write(std::string_view text)
@@ -141,11 +151,9 @@ ExitStatus run(const RunOptions& options)
 Section checkpointSection(RunOptions& options)
 {
     return {"To go on after a crash",
-            {{"--checkpoint",
-              "FILE",
+            {{"--checkpoint", "FILE",
               "save the run's memory in FILE every so many steps, and\nat the end",
-              &options.checkpoint,
-              {}},
+              &options.checkpoint, fileName()},
              {"--checkpoint-every", "N", "... every N steps (default {default})",
               &options.checkpointEvery, wholeNumber(1, mostSteps)},
              {"--resume",

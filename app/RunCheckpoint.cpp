@@ -2,9 +2,12 @@
 #include "app/RunCheckpoint.h"
 
 #include "app/Checkpoint.h"
+#include "app/FileRoles.h"
 #include "app/Output.h"
 #include "session/CheckpointJson.h"
 #include "session/MemoryJson.h"
+#include "text/File.h"
+#include "text/FileIdentity.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -65,6 +68,19 @@ RunState runFromJson(const Json& json)
 RunCheckpoint::RunCheckpoint(std::string path, const TrackOptions& options, TrackRun& run)
     : path_(std::move(path)), options_(options), run_(run)
 {
+    try {
+        text::checkPlace(path_);
+        lock_.emplace(lockOf(path_));
+    } catch (const text::WriteFailure& failure) {
+        throw FileFailure(
+            fmt::format("{}\n  expected: a place for the checkpoint\n", failure.what()));
+    }
+    if (lock_->holder()) refuseFileInUse(path_, *lock_->holder(), "--checkpoint");
+}
+
+std::string RunCheckpoint::lockOf(const std::string& path)
+{
+    return text::linkTarget(path) + ".lock";
 }
 
 std::optional<RunState> RunCheckpoint::resume()
