@@ -180,6 +180,22 @@ TEST_F(OutputFiles, OfACheckpointKeepTheirRightsAndLinks)
     EXPECT_THAT(read("far/memory"), HasSubstr("itms-checkpoint"));
 }
 
+TEST_F(OutputFiles, AreWholeWhenTheTerminalGoesAway)
+{
+    EXPECT_EQ(beside("itms run pipe.itms - -o answer --checkpoint memory",
+                     "kill -HUP $!; kill -HUP $!; wait $!; echo $?"),
+              "130\n");
+    EXPECT_THAT(read("memory"), HasSubstr("\"steps\":1,"));
+}
+
+TEST_F(OutputFiles, AreWrittenOnUnderNohup)
+{
+    EXPECT_EQ(beside("trap '' HUP; itms run pipe.itms - -o answer",
+                     "kill -HUP $!; echo '{\"t\": 1}' >&9; exec 9>&-; wait $!; echo $?"),
+              "0\n");
+    EXPECT_THAT(read("answer"), HasSubstr("\"step\":2,"));
+}
+
 TEST_F(OutputFiles, OfFmtKeepAllTheirNames)
 {
     ASSERT_EQ(shell("echo ' ' >>pipe.itms; ln pipe.itms other; ln -s pipe.itms link"), "");
