@@ -204,6 +204,7 @@ public:
     ExitStatus finish()
     {
         writer_->end(leftOut_);
+        if (options_.trace) checkTrace();
         if (interruption()) return ExitStatus::interrupted;
         if (leftOut_ > 0 && !options_.quiet) {
             complain(

@@ -3,12 +3,23 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <iostream>
 #include <system_error>
 #include <unistd.h>
 
 namespace app {
+
+void openStandardDescriptors()
+{
+    for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+        if (fcntl(descriptor, F_GETFD) != -1 || errno != EBADF) continue;
+        // The lowest number that is free is given: this one. It is opened for what nobody does with it.
+        const int mode = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+        if (open("/dev/null", mode) != descriptor) std::abort();
+    }
+}
 
 void print(std::string_view text)
 {
@@ -45,6 +56,12 @@ bool wantsColour(ColourChoice choice)
 void muteTrace()
 {
     std::cout.setstate(std::ios::failbit);
+}
+
+void checkTrace()
+{
+    std::cout.flush();
+    if (!std::cout.good()) throw Failure("cannot write to standard output\n");
 }
 
 Progress::Progress(bool wanted) : on_(wanted && isatty(STDERR_FILENO) == 1) {}

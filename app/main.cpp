@@ -8,6 +8,7 @@
 
 int main(int argc, char** argv)
 {
+    app::openStandardDescriptors();
     // A reader that has seen enough (`| head`) ends the program without a word, whatever the parent process ignores.
     static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
     // A file that grows past its limit is a write that failed: that is reported, and nothing half written stays.
