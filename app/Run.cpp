@@ -6,6 +6,9 @@
 #include "app/RunCheckpoint.h"
 #include "app/Verbs.h"
 
+#include <filesystem>
+#include <fmt/format.h>
+
 namespace app {
 
 namespace {
@@ -21,6 +24,7 @@ struct RunOptions {
     std::optional<std::string> checkpoint;
     std::uint64_t checkpointEvery = 1000; ///< steps
     bool resume = false;
+    bool final = false;
 };
 
 report::StepReport reportOf(const TrackRun& track)
@@ -76,7 +80,10 @@ public:
         pace_.clear();
         if (checkpoint_) save();
         writer_->end(track_.feed().linesLeftOut());
-        if (!options_.track.quiet) track_.feed().reportLinesLeftOut("run");
+        if (!options_.track.quiet) {
+            track_.feed().reportLinesLeftOut("run");
+            reportCut();
+        }
         return status();
     }
 
@@ -113,11 +120,21 @@ private:
         pace_.step(track_.feed().reader().doneShare());
     }
 
+    void reportCut() const
+    {
+        const telemetry::StepReader& reader = track_.feed().reader();
+        if (interruption() || !reader.cutAt()) return;
+        complain(
+            fmt::format("{}:{}: from here on the telemetry may not be complete, and is left for "
+                        "--resume\n  hint: with --final it is taken as it is\n",
+                        reader.name(), *reader.cutAt()));
+    }
+
     // What the checkpoint counts on is on the disk before it is.
     void save()
     {
         answer_->sync();
-        memory_.linesLeftOut = track_.feed().linesLeftOut();
+        memory_.linesLeftOut = track_.feed().linesLeftOut() - track_.feed().reader().mistakesAhead();
         checkpoint_->save({memory_, writer_->memory(), answer_->bytes()});
     }
 
@@ -148,6 +165,15 @@ ExitStatus run(const RunOptions& options)
     return Run(options).run();
 }
 
+// What follows from several options together.
+RunOptions settled(RunOptions options)
+{
+    std::error_code error;
+    options.track.mayGrow = options.checkpoint && !options.final &&
+                            std::filesystem::is_regular_file(options.track.telemetry, error);
+    return options;
+}
+
 Section checkpointSection(RunOptions& options)
 {
     return {"To go on after a crash",
@@ -162,6 +188,12 @@ Section checkpointSection(RunOptions& options)
               "input, what comes after. An\n--output file is cut to what it had at the "
               "checkpoint,\nand continued",
               &options.resume,
+              {}},
+             {"--final",
+              "",
+              "the telemetry is complete. Otherwise the file may grow:\na last line without its "
+              "end, and the last step of a\nlong table, are left for --resume",
+              &options.final,
               {}}}};
 }
 
@@ -195,7 +227,7 @@ Verb runVerb()
         "model or the telemetry; 3 nothing explains the observations of some step, or a limit cut "
         "a search short; 130 interrupted.",
         "run examples/water/station.itms examples/water/stuck-valve.jsonl",
-        [options] { return run(*options); }};
+        [options] { return run(settled(*options)); }};
 }
 
 } // namespace app

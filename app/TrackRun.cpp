@@ -40,7 +40,8 @@ FileRoles TrackRun::printing()
 TrackRun::TrackRun(const std::string& verb, const TrackOptions& options,
                    const session::Settings& settings, FileRoles files, bool trace)
     : session_(open(verb, options, settings, files, trace)),
-      feed_(telemetryOf(verb, options), session_.model(), session_.bindings(), options.skipBad)
+      feed_(telemetryOf(verb, options), session_.model(), session_.bindings(),
+            {.skipBad = options.skipBad, .mayGrow = options.mayGrow})
 {
 }
 

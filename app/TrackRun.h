@@ -48,6 +48,7 @@ public:
     session::Session& session() { return session_; }
     const session::Session& session() const { return session_; }
     StepFeed& feed() { return feed_; }
+    const StepFeed& feed() const { return feed_; }
 
 private:
     session::Session session_;
