@@ -97,7 +97,7 @@ private:
         std::optional<RunState> before = checkpoint_->resume();
         if (!before) return {};
         memory_ = before->memory;
-        answer_->resume(before->outputBytes);
+        if (before->memory.steps > 0) answer_->resume(before->output);
         return before;
     }
 
@@ -135,7 +135,7 @@ private:
     {
         answer_->sync();
         memory_.linesLeftOut = track_.feed().linesLeftOut() - track_.feed().reader().mistakesAhead();
-        checkpoint_->save({memory_, writer_->memory(), answer_->bytes()});
+        checkpoint_->save({memory_, writer_->memory(), answer_->written()});
     }
 
     ExitStatus status() const

@@ -1,4 +1,4 @@
-// One JSON object: the session's checkpoint, with "reader", "run" and "output" added, and "skip-bad" among the settings.
+// One JSON object: the session's checkpoint, with "reader", "run", "output" and "outputDigest" added, and "skip-bad" among the settings.
 #include "app/RunCheckpoint.h"
 
 #include "app/Checkpoint.h"
@@ -102,7 +102,9 @@ std::optional<RunState> RunCheckpoint::resume()
         session::restore(run_.session(), content);
         RunState state = runFromJson(content.at("run"));
         run_.feed().setLinesLeftOut(state.memory.linesLeftOut);
-        state.outputBytes = content.at("output").get<std::uint64_t>();
+        state.output.bytes = content.at("output").get<std::uint64_t>();
+        if (content.contains("outputDigest"))
+            state.output.digest = content.at("outputDigest").get<std::string>();
         return state;
     } catch (const session::OtherModel& error) {
         throw FileFailure(fmt::format("{}: {}\n  expected: {}\n{}", path_, error.what(),
@@ -124,7 +126,8 @@ void RunCheckpoint::save(const RunState& state)
     content["settings"]["skip-bad"] = options_.skipBad;
     content["reader"] = session::readerJson(run_.feed().reader().state());
     content["run"] = runJson(state);
-    content["output"] = state.outputBytes;
+    content["output"] = state.output.bytes;
+    if (state.output.digest) content["outputDigest"] = *state.output.digest;
     writeCheckpoint(path_, content);
 }
 

@@ -1,6 +1,7 @@
 // The checkpoint of `itms run`: what a session believes, and what the run remembers beside it.
 #pragma once
 
+#include "app/AnswerFile.h"
 #include "app/TrackRun.h"
 #include "report/StepWriter.h"
 #include "text/FileLock.h"
@@ -23,7 +24,7 @@ struct RunMemory {
 struct RunState {
     RunMemory memory;
     report::WriterMemory writer;
-    std::uint64_t outputBytes = 0; ///< that the output has by now
+    AnswerFile::Written output; ///< by now
 };
 
 class RunCheckpoint {
