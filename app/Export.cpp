@@ -12,7 +12,7 @@ namespace {
 
 struct ExportOptions {
     ModelOptions model;
-    std::string output;
+    std::optional<std::string> output; ///< a file; none or `-`: standard output
     bool json = true;
 };
 
@@ -32,10 +32,11 @@ ExitStatus exportModel(const ExportOptions& options)
                       "  hint: itms export --help shows an example\n");
     }
     FileRoles files;
-    if (options.output.empty()) {
-        files.writesStandardOutput();
-    } else {
+    const bool toFile = options.output && *options.output != "-";
+    if (toFile) {
         files.writes(options.output, "what is exported", "-o");
+    } else {
+        files.writesStandardOutput();
     }
     files.reads(options.model.path, "the model");
     language::ReadOptions reading;
@@ -48,10 +49,10 @@ ExitStatus exportModel(const ExportOptions& options)
     warn(read.warnings);
     if (!read.model) return ExitStatus::error;
     const std::string text = language::modelJson(read);
-    if (options.output.empty()) {
-        print(text);
+    if (toFile) {
+        write(*options.output, text);
     } else {
-        write(options.output, text);
+        print(text);
     }
     return ExitStatus::done;
 }
@@ -61,24 +62,24 @@ ExitStatus exportModel(const ExportOptions& options)
 Verb exportVerb()
 {
     const auto options = std::make_shared<ExportOptions>();
-    return {
-        "export",
-        "writes a model as data for other programs",
-        "itms export MODEL [--json] [-o FILE]",
-        "Writes a model with everything in it: components, variables, laws as clauses, "
-        "transitions, channels. The same model gives the same bytes, and what is written can "
-        "be given to itms as a model. docs/model.schema.json describes it.",
-        {{"",
-          {modelRow(options->model.path, "a model file, .itms, or a model in JSON, .json"),
-           importRow(options->model.importFolders,
-                     "look for imported files there, too, after the folder of the file that "
-                     "imports them; may be repeated"),
-           {"--json", "", "as JSON (default)", &options->json, {}},
-           {"-o,--output", "FILE", "write to the file, not to standard output", &options->output, {}}}}},
-        "",
-        "0 done; 2 there is an error in the command line or in the model.",
-        "export examples/models/valve.itms",
-        [options] { return exportModel(*options); }};
+    return {"export",
+            "writes a model as data for other programs",
+            "itms export MODEL [--json] [-o FILE]",
+            "Writes a model with everything in it: components, variables, laws as clauses, "
+            "transitions, channels. The same model gives the same bytes, and what is written can "
+            "be given to itms as a model. docs/model.schema.json describes it.",
+            {{"",
+              {modelRow(options->model.path, "a model file, .itms, or a model in JSON, .json"),
+               importRow(options->model.importFolders,
+                         "look for imported files there, too, after the folder of the file that "
+                         "imports them; may be repeated"),
+               {"--json", "", "as JSON (default)", &options->json, {}},
+               {"-o,--output", "FILE", "write to the file, not to standard output",
+                &options->output, fileName(true)}}}},
+            "",
+            "0 done; 2 there is an error in the command line or in the model.",
+            "export examples/models/valve.itms",
+            [options] { return exportModel(*options); }};
 }
 
 } // namespace app

@@ -168,6 +168,7 @@ ExitStatus run(const RunOptions& options)
 // What follows from several options together.
 RunOptions settled(RunOptions options)
 {
+    if (options.answer.output == "-") options.answer.output.reset();
     std::error_code error;
     options.track.mayGrow = options.checkpoint && !options.final &&
                             std::filesystem::is_regular_file(options.track.telemetry, error);
@@ -217,7 +218,7 @@ Verb runVerb()
                      "table: for people, the default on a terminal: the steps at which something "
                      "changed; jsonl: a JSON record a step, default otherwise; json: one array"),
            {"--every-step", "", "in the table, steps without a change as well", &options->everyStep, {}},
-           {"-o,--output", "FILE", "print to a file", &options->answer.output, {}},
+           {"-o,--output", "FILE", "print to a file", &options->answer.output, fileName(true)},
            colourRow(options->answer),
            quietRow(options->track.quiet, "no progress, no warnings"),
            failOnRow(options->failOn, "there was a fault")}},
