@@ -1,5 +1,7 @@
 #include "app/Output.h"
 
+#include "text/Wording.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -10,6 +12,15 @@
 #include <unistd.h>
 
 namespace app {
+
+namespace {
+
+void writeError(std::string_view text)
+{
+    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+}
+
+} // namespace
 
 void openStandardDescriptors()
 {
@@ -32,7 +43,7 @@ void print(std::string_view text)
 
 void complain(std::string_view text)
 {
-    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+    writeError(text::printable(text));
 }
 
 bool outputIsTerminal()
@@ -69,14 +80,14 @@ Progress::Progress(bool wanted) : on_(wanted && isatty(STDERR_FILENO) == 1) {}
 void Progress::show(std::string_view text)
 {
     if (!on_) return;
-    complain(fmt::format("\r\x1b[K{}", text));
+    writeError(fmt::format("\r\x1b[K{}", text::printable(text)));
     shown_ = true;
 }
 
 void Progress::clear()
 {
     if (!shown_) return;
-    complain("\r\x1b[K");
+    writeError("\r\x1b[K");
     shown_ = false;
 }
 

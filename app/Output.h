@@ -28,7 +28,7 @@ void openStandardDescriptors();
 
 /// Writes to standard output at once. Throws Failure when that fails.
 void print(std::string_view text);
-/// Writes to standard error.
+/// Writes to standard error, with control characters shown (text::printable).
 void complain(std::string_view text);
 
 bool outputIsTerminal();
