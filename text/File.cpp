@@ -153,18 +153,22 @@ public:
     Beside& operator=(const Beside&) = delete;
 
     const std::string& name() const { return name_; }
-    // Whose it is, and who may read it: as before, or as for any new file.
-    bool takeRightsOf(const Target& target) const
+    // Whose it is: as before. False where the system does not allow that; the group may stay then.
+    bool takeOwnerOf(const Target& target) const
+    {
+        const uid_t same = static_cast<uid_t>(-1);
+        if (target.isNew) return true;
+        if (::fchown(file_, target.status.st_uid, target.status.st_gid) == 0) return true;
+        static_cast<void>(!::fchown(file_, same, target.status.st_gid));
+        return false;
+    }
+    // Who may read and write it: as before, or as for any new file. No rights of an owner that it does not have.
+    bool takeRightsOf(const Target& target, bool sameOwner) const
     {
         const mode_t mask = ::umask(0);
         ::umask(mask);
-        if (target.isNew) return ::fchmod(file_, 0666U & ~mask) == 0;
-        mode_t mode = target.status.st_mode & 07777U;
-        if (::fchown(file_, target.status.st_uid, target.status.st_gid) != 0 &&
-            ::fchown(file_, static_cast<uid_t>(-1), target.status.st_gid) != 0) {
-            mode &= 0777U; // no rights of a group or owner that it does not have
-        }
-        return ::fchmod(file_, mode) == 0;
+        const mode_t mode = target.isNew ? 0666U & ~mask : target.status.st_mode & 07777U;
+        return ::fchmod(file_, sameOwner ? mode : mode & 0777U) == 0;
     }
     bool write(std::string_view content)
     {
@@ -190,9 +194,11 @@ void writeWhole(const std::string& path, std::string_view content, OtherNames ot
 {
     const Target target = targetAt(path);
     Beside beside(path, target);
-    if (!beside.takeRightsOf(target) || !beside.write(content))
+    const bool sameOwner = beside.takeOwnerOf(target);
+    if (!beside.takeRightsOf(target, sameOwner) || !beside.write(content))
         throw WriteFailure(path, cannotBeWritten, errno);
-    if (others == OtherNames::getNew && !target.isNew && target.status.st_nlink > 1) {
+    const bool mayBeAnother = sameOwner && (target.isNew || target.status.st_nlink == 1);
+    if (others == OtherNames::getNew && !mayBeAnother) {
         if (writeOver(target.path, content)) return;
         const int reason = errno;
         beside.keep();

@@ -41,15 +41,17 @@ private:
 /// What becomes of the other names (hard links) of a file that is replaced.
 enum class OtherNames {
     keepOld, ///< they keep the old content, and the name that is written gets a file of its own
-    getNew ///< they get the new content: the file is written over, once the new content is on the disk beside it
+    /// They get the new content: the file is written over, once the new content is on the disk beside it. So is one whose owner
+    /// another file could not have.
+    getNew
 };
 
 /// Makes a file, or replaces it, so that at any moment the old content or the new one is there as a whole, even when the machine
 /// stops. A symbolic link stays, and what it leads to is replaced. Permissions stay, and so does the owner where the system allows
-/// it. The new content is first written to a file of its own in the same folder, `.NAME.` and six characters. With other names
-/// that get the new content it is that file that is whole until the end.
-/// Throws WriteFailure; the old content is still there then, and nothing beside it. When a file with other names could not be
-/// written over to its end, the message says where the new content is.
+/// it. The new content is first written to a file of its own in the same folder, `.NAME.` and six characters. Where the old file
+/// is written over, it is that one that is whole until the end.
+/// Throws WriteFailure; the old content is still there then, and nothing beside it. When a file could not be written over to its
+/// end, the message says where the new content is.
 void writeWhole(const std::string& path, std::string_view content,
                 OtherNames others = OtherNames::keepOld);
 

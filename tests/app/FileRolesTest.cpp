@@ -121,6 +121,14 @@ TEST_F(FileRoles, AModelIsNotExportedOverItself)
               "  expected: another file for -o\n[2]\n");
 }
 
+TEST_F(FileRoles, ADiagnosisIsNotPrintedIntoItsProblems)
+{
+    ASSERT_EQ(shell("cp '" ITMS_ROOT "'/examples/circuits/c17.* ."), "");
+    EXPECT_EQ(refused("itms diagnose c17.bench --problems c17.jsonl >>c17.jsonl"),
+              "standard output: is both the problems, c17.jsonl, and what is printed\n"
+              "  expected: another file for standard output\n[2]\n");
+}
+
 TEST_F(FileRoles, ADeviceMayHaveSeveral)
 {
     EXPECT_EQ(shell("itms run pipe.itms /dev/null -o /dev/null"), "");

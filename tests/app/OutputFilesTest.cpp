@@ -97,6 +97,15 @@ TEST_F(OutputFiles, OfAnExportAreReplacedAsAWhole)
     EXPECT_THAT(names(), ElementsAre("day.jsonl", "old.json", "pipe.itms"));
 }
 
+TEST_F(OutputFiles, OfARunSayWhenThereIsNoRoom)
+{
+    EXPECT_EQ(shell("ulimit -f 1; itms simulate pipe.itms | itms run pipe.itms - -o answer"),
+              "answer: cannot be written: File too large\n[2]\n");
+    EXPECT_EQ(shell("ulimit -f 1; itms run pipe.itms day.jsonl --checkpoint memory -o /dev/null"),
+              "memory: cannot be written: File too large\n[2]\n");
+    EXPECT_THAT(names(), ElementsAre("answer", "day.jsonl", "pipe.itms"));
+}
+
 TEST_F(OutputFiles, MayBeAPipeOrADevice)
 {
     EXPECT_EQ(shell("itms export pipe.itms -o /dev/stdout | cmp - <(itms export pipe.itms)"), "");

@@ -205,6 +205,44 @@ TEST_F(Files, KeepTheirOwnerWhenTheyAreReplaced)
     EXPECT_EQ(status(path("a")).st_gid, before.st_gid);
 }
 
+TEST_F(Files, OfAnotherOwnerMayStayHis)
+{
+    if (::geteuid() != 0) GTEST_SKIP() << "only root can act as two users";
+    text::writeFile(path("a"), "old");
+    fs::permissions(folder_, fs::perms::all);
+    fs::permissions(path("a"), fs::perms::all);
+    constexpr uid_t somebody = 65534;
+    ASSERT_EQ(::seteuid(somebody), 0);
+    const std::string kept =
+        failureOf([&] { text::writeWhole(path("a"), "new", text::OtherNames::getNew); });
+    const auto afterwards = status(path("a"));
+    const std::string parted = failureOf([&] { text::writeWhole(path("a"), "newer"); });
+    ASSERT_EQ(::seteuid(0), 0);
+    EXPECT_EQ(kept, "no failure");
+    EXPECT_EQ(afterwards.st_uid, 0U);
+    EXPECT_EQ(parted, "no failure");
+    EXPECT_EQ(status(path("a")).st_uid, somebody);
+    EXPECT_EQ(contents(path("a")), "newer");
+    EXPECT_THAT(names(), ElementsAre("a"));
+}
+
+TEST_F(Files, ThatAreProtectedStayAsTheyAre)
+{
+    text::writeFile(path("a"), "old");
+    fs::permissions(folder_, fs::perms::all);
+    fs::permissions(path("a"), fs::perms::owner_read);
+    const bool privileged = ::geteuid() == 0;
+    if (privileged) {
+        ASSERT_EQ(::seteuid(65534), 0);
+    }
+    const std::string failure = failureOf([&] { text::writeWhole(path("a"), "new"); });
+    if (privileged) {
+        ASSERT_EQ(::seteuid(0), 0);
+    }
+    EXPECT_EQ(failure, path("a") + ": cannot be written: Permission denied");
+    EXPECT_EQ(contents(path("a")), "old");
+}
+
 TEST_F(Files, ThatAreNewHaveThePermissionsOfAnyNewFile)
 {
     const mode_t before = ::umask(027);
