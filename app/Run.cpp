@@ -65,8 +65,9 @@ public:
     ExitStatus run()
     {
         const std::optional<RunState> before = open();
-        // What is in the file stays until the telemetry was accepted as far as its first step.
+        // What is in the files stays until the telemetry was accepted as far as its first step.
         bool more = track_.next();
+        if (!more && interruption()) return status();
         answer_->begin();
         if (before) {
             writer_->resume(before->writer);

@@ -1,4 +1,5 @@
-// One JSON object: the session's checkpoint, with "reader", "run", "output" and "outputDigest" added, and "skip-bad" among the settings.
+// One JSON object: the session's checkpoint, with "reader", "run", "output" and "outputDigest" added, and "skip-bad" among the
+// settings.
 #include "app/RunCheckpoint.h"
 
 #include "app/Checkpoint.h"

@@ -131,8 +131,8 @@ public:
             print(writer_.line(given->t, commandsToWrite(simulated), atoms(simulated.observations)));
             if (truth_) truth_->write(step_, given->t, simulated);
         }
-        if (truth_ && step_ == 0) truth_->begin();
         if (interruption()) return ExitStatus::interrupted;
+        if (truth_ && step_ == 0) truth_->begin();
         if (!quiet_) source_->reportLeftOut();
         refuseAfter(step_);
         return ExitStatus::done;

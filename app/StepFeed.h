@@ -17,8 +17,8 @@ public:
              const telemetry::ReadSettings& settings);
 
     /// The next step; none at the end, and when a signal has come.
-    /// Throws telemetry::BadInput for a line in error; with `settings.skipBad`, the line is reported on standard error, counted and left
-    /// out, if reading can go on.
+    /// Throws telemetry::BadInput for a line in error; with `settings.skipBad`, the line is reported on standard error, counted
+    /// and left out, if reading can go on.
     std::optional<telemetry::Step> next() { return steps_.next(); }
 
     telemetry::StepReader& reader() { return reader_; }

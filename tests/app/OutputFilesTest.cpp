@@ -72,6 +72,21 @@ TEST_F(OutputFiles, AreNotMadeForARunThatIsRefused)
     EXPECT_THAT(names(), ElementsAre("bad.jsonl", "day.jsonl", "link", "pipe.itms"));
 }
 
+TEST_F(OutputFiles, StayWhenNoStepCameBeforeTheEnd)
+{
+    write("answer", "precious\n");
+    write("memory", "precious\n");
+    EXPECT_EQ(
+        shell("mkfifo input; itms run pipe.itms - -o answer --checkpoint memory <input & exec "
+              "9>input;"
+              "until [ -e memory.lock ]; do sleep 0.01; done; "
+              "while kill -HUP $! 2>/dev/null; do sleep 0.1; done; wait $!; echo $?; rm input"),
+        "130\n");
+    EXPECT_EQ(read("answer"), "precious\n");
+    EXPECT_EQ(read("memory"), "precious\n");
+    EXPECT_THAT(names(), ElementsAre("answer", "day.jsonl", "memory", "pipe.itms"));
+}
+
 TEST_F(OutputFiles, AreEmptiedByARunWithoutAnAnswer)
 {
     write("answer", "old\n");
