@@ -243,6 +243,29 @@ TEST_F(Files, ThatAreProtectedStayAsTheyAre)
     EXPECT_EQ(contents(path("a")), "old");
 }
 
+TEST_F(Files, AreNotReplacedInAFolderThatTakesNoOther)
+{
+    text::writeFile(path("a"), "old");
+    fs::permissions(path("a"), fs::perms::all);
+    fs::permissions(folder_, static_cast<fs::perms>(0555));
+    const bool privileged = ::geteuid() == 0;
+    if (privileged) {
+        ASSERT_EQ(::seteuid(65534), 0);
+    }
+    std::vector<std::string> failures;
+    for (const char* name : {"a", "b"}) {
+        failures.push_back(failureOf([&] { text::writeWhole(path(name), "new"); }));
+        failures.push_back(failureOf([&] { text::checkPlace(path(name)); }));
+    }
+    if (privileged) {
+        ASSERT_EQ(::seteuid(0), 0);
+    }
+    const std::string why = ": no file can be made beside it: Permission denied";
+    EXPECT_THAT(failures,
+                ElementsAre(path("a") + why, path("a") + why, path("b") + why, path("b") + why));
+    EXPECT_EQ(contents(path("a")), "old");
+}
+
 TEST_F(Files, ThatAreNewHaveThePermissionsOfAnyNewFile)
 {
     const mode_t before = ::umask(027);
