@@ -19,7 +19,7 @@ struct AdviseOptions {
 ExitStatus advise(const AdviseOptions& options)
 {
     catchInterruptions();
-    TrackRun track("advise", options.track);
+    TrackRun track("advise", options.track, settingsOf(options.track));
     track.takeUntil(options.step);
     if (interruption()) return ExitStatus::interrupted;
     const session::Session& session = track.session();

@@ -129,7 +129,7 @@ ExitStatus check(const CheckOptions& options)
         if (options.format == "json") {
             models.push_back(json(model));
         } else {
-            print(text(model));
+            print(text::printable(text(model)));
         }
     }
     if (options.format == "json") {

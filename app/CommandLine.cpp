@@ -26,12 +26,35 @@ public:
         if (row_.position > 0) return option;
         return option->expected(1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     }
-    template <typename Value> CLI::Option* operator()(Value* target) const
+    CLI::Option* operator()(std::string* target) const
     {
         return verb_.add_option(row_.names, *target);
     }
+    CLI::Option* operator()(std::optional<std::string>* target) const
+    {
+        return verb_.add_option(row_.names, *target);
+    }
+    CLI::Option* operator()(int* target) const { return number<int>(target); }
+    CLI::Option* operator()(std::uint64_t* target) const { return number<std::uint64_t>(target); }
+    CLI::Option* operator()(double* target) const { return number<double>(target); }
+    CLI::Option* operator()(std::optional<int>* target) const { return number<int>(target); }
+    CLI::Option* operator()(std::optional<std::uint64_t>* target) const
+    {
+        return number<std::uint64_t>(target);
+    }
 
 private:
+    // The parser itself would take 010 for eight.
+    template <typename Number, typename Target> CLI::Option* number(Target* target) const
+    {
+        return verb_.add_option_function<std::string>(
+            row_.names, [target, name = row_.names](const std::string& text) {
+                const auto value = parsedNumber<Number>(text);
+                if (!value) throw CLI::ConversionError(text, name);
+                *target = *value;
+            });
+    }
+
     CLI::App& verb_;
     const Row& row_;
 };

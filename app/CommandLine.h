@@ -4,10 +4,12 @@
 
 #include "app/ExitStatus.h"
 
+#include <charconv>
 #include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -22,12 +24,24 @@ using Target =
 /// Says what is wrong with a value; empty when nothing is.
 using Check = std::function<std::string(const std::string& value)>;
 
+/// A number as the command line has it: decimal, `010` is ten. Nothing when the text is anything else.
+template <typename Number> std::optional<Number> parsedNumber(std::string_view text)
+{
+    Number value{};
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || stop != end) return std::nullopt;
+    return value;
+}
+
 /// A whole number from `least` to `most`.
 Check wholeNumber(std::uint64_t least, std::uint64_t most = UINT64_MAX);
 /// A number from `least` to `most`.
 Check number(double least, double most);
 /// A number above `least` and below `most`.
 Check numberBetween(double least, double most);
+/// The name of a file that is written: not empty; `-` only where that is standard output.
+Check fileName(bool mayBeStandardOutput = false);
 /// One of some words.
 Check oneOf(std::vector<std::string> words);
 

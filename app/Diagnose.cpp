@@ -1,4 +1,5 @@
 // The verb `diagnose`: which gates of a circuit are faulty, given its inputs and what its outputs show.
+#include "app/FileRoles.h"
 #include "app/Interruption.h"
 #include "app/Options.h"
 #include "app/Output.h"
@@ -204,6 +205,7 @@ public:
     ExitStatus finish()
     {
         writer_->end(leftOut_);
+        if (options_.trace) checkTrace();
         if (interruption()) return ExitStatus::interrupted;
         if (leftOut_ > 0 && !options_.quiet) {
             complain(
@@ -228,6 +230,10 @@ private:
 ExitStatus diagnose(const DiagnoseOptions& options)
 {
     checkUsage(options);
+    FileRoles files;
+    files.writesStandardOutput();
+    files.reads(options.circuit, "the circuit");
+    if (options.problems) files.reads(*options.problems, "the problems");
     const netlist::Circuit circuit = readCircuit(options.circuit);
     if (!options.trace) muteTrace();
     catchInterruptions();

@@ -8,7 +8,7 @@ enum class ExitStatus {
     faultFound = 1,    ///< with --fail-on fault only
     error = 2,         ///< of usage, in a model or in data; or the answer could not be written
     unexplained = 3,   ///< nothing explains the observations, or a limit cut a search short
-    interrupted = 130, ///< by SIGINT or SIGTERM
+    interrupted = 130, ///< by SIGINT, SIGTERM or SIGHUP
 };
 
 } // namespace app

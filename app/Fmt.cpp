@@ -4,9 +4,11 @@
 #include "language/syntax/Formatter.h"
 #include "text/File.h"
 
-#include <iostream>
-#include <iterator>
+#include <array>
+#include <cerrno>
+#include <cstdio>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 namespace app {
@@ -18,10 +20,17 @@ struct FmtOptions {
     bool check = false;
 };
 
-std::string readAll(std::istream& in, const std::string& name)
+std::string readStandardInput(const std::string& name)
 {
-    std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    if (in.bad()) throw FileFailure(name + ": cannot be read\n");
+    std::string text;
+    std::array<char, 65536> block{};
+    while (const std::size_t got = std::fread(block.data(), 1, block.size(), stdin)) {
+        text.append(block.data(), got);
+    }
+    if (std::ferror(stdin) != 0) {
+        throw FileFailure(name + ": cannot be read: " + std::generic_category().message(errno) +
+                          "\n");
+    }
     return text;
 }
 
@@ -35,7 +44,7 @@ std::string readFile(const std::string& name)
 void replaceFile(const std::string& name, const std::string& text)
 {
     try {
-        text::replaceAtomically(name, text);
+        text::writeWhole(name, text, text::OtherNames::getNew);
     } catch (const text::WriteFailure& failure) {
         throw FileFailure(std::string(failure.what()) + "\n");
     }
@@ -46,7 +55,7 @@ bool layOut(const std::string& name, bool check)
 {
     const bool standard = name == "-";
     const std::string shown = standard ? "standard input" : name;
-    const std::string before = standard ? readAll(std::cin, shown) : readFile(name);
+    const std::string before = standard ? readStandardInput(shown) : readFile(name);
     const language::Formatted formatted = language::format(text::SourceText(shown, before));
     for (const text::Diagnostic& error : formatted.errors) {
         complain(error.format());

@@ -25,6 +25,11 @@ void catchInterruptions()
     sigemptyset(&action.sa_mask);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+    // A terminal that goes away is told of twice, by the system and by the shell; under nohup it is not to be heard.
+    struct sigaction before = {};
+    action.sa_flags = 0;
+    if (sigaction(SIGHUP, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
+        sigaction(SIGHUP, &action, nullptr);
 }
 
 const std::atomic<bool>& interruption()

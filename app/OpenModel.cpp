@@ -1,6 +1,7 @@
 #include "app/OpenModel.h"
 
 #include "app/Output.h"
+#include "language/json/ModelJson.h"
 #include "text/Wording.h"
 
 #include <fmt/format.h>
@@ -21,17 +22,19 @@ session::Settings settingsOf(const TrackOptions& track)
     return settings;
 }
 
-session::Session openModel(const std::string& verb, const ModelOptions& model, bool quiet,
-                           const session::Settings& settings, bool trace)
+session::Session openModel(const std::string& verb, const ModelOptions& model, FileRoles& files,
+                           bool quiet, const session::Settings& settings, bool trace)
 {
     if (model.path.empty()) {
         throw Failure(fmt::format("no model is given\n  expected: the name of an .itms file\n"
                                   "  hint: itms {} --help shows an example\n",
                                   verb));
     }
+    files.reads(model.path, "the model");
     if (!trace) muteTrace();
     try {
         auto session = session::Session::open(model.path, {model.importFolders, trace}, settings);
+        addModelFiles(files, model.path, session.read());
         if (!quiet) warn(session.warnings());
         return session;
     } catch (const session::ModelErrors& failure) {
@@ -40,6 +43,15 @@ session::Session openModel(const std::string& verb, const ModelOptions& model, b
         throw FileFailure(failure.what() +
                           fmt::format("{}: {}\n", failure.file(),
                                       text::counted(failure.errors().size(), "error")));
+    }
+}
+
+void addModelFiles(FileRoles& files, const std::string& path, const language::ReadResult& read)
+{
+    if (read.model) files.reads(read.model->name() + ".pi", "the implicates of the model");
+    if (language::isJsonPath(path)) return; // the files that it names are not read
+    for (const std::string& file : read.files) {
+        if (file != path) files.reads(file, "a file that the model imports");
     }
 }
 

@@ -19,6 +19,7 @@ struct TrackOptions {
     ModelOptions model;
     std::string telemetry;
     bool skipBad = false;
+    bool mayGrow = false; ///< what is not complete at the end of the telemetry is not taken
 
     int maxRank = 3;
     std::uint64_t keep = 8;

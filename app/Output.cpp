@@ -1,14 +1,36 @@
 #include "app/Output.h"
 
+#include "text/Wording.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <fcntl.h>
 #include <fmt/format.h>
 #include <iostream>
 #include <system_error>
 #include <unistd.h>
 
 namespace app {
+
+namespace {
+
+void writeError(std::string_view text)
+{
+    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+}
+
+} // namespace
+
+void openStandardDescriptors()
+{
+    for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+        if (fcntl(descriptor, F_GETFD) != -1 || errno != EBADF) continue;
+        // The lowest number that is free is given: this one. It is opened for what nobody does with it.
+        const int mode = descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+        if (open("/dev/null", mode) != descriptor) std::abort();
+    }
+}
 
 void print(std::string_view text)
 {
@@ -21,7 +43,7 @@ void print(std::string_view text)
 
 void complain(std::string_view text)
 {
-    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+    writeError(text::printable(text));
 }
 
 bool outputIsTerminal()
@@ -47,19 +69,25 @@ void muteTrace()
     std::cout.setstate(std::ios::failbit);
 }
 
+void checkTrace()
+{
+    std::cout.flush();
+    if (!std::cout.good()) throw Failure("cannot write to standard output\n");
+}
+
 Progress::Progress(bool wanted) : on_(wanted && isatty(STDERR_FILENO) == 1) {}
 
 void Progress::show(std::string_view text)
 {
     if (!on_) return;
-    complain(fmt::format("\r\x1b[K{}", text));
+    writeError(fmt::format("\r\x1b[K{}", text::printable(text)));
     shown_ = true;
 }
 
 void Progress::clear()
 {
     if (!shown_) return;
-    complain("\r\x1b[K");
+    writeError("\r\x1b[K");
     shown_ = false;
 }
 

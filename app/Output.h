@@ -22,9 +22,13 @@ public:
     using Failure::Failure;
 };
 
+/// Opens those of descriptors 0 to 2 that are closed, so that no file that is opened later gets their numbers, and what the program
+/// prints. Reading from a closed standard input, and writing to a closed output, stays an error. Called first of all.
+void openStandardDescriptors();
+
 /// Writes to standard output at once. Throws Failure when that fails.
 void print(std::string_view text);
-/// Writes to standard error.
+/// Writes to standard error, with control characters shown (text::printable).
 void complain(std::string_view text);
 
 bool outputIsTerminal();
@@ -36,6 +40,9 @@ bool wantsColour(ColourChoice choice);
 
 /// Keeps the engine's trace off standard output.
 void muteTrace();
+/// Throws Failure when some of the engine's trace could not be written.
+/// Requires: the trace is not muted.
+void checkTrace();
 
 /// A line on standard error that says what is going on. Only on a terminal; every other output has to clear it first.
 class Progress {

@@ -31,7 +31,7 @@ ExitStatus query(const QueryOptions& options)
                       "'valve.position = open'\n  hint: itms query --help shows an example\n");
     }
     catchInterruptions();
-    TrackRun track("query", options.track);
+    TrackRun track("query", options.track, settingsOf(options.track));
     const monitor::StateQuery formula = readFormula(track.session(), options.formula);
     const auto writer = writersOf(options.answer, print).query(options.everyStep);
     ExitStatus status = ExitStatus::done;

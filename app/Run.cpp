@@ -6,6 +6,9 @@
 #include "app/RunCheckpoint.h"
 #include "app/Verbs.h"
 
+#include <filesystem>
+#include <fmt/format.h>
+
 namespace app {
 
 namespace {
@@ -21,6 +24,7 @@ struct RunOptions {
     std::optional<std::string> checkpoint;
     std::uint64_t checkpointEvery = 1000; ///< steps
     bool resume = false;
+    bool final = false;
 };
 
 report::StepReport reportOf(const TrackRun& track)
@@ -33,43 +37,69 @@ report::StepReport reportOf(const TrackRun& track)
     return report;
 }
 
+// What is written.
+FileRoles filesOf(const RunOptions& options)
+{
+    FileRoles files;
+    if (!options.answer.output) files.writesStandardOutput();
+    files.writes(options.answer.output, "the answer", "-o");
+    files.writes(options.checkpoint, "the checkpoint", "--checkpoint");
+    if (options.checkpoint) {
+        files.writes(RunCheckpoint::lockOf(*options.checkpoint), "the lock of the checkpoint",
+                     "--checkpoint");
+    }
+    return files;
+}
+
 class Run {
 public:
     explicit Run(const RunOptions& options)
-        : options_(options), track_("run", options.track), pace_(options.track.quiet),
+        : options_(options),
+          track_("run", options.track, settingsOf(options.track), filesOf(options)),
+          pace_(options.track.quiet),
           writers_(writersOf(options.answer, [this](std::string_view text) { write(text); })),
           writer_(writers_.tracking({options.shown, options.mass}, options.everyStep))
     {
-        if (options.checkpoint) checkpoint_.emplace(*options.checkpoint, options.track, track_);
     }
 
     ExitStatus run()
     {
-        begin();
-        while (track_.next()) {
+        const std::optional<RunState> before = open();
+        // What is in the files stays until the telemetry was accepted as far as its first step.
+        bool more = track_.next();
+        if (!more && interruption()) return status();
+        answer_->begin();
+        if (before) {
+            writer_->resume(before->writer);
+        } else {
+            writer_->begin();
+        }
+        for (; more; more = track_.next()) {
             take();
             if (checkpoint_ && memory_.steps % options_.checkpointEvery == 0) save();
         }
         pace_.clear();
         if (checkpoint_) save();
         writer_->end(track_.feed().linesLeftOut());
-        if (!options_.track.quiet) track_.feed().reportLinesLeftOut("run");
+        if (!options_.track.quiet) {
+            track_.feed().reportLinesLeftOut("run");
+            reportCut();
+        }
         return status();
     }
 
 private:
-    void begin()
+    // Takes all files, and says where the run stood that is resumed.
+    std::optional<RunState> open()
     {
-        std::optional<RunState> before;
-        if (options_.resume) before = checkpoint_->resume();
-        if (!before) {
-            answer_.emplace(options_.answer.output);
-            writer_->begin();
-            return;
-        }
+        if (options_.checkpoint) checkpoint_.emplace(*options_.checkpoint, options_.track, track_);
+        answer_.emplace(options_.answer.output);
+        if (!options_.resume) return {};
+        std::optional<RunState> before = checkpoint_->resume();
+        if (!before) return {};
         memory_ = before->memory;
-        writer_->resume(before->writer);
-        answer_.emplace(options_.answer.output, before->outputBytes);
+        if (before->memory.steps > 0) answer_->resume(before->output);
+        return before;
     }
 
     void write(std::string_view text)
@@ -91,12 +121,22 @@ private:
         pace_.step(track_.feed().reader().doneShare());
     }
 
+    void reportCut() const
+    {
+        const telemetry::StepReader& reader = track_.feed().reader();
+        if (interruption() || !reader.cutAt()) return;
+        complain(
+            fmt::format("{}:{}: from here on the telemetry may not be complete, and is left for "
+                        "--resume\n  hint: with --final it is taken as it is\n",
+                        reader.name(), *reader.cutAt()));
+    }
+
     // What the checkpoint counts on is on the disk before it is.
     void save()
     {
         answer_->sync();
-        memory_.linesLeftOut = track_.feed().linesLeftOut();
-        checkpoint_->save({memory_, writer_->memory(), answer_->bytes()});
+        memory_.linesLeftOut = track_.feed().linesLeftOut() - track_.feed().reader().mistakesAhead();
+        checkpoint_->save({memory_, writer_->memory(), answer_->written()});
     }
 
     ExitStatus status() const
@@ -126,14 +166,22 @@ ExitStatus run(const RunOptions& options)
     return Run(options).run();
 }
 
+// What follows from several options together.
+RunOptions settled(RunOptions options)
+{
+    if (options.answer.output == "-") options.answer.output.reset();
+    std::error_code error;
+    options.track.mayGrow = options.checkpoint && !options.final &&
+                            std::filesystem::is_regular_file(options.track.telemetry, error);
+    return options;
+}
+
 Section checkpointSection(RunOptions& options)
 {
     return {"To go on after a crash",
-            {{"--checkpoint",
-              "FILE",
+            {{"--checkpoint", "FILE",
               "save the run's memory in FILE every so many steps, and\nat the end",
-              &options.checkpoint,
-              {}},
+              &options.checkpoint, fileName()},
              {"--checkpoint-every", "N", "... every N steps (default {default})",
               &options.checkpointEvery, wholeNumber(1, mostSteps)},
              {"--resume",
@@ -142,6 +190,12 @@ Section checkpointSection(RunOptions& options)
               "input, what comes after. An\n--output file is cut to what it had at the "
               "checkpoint,\nand continued",
               &options.resume,
+              {}},
+             {"--final",
+              "",
+              "the telemetry is complete. Otherwise the file may grow:\na last line without its "
+              "end, and the last step of a\nlong table, are left for --resume",
+              &options.final,
               {}}}};
 }
 
@@ -165,7 +219,7 @@ Verb runVerb()
                      "table: for people, the default on a terminal: the steps at which something "
                      "changed; jsonl: a JSON record a step, default otherwise; json: one array"),
            {"--every-step", "", "in the table, steps without a change as well", &options->everyStep, {}},
-           {"-o,--output", "FILE", "print to a file", &options->answer.output, {}},
+           {"-o,--output", "FILE", "print to a file", &options->answer.output, fileName(true)},
            colourRow(options->answer),
            quietRow(options->track.quiet, "no progress, no warnings"),
            failOnRow(options->failOn, "there was a fault")}},
@@ -175,7 +229,7 @@ Verb runVerb()
         "model or the telemetry; 3 nothing explains the observations of some step, or a limit cut "
         "a search short; 130 interrupted.",
         "run examples/water/station.itms examples/water/stuck-valve.jsonl",
-        [options] { return run(*options); }};
+        [options] { return run(settled(*options)); }};
 }
 
 } // namespace app

@@ -1,10 +1,14 @@
-// One JSON object: the session's checkpoint, with "reader", "run" and "output" added, and "skip-bad" among the settings.
+// One JSON object: the session's checkpoint, with "reader", "run", "output" and "outputDigest" added, and "skip-bad" among the
+// settings.
 #include "app/RunCheckpoint.h"
 
 #include "app/Checkpoint.h"
+#include "app/FileRoles.h"
 #include "app/Output.h"
 #include "session/CheckpointJson.h"
 #include "session/MemoryJson.h"
+#include "text/File.h"
+#include "text/FileIdentity.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
@@ -65,6 +69,19 @@ RunState runFromJson(const Json& json)
 RunCheckpoint::RunCheckpoint(std::string path, const TrackOptions& options, TrackRun& run)
     : path_(std::move(path)), options_(options), run_(run)
 {
+    try {
+        text::checkPlace(path_);
+        lock_.emplace(lockOf(path_));
+    } catch (const text::WriteFailure& failure) {
+        throw FileFailure(
+            fmt::format("{}\n  expected: a place for the checkpoint\n", failure.what()));
+    }
+    if (lock_->holder()) refuseFileInUse(path_, *lock_->holder(), "--checkpoint");
+}
+
+std::string RunCheckpoint::lockOf(const std::string& path)
+{
+    return text::linkTarget(path) + ".lock";
 }
 
 std::optional<RunState> RunCheckpoint::resume()
@@ -86,7 +103,9 @@ std::optional<RunState> RunCheckpoint::resume()
         session::restore(run_.session(), content);
         RunState state = runFromJson(content.at("run"));
         run_.feed().setLinesLeftOut(state.memory.linesLeftOut);
-        state.outputBytes = content.at("output").get<std::uint64_t>();
+        state.output.bytes = content.at("output").get<std::uint64_t>();
+        if (content.contains("outputDigest"))
+            state.output.digest = content.at("outputDigest").get<std::string>();
         return state;
     } catch (const session::OtherModel& error) {
         throw FileFailure(fmt::format("{}: {}\n  expected: {}\n{}", path_, error.what(),
@@ -108,7 +127,8 @@ void RunCheckpoint::save(const RunState& state)
     content["settings"]["skip-bad"] = options_.skipBad;
     content["reader"] = session::readerJson(run_.feed().reader().state());
     content["run"] = runJson(state);
-    content["output"] = state.outputBytes;
+    content["output"] = state.output.bytes;
+    if (state.output.digest) content["outputDigest"] = *state.output.digest;
     writeCheckpoint(path_, content);
 }
 

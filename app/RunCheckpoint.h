@@ -1,8 +1,10 @@
 // The checkpoint of `itms run`: what a session believes, and what the run remembers beside it.
 #pragma once
 
+#include "app/AnswerFile.h"
 #include "app/TrackRun.h"
 #include "report/StepWriter.h"
+#include "text/FileLock.h"
 
 #include <cstdint>
 #include <optional>
@@ -22,13 +24,17 @@ struct RunMemory {
 struct RunState {
     RunMemory memory;
     report::WriterMemory writer;
-    std::uint64_t outputBytes = 0; ///< that the output has by now
+    AnswerFile::Written output; ///< by now
 };
 
 class RunCheckpoint {
 public:
-    /// The run outlives this; the options are those that it goes by.
+    /// Takes the place for this run alone, until the end. The run outlives this; the options are those that it goes by.
+    /// Throws FileFailure when no checkpoint can be written there, and when another run has it.
     RunCheckpoint(std::string path, const TrackOptions& options, TrackRun& run);
+
+    /// The file that shows other runs that the checkpoint is in use.
+    static std::string lockOf(const std::string& path);
 
     /// Puts session and reader where the checkpoint has them, and says where the rest stood; nothing where there is no file.
     /// Throws FileFailure when the checkpoint is damaged, or was made with another model or other options.
@@ -40,6 +46,7 @@ private:
     std::string path_;
     const TrackOptions& options_;
     TrackRun& run_;
+    std::optional<text::LockFile> lock_;
 };
 
 } // namespace app

@@ -56,10 +56,6 @@ void checkUsage(const SimulateOptions& options)
         refuse("--skip-bad goes with a file of commands");
     }
     if (options.seed && options.commands == "none") refuse("--seed goes with --commands random");
-    if (options.truth == "-") {
-        throw Failure("--truth: standard output is for the telemetry\n"
-                      "  expected: the name of a file\n");
-    }
 }
 
 std::unique_ptr<SimulationSource> makeSource(const SimulateOptions& options,
@@ -131,10 +127,12 @@ public:
         while (const auto given = source_->next()) {
             ++step_;
             const simulate::SimulatedStep simulated = simulate(given->input);
+            if (truth_ && step_ == 1) truth_->begin();
             print(writer_.line(given->t, commandsToWrite(simulated), atoms(simulated.observations)));
             if (truth_) truth_->write(step_, given->t, simulated);
         }
         if (interruption()) return ExitStatus::interrupted;
+        if (truth_ && step_ == 0) truth_->begin();
         if (!quiet_) source_->reportLeftOut();
         refuseAfter(step_);
         return ExitStatus::done;
@@ -264,7 +262,11 @@ private:
 ExitStatus simulate(const SimulateOptions& options)
 {
     checkUsage(options);
-    const session::Session session = openModel("simulate", options.model, options.quiet);
+    FileRoles files;
+    files.writesStandardOutput();
+    files.writes(options.truth, "what really happens", "--truth");
+    if (options.telemetry) files.reads(*options.telemetry, "the telemetry");
+    const session::Session session = openModel("simulate", options.model, files, options.quiet);
     catchInterruptions();
     return SimulateRun(options, session).run();
 }
@@ -311,12 +313,10 @@ std::vector<Section> sections(SimulateOptions& options)
            "observe this variable as well; may be repeated",
            &options.observed,
            {}},
-          {"--truth",
-           "FILE",
+          {"--truth", "FILE",
            "write what really happens, a JSON record a step: the modes, their changes, the "
            "commands that were lost",
-           &options.truth,
-           {}},
+           &options.truth, fileName()},
           quietRow(options.quiet, "no warnings")}}};
 }
 

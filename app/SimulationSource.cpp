@@ -26,7 +26,7 @@ std::optional<SourceStep> DrawnSteps::next()
 
 TelemetrySteps::TelemetrySteps(const session::Session& session, const std::string& path,
                                bool skipBad)
-    : plant_(session.plant()), feed_(path, session.model(), session.bindings(), skipBad)
+    : plant_(session.plant()), feed_(path, session.model(), session.bindings(), {.skipBad = skipBad})
 {
 }
 

@@ -20,9 +20,9 @@ telemetry::SoundSteps::PassOver passOver(bool skipBad)
 } // namespace
 
 StepFeed::StepFeed(const std::string& path, const plant::Model& model,
-                   const plant::Bindings& bindings, bool skipBad)
-    : reader_(path, model, bindings, {.skipBad = skipBad}),
-      steps_(reader_, passOver(skipBad), [] { return interruption().load(); })
+                   const plant::Bindings& bindings, const telemetry::ReadSettings& settings)
+    : reader_(path, model, bindings, settings),
+      steps_(reader_, passOver(settings.skipBad), [] { return interruption().load(); })
 {
 }
 

@@ -14,14 +14,15 @@ public:
     /// Requires: model and bindings outlive this.
     /// Throws telemetry::ReadFailure when the file cannot be opened.
     StepFeed(const std::string& path, const plant::Model& model, const plant::Bindings& bindings,
-             bool skipBad);
+             const telemetry::ReadSettings& settings);
 
     /// The next step; none at the end, and when a signal has come.
-    /// Throws telemetry::BadInput for a line in error; with `skipBad`, the line is reported on standard error, counted and left
-    /// out, if reading can go on.
+    /// Throws telemetry::BadInput for a line in error; with `settings.skipBad`, the line is reported on standard error, counted
+    /// and left out, if reading can go on.
     std::optional<telemetry::Step> next() { return steps_.next(); }
 
     telemetry::StepReader& reader() { return reader_; }
+    const telemetry::StepReader& reader() const { return reader_; }
     std::size_t linesLeftOut() const { return steps_.leftOut(); }
     /// For a run that goes on: those of the run before count, too.
     void setLinesLeftOut(std::size_t count) { steps_.setLeftOut(count); }

@@ -1,12 +1,12 @@
 #include "app/StepValue.h"
 
+#include "app/CommandLine.h"
 #include "app/Output.h"
 #include "plant/ModelBuilder.h"
 #include "text/NearestName.h"
 #include "text/Wording.h"
 
 #include <algorithm>
-#include <charconv>
 #include <fmt/format.h>
 #include <optional>
 
@@ -19,11 +19,8 @@ using telemetry::Variable;
 
 std::optional<std::size_t> stepNumber(std::string_view text)
 {
-    std::size_t step = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, step);
-    if (error != std::errc() || stop != end || step == 0) return std::nullopt;
-    return step;
+    const auto step = parsedNumber<std::size_t>(text);
+    return step && *step > 0 ? step : std::nullopt;
 }
 
 // Why no mode variable has that name.

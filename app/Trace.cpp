@@ -49,12 +49,6 @@ private:
     bool empty_ = true;
 };
 
-void checkWritten()
-{
-    std::cout.flush();
-    if (!std::cout.good()) throw Failure("cannot write to standard output\n");
-}
-
 ExitStatus trace(const TraceOptions& options)
 {
     if (!options.step) {
@@ -63,15 +57,15 @@ ExitStatus trace(const TraceOptions& options)
     }
     catchInterruptions();
     if (!options.setup) muteTrace();
-    TrackRun track("trace", options.track, true);
-    if (options.setup) checkWritten();
+    TrackRun track("trace", options.track, settingsOf(options.track), TrackRun::printing(), true);
+    if (options.setup) checkTrace();
     muteTrace();
     TraceBuffer buffer;
     track.takeUntil(
         options.step,
         {.beforeLast = [&buffer] { buffer.open(); }, .after = {}, .wanted = "one at least"});
     if (interruption()) return ExitStatus::interrupted;
-    checkWritten();
+    checkTrace();
     const monitor::TrackAnswer& answer = track.answer();
     const ExitStatus status = track.status();
     if (buffer.empty() && !options.track.quiet) {

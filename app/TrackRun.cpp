@@ -21,12 +21,27 @@ const std::string& telemetryOf(const std::string& verb, const TrackOptions& opti
     return options.telemetry;
 }
 
+session::Session open(const std::string& verb, const TrackOptions& options,
+                      const session::Settings& settings, FileRoles& files, bool trace)
+{
+    if (!options.telemetry.empty()) files.reads(options.telemetry, "the telemetry");
+    return openModel(verb, options.model, files, options.quiet, settings, trace);
+}
+
 } // namespace
 
+FileRoles TrackRun::printing()
+{
+    FileRoles files;
+    files.writesStandardOutput();
+    return files;
+}
+
 TrackRun::TrackRun(const std::string& verb, const TrackOptions& options,
-                   const session::Settings& settings, bool trace)
-    : session_(openModel(verb, options.model, options.quiet, settings, trace)),
-      feed_(telemetryOf(verb, options), session_.model(), session_.bindings(), options.skipBad)
+                   const session::Settings& settings, FileRoles files, bool trace)
+    : session_(open(verb, options, settings, files, trace)),
+      feed_(telemetryOf(verb, options), session_.model(), session_.bindings(),
+            {.skipBad = options.skipBad, .mayGrow = options.mayGrow})
 {
 }
 

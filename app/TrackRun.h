@@ -22,12 +22,12 @@ struct OnTheWay {
 class TrackRun {
 public:
     /// Throws Failure when model or telemetry is not named, and FileFailure when one of them cannot be read.
+    /// `files` are those that the verb writes; those that are read are added.
     TrackRun(const std::string& verb, const TrackOptions& options,
-             const session::Settings& settings, bool trace = false);
-    TrackRun(const std::string& verb, const TrackOptions& options, bool trace = false)
-        : TrackRun(verb, options, settingsOf(options), trace)
-    {
-    }
+             const session::Settings& settings, FileRoles files = printing(), bool trace = false);
+
+    /// The files of a verb that prints its answer.
+    static FileRoles printing();
 
     /// Takes the next step of the telemetry. False at its end, and when a signal has come. A bad line ends the run with
     /// telemetry::BadInput; with `skipBad` it is reported on standard error, counted and passed over.
@@ -48,6 +48,7 @@ public:
     session::Session& session() { return session_; }
     const session::Session& session() const { return session_; }
     StepFeed& feed() { return feed_; }
+    const StepFeed& feed() const { return feed_; }
 
 private:
     session::Session session_;

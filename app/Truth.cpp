@@ -1,14 +1,10 @@
 #include "app/Truth.h"
 
-#include "app/Output.h"
 #include "plant/Names.h"
 #include "report/Tracking.h"
-#include "text/Diagnostic.h"
 
-#include <cerrno>
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
-#include <system_error>
 
 namespace app {
 
@@ -28,13 +24,9 @@ const char* name(simulate::ModeCause cause)
 
 } // namespace
 
-TruthFile::TruthFile(std::string path, const plant::Plant& plant, const plant::Model& model)
-    : path_(std::move(path)), plant_(plant), file_(path_, std::ios::binary)
+TruthFile::TruthFile(const std::string& path, const plant::Plant& plant, const plant::Model& model)
+    : plant_(plant), file_(path, "--truth")
 {
-    if (!file_) {
-        throw Failure(fmt::format("--truth: {} cannot be written: {}\n", text::quoted(path_),
-                                  std::generic_category().message(errno)));
-    }
     for (const auto& component : model.components()) {
         for (const StateVar* variable : *component->stateVars) {
             if (variable->type == "Mode") {
@@ -67,14 +59,9 @@ void TruthFile::write(std::size_t step, double t, const simulate::SimulatedStep&
     for (const plant::VariableIndex command : simulated.lost) {
         lost.push_back(nameAt(command));
     }
-    file_ << fmt::format(R"({{"v":1,"step":{},"t":{},"modes":{{{}}},"changes":{},"lost":{}}})",
-                         step, ordered_json(t).dump(), modes, changes.dump(), lost.dump())
-          << '\n'
-          << std::flush;
-    if (!file_) {
-        throw Failure(fmt::format("--truth: {} cannot be written: {}\n", text::quoted(path_),
-                                  std::generic_category().message(errno)));
-    }
+    file_.write(fmt::format(R"({{"v":1,"step":{},"t":{},"modes":{{{}}},"changes":{},"lost":{}}})",
+                            step, ordered_json(t).dump(), modes, changes.dump(), lost.dump()) +
+                "\n");
 }
 
 } // namespace app

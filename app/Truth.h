@@ -1,10 +1,10 @@
 // What really happened in a simulated plant: a JSON record a step, for judging a diagnosis by it.
 #pragma once
 
+#include "app/AnswerFile.h"
 #include "plant/Model.h"
 #include "simulate/Simulator.h"
 
-#include <fstream>
 #include <string>
 
 namespace app {
@@ -13,17 +13,18 @@ namespace app {
 /// "cause": "injected"}], "lost": [COMMAND, ...]}`. All modes are there, in the model's order.
 class TruthFile {
 public:
-    /// Throws Failure when the file cannot be opened. Plant and model outlive this.
-    TruthFile(std::string path, const plant::Plant& plant, const plant::Model& model);
+    /// Throws FileFailure when the file cannot be opened. Plant and model outlive this.
+    TruthFile(const std::string& path, const plant::Plant& plant, const plant::Model& model);
 
-    /// Throws Failure when it cannot be written. Linear in the modes.
+    /// Empties the file, in which everything stays until then. Throws FileFailure.
+    void begin() { file_.begin(); }
+    /// Throws FileFailure when it cannot be written. Linear in the modes. Requires: begin() was called.
     void write(std::size_t step, double t, const simulate::SimulatedStep& simulated);
 
 private:
-    std::string path_;
     const plant::Plant& plant_;
     std::vector<plant::VariableIndex> modes_;
-    std::ofstream file_;
+    AnswerFile file_;
 };
 
 } // namespace app

@@ -8,8 +8,11 @@
 
 int main(int argc, char** argv)
 {
+    app::openStandardDescriptors();
     // A reader that has seen enough (`| head`) ends the program without a word, whatever the parent process ignores.
     static_cast<void>(std::signal(SIGPIPE, SIG_DFL));
+    // A file that grows past its limit is a write that failed: that is reported, and nothing half written stays.
+    static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
     std::string name = "itms";
     try {
         const std::vector<app::Verb> verbs{

@@ -1,5 +1,7 @@
 #include "report/Text.h"
 
+#include "text/Wording.h"
+
 #include <algorithm>
 #include <fmt/format.h>
 
@@ -53,6 +55,25 @@ std::string wrapped(std::string_view first, std::string_view text)
     }
     std::replace(lines.begin(), lines.end(), unbreakable, ' ');
     return lines + "\n";
+}
+
+// Between the marks of a colour there is nothing but text. Whoever hides such a mark in a name gets its colour, and no more.
+std::string Colours::printable(std::string_view text) const
+{
+    std::string shown;
+    while (on_ && !text.empty()) {
+        const std::size_t mark = std::min(text.find("\x1b["), text.size());
+        const std::size_t end =
+            text.find_first_not_of("0123456789;", std::min(mark + 2, text.size()));
+        const bool isMark = end != std::string_view::npos && text[end] == 'm';
+        const std::size_t plain = isMark ? mark : std::min(mark + 1, text.size());
+        shown += text::printable(text.substr(0, plain));
+        text.remove_prefix(plain);
+        if (!isMark) continue;
+        shown += text.substr(0, end + 1 - mark);
+        text.remove_prefix(end + 1 - mark);
+    }
+    return shown + text::printable(text);
 }
 
 std::string Colours::marked(std::string_view code, std::string_view text) const

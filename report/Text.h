@@ -39,6 +39,9 @@ public:
     std::string green(std::string_view text) const { return marked("32", text); }
     std::string yellow(std::string_view text) const { return marked("1;33", text); }
 
+    /// The text without control characters (text::printable), but with these colours.
+    std::string printable(std::string_view text) const;
+
 private:
     std::string marked(std::string_view code, std::string_view text) const;
 

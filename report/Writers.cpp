@@ -74,6 +74,13 @@ std::unique_ptr<StepWriter<Report>> records(Format format, const Sink& sink, Rec
 
 } // namespace
 
+Writers::Writers(Format format, Colours colours, Sink sink)
+    : format_(format), colours_(colours), sink_(std::move(sink))
+{
+    if (format_ != Format::people) return;
+    sink_ = [colours, to = std::move(sink_)](std::string_view text) { to(colours.printable(text)); };
+}
+
 std::unique_ptr<StepWriter<StepReport>> Writers::tracking(Shown shown, bool everyStep) const
 {
     if (format_ == Format::people)

@@ -19,14 +19,12 @@ enum class Format {
     array,  ///< one JSON array of the same records; of an answer about one step, its record alone
 };
 
-/// Makes the writers of a format. The colours are those of what is for people.
+/// Makes the writers of a format. The colours are those of what is for people, in which control characters of names are shown and
+/// not obeyed.
 /// Ensures: a writer has a copy of the sink, and may outlive this.
 class Writers {
 public:
-    Writers(Format format, Colours colours, Sink sink)
-        : format_(format), colours_(colours), sink_(std::move(sink))
-    {
-    }
+    Writers(Format format, Colours colours, Sink sink);
 
     Format format() const { return format_; }
 

@@ -65,8 +65,9 @@ CsvRecords::Got CsvRecords::next()
     do {
         beginRecord();
         if (!takeLine()) return lines_.interrupted() ? Got::interrupted : Got::end;
+        firstLine_ = linesDone_;
+        if (lineIsCut()) return cut();
     } while (isBlank());
-    firstLine_ = linesDone_;
     return readCells();
 }
 
@@ -130,6 +131,7 @@ CsvRecords::Got CsvRecords::readQuoted(Cell& cell)
                 {"this quote is not closed", "a closing quote before the end of the input", ""},
                 begin, 1);
         }
+        if (lineIsCut()) return cut();
         if (at_ == tooLong_ || next_ - recordBegin_ > mostBytes_) {
             return refuse({fmt::format("this quote is not closed within {} bytes", mostBytes_),
                            "a closing quote", ""},
@@ -153,6 +155,14 @@ CsvRecords::Got CsvRecords::refuse(const text::Message& what, std::size_t offset
     mistake_ = errorIn(what, offset, length);
     rewind(1);
     return Got::mistake;
+}
+
+// Leaves the record for when there is more of it.
+CsvRecords::Got CsvRecords::cut()
+{
+    rewind(0);
+    isCut_ = true;
+    return Got::end;
 }
 
 CsvRecords::Got CsvRecords::stop()

@@ -23,9 +23,12 @@ public:
     };
     enum class Got { record, mistake, end, interrupted };
 
-    /// A record may have `mostBytes` bytes.
+    /// A record may have `mostBytes` bytes. Where the input may grow, a record whose last line has no end is not there yet.
     /// Requires: `lines` outlives this.
-    CsvRecords(LineSource& lines, std::size_t mostBytes) : lines_(lines), mostBytes_(mostBytes) {}
+    CsvRecords(LineSource& lines, std::size_t mostBytes, bool mayGrow)
+        : lines_(lines), mostBytes_(mostBytes), mayGrow_(mayGrow)
+    {
+    }
 
     /// Takes back a line.
     /// Requires: it is the line that the source gave last.
@@ -42,6 +45,8 @@ public:
     /// An error about a cell of the record; past the last one, about the end of the record.
     text::Diagnostic errorAtCell(const text::Message& what, std::size_t cell) const;
 
+    /// After Got::end: lines are left that are no record yet.
+    bool isCut() const { return isCut_; }
     std::size_t firstLine() const { return firstLine_; } ///< of the record
     std::size_t linesDone() const { return linesDone_; } ///< up to the end of the record
 
@@ -49,6 +54,8 @@ private:
     void beginRecord();
     bool takeLine();
     std::string_view taken() const { return std::string_view(window_).substr(0, lineEnd_); }
+    bool lineIsCut() const { return mayGrow_ && next_ == window_.size() && lines_.unended(); }
+    Got cut();
     bool isBlank() const;
     Got readCells();
     Got readQuoted(Cell& cell);
@@ -60,6 +67,7 @@ private:
 
     LineSource& lines_;
     std::size_t mostBytes_;
+    bool mayGrow_;
     // Lines that were read, each with LF behind it: those of the record, and after a mistake those to be read again.
     std::string window_;
     std::size_t recordBegin_ = 0;             // offsets in the window
@@ -69,6 +77,7 @@ private:
     std::size_t tooLong_ = std::string::npos; // a line of which the rest is missing
     std::size_t firstLine_ = 0;
     std::size_t linesDone_ = 0;
+    bool isCut_ = false;
     std::vector<Cell> cells_;
     text::Diagnostic mistake_;
 };

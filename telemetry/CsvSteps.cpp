@@ -96,20 +96,35 @@ std::variant<Step, text::Diagnostic, CsvSteps::None> CsvSteps::next()
     while (true) {
         const CsvRecords::Got got = records_.next();
         if (got == CsvRecords::Got::interrupted) return None{true};
-        if (got == CsvRecords::Got::end) {
-            linesDone_ = records_.linesDone();
-            if (!draftTime_) return None{};
-            const double t = *draftTime_;
-            draftTime_.reset();
-            return builder_.finish(t);
-        }
+        if (got == CsvRecords::Got::end) return atEnd();
         if (!draftTime_) linesDone_ = records_.linesDone();
-        if (got == CsvRecords::Got::mistake) return records_.mistake();
+        if (got == CsvRecords::Got::mistake) return noted(records_.mistake());
         if (!isLong_) return wideRow();
         std::optional<Step> step;
-        if (auto problem = longRow(step)) return std::move(*problem);
+        if (auto problem = longRow(step)) return noted(std::move(*problem));
         if (step) return std::move(*step);
     }
+}
+
+CsvSteps::Result CsvSteps::atEnd()
+{
+    if (draftTime_ && mayGrow_) {
+        isCut_ = true;
+        return None{};
+    }
+    linesDone_ = records_.linesDone();
+    isCut_ = records_.isCut();
+    mistakesAhead_ = 0;
+    if (!draftTime_) return None{};
+    const double t = *draftTime_;
+    draftTime_.reset();
+    return builder_.finish(t);
+}
+
+text::Diagnostic CsvSteps::noted(text::Diagnostic mistake)
+{
+    if (draftTime_) ++mistakesAhead_;
+    return mistake;
 }
 
 CsvSteps::Problem CsvSteps::readTime(std::size_t cell, double& t) const
@@ -190,6 +205,7 @@ CsvSteps::Problem CsvSteps::longRow(std::optional<Step>& step)
     if (isOfDraft) return std::nullopt;
     if (draftTime_) step = builder_.finish(*draftTime_);
     linesDone_ = records_.firstLine() - 1;
+    mistakesAhead_ = 0;
     draftTime_ = t;
     if (isGiven) builder_.add(column.name, column.text, column.side, reading);
     return std::nullopt;

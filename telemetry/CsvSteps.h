@@ -21,10 +21,12 @@ namespace telemetry {
 
 class CsvSteps {
 public:
-    /// `line` is the last one that the source gave, and the first one of the header.
+    /// `line` is the last one that the source gave, and the first one of the header. Where the input may grow, the last rows of
+    /// a long table are no step yet.
     /// Requires: `lines` and the builder outlive this.
-    CsvSteps(LineSource& lines, StepBuilder& builder, std::size_t mostBytes, std::string_view line)
-        : records_(lines, mostBytes), builder_(builder)
+    CsvSteps(LineSource& lines, StepBuilder& builder, std::size_t mostBytes, bool mayGrow,
+             std::string_view line)
+        : records_(lines, mostBytes, mayGrow), builder_(builder), mayGrow_(mayGrow)
     {
         records_.takeBack(line);
     }
@@ -43,6 +45,10 @@ public:
     std::variant<Step, text::Diagnostic, None> next();
     /// Lines of the input that are done with, with the last step.
     std::size_t linesDone() const { return linesDone_; }
+    /// How many mistakes next() gave of lines after those.
+    std::size_t mistakesAhead() const { return mistakesAhead_; }
+    /// At the end of an input that may grow: there is something after those lines.
+    bool isCut() const { return isCut_; }
 
 private:
     struct Column {
@@ -57,16 +63,21 @@ private:
     Problem readTime(std::size_t cell, double& t) const;
     Problem find(const std::string& name, std::size_t cell, Column& column) const;
     Problem checkTime(std::size_t cell, double t, std::optional<double> before) const;
+    Result atEnd();
+    text::Diagnostic noted(text::Diagnostic mistake);
     Result wideRow();
     Problem longRow(std::optional<Step>& step);
 
     CsvRecords records_;
     StepBuilder& builder_;
+    bool mayGrow_;
     bool isLong_ = false;
     std::vector<Column> columns_;     // of the wide shape
     std::size_t timeColumn_ = 0;      // of the wide shape
     std::optional<double> draftTime_; // of the long shape, while there is a draft
     std::size_t linesDone_ = 0;
+    std::size_t mistakesAhead_ = 0;
+    bool isCut_ = false;
 };
 
 } // namespace telemetry

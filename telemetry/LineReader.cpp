@@ -110,6 +110,7 @@ bool LineReader::next(std::string_view& line)
         case Filled::interrupted: return false;
         case Filled::end:
             if (begin_ == end_ && !cutting_) return false;
+            unended_ = true;
             return take(line, end_ - begin_, end_ - begin_);
         }
     }

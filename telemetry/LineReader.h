@@ -26,6 +26,7 @@ public:
     bool next(std::string_view& line) override;
     /// The line read last has more than `mostBytes` bytes; these were returned.
     bool tooLong() const override { return tooLong_; }
+    bool unended() const override { return unended_; }
     bool interrupted() const override { return interrupted_; }
     std::size_t lineNumber() const override { return lineNumber_; }
     /// 0 for what has no size, such as a pipe.
@@ -49,6 +50,7 @@ private:
     std::string cut_;
     bool atEnd_ = false;
     bool tooLong_ = false;
+    bool unended_ = false;
     bool interrupted_ = false;
     std::size_t lineNumber_ = 0;
     std::uint64_t bytesRead_ = 0;

@@ -31,6 +31,8 @@ public:
     virtual std::size_t lineNumber() const = 0;
     /// The line read last was too long for the source; what was returned is its beginning.
     virtual bool tooLong() const { return false; }
+    /// The line read last has no end, since the input ended first: more of it may come.
+    virtual bool unended() const { return false; }
     /// The latest call of next() was interrupted. A further call goes on where it stopped.
     virtual bool interrupted() const { return false; }
     /// How much of the input was returned, 0 to 1; 0 where that is not known.

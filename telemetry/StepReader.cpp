@@ -44,6 +44,7 @@ std::optional<StepReader::Next> StepReader::begin()
     std::string_view line;
     do {
         if (!lines_->next(line)) return End{lines_->interrupted()};
+        if (isCut()) return End{};
         if (lines_->lineNumber() == 1 && line.starts_with(byteOrderMark))
             line.remove_prefix(byteOrderMark.size());
     } while (isBlank(line));
@@ -61,7 +62,7 @@ std::optional<StepReader::Next> StepReader::begin()
             "write each step on a line of its own, without brackets around them"};
         return mistake(text::errorAt(array, {}, {lines_->lineNumber(), bracket + 1}, line, 1), true);
     }
-    table_.emplace(*lines_, builder_, settings_.mostBytes, line);
+    table_.emplace(*lines_, builder_, settings_.mostBytes, settings_.mayGrow, line);
     return readHeader();
 }
 
@@ -73,6 +74,12 @@ std::optional<StepReader::Next> StepReader::readHeader()
         return mistake(std::move(*error), true);
     begun_ = true;
     return std::nullopt;
+}
+
+bool StepReader::isCut()
+{
+    cut_ = settings_.mayGrow && lines_->unended() && lines_->lineNumber() > skipTo_;
+    return cut_;
 }
 
 bool StepReader::isTooLong(std::string_view line) const
@@ -136,6 +143,7 @@ StepReader::Next StepReader::nextLine()
     }
     do {
         if (!lines_->next(line)) return End{lines_->interrupted()};
+        if (isCut()) return End{};
     } while (isBlank(line));
     return parseLine(line);
 }
@@ -156,9 +164,16 @@ ReaderState StepReader::state() const
     } else if (table_) {
         state.lines = table_->linesDone();
     } else {
-        state.lines = lines_->lineNumber() - (firstLine_ > 0 ? 1 : 0);
+        state.lines = lines_->lineNumber() - ((firstLine_ > 0 || cut_) ? 1 : 0);
     }
     return state;
+}
+
+std::optional<std::size_t> StepReader::cutAt() const
+{
+    if (cut_) return lines_->lineNumber();
+    if (table_ && table_->isCut()) return table_->linesDone() + 1;
+    return std::nullopt;
 }
 
 void StepReader::restore(const ReaderState& state, Input input)

@@ -35,6 +35,9 @@ struct ReadSettings {
     bool skipBad = false;
     /// Of a line, or of a row of a table. A longer one is a mistake.
     std::size_t mostBytes = std::size_t{16} << 20;
+    /// More may be written to the input later: what is not complete at its end is not taken, so that another reader can go on from
+    /// state() when it is. That is a last line without its end, and in a long table the step of the last rows.
+    bool mayGrow = false;
 };
 
 class StepReader : public StepSource {
@@ -54,6 +57,11 @@ public:
     ReaderState state() const override;
     void restore(const ReaderState& state, Input input = Input::same) override;
 
+    /// At the end of an input that may grow: the line from which on it was not taken.
+    std::optional<std::size_t> cutAt() const;
+    /// How many of the mistakes that next() gave are of lines that state() does not count as done.
+    std::size_t mistakesAhead() const { return table_ ? table_->mistakesAhead() : 0; }
+
     double doneShare() const override { return lines_->doneShare(); }
     const std::string& name() const override { return lines_->name(); }
 
@@ -63,6 +71,7 @@ private:
     std::optional<Next> begin();
     std::optional<Next> readHeader();
     std::optional<Next> skip();
+    bool isCut();
     bool isTooLong(std::string_view line) const;
     Next tooLong(std::string_view line, bool endsReading);
     Next mistake(text::Diagnostic error, bool endsReading);
@@ -78,6 +87,7 @@ private:
     std::size_t firstLine_ = 0;
     bool begun_ = false; // the format is known, and the header read
     bool ended_ = false;
+    bool cut_ = false; // the last line of JSON has no end, and is left
     std::size_t skipTo_ = 0;
     std::size_t restoredLines_ = 0;
 };

@@ -28,26 +28,39 @@ FileText readFile(const std::string& path, std::size_t mostBytes = anySize);
 class WriteFailure : public std::runtime_error {
 public:
     WriteFailure(const std::string& path, const std::string& step, int systemError);
+    /// With a reason that is not the system's.
+    WriteFailure(const std::string& path, const std::string& step, const std::string& reason);
 
-    /// The system's reason alone.
+    /// The reason alone.
     const std::string& reason() const { return reason_; }
 
 private:
     std::string reason_;
 };
 
-/// Writes a file from its beginning. When that fails, what was there is lost.
+/// What becomes of the other names (hard links) of a file that is replaced.
+enum class OtherNames {
+    keepOld, ///< they keep the old content, and the name that is written gets a file of its own
+    /// They get the new content: the file is written over, once the new content is on the disk beside it. So is one whose owner
+    /// another file could not have.
+    getNew
+};
+
+/// Makes a file, or replaces it, so that at any moment the old content or the new one is there as a whole, even when the machine
+/// stops. A symbolic link stays, and what it leads to is replaced. Permissions stay, and so does the owner where the system allows
+/// it. The new content is first written to a file of its own in the same folder, `.NAME.` and six characters. Where the old file
+/// is written over, it is that one that is whole until the end.
+/// Throws WriteFailure; the old content is still there then, and nothing beside it. When a file could not be written over to its
+/// end, the message says where the new content is.
+void writeWhole(const std::string& path, std::string_view content,
+                OtherNames others = OtherNames::keepOld);
+
+/// The same for a name that may also lead to a pipe or a device, which is written into.
 /// Throws WriteFailure.
 void writeFile(const std::string& path, std::string_view content);
 
-/// Makes a file, or replaces it, so that at any moment the old content or the new one is there as a whole, even when the machine
-/// stops. The new content is first written to PATH.new.
-/// Throws WriteFailure; the old content is still there then.
-void writeWhole(const std::string& path, std::string_view content);
-
-/// Replaces the content of a file that exists, so that whoever reads it sees the old one or the new one. The permissions stay, and
-/// a link still leads to its file.
-/// Throws WriteFailure; the old content is still there then, and nothing beside it.
-void replaceAtomically(const std::string& path, std::string_view content);
+/// Whether writeWhole() has a chance: a file may be made in the folder, and what is there is a file that may be written.
+/// Throws WriteFailure when not. Ensures: nothing changed.
+void checkPlace(const std::string& path);
 
 } // namespace text

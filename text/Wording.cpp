@@ -1,5 +1,8 @@
 #include "text/Wording.h"
 
+#include "text/Diagnostic.h"
+
+#include <algorithm>
 #include <charconv>
 #include <limits>
 
@@ -15,6 +18,12 @@ std::string joined(const std::vector<std::string>& items, std::string_view last)
         text += items[i];
     }
     return text;
+}
+
+std::string twoDigits(unsigned char byte)
+{
+    static constexpr char digits[] = "0123456789abcdef";
+    return {digits[byte >> 4U], digits[byte & 0xfU]};
 }
 
 std::string shownTo(int digits, double number)
@@ -81,6 +90,26 @@ std::string listed(const std::vector<std::string>& items)
 std::string alternatives(const std::vector<std::string>& items)
 {
     return joined(items, " or ");
+}
+
+std::string printable(std::string_view text)
+{
+    std::string shown;
+    for (std::size_t i = 0; i < text.size();) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const std::size_t length = std::max<std::size_t>(utf8Length(text.substr(i)), 1);
+        const bool isC0 = (byte < 0x20 && byte != '\n' && byte != '\t') || byte == 0x7F;
+        const bool isC1Byte = length == 1 && byte >= 0x80 && byte < 0xA0;
+        if (isC0 || isC1Byte) {
+            shown += "\\x" + twoDigits(byte);
+        } else if (length == 2 && byte == 0xC2 && static_cast<unsigned char>(text[i + 1]) < 0xA0) {
+            shown += "\\u00" + twoDigits(static_cast<unsigned char>(text[i + 1]));
+        } else {
+            shown += text.substr(i, length);
+        }
+        i += length;
+    }
+    return shown;
 }
 
 } // namespace text

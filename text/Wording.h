@@ -16,6 +16,9 @@ std::string shown(double number);
 std::string shownAbove(double number, double limit);
 /// The digits in groups of three: 1234567 is "1,234,567".
 std::string grouped(std::uint64_t number);
+/// The text with its control characters, C0 and C1, as `\x1b` and `\u009b`: what a terminal would obey is shown. Line ends and
+/// tabs stay.
+std::string printable(std::string_view text);
 /// "1 gate", "2 gates", "1,000 gates". The plural of the noun takes an s.
 std::string counted(std::uint64_t number, std::string_view noun);
 /// What stands for the items that are left out of a long list of N.

@@ -1,4 +1,5 @@
 // Runs that stop, orderly or not, and go on from their checkpoint.
+#include "plant/Fingerprint.h"
 #include "tests/app/Program.h"
 #include "tests/reference/Random.h"
 #include "tests/support/Sanitized.h"
@@ -197,9 +198,69 @@ TEST_F(Checkpoints, WithAnotherOutputAreRefused)
 {
     writeTelemetry(12);
     ASSERT_EQ(runProgram(withCheckpoint()).status, 0);
-    std::ofstream(path("answer")) << "short\n";
+    const std::string whole = content(path("answer"));
+    std::string other = whole;
+    other[whole.size() / 2] ^= 1;
+    const std::string length = std::to_string(whole.size());
+    const std::string expected = "\n  expected: the output of the run that is resumed\n"
+                                 "  hint: the file is left as it is\n";
+    for (const auto& [text, what] :
+         {std::pair(std::string("short\n"), "has 6 bytes, but " + length +
+                                                " had been written when the checkpoint was made"),
+          {other, "its first " + length +
+                      " bytes are not those that had been written when the checkpoint was made"}}) {
+        std::ofstream(path("answer"), std::ios::binary) << text;
+        const ProgramRun run = runProgram(withCheckpoint());
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.err, path("answer") + ": " + what + expected);
+        EXPECT_EQ(content(path("answer")), text);
+    }
+}
+
+TEST_F(Checkpoints, WithAnOutputThatIsNotThereAreRefused)
+{
+    writeTelemetry(12);
+    ASSERT_EQ(runProgram(withCheckpoint()).status, 0);
+    fs::remove(path("answer"));
     const ProgramRun run = runProgram(withCheckpoint());
     EXPECT_EQ(run.status, 2);
-    EXPECT_THAT(run.err, HasSubstr("had been written when the checkpoint was made"));
-    EXPECT_EQ(content(path("answer")), "short\n");
+    EXPECT_THAT(run.err, HasSubstr("has 0 bytes, but"));
+    EXPECT_FALSE(fs::exists(path("answer")));
+}
+
+TEST_F(Checkpoints, OfARunThatPrintedDoNotEmptyAFile)
+{
+    writeTelemetry(12);
+    ASSERT_EQ(runProgram(arguments({"--checkpoint", path("memory")})).status, 0);
+    std::ofstream(path("answer")) << "precious\n";
+    const ProgramRun run = runProgram(withCheckpoint());
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.err,
+              path("answer") +
+                  ": has 9 bytes, but the run that is resumed had written nothing to a file\n"
+                  "  expected: the output of the run that is resumed\n"
+                  "  hint: the file is left as it is\n");
+    EXPECT_EQ(content(path("answer")), "precious\n");
+}
+
+TEST_F(Checkpoints, WithoutADigestAreStillRead)
+{
+    writeTelemetry(12);
+    ASSERT_EQ(runProgram(withCheckpoint()).status, 0);
+    const std::string whole = content(path("memory"));
+    nlohmann::json body = nlohmann::json::parse(whole.substr(whole.find('\n') + 1));
+    ASSERT_EQ(body.erase("outputDigest"), 1U);
+    const std::string text = body.dump();
+    std::ofstream(path("memory"), std::ios::binary)
+        << nlohmann::json{{"format", "itms-checkpoint"},
+                          {"v", 2},
+                          {"bytes", text.size()},
+                          {"hash", plant::fingerprint(text)}}
+               .dump()
+        << "\n"
+        << text;
+    writeTelemetry(40);
+    ASSERT_EQ(runProgram(withCheckpoint()).status, 0);
+    EXPECT_EQ(content(path("answer")), uninterrupted());
+    EXPECT_THAT(content(path("memory")), HasSubstr("outputDigest"));
 }

@@ -178,5 +178,6 @@ TEST_P(Signals, EndALongSearchAndSaySo)
     EXPECT_THAT(run.out, HasSubstr("\"complete\":false,\"limit\":\"interrupted\""));
 }
 
-INSTANTIATE_TEST_SUITE_P(, Signals, testing::Values(SIGINT, SIGTERM),
-                         [](const auto& given) { return given.param == SIGINT ? "Int" : "Term"; });
+INSTANTIATE_TEST_SUITE_P(, Signals, testing::Values(SIGINT, SIGTERM, SIGHUP), [](const auto& given) {
+    return given.param == SIGINT ? "Int" : given.param == SIGTERM ? "Term" : "Hup";
+});

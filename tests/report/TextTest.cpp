@@ -63,3 +63,16 @@ TEST(Text, ColoursOnlyWhenOn)
     EXPECT_EQ(Colours(true).red("text"), "\x1b[1;31mtext\x1b[0m");
     EXPECT_EQ(Colours(true).bold(""), "");
 }
+
+TEST(Text, ShowsControlCharactersBesideItsColours)
+{
+    const std::string name = "a\x1b[2Jb\x1b"
+                             "c\x1b[31";
+    const std::string shown = "a\\x1b[2Jb\\x1b"
+                              "c\\x1b[31";
+    EXPECT_EQ(Colours(false).printable(name), shown);
+    for (const Colours& colours : {Colours(true), Colours(false)}) {
+        EXPECT_EQ(colours.printable(colours.red(name) + "\n"), colours.red(shown) + "\n");
+    }
+    EXPECT_EQ(Colours(false).printable("\x1b[31m"), "\\x1b[31m");
+}

@@ -7,6 +7,7 @@
 namespace {
 
 using text::enumerated;
+using text::printable;
 using text::Rest;
 
 TEST(Wording, GroupsDigitsByThree)
@@ -63,6 +64,18 @@ TEST(Wording, EnumeratesTheFirstOfALongList)
     EXPECT_EQ(enumerated({"a", "b", "c"}, 2), "a, b, ...");
     EXPECT_EQ(enumerated({"a", "b", "c"}, 2, Rest::more), "a, b and 1 more");
     EXPECT_EQ(enumerated({"a", "b", "c"}, 2, Rest::total), "a, b, ... (3 in all)");
+}
+
+TEST(Wording, ShowsControlCharacters)
+{
+    EXPECT_EQ(printable("caf\u00e9 \u4e16\n\tx"), "caf\u00e9 \u4e16\n\tx");
+    EXPECT_EQ(printable("a\x1b[31mb\x7f\r"), "a\\x1b[31mb\\x7f\\x0d");
+    EXPECT_EQ(printable(std::string_view("\0", 1)), "\\x00");
+    EXPECT_EQ(printable("\u0080\u009b\u00a0"), "\\u0080\\u009b\u00a0");
+    EXPECT_EQ(printable("\x9b"
+                        "31m\xe9\xc2"),
+              "\\x9b"
+              "31m\xe9\xc2");
 }
 
 } // namespace
