@@ -34,9 +34,8 @@ AgreeingLabels agreeing(const Plant& plant, const StepLabels& labels)
     const std::vector<AtomIndex> observations = labels.observations();
     const std::vector<AtomIndex> assumptions = labels.assumptions();
     StepLabels alone = labels;
-    alone.take(assumptions,
-               {observations.begin(),
-                observations.begin() + static_cast<std::ptrdiff_t>(labels.inputs())});
+    alone.take(assumptions, {observations.begin(),
+                             observations.begin() + static_cast<std::ptrdiff_t>(labels.inputs())});
     if (!alone.contradicted().empty()) {
         alone.take(assumptions, {});
     }

@@ -2,6 +2,9 @@
 // outcomes, and Bayes' rule gives what is left of the hypotheses after each.
 #include "monitor/why/Measurement.h"
 
+#include "monitor/labels/Completion.h"
+#include "monitor/labels/Counting.h"
+#include "monitor/labels/OpenGroups.h"
 #include "plant/Names.h"
 
 #include <algorithm>
@@ -33,53 +36,90 @@ Outcome outcomeOf(const std::vector<double>& weights)
 // What a hypothesis predicts of variables.
 class Predictor {
 public:
-    explicit Predictor(const Hypothesis& hypothesis)
-        : labels_(hypothesis.labels.prediction()), consistent_(hypothesis.labels.consistent())
+    Predictor(const Plant& plant, const Hypothesis& hypothesis)
+        : plant_(plant), labels_(hypothesis.labels.prediction()),
+          consistent_(hypothesis.labels.consistent()), open_(plant, labels_),
+          unread_(unread(hypothesis.labels)), openUnread_(plant, unread_)
     {
+        const std::vector<AtomIndex> observations = hypothesis.labels.observations();
+        for (std::size_t i = hypothesis.labels.inputs(); i < observations.size(); ++i) {
+            read_.insert(plant.variableOf(observations[i]));
+        }
     }
 
-    // The probability of each value, in the variable's order. Of values that are left open, those are not counted that lead
-    // to a contradiction.
-    std::vector<double> values(const PlantVariable& variable)
+    // How probable each value is together with what was read, compared with that alone; in the variable's order.
+    std::vector<double> values(VariableIndex index)
     {
+        const PlantVariable& variable = plant_.variable(index);
         std::vector<double> probabilities(variable.values.size(), 0.0);
-        if (const auto known = labels_.valueOf(variable)) {
-            const auto place = std::find(variable.values.begin(), variable.values.end(), *known);
-            probabilities[static_cast<std::size_t>(place - variable.values.begin())] = 1.0;
-            return probabilities;
+        std::vector<std::size_t> possible;
+        for (std::size_t i = 0; i < variable.values.size(); ++i) {
+            if (fits(index, variable.values[i])) {
+                possible.push_back(i);
+            }
         }
-        std::vector<std::size_t> open = openValues(variable, consistent_);
-        if (open.empty()) {
-            open = openValues(variable, false);
+        if (possible.empty()) { // of a hypothesis that contradicts the laws
+            for (std::size_t i = 0; i < variable.values.size(); ++i) {
+                possible.push_back(i);
+            }
         }
-        for (const std::size_t place : open) {
-            probabilities[place] = 1.0 / static_cast<double>(open.size());
+        const double each = possible.size() > 1 ? ofEach(index, possible.size()) : 1.0;
+        for (const std::size_t place : possible) {
+            probabilities[place] = each;
         }
         return probabilities;
     }
 
 private:
-    std::vector<std::size_t> openValues(const PlantVariable& variable, bool tried)
+    static Prediction unread(StepLabels labels)
     {
-        std::vector<std::size_t> open;
-        for (std::size_t i = 0; i < variable.values.size(); ++i) {
-            if (!labels_.isKnown(variable.values[i]) && (!tried || fits(variable.values[i]))) {
-                open.push_back(i);
-            }
+        const std::vector<AtomIndex> assumptions = labels.assumptions();
+        std::vector<AtomIndex> inputs = labels.observations();
+        inputs.resize(labels.inputs());
+        if (labels.consistent() && !assumptions.empty()) {
+            labels.take(assumptions, inputs, inputs.size());
         }
-        return open;
+        return labels.prediction();
     }
 
-    bool fits(AtomIndex value)
+    bool fits(VariableIndex index, AtomIndex value)
     {
+        if (labels_.isKnown(value) || !consistent_) {
+            return labels_.label(value) != Label::isFalse;
+        }
         const std::size_t mark = labels_.mark();
-        const bool possible = labels_.assume(value) && labels_.propagate();
+        const bool possible =
+            labels_.assume(value) && labels_.propagate() &&
+            complete(plant_, labels_, open_.connected(index), [this](VariableIndex variable) {
+                return plant_.variable(variable).values;
+            }) != Completion::impossible;
         labels_.undo(mark);
         return possible;
     }
 
+    // With the variable, the readings of what hangs together with it have more combinations than without.
+    double ofEach(VariableIndex index, std::size_t possible)
+    {
+        std::vector<VariableIndex> together;
+        for (const VariableIndex other : openUnread_.connected(index)) {
+            if (read_.contains(other)) {
+                together.push_back(other);
+            }
+        }
+        const std::optional<double> without = countCombinations(plant_, unread_, together);
+        together.push_back(index);
+        const std::optional<double> with = countCombinations(plant_, unread_, together);
+        return without && with && *with > 0.0 ? *without / *with
+                                              : 1.0 / static_cast<double>(possible);
+    }
+
+    const Plant& plant_;
     Prediction labels_;
     bool consistent_;
+    OpenVariables open_;
+    Prediction unread_; ///< the labels without readings, but for inputs
+    OpenVariables openUnread_;
+    std::set<VariableIndex> read_;
 };
 
 // Equal but for the last bits.
@@ -93,7 +133,7 @@ public:
     Advisor(const Plant& plant, const TrackAnswer& answer) : plant_(plant), answer_(answer)
     {
         for (const HypothesisPointer& hypothesis : answer.hypotheses) {
-            predictors_.emplace_back(*hypothesis);
+            predictors_.emplace_back(plant, *hypothesis);
         }
     }
 
@@ -105,7 +145,7 @@ public:
         const PlantVariable& variable = plant_.variable(index);
         std::vector<std::vector<double>> predicted;
         for (Predictor& predictor : predictors_) {
-            predicted.push_back(predictor.values(variable));
+            predicted.push_back(predictor.values(index));
         }
         if (std::adjacent_find(predicted.begin(), predicted.end(), std::not_equal_to<>()) ==
             predicted.end()) {
@@ -122,6 +162,13 @@ public:
             }
             Outcome& outcome = rated.outcomes.emplace_back(outcomeOf(weights));
             outcome.value = variable.values[value];
+        }
+        double sum = 0.0;
+        for (const Outcome& outcome : rated.outcomes) {
+            sum += outcome.probability;
+        }
+        for (Outcome& outcome : rated.outcomes) {
+            outcome.probability /= sum;
             rated.expectedEntropy += outcome.probability * outcome.entropy;
         }
         std::stable_sort(rated.outcomes.begin(), rated.outcomes.end(),

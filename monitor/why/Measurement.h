@@ -1,13 +1,18 @@
 // Which variable to measure next: the one after which least is expected to stay in doubt.
 //
 // Let the kept hypotheses h have the probabilities P(h), and let each predict the value a of a variable with P(a | h): 1 for
-// the value that it has there, 0 for any other, and where it leaves k values open 1/k for each. Then
+// the value that it has there, 0 for any that it rules out, and where it leaves several open N/M for each of these. N is the number of
+// combinations of the values of what was read, M that of what was read and the variable together: the hypothesis is as probable then as
+// it would be had the value been read with the others (monitor/labels/StepLabels.h). With nothing read that is 1/k for k values. Then
 //
 //     Z(a) = sum over h of P(h) P(a | h)        P(h | a) = P(h) P(a | h) / Z(a)
+//
+// the Z(a) scaled to add up to 1, and
+//
 //     expected entropy = sum over a of Z(a) * (- sum over h of P(h | a) ln P(h | a))
 //
-// "Diagnosing multiple faults", Artificial Intelligence 32, 1987, where a hypothesis is a candidate. The expected entropy is
-// never more than the entropy of the hypotheses now; the difference is what the measurement is expected to tell.
+// "Diagnosing multiple faults", Artificial Intelligence 32, 1987, where a hypothesis is a candidate. The difference
+// to the entropy of the hypotheses now is what the measurement is expected to tell.
 #pragma once
 
 #include "monitor/track/Tracker.h"

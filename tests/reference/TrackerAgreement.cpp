@@ -239,7 +239,8 @@ Agreement compareTracker(const WatchedOptions& options, std::uint64_t firstSeed,
     return result;
 }
 
-BestAgreement compareBest(const WatchedOptions& options, std::uint64_t firstSeed, int seeds, int steps)
+BestAgreement compareBest(const WatchedOptions& options, std::uint64_t firstSeed, int seeds,
+                          int steps)
 {
     const MutedTrace muted;
     BestAgreement result;

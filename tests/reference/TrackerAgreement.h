@@ -22,15 +22,16 @@ struct Agreement {
 
 /// What comparing the most probable modes gave.
 struct BestAgreement {
-    int steps = 0; ///< that were compared
-    int several = 0; ///< of these, those at which several modes are possible
-    int faulty = 0;  ///< of these, those of which the most probable modes have a fault
-    int differing = 0; ///< steps at which others are the most probable ones
+    int steps = 0;       ///< that were compared
+    int several = 0;     ///< of these, those at which several modes are possible
+    int faulty = 0;      ///< of these, those of which the most probable modes have a fault
+    int differing = 0;   ///< steps at which others are the most probable ones
     std::string example; ///< the first one; empty where there is none
 };
 
 /// The same with the tracker as it is when nothing is asked for.
-BestAgreement compareBest(const WatchedOptions& options, std::uint64_t firstSeed, int seeds, int steps);
+BestAgreement compareBest(const WatchedOptions& options, std::uint64_t firstSeed, int seeds,
+                          int steps);
 
 /// Plants of these seeds, each watched for so many steps, or until one that the filter finds inconsistent. The tracker keeps and follows everything.
 Agreement compareTracker(const WatchedOptions& options, std::uint64_t firstSeed, int seeds,

@@ -86,7 +86,8 @@ private:
         part.request = builder_.variable(part.comp, "request", VariableKind::command,
                                          {{"none"}, {"on"}, {"off"}});
         if (random_.chance(options_.lostPercent)) {
-            plant_.lost[part.request] = sixtyFourths(random_.between(1, 16));
+            plant_.lost[part.request] =
+                sixtyFourths(random_.between(1, 16)) / (options_.rareFaults ? 16.0 : 1.0);
         }
         part.out = condition(part.comp, "out", 3, true, options_.initialValues);
         for (std::size_t i = 0; i < modes.size(); ++i) {

@@ -31,7 +31,7 @@ struct WatchedOptions {
     bool disjunctiveGuards = false; ///< guards have several alternatives
     bool lawsByCases = false;       ///< a condition that follows in some modes by cases only
     bool readingsInTime = false;    ///< readings are expected to stay what they are
-    bool rareFaults = false;  ///< faults are rare, and in runs modes deviate rarely
+    bool rareFaults = false; ///< faults and losses are rare, and in runs modes deviate rarely
     bool supply = false; ///< an open condition on which the flow depends; its reading is an input
 };
 

@@ -35,8 +35,7 @@ protected:
             active_ = model_.activate();
         }
         monitor::StepLabels labels(*active_->plant);
-        labels.take({active_->index(mode)}, input(*active_, {}, observations).observations,
-                    inputs);
+        labels.take({active_->index(mode)}, input(*active_, {}, observations).observations, inputs);
         return agreeing(*active_->plant, labels);
     }
     Names leftOut(const Names& observations, const std::string& mode = "m.mode=ok")

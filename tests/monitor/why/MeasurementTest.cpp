@@ -16,7 +16,7 @@ using Names = std::vector<std::string>;
 class MeasurementTest : public testing::Test {
 protected:
     // A hypothesis of a probability, made of what it assumes.
-    void believe(double probability, const Names& assumed)
+    void believe(double probability, const Names& assumed, const Names& read = {})
     {
         if (!active_) active_ = model_.activate();
         std::vector<plant::AtomIndex> assumptions;
@@ -32,7 +32,7 @@ protected:
                                  {},
                                  {},
                                  {}};
-        made.labels.take(assumptions, {});
+        made.labels.take(assumptions, input(*active_, {}, read).observations);
         answer_.hypotheses.push_back(std::make_shared<const monitor::Hypothesis>(std::move(made)));
         answer_.probabilities.push_back(probability);
     }
@@ -64,6 +64,38 @@ protected:
     std::unique_ptr<ActivePlant> active_;
     monitor::TrackAnswer answer_;
 };
+
+TEST_F(MeasurementTest, CountsTheValuesThatLawsLeaveOpen)
+{
+    model_.mode("m.mode", {"ok", "bad!"});
+    model_.condition("x.v", {"a", "b", "c"});
+    model_.law("!m.mode=bad | x.v=b | x.v=c");
+    believe(0.5, {"m.mode=ok"});
+    believe(0.5, {"m.mode=bad"});
+    const monitor::Advice advice = advise();
+    ASSERT_EQ(advice.measurements.size(), 1U);
+    for (const monitor::Outcome& outcome : advice.measurements.front().outcomes) {
+        const bool isA = id(outcome) == "x.v=a";
+        EXPECT_NEAR(outcome.probability, isA ? 1.0 / 6 : 5.0 / 12, 1e-12);
+        EXPECT_NEAR(outcome.hypotheses[1], isA ? 0.0 : 3.0 / 5, 1e-12);
+    }
+}
+
+// Where it is bad x and y are not both 1. That x is 0 has 1/2 of two values; with y read as well each has 1/3.
+TEST_F(MeasurementTest, LeavesTheProbabilitiesThatTheReadingTogetherWithTheOthersWould)
+{
+    model_.mode("m.mode", {"ok", "bad!"});
+    model_.condition("x.v", {"0", "1"});
+    model_.condition("y.v", {"0", "1"});
+    model_.law("!m.mode=bad | x.v=0 | y.v=0");
+    believe(0.5, {"m.mode=ok"}, {"x.v=0"});
+    believe(0.5, {"m.mode=bad"}, {"x.v=0"});
+    const monitor::Advice advice = advise({"x.v=0"});
+    ASSERT_EQ(advice.measurements.size(), 1U);
+    for (const monitor::Outcome& outcome : advice.measurements.front().outcomes) {
+        EXPECT_NEAR(outcome.hypotheses[1], (2.0 / 3) / (2.0 / 3 + 1.0 / 2), 1e-12);
+    }
+}
 
 TEST_F(MeasurementTest, LeavesNoDoubtWhereEveryHypothesisPredictsAnotherValue)
 {
