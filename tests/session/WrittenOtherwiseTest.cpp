@@ -20,6 +20,8 @@ using written::Rewriting;
 using written::Rewritten;
 using written::Said;
 
+constexpr int mostPlants = underSanitizers ? 100 : 1000;
+
 // Nothing is dropped, and nothing too long ago or too improbable.
 const session::Settings wide{.maxRank = 100, .keep = 100'000, .lookBack = 1000, .search = nullptr};
 const session::Settings usual{};
@@ -188,7 +190,7 @@ private:
 
 const Comparisons& comparisons()
 {
-    static const Comparisons made(fewerUnderSanitizers(1000));
+    static const Comparisons made(mostPlants);
     return made;
 }
 
@@ -200,7 +202,7 @@ TEST_P(WrittenOtherwise, IsTheSamePlant)
     EXPECT_EQ(result.differing, 0)
         << result.differing << " of " << result.plants << " plants, the first is\n"
         << result.first;
-    EXPECT_GT(result.plants, fewerUnderSanitizers(300));
+    EXPECT_GT(result.plants, mostPlants / 4);
 }
 
 INSTANTIATE_TEST_SUITE_P(Plant, WrittenOtherwise, testing::ValuesIn(ways),
@@ -210,7 +212,7 @@ INSTANTIATE_TEST_SUITE_P(Plant, WrittenOtherwise, testing::ValuesIn(ways),
 TEST(WrittenOtherwisePlants, HaveFaultsAndLeaveDoubt)
 {
     const Figures& figures = comparisons().figures();
-    EXPECT_GT(figures.steps, fewerUnderSanitizers(6000));
+    EXPECT_GT(figures.steps, 6 * mostPlants);
     EXPECT_GT(figures.faulty, figures.steps / 4);
     EXPECT_GT(figures.doubtful, figures.steps / 12);
     EXPECT_EQ(figures.cut, 0);

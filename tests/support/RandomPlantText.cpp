@@ -218,7 +218,7 @@ private:
             }
             changes.push_back(fault);
         }
-        if (random_.chance(30)) {
+        if (random_.chance(options_.repairPercent)) {
             Change repair{
                 "repair", {bad.front()}, commanded ? "off" : "on", {}, probability(500, 3000)};
             if (commanded && random_.chance(50)) repair.guard = is("go", "stop");
