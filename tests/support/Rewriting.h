@@ -55,6 +55,8 @@ Rewritten withOtherNames(const PlantText& plant, Random& random);
 Rewritten withOpenSpare(const PlantText& plant, Random& random);
 /// A component has one more condition, whose value a law gives.
 Rewritten withFixedSpare(const PlantText& plant, Random& random);
+/// A component has one more condition, which is always the same as another one and stands for it in half of the laws.
+Rewritten withACopy(const PlantText& plant, Random& random);
 /// Some parts are parts of a part that holds nothing else.
 Rewritten wrapped(const PlantText& plant, Random& random);
 
