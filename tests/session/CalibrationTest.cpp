@@ -1,5 +1,5 @@
-// Whether what is said with probability p happens with frequency p. Plants live by the probabilities of their models, with faults made
-// frequent enough to happen, and are followed with the usual settings.
+// Whether what is said with probability p happens with frequency p. Plants live by the probabilities of their models, with faults
+// made frequent enough to happen, and are followed with the usual settings.
 #include "tests/session/DrawnFollower.h"
 #include "tests/support/RandomPlantText.h"
 #include "tests/support/Sanitized.h"

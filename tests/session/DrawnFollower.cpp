@@ -1,6 +1,7 @@
 #include "tests/session/DrawnFollower.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 
 using plant::AtomIndex;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <iterator>
 #include <set>
 
 namespace written {
