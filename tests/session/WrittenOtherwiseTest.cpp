@@ -1,0 +1,222 @@
+// A plant that is written in another way is the same plant: whatever is seen, the same is said of it. Random plants, each followed
+// over a few steps as it is written at first and in all other ways: with nothing cut, and every third plant with the usual settings
+// as well. That is done once, plant by plant, for all tests.
+#include "language/Reader.h"
+#include "language/json/ModelJson.h"
+#include "tests/session/FollowedText.h"
+#include "tests/support/RandomPlantText.h"
+#include "tests/support/Sanitized.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+#include <optional>
+
+namespace {
+
+using written::Exclusions;
+using written::PlantText;
+using written::Rewriting;
+using written::Rewritten;
+using written::Said;
+
+constexpr int mostPlants = underSanitizers ? 100 : 1000;
+
+// Nothing is dropped, and nothing too long ago or too improbable.
+const session::Settings wide{.maxRank = 100, .keep = 100'000, .lookBack = 1000, .search = nullptr};
+const session::Settings usual{};
+
+/// A way of writing, and what of it is compared.
+struct Way {
+    const char* name;
+    Rewriting rewrite;
+    /// Only plants whose guards read commands alone. The twin of a plant takes one of two readings that contradict it together; which
+    /// one depends on the order of names, and a guard may read what follows from it.
+    bool guardsReadCommandsOnly = false;
+    /// Without going back, and up to the first step that nothing explains. Where readings contradict one another, the one that comes
+    /// first decides on what the contradiction rests, and so which earlier deviations are tried; and which reading is called
+    /// unexplained.
+    bool changesWhichReadingIsFirst = false;
+};
+
+Rewritten json(const PlantText& plant, Random&)
+{
+    return {language::modelJson(language::readModelText("plant.itms", written::text(plant)))};
+}
+
+const std::vector<Way> ways{
+    {"InAnotherOrder", written::permuted},
+    {"WithTheValuesInAnotherOrder", written::valuesPermuted},
+    {"WithReadingsInAnotherOrder", written::bindingsPermuted, false, true},
+    {"AsContrapositives", written::contrapositive},
+    {"InSeveralLaws", written::split},
+    {"AsClauses", written::asClauses},
+    {"WithLawsThatFollowFromTheOthers", written::withConsequences},
+    {"WithSetsSpelledOut", written::spelledOut},
+    {"ByTheValuesThatThereAreNot", written::asExclusions(Exclusions::thatPropagate)},
+    {"WithGuardsByTheValuesThatThereAreNot", written::guardsTurned},
+    {"WithOtherNames", written::withOtherNames, true, false},
+    {"WithAConditionThatNothingMentions", written::withOpenSpare},
+    {"WithAConditionThatALawFixes", written::withFixedSpare},
+    {"WithAConditionThatIsAnother", written::withACopy},
+    {"WithPartsInFurtherParts", written::wrapped},
+    {"AsJson", json},
+};
+
+/// A plant, and what is seen of it.
+struct Subject {
+    std::uint64_t seed;
+    PlantText plant;
+    std::string text;
+    std::vector<written::SeenStep> steps;
+
+    language::ReadResult read() const { return language::readModelText("plant.itms", text); }
+};
+
+// None where the laws contradict one another.
+std::optional<Subject> makeSubject(std::uint64_t seed)
+{
+    Random random(seed);
+    Subject subject{seed, written::randomPlantText(random), {}, {}};
+    subject.text = written::text(subject.plant);
+    const language::ReadResult read = subject.read();
+    if (read.model) {
+        subject.steps = written::simulatedSteps(read, random.between(5, 8), random);
+    }
+    return subject.steps.empty() ? std::nullopt : std::optional(std::move(subject));
+}
+
+/// Of one way of writing, over all plants.
+struct Comparison {
+    int plants = 0;
+    int differing = 0;
+    std::string first; ///< difference, with the plant and what was seen
+};
+
+/// What the plants were like as they were written at first, with nothing cut.
+struct Figures {
+    int steps = 0;
+    int faulty = 0;   ///< steps at which something may be wrong
+    int doubtful = 0; ///< at which there are several hypotheses
+    int cut = 0;      ///< at which something was dropped, or estimated
+};
+
+class Comparisons {
+public:
+    explicit Comparisons(int plants)
+    {
+        int made = 0;
+        for (std::uint64_t seed = 0; made < plants; ++seed) {
+            if (const std::optional<Subject> subject = makeSubject(seed)) {
+                compare(*subject, wide, true);
+                if (made++ % 3 == 0) compare(*subject, usual, false);
+            }
+        }
+    }
+
+    const Comparison& of(const Way& way) const { return ofWays_.at(way.name); }
+    const Figures& figures() const { return figures_; }
+
+private:
+    void compare(const Subject& subject, const session::Settings& settings, bool counts)
+    {
+        session::Settings notBack = settings;
+        notBack.lookBack = 0;
+        const std::vector<Said> said = written::followed(subject.read(), subject.steps, settings);
+        const std::vector<Said> saidNotBack =
+            written::followed(subject.read(), subject.steps, notBack);
+        if (counts) count(said);
+        for (const Way& way : ways) {
+            if (way.guardsReadCommandsOnly && written::guardsReadConditions(subject.plant))
+                continue;
+            if (way.changesWhichReadingIsFirst) {
+                compare(subject, way, notBack, saidNotBack);
+            } else {
+                compare(subject, way, settings, said);
+            }
+        }
+    }
+
+    void compare(const Subject& subject, const Way& way, const session::Settings& settings,
+                 const std::vector<Said>& before)
+    {
+        Comparison& result = ofWays_[way.name];
+        ++result.plants;
+        Random random(subject.seed);
+        const Rewritten other = way.rewrite(subject.plant, random);
+        language::ReadResult read = other.text.starts_with('{')
+                                        ? language::readModelJson("plant.json", other.text)
+                                        : language::readModelText("plant.itms", other.text);
+        if (!read.model) {
+            note(subject, other, read.errors.front().format(), result);
+            return;
+        }
+        const std::vector<Said> after =
+            written::followed(std::move(read), subject.steps, settings, other.names);
+        for (std::size_t i = 0; i < before.size(); ++i) {
+            const Said expected = written::renamed(before[i], other.names);
+            const bool last = way.changesWhichReadingIsFirst && expected.status == "inconsistent";
+            if (last && after[i].status == expected.status) return;
+            const std::string difference = written::difference(expected, after[i]);
+            if (!difference.empty()) {
+                note(subject, other, fmt::format("step {}:\n{}", i + 1, difference), result);
+                return;
+            }
+        }
+    }
+
+    static void note(const Subject& subject, const Rewritten& other, const std::string& difference,
+                     Comparison& result)
+    {
+        if (result.differing++ == 0) {
+            result.first = fmt::format(
+                "seed {}, {}\n{}\n{}\n{}\n", subject.seed, difference, subject.text, other.text,
+                fmt::join(written::telemetryLines(subject.steps, other.names), "\n"));
+        }
+    }
+
+    void count(const std::vector<Said>& steps)
+    {
+        for (const Said& said : steps) {
+            ++figures_.steps;
+            figures_.faulty += said.fault > 0.0 ? 1 : 0;
+            figures_.doubtful += said.hypotheses.size() > 1 ? 1 : 0;
+            figures_.cut += said.dropped > 0 || said.approximate ? 1 : 0;
+        }
+    }
+
+    std::map<std::string, Comparison> ofWays_;
+    Figures figures_;
+};
+
+const Comparisons& comparisons()
+{
+    static const Comparisons made(mostPlants);
+    return made;
+}
+
+class WrittenOtherwise : public testing::TestWithParam<Way> {};
+
+TEST_P(WrittenOtherwise, IsTheSamePlant)
+{
+    const Comparison& result = comparisons().of(GetParam());
+    EXPECT_EQ(result.differing, 0)
+        << result.differing << " of " << result.plants << " plants, the first is\n"
+        << result.first;
+    EXPECT_GT(result.plants, mostPlants / 4);
+}
+
+INSTANTIATE_TEST_SUITE_P(Plant, WrittenOtherwise, testing::ValuesIn(ways),
+                         [](const auto& one) { return one.param.name; });
+
+// Without faults and doubt the comparisons would tell nothing.
+TEST(WrittenOtherwisePlants, HaveFaultsAndLeaveDoubt)
+{
+    const Figures& figures = comparisons().figures();
+    EXPECT_GT(figures.steps, 5 * mostPlants);
+    EXPECT_GT(figures.faulty, figures.steps / 4);
+    EXPECT_GT(figures.doubtful, figures.steps / 12);
+    EXPECT_EQ(figures.cut, 0);
+}
+
+} // namespace
