@@ -78,11 +78,6 @@ std::string TrackingTable::rows(const StepReport& report)
         text += under + colours_.yellow("not complete") +
                 (limit.empty() ? "" : fmt::format(" (limit: {})", limit)) + "\n";
     }
-    constexpr double worthSaying = 0.005;
-    if (report.missing >= worthSaying) {
-        text += under +
-                colours_.yellow(fmt::format("up to {} is missing", percent(report.missing))) + "\n";
-    }
     if (report.approximate) {
         text += under + colours_.yellow("approximate") + "\n";
     }

@@ -1,9 +1,10 @@
-// All single deviations of the past steps are listed with an estimate of the weight of the way that they begin, and tried from the
+// All single deviations of the past steps, beside what deviated there already, are listed with an estimate of the weight of the way that they begin, and tried from the
 // best one on. A try replays the steps since by prediction. A step that is not as predicted may be searched, and each of its
 // explanations is followed in turn; or the way is taken up again with one deviation more, of those on which the contradiction rests.
 #include "monitor/track/LookBack.h"
 
 #include "monitor/step/Budget.h"
+#include "monitor/track/Relevance.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,77 +13,24 @@ namespace monitor {
 
 namespace {
 
-/// One deviation at a past step.
+/// What explained a past step, so far.
+struct Deviated {
+    Deviations deviations; ///< sorted; none: it was as expected
+    std::vector<AtomIndex> lost;
+    auto operator<=>(const Deviated&) const = default;
+};
+
+/// One deviation at a past step, beside what deviated there already.
 struct Alternative {
-    std::size_t step;   ///< index in the past
-    std::size_t parent; ///< place among what was believed before it
-    Deviations deviations;
+    std::size_t step;       ///< index in the past
+    std::size_t parent;     ///< place among what was believed before it
+    VariableIndex variable; ///< that deviates; -1: a lost command
+    Deviations deviations;  ///< all of them, sorted
     std::vector<LossyCommand> lost;
     /// What the parent's weight would be with the deviation in place of what is predicted; the rest of the steps is taken
     /// to be as probable.
     double estimate;
 };
-
-// The atoms, other than commands and values of the variable itself, on which transitions of a mode variable depend.
-std::vector<AtomIndex> guardAtoms(const Plant& plant, VariableIndex index)
-{
-    std::vector<AtomIndex> atoms;
-    for (const AtomIndex from : plant.variable(index).values) {
-        for (const PlantChange& change : plant.changesFrom(from)) {
-            for (const PlantChange::Alternative& alternative : change.alternatives) {
-                for (const PlantLiteral& literal : alternative.literals) {
-                    if (!plant.variable(plant.variableOf(literal.atom)).isCommand) {
-                        atoms.push_back(literal.atom);
-                    }
-                }
-            }
-        }
-    }
-    return atoms;
-}
-
-// The mode variables on which it rests that a step contradicts these hypotheses, directly or through what the transitions of the
-// step and of earlier ones depended on.
-std::vector<bool> relevantVariables(const Successors& successors, const Plant& plant,
-                                    const std::vector<const Hypothesis*>& contradicted,
-                                    const std::vector<const Hypothesis*>& earlier,
-                                    const TrackInput& present)
-{
-    std::vector<bool> relevant(plant.variables().size(), false);
-    std::vector<VariableIndex> open;
-    const auto reach = [&](VariableIndex variable) {
-        if (!relevant[static_cast<std::size_t>(variable)]) {
-            relevant[static_cast<std::size_t>(variable)] = true;
-            open.push_back(variable);
-        }
-    };
-    for (const Hypothesis* hypothesis : contradicted) {
-        const StepFrame frame = successors.frame(*hypothesis, present, {});
-        const Scenario scenario(frame, {});
-        std::vector<Conflict> conflicts = scenario.conflicts();
-        if (conflicts.empty()) {
-            conflicts.push_back(conflictByCases(scenario).value_or(Conflict()));
-        }
-        for (const Conflict& conflict : conflicts) {
-            std::for_each(conflict.begin(), conflict.end(), reach);
-        }
-    }
-    while (!open.empty()) {
-        const std::vector<AtomIndex> atoms = guardAtoms(plant, open.back());
-        open.pop_back();
-        if (atoms.empty()) {
-            continue;
-        }
-        const auto reachThrough = [&](const Hypothesis* hypothesis) {
-            const StepLabels labels = hypothesis->labels.afresh();
-            const auto modes = labels.prediction().environment(atoms);
-            std::for_each(modes.begin(), modes.end(), reach);
-        };
-        std::for_each(contradicted.begin(), contradicted.end(), reachThrough);
-        std::for_each(earlier.begin(), earlier.end(), reachThrough);
-    }
-    return relevant;
-}
 
 /// A way, and the step at which it deviated last: others that deviate there or later may join it.
 struct Trail {
@@ -96,8 +44,9 @@ struct Trail {
 class LookBack {
 public:
     LookBack(Successors& successors, const Plant& plant, const std::deque<PastStep>& past,
-             const TrackInput& present, const LookBackSettings& settings)
-        : successors_(successors), plant_(plant), past_(past), present_(present),
+             const std::vector<HypothesisPointer>& now, const TrackInput& present,
+             const LookBackSettings& settings)
+        : successors_(successors), plant_(plant), past_(past), now_(now), present_(present),
           settings_(settings), budget_(settings.limits)
     {
     }
@@ -118,7 +67,7 @@ public:
     }
 
 private:
-    std::vector<Alternative> alternatives(const std::vector<bool>& relevant) const
+    std::vector<Alternative> alternatives(const std::vector<bool>& relevant)
     {
         std::vector<Alternative> all;
         for (std::size_t step = past_.size(); step-- > 0;) {
@@ -135,31 +84,113 @@ private:
     }
 
     void addAlternatives(std::size_t step, std::size_t place, const std::vector<bool>& relevant,
-                         std::vector<Alternative>& all) const
+                         std::vector<Alternative>& all)
     {
         const Hypothesis& parent = *past_[step].before[place];
         const TrackInput& input = past_[step].input;
-        const int budget = successors_.faultsLeft(parent, input, settings_.maxFaults);
-        const StepFrame frame = successors_.frame(parent, input, {});
+        for (const Deviated& base : deviatedAt(step)) {
+            const std::vector<LossyCommand> lost = lossesOf(base, input);
+            const StepFrame frame = successors_.frame(parent, input, lost);
+            Alternative start{step, place, -1, base.deviations, lost, parent.logWeight};
+            int budget = successors_.faultsLeft(parent, input, settings_.maxFaults) -
+                         static_cast<int>(lost.size());
+            for (const LossyCommand& command : lost) {
+                start.estimate += logOdds(command.probability);
+            }
+            bool possible = true;
+            for (const AtomIndex value : base.deviations) {
+                const ModeStep& mode = frame.stepOf(plant_.variableOf(value));
+                const ModeOption* option = mode.option(value);
+                possible = possible && option && value != mode.predicted;
+                if (possible) {
+                    start.estimate += logChange(mode, *option);
+                    budget -= option->fault ? 1 : 0;
+                }
+            }
+            if (possible) {
+                addAlternatives(start, frame, budget, relevant, all);
+            }
+        }
+    }
+
+    void addAlternatives(const Alternative& start, const StepFrame& frame, int budget,
+                         const std::vector<bool>& relevant, std::vector<Alternative>& all) const
+    {
         for (const ModeStep& mode : frame.modes) {
-            if (!relevant[static_cast<std::size_t>(mode.variable)]) {
+            const bool deviates =
+                std::any_of(start.deviations.begin(), start.deviations.end(), [&](AtomIndex value) {
+                    return plant_.variableOf(value) == mode.variable;
+                });
+            if (deviates || !relevant[static_cast<std::size_t>(mode.variable)]) {
                 continue;
             }
-            const double predicted = std::log(mode.option(mode.predicted)->probability);
             for (const ModeOption& option : mode.options) {
                 if (option.value != mode.predicted && budget >= (option.fault ? 1 : 0)) {
-                    const double change = std::log(option.probability) - predicted;
-                    all.push_back({step, place, {option.value}, {}, parent.logWeight + change});
+                    Alternative& made = all.emplace_back(start);
+                    made.variable = mode.variable;
+                    made.deviations.push_back(option.value);
+                    std::sort(made.deviations.begin(), made.deviations.end());
+                    made.estimate += logChange(mode, option);
                 }
             }
         }
-        for (const LossyCommand& command : input.lossy) {
-            if (budget >= 1) {
-                const double change =
-                    std::log(command.probability) - std::log(1.0 - command.probability);
-                all.push_back({step, place, {}, {command}, parent.logWeight + change});
+        for (const LossyCommand& command : past_[start.step].input.lossy) {
+            const bool isLost =
+                std::any_of(start.lost.begin(), start.lost.end(),
+                            [&](const LossyCommand& lost) { return lost.given == command.given; });
+            // What deviates is told from what is expected when the command arrives.
+            if (!isLost && budget >= 1 && start.deviations.empty()) {
+                Alternative& made = all.emplace_back(start);
+                made.lost.push_back(command);
+                made.estimate += logOdds(command.probability);
             }
         }
+    }
+
+    static double logOdds(double probability)
+    {
+        return std::log(probability) - std::log(1.0 - probability);
+    }
+    static double logChange(const ModeStep& mode, const ModeOption& option)
+    {
+        return std::log(option.probability) - std::log(mode.option(mode.predicted)->probability);
+    }
+
+    // In what ways the hypotheses that are believed came through a past step; as expected among them.
+    const std::set<Deviated>& deviatedAt(std::size_t step)
+    {
+        const auto [known, isNew] = deviated_.try_emplace(step);
+        if (isNew) {
+            known->second.insert(Deviated());
+            const std::vector<HypothesisPointer>& after =
+                step + 1 < past_.size() ? past_[step + 1].before : now_;
+            for (const Passage& passage : past_[step].passages) {
+                Deviated came{{}, passage.lost};
+                const StepFrame frame =
+                    successors_.frame(*past_[step].before[passage.from], past_[step].input,
+                                      lossesOf(came, past_[step].input));
+                for (std::size_t i = 0; i < frame.modes.size(); ++i) {
+                    const AtomIndex value = after[passage.to]->modes[i];
+                    if (value != frame.modes[i].predicted) {
+                        came.deviations.push_back(value);
+                    }
+                }
+                std::sort(came.deviations.begin(), came.deviations.end());
+                known->second.insert(std::move(came));
+            }
+        }
+        return known->second;
+    }
+
+    static std::vector<LossyCommand> lossesOf(const Deviated& came, const TrackInput& input)
+    {
+        std::vector<LossyCommand> lost;
+        std::copy_if(input.lossy.begin(), input.lossy.end(), std::back_inserter(lost),
+                     [&](const LossyCommand& command) {
+                         return std::find(came.lost.begin(), came.lost.end(), command.given) !=
+                                came.lost.end();
+                     });
+        return lost;
     }
 
     // What its weight was scaled by at its step and since. The estimate takes what came since to be as probable as can be.
@@ -180,12 +211,9 @@ private:
                                           alternative.deviations, alternative.lost);
         if (made) {
             made->logWeight -= step.logScale;
-            const VariableIndex variable = alternative.deviations.empty()
-                                               ? VariableIndex{-1}
-                                               : plant_.variableOf(alternative.deviations.front());
             follow({{alternative.step, alternative.parent, {std::move(*made)}},
                     alternative.step,
-                    variable,
+                    alternative.variable,
                     alternative.deviations,
                     alternative.lost});
         }
@@ -202,6 +230,9 @@ private:
             budget_.spendRecord();
             Hypothesis made = successors_.predicted(way.back(), input);
             if (!successors_.explains(made)) {
+                if (next < past_.size()) {
+                    followOthers(trail, next);
+                }
                 switch (settings_.otherwise) {
                 case Otherwise::givenUp: break;
                 case Otherwise::searched: fork(trail, input, scale); break;
@@ -214,6 +245,29 @@ private:
         }
         budget_.spendCandidate();
         result_.found.push_back(std::move(trail.replay));
+    }
+
+    // Takes a past step in the other ways in which hypotheses came through it.
+    void followOthers(const Trail& trail, std::size_t step)
+    {
+        const PastStep& past = past_[step];
+        for (const Deviated& came : deviatedAt(step)) {
+            if (came == Deviated() || exhausted()) {
+                continue;
+            }
+            const std::vector<LossyCommand> lost = lossesOf(came, past.input);
+            budget_.spendRecord();
+            auto made =
+                successors_.deviating(trail.replay.way.back(), past.input, came.deviations, lost);
+            if (made && made->faultCount() <= settings_.maxFaults) {
+                made->logWeight -= past.logScale;
+                Trail longer = trail;
+                longer.replay.way.push_back(std::move(*made));
+                longer.step = step;
+                longer.variable = static_cast<VariableIndex>(plant_.variables().size());
+                follow(std::move(longer));
+            }
+        }
     }
 
     void fork(const Trail& trail, const TrackInput& input, double scale)
@@ -246,7 +300,7 @@ private:
             earlier.push_back(&hypothesis);
         }
         const std::vector<bool> relevant =
-            relevantVariables(successors_, plant_, {&way.back()}, earlier, contradicting);
+            variablesAgainst(successors_, plant_, {&way.back()}, earlier, contradicting);
         for (std::size_t step = trail.step; step < trail.replay.begin + way.size(); ++step) {
             combineAt(trail, step, relevant);
         }
@@ -306,10 +360,12 @@ private:
     Successors& successors_;
     const Plant& plant_;
     const std::deque<PastStep>& past_;
+    const std::vector<HypothesisPointer>& now_;
     const TrackInput& present_;
     const LookBackSettings& settings_;
     Budget budget_;
     LookBackResult result_;
+    std::map<std::size_t, std::set<Deviated>> deviated_; ///< by index of the past step
 };
 
 } // namespace
@@ -330,9 +386,9 @@ LookBackResult lookBack(Successors& successors, const Plant& plant,
                 earlier.push_back(hypothesis.get());
             }
         }
-        relevant = relevantVariables(successors, plant, contradicted, earlier, present);
+        relevant = variablesAgainst(successors, plant, contradicted, earlier, present);
     }
-    return LookBack(successors, plant, past, present, settings).run(relevant);
+    return LookBack(successors, plant, past, now, present, settings).run(relevant);
 }
 
 } // namespace monitor

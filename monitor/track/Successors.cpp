@@ -2,7 +2,6 @@
 // smaller one, with a part of its lost commands and of its deviations, was found before.
 #include "monitor/track/Successors.h"
 
-#include "monitor/labels/Agreeing.h"
 #include "monitor/labels/Completion.h"
 #include "monitor/step/Budget.h"
 #include "monitor/step/EngineExplanations.h"
@@ -206,13 +205,7 @@ std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const Track
     made.labels.take(assumptions, frame.observations, frame.inputs);
     made.modes.assign(assumptions.begin() + static_cast<std::ptrdiff_t>(frame.commands.size()),
                       assumptions.end());
-    if (despite == Contradictions::areWeighed) {
-        AgreeingLabels agreed = agreeing(plant_, made.labels);
-        made.labels = std::move(agreed.labels);
-        made.unexplained = std::move(agreed.leftOut);
-    } else {
-        made.unexplained = made.labels.contradicted();
-    }
+    made.unexplained = made.labels.contradicted();
     const bool counts = made.explains() || despite == Contradictions::areWeighed;
     const auto weighed =
         weigh(frame, deviations, counts ? takeReadings(made, parent, frame, input) : 0.0);

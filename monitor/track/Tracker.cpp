@@ -3,6 +3,7 @@
 // those that are kept and scaled to probabilities that add up to 1 (keep).
 #include "monitor/track/Tracker.h"
 
+#include "monitor/labels/CaseRefutation.h"
 #include "monitor/step/Budget.h"
 
 #include <algorithm>
@@ -234,10 +235,23 @@ private:
                     StepLabels(tracker_.plant_, concludedFrom(tracker_.plant_, hypothesis.modes));
             }
             if (hypothesis.unexplained.empty()) {
-                hypothesis.unexplained = input_.values.observations; // modes contradict the laws
+                hypothesis.unexplained = refutedByCases(hypothesis);
             }
             add(std::move(hypothesis), i);
         }
+    }
+
+    // The readings of which trying values shows that they contradict the modes; all, where the modes contradict the laws anyway.
+    std::vector<AtomIndex> refutedByCases(const Hypothesis& hypothesis) const
+    {
+        const auto refutation =
+            refuteByCases(tracker_.plant_, hypothesis.labels.prediction());
+        std::vector<AtomIndex> readings;
+        std::copy_if(input_.values.observations.begin(), input_.values.observations.end(),
+                     std::back_inserter(readings), [&](AtomIndex observed) {
+                         return refutation && refutation->assumed.contains(observed);
+                     });
+        return readings.empty() ? input_.values.observations : readings;
     }
 
     // One hypothesis for those that have the same future; the most probable way stays, of nearly equal ones the first: that is

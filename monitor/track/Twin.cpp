@@ -1,12 +1,22 @@
-// Readings tell the twin what its modes leave open, such as what is fed into the plant; those that contradict it are the plant's own.
+// Readings tell the twin what its modes leave open, such as what is fed into the plant; one that contradicts it is the plant's own.
 // Where a mode may well do this or that, such as where it is not known whether a guard holds, the twin does what the plant did.
 #include "monitor/track/Twin.h"
 
-#include "monitor/labels/Agreeing.h"
+#include <algorithm>
 
 namespace monitor {
 
 namespace {
+
+// Inputs, then the others by variable: which one is taken first matters where two contradict one another.
+std::vector<AtomIndex> inFixedOrder(const StepInput& input)
+{
+    std::vector<AtomIndex> observations = input.observations;
+    const auto inputs = observations.begin() + static_cast<std::ptrdiff_t>(input.inputs);
+    std::sort(observations.begin(), inputs);
+    std::sort(inputs, observations.end());
+    return observations;
+}
 
 StepLabels labelsOf(const Plant& plant, const StepLabels& before,
                     const std::vector<AtomIndex>& modes, const StepInput& input)
@@ -14,11 +24,8 @@ StepLabels labelsOf(const Plant& plant, const StepLabels& before,
     std::vector<AtomIndex> assumptions = input.commands;
     assumptions.insert(assumptions.end(), modes.begin(), modes.end());
     StepLabels labels = before;
-    labels.take(assumptions, input.observations, input.inputs);
-    if (!labels.consistent()) {
-        return StepLabels(plant, concludedFrom(plant, modes));
-    }
-    return labels.contradicted().empty() ? labels : agreeing(plant, labels).labels;
+    labels.take(assumptions, inFixedOrder(input), input.inputs);
+    return labels.consistent() ? labels : StepLabels(plant, concludedFrom(plant, modes));
 }
 
 } // namespace

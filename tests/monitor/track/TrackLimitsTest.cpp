@@ -170,8 +170,8 @@ TEST_F(TrackLimits, AreNamedWhereTheyCutASearchOfAReplay)
         SCOPED_TRACE(most);
         settings_.limits.maxRecords = most;
         tracker_.reset();
-        step(first, {"w.request=none"});
-        step(second, {"w.request=open"});
+        step(first, {"w.request=none", "v.request=none"});
+        step(second, {"w.request=open", "v.request=none"});
         if (tracker_->answer().complete) {
             EXPECT_EQ(tracker_->answer().hypotheses.size(), 2u);
             ++found;
