@@ -64,19 +64,23 @@ RunState runFromJson(const Json& json)
                                   path, name.size() == 1 ? "-" : "--", name, then, now));
 }
 
-} // namespace
-
-RunCheckpoint::RunCheckpoint(std::string path, const TrackOptions& options, TrackRun& run)
-    : path_(std::move(path)), options_(options), run_(run)
+text::LockFile lockedPlace(const std::string& path)
 {
     try {
-        text::checkPlace(path_);
-        lock_.emplace(lockOf(path_));
+        text::checkPlace(path);
+        return text::LockFile(RunCheckpoint::lockOf(path));
     } catch (const text::WriteFailure& failure) {
         throw FileFailure(
             fmt::format("{}\n  expected: a place for the checkpoint\n", failure.what()));
     }
-    if (lock_->holder()) refuseFileInUse(path_, *lock_->holder(), "--checkpoint");
+}
+
+} // namespace
+
+RunCheckpoint::RunCheckpoint(std::string path, const TrackOptions& options, TrackRun& run)
+    : path_(std::move(path)), options_(options), run_(run), lock_(lockedPlace(path_))
+{
+    if (lock_.holder()) refuseFileInUse(path_, *lock_.holder(), "--checkpoint");
 }
 
 std::string RunCheckpoint::lockOf(const std::string& path)

@@ -46,7 +46,7 @@ private:
     std::string path_;
     const TrackOptions& options_;
     TrackRun& run_;
-    std::optional<text::LockFile> lock_;
+    text::LockFile lock_;
 };
 
 } // namespace app

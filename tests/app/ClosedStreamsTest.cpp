@@ -33,13 +33,16 @@ TEST_F(ClosedStreams, ATraceThatGoesNowhereIsAnError)
     }
 }
 
-TEST_F(ClosedStreams, AClosedStandardErrorIsNoFile)
+TEST_F(ClosedStreams, NoFileTakesThePlaceOfStandardError)
 {
     write("bad.jsonl", "{\"t\": oh}\n");
-    EXPECT_EQ(shell("itms run pipe.itms bad.jsonl -o answer 2>&-"), "[2]\n");
-    EXPECT_EQ(shell("itms run pipe.itms bad.jsonl --skip-bad --checkpoint memory -o answer "
-                    "<&- >&- 2>&-; cat answer"),
-              "");
+    EXPECT_EQ(shell("itms run pipe.itms - --skip-bad -o answer <bad.jsonl 2>&-; cat answer"), "");
+}
+
+TEST_F(ClosedStreams, NoFileTakesThePlaceOfStandardOutput)
+{
+    EXPECT_EQ(shell("itms simulate pipe.itms --steps 1 --truth truth >&-; cat truth"),
+              "itms simulate: cannot write to standard output: Bad file descriptor\n");
 }
 
 TEST_F(ClosedStreams, AClosedStandardInputHasNothing)

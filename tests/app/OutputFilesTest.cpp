@@ -116,19 +116,17 @@ TEST_F(OutputFiles, OfARunSayWhenThereIsNoRoom)
 {
     EXPECT_EQ(shell("ulimit -f 1; itms simulate pipe.itms | itms run pipe.itms - -o answer"),
               "answer: cannot be written: File too large\n[2]\n");
-    EXPECT_EQ(shell("ulimit -f 1; itms run pipe.itms day.jsonl --checkpoint memory -o /dev/null"),
+    EXPECT_EQ(shell("ulimit -f 1; itms run pipe.itms day.jsonl --checkpoint memory >/dev/null"),
               "memory: cannot be written: File too large\n[2]\n");
     EXPECT_THAT(names(), ElementsAre("answer", "day.jsonl", "pipe.itms"));
 }
 
-TEST_F(OutputFiles, MayBeAPipeOrADevice)
+TEST_F(OutputFiles, MayBeAPipe)
 {
     EXPECT_EQ(shell("itms export pipe.itms -o /dev/stdout | cmp - <(itms export pipe.itms)"), "");
     EXPECT_EQ(
         shell("itms export pipe.itms -o >(cat >copy); wait $!; itms export pipe.itms | cmp - copy"),
         "");
-    EXPECT_EQ(shell("itms export pipe.itms -o /dev/full"),
-              "/dev/full: cannot be written: No space left on device\n[2]\n");
 }
 
 TEST_F(OutputFiles, BelongToOneRunAtATime)
@@ -191,8 +189,8 @@ TEST_F(OutputFiles, ThePlaceOfACheckpointIsLookedAtFirst)
               "none/memory: cannot be written: No such file or directory" + expected);
     EXPECT_EQ(shell(run + "day.jsonl/memory"),
               "day.jsonl/memory: cannot be written: Not a directory" + expected);
-    EXPECT_EQ(shell(run + "/dev/null"),
-              "/dev/null: cannot be written: Not a regular file" + expected);
+    ASSERT_EQ(shell("mkfifo pipe"), ""); // a device of the machine is not put at risk
+    EXPECT_EQ(shell(run + "pipe"), "pipe: cannot be written: Not a regular file" + expected);
 }
 
 TEST_F(OutputFiles, OfACheckpointKeepTheirRightsAndLinks)
