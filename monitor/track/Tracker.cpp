@@ -244,8 +244,7 @@ private:
     // The readings of which trying values shows that they contradict the modes; all, where the modes contradict the laws anyway.
     std::vector<AtomIndex> refutedByCases(const Hypothesis& hypothesis) const
     {
-        const auto refutation =
-            refuteByCases(tracker_.plant_, hypothesis.labels.prediction());
+        const auto refutation = refuteByCases(tracker_.plant_, hypothesis.labels.prediction());
         std::vector<AtomIndex> readings;
         std::copy_if(input_.values.observations.begin(), input_.values.observations.end(),
                      std::back_inserter(readings), [&](AtomIndex observed) {
