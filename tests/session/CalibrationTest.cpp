@@ -74,13 +74,9 @@ TEST(Calibration, OfTheAdder)
     expectCalibrated("circuits/full-adder.itms", 0.25, atMost(600));
 }
 
-// Nothing is repaired: a repair is not looked for as long as the fault that it ends explains what is read. And guards read commands
-// only: one that reads a condition which the plant leaves open is taken not to hold, whatever it is.
 TEST(Calibration, OfRandomPlantsWithInputsThatPersist)
 {
     written::PlantTextOptions options;
-    options.guardsReadConditions = false;
-    options.repairPercent = 0;
     options.observedPercent = 100;
     options.inputPercent = 100;
     options.rarestFault = 10;

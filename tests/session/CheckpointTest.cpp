@@ -122,9 +122,10 @@ TEST(SessionCheckpoint, HasLimitsThatAreNoneAsZero)
     session::Settings settings;
     settings.limits = {};
     ExampleRun run(waterModel, waterTelemetry, settings);
-    EXPECT_THAT(run.session().checkpoint().text,
-                HasSubstr(R"("settings":{"keep":8,"look-back":10,"max-rank":3,"max-records":0,)"
-                          R"("max-seconds":0.0})"));
+    EXPECT_THAT(
+        run.session().checkpoint().text,
+        HasSubstr(R"("settings":{"follow":0.05,"keep":8,"look-back":10,"max-rank":3,"max-records":0,)"
+                  R"("max-seconds":0.0})"));
 }
 
 } // namespace

@@ -101,18 +101,22 @@ void DrawnFollower::compare(const report::StepReport& report)
         components.insert(mode.variable.substr(0, mode.variable.rfind('.')));
         values.insert(mode.variable + '=' + mode.value);
     }
-    if (report.fault == 0.0) {
+    if (report.fault <= report.silent) {
         ++outcome_.sound;
         outcome_.silent += components.empty() ? 0 : 1;
     } else {
         outcome_.fault.add(report.fault, !components.empty());
     }
     for (const auto& [component, probability] : report.components) {
-        outcome_.components.add(probability, components.contains(component));
+        if (probability > report.silent) {
+            outcome_.components.add(probability, components.contains(component));
+        }
     }
     for (const auto& [variable, ofValues] : report.marginals) {
         for (const auto& [value, probability] : ofValues) {
-            outcome_.values.add(probability, values.contains(variable + '=' + value));
+            if (probability > report.silent) {
+                outcome_.values.add(probability, values.contains(variable + '=' + value));
+            }
         }
     }
 }

@@ -17,8 +17,9 @@ struct Outcome {
     int steps = 0;
     int impossible = 0; ///< runs that came to where the monitor takes what happened to be impossible
     int inconsistent = 0; ///< steps
-    /// How often it was said for certain that nothing is wrong, and how often of these something was. Faults are looked for when
-    /// something contradicts what is believed: as long as one does not show, nothing is said of it.
+    /// How often it was said that something is wrong with no more probability than there are faults that do not show, and how often of
+    /// these something was. Faults are looked for when something contradicts what is believed: as long as one does not show, nothing
+    /// is said of it, so statements that are no more probable than that are counted here only.
     int sound = 0;
     int silent = 0;
 };
