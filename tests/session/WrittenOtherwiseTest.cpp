@@ -37,7 +37,8 @@ struct Way {
     /// in several ways, what comes first decides on what the contradiction rests, and so which earlier deviations are tried; and
     /// which reading is called unexplained.
     bool changesWhatIsFoundFirst = false;
-    /// Without `since`: of histories that are equally probable the one is told that comes first by name.
+    /// Without `since`, and with nothing cut only: of histories that are equally probable the one is told that comes first by name, and of
+    /// hypotheses the same one is kept.
     bool changesTheOrderOfNames = false;
 };
 
@@ -135,17 +136,19 @@ public:
     const Figures& figures() const { return figures_; }
 
 private:
-    void compare(const Subject& subject, const session::Settings& settings, bool counts)
+    void compare(const Subject& subject, const session::Settings& settings, bool nothingIsCut)
     {
         session::Settings notBack = settings;
         notBack.lookBack = 0;
         const std::vector<Said> said = written::followed(subject.read(), subject.steps, settings);
         const std::vector<Said> saidNotBack =
             written::followed(subject.read(), subject.steps, notBack);
-        if (counts) count(said);
+        if (nothingIsCut) count(said);
         for (const Way& way : ways) {
-            if (way.guardsReadCommandsOnly && written::guardsReadConditions(subject.plant))
+            if ((way.guardsReadCommandsOnly && written::guardsReadConditions(subject.plant)) ||
+                (way.changesTheOrderOfNames && !nothingIsCut)) {
                 continue;
+            }
             if (way.changesWhatIsFoundFirst) {
                 compare(subject, way, notBack, saidNotBack);
             } else {
