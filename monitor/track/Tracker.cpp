@@ -112,8 +112,8 @@ private:
             } else {
                 answer_.contradicted.push_back(i);
             }
-            const bool isFollowed = followProbable(i) || explains;
-            predicted_ += isFollowed ? std::exp(parent->logWeight) : 0.0;
+            const double followed = followProbable(i);
+            predicted_ += std::exp(parent->logWeight) * (explains ? 1.0 : followed);
             if (parent->isFaulty() && tracker_.settings_.follow <= 1.0) {
                 for (Hypothesis& recovered : tracker_.successors_.recovered(*parent, input_)) {
                     budget_.spendRecord();
@@ -133,20 +133,25 @@ private:
             0, tracker_.successors_.faultsLeft(parent, input_, tracker_.settings_.maxFaults));
     }
 
-    // What is probable beside what is expected. False when nothing of it explains the step.
-    bool followProbable(std::size_t place)
+    // What is probable beside what is expected. Returns how probable the step is by what of it explains the step.
+    double followProbable(std::size_t place)
     {
         const Hypothesis& parent = *answer_.before[place];
         const double least =
             triesEverything() ? 0.0 : tracker_.settings_.follow / std::exp(parent.logWeight);
         if (least > 1.0) {
-            return false;
+            return 0.0;
         }
         const std::size_t most =
             tracker_.settings_.keep * (triesEverything() ? tryingEverything : 1);
         SuccessorSearch others = tracker_.successors_.probable(
             parent, input_, least, faultsLeft(parent), most, budget_.remaining());
-        return takeAll(std::move(others), place);
+        double sum = 0.0;
+        for (const Hypothesis& other : others.found) {
+            sum += std::exp(other.logStep);
+        }
+        takeAll(std::move(others), place);
+        return sum;
     }
 
     void search(std::size_t place)
@@ -156,7 +161,7 @@ private:
                 place);
     }
 
-    bool takeAll(SuccessorSearch search, std::size_t place)
+    void takeAll(SuccessorSearch search, std::size_t place)
     {
         note(search.complete, search.limit, search.work);
         if (!search.complete) {
@@ -165,7 +170,6 @@ private:
         for (Hypothesis& hypothesis : search.found) {
             add(std::move(hypothesis), place);
         }
-        return !search.found.empty();
     }
 
     // What becomes of a kept hypothesis at this step.
