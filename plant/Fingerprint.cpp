@@ -2,6 +2,7 @@
 
 #include "model/StateFormula.h"
 #include "model/Transition.h"
+#include "text/Digest.h"
 
 #include <bit>
 #include <cstdint>
@@ -14,32 +15,22 @@ class Hash {
 public:
     void add(std::string_view text)
     {
-        for (const char c : text) {
-            value_ = (value_ ^ static_cast<unsigned char>(c)) * prime;
-        }
-        value_ = (value_ ^ 0xffU) * prime; // no byte of UTF-8: where the text ends
+        digest_.add(text);
+        digest_.add("\xff"); // no byte of UTF-8: where the text ends
     }
     void add(std::uint64_t number)
     {
         for (int shift = 0; shift < 64; shift += 8) {
-            value_ = (value_ ^ ((number >> shift) & 0xffU)) * prime;
+            const char byte = static_cast<char>((number >> shift) & 0xffU);
+            digest_.add({&byte, 1});
         }
     }
     void add(double number) { add(std::bit_cast<std::uint64_t>(number)); }
 
-    std::string text() const
-    {
-        static constexpr char digits[] = "0123456789abcdef";
-        std::string text;
-        for (int shift = 60; shift >= 0; shift -= 4) {
-            text += digits[(value_ >> shift) & 0xfU];
-        }
-        return text;
-    }
+    std::string text() const { return digest_.hex(); }
 
 private:
-    static constexpr std::uint64_t prime = 1099511628211U;
-    std::uint64_t value_ = 14695981039346656037U;
+    text::Digest digest_;
 };
 
 std::uint64_t number(std::size_t count)

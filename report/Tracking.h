@@ -43,8 +43,7 @@ struct StepReport {
     std::vector<TrackedExplanation> explanations; ///< most probable first
     std::size_t dropped = 0;                      ///< hypotheses beyond those that are kept
     double missing = 0.0; ///< upper bound of the probability of what was given up, 0..1
-    double silent =
-        0.0; ///< upper bound of that of a fault within the look-back that is in no explanation, 0..1
+    double silent = 0.0;  ///< the same of a fault of the last steps that has not shown, 0..1
     bool wentBack = false;
     Marginals marginals;
     double fault = 0.0;                       ///< probability that some mode deviates, 0..1

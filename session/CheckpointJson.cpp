@@ -43,7 +43,8 @@ void checkSame(const Session& session, const Json& checkpoint)
     }
     const Json now = settingsJson(session.settings());
     for (const auto& [name, value] : now.items()) {
-        const Json& then = checkpoint.at("settings").at(name);
+        // One that the checkpoint does not have yet is as it is now.
+        const Json then = checkpoint.at("settings").value(name, value);
         if (then != value) throw OtherSetting(name, then.dump(), value.dump());
     }
 }

@@ -3,7 +3,6 @@
 #include "monitor/labels/GuardShares.h"
 
 #include "monitor/labels/Counting.h"
-#include "monitor/labels/OpenGroups.h"
 
 #include <algorithm>
 
@@ -106,15 +105,17 @@ double GuardShares::shareOf(const Alternatives& open, bool& exact)
 }
 
 std::vector<VariableIndex> GuardShares::connectedConditions(
-    const std::vector<VariableIndex>& variables) const
+    const std::vector<VariableIndex>& variables)
 {
-    OpenVariables open(plant_, known_);
+    if (!open_) {
+        open_.emplace(plant_, known_);
+    }
     std::vector<VariableIndex> conditions;
     for (const VariableIndex variable : variables) {
         if (plant_.variable(variable).isCommand) {
             continue;
         }
-        for (const VariableIndex other : open.connected(variable)) {
+        for (const VariableIndex other : open_->connected(variable)) {
             if (!plant_.variable(other).isCommand) {
                 conditions.push_back(other);
             }

@@ -5,9 +5,8 @@
 // unknown, `when a = x` has the share 1/3.
 #pragma once
 
-#include "monitor/labels/Prediction.h"
+#include "monitor/labels/OpenGroups.h"
 
-#include <map>
 #include <optional>
 
 namespace monitor {
@@ -47,7 +46,7 @@ private:
     double shareOf(const std::vector<const PlantChange::Alternative*>& open, bool& exact);
     double shareWithoutLaws(const std::vector<const PlantChange::Alternative*>& open) const;
     /// The conditions that are open together with these, these included; the known ones are left out.
-    std::vector<VariableIndex> connectedConditions(const std::vector<VariableIndex>& variables) const;
+    std::vector<VariableIndex> connectedConditions(const std::vector<VariableIndex>& variables);
     /// Gives the variables from this one on every combination of values. False where there are too many.
     bool count(const std::vector<VariableIndex>& variables, std::size_t next,
                const std::vector<const PlantChange::Alternative*>& open,
@@ -57,6 +56,7 @@ private:
     const Prediction& known_;
     std::vector<Label> labels_;        ///< in which guards are read
     std::optional<Prediction> trying_; ///< that of the labels before the step, with values tried
+    std::optional<OpenVariables> open_; ///< of those labels
     std::size_t tried_ = 0;
 };
 

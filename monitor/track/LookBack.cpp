@@ -1,6 +1,7 @@
-// All single deviations of the past steps, beside what deviated there already, are listed with an estimate of the weight of the way that they begin, and tried from the
-// best one on. A try replays the steps since by prediction. A step that is not as predicted may be searched, and each of its
-// explanations is followed in turn; or the way is taken up again with one deviation more, of those on which the contradiction rests.
+// All single deviations of the past steps, beside what deviated there already, are listed with an estimate of the weight of the way
+// that they begin, and tried from the best one on. A try replays the steps since by prediction. A step that is not as predicted may be
+// searched, and each of its explanations is followed in turn; or the way is taken up again with one deviation more, of those on which
+// the contradiction rests.
 #include "monitor/track/LookBack.h"
 
 #include "monitor/step/Budget.h"
@@ -274,7 +275,8 @@ private:
     {
         const Hypothesis& last = trail.replay.way.back();
         SuccessorSearch search =
-            successors_.search(last, input, successors_.faultsLeft(last, input, settings_.maxFaults),
+            successors_.search(successors_.prospect(last, input),
+                               successors_.faultsLeft(last, input, settings_.maxFaults),
                                budget_.remaining());
         search.work.candidates = 0; // those that can be followed to the present count
         budget_.spend(search.work);

@@ -103,12 +103,6 @@ void updateFaults(Hypothesis& made, const StepFrame& frame, const Deviations& de
     made.faults = std::move(kept);
 }
 
-// Of what can happen at the step but what is predicted.
-double logOfOthers(const StepFrame& expected, const TrackInput& input)
-{
-    return std::log(-std::expm1(std::min(0.0, logPredicted(expected) + logArrivals(input, {}))));
-}
-
 // All sets of lossy commands of a size, each in the order of the commands.
 std::vector<std::vector<LossyCommand>> lostSets(const std::vector<LossyCommand>& lossy,
                                                 std::size_t size)
@@ -228,10 +222,15 @@ std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const Track
     return made;
 }
 
-Hypothesis Successors::predicted(const Hypothesis& parent, const TrackInput& input,
-                                 Contradictions despite) const
+Hypothesis Successors::predicted(const Prospect& prospect, Contradictions despite) const
 {
-    return *make(parent, input, frame(parent, input, {}), {}, {}, despite);
+    return *make(prospect.parent, prospect.input, prospect.frame, {}, {}, despite);
+}
+
+double Successors::logOthers(const Prospect& prospect) const
+{
+    const double log = logPredicted(prospect.frame) + logArrivals(prospect.input, {});
+    return std::log(-std::expm1(std::min(0.0, log)));
 }
 
 bool Successors::explains(const Hypothesis& predicted) const
@@ -250,18 +249,18 @@ std::optional<Hypothesis> Successors::deviating(const Hypothesis& parent, const 
     return made && explains(*made) ? made : std::nullopt;
 }
 
-SuccessorSearch Successors::probable(const Hypothesis& parent, const TrackInput& input,
-                                     double leastRatio, int faultBudget, std::size_t most,
-                                     const SearchLimits& limits) const
+SuccessorSearch Successors::probable(const Prospect& prospect, double leastRatio, int faultBudget,
+                                     std::size_t most, const SearchLimits& limits) const
 {
+    const Hypothesis& parent = prospect.parent;
+    const TrackInput& input = prospect.input;
     Budget budget(limits);
     SuccessorSearch result;
     const std::vector<ProbableLoss> losses =
         probableLosses(input.lossy, leastRatio, faultBudget, most);
     result.complete = losses.size() <= most;
-    result.logOthers = logOfOthers(frame(parent, input, {}), input);
     for (const ProbableLoss& loss : losses) {
-        const StepFrame tried = frame(parent, input, loss.lost);
+        const StepFrame tried = frame(prospect, loss.lost);
         const int left = faultBudget - static_cast<int>(loss.lost.size());
         ProbableDeviations others =
             probableDeviations(tried.modes, leastRatio / loss.ratio, left, most);
@@ -288,12 +287,12 @@ SuccessorSearch Successors::probable(const Hypothesis& parent, const TrackInput&
     return result;
 }
 
-std::vector<Hypothesis> Successors::recovered(const Hypothesis& parent, const TrackInput& input) const
+std::vector<Hypothesis> Successors::recovered(const Prospect& prospect) const
 {
-    const StepFrame tried = frame(parent, input, {});
     std::vector<Hypothesis> found;
-    for (const Deviations& deviations : recoveries(plant_, tried.modes)) {
-        auto made = make(parent, input, tried, deviations, {}, Contradictions::areNot);
+    for (const Deviations& deviations : recoveries(plant_, prospect.frame.modes)) {
+        auto made = make(prospect.parent, prospect.input, prospect.frame, deviations, {},
+                         Contradictions::areNot);
         if (made && explains(*made)) {
             found.push_back(std::move(*made));
         }
@@ -310,12 +309,13 @@ int Successors::faultsLeft(const Hypothesis& parent, const TrackInput& input, in
     return mostFaults - static_cast<int>(counting);
 }
 
-SuccessorSearch Successors::search(const Hypothesis& parent, const TrackInput& input,
-                                   int faultBudget, const SearchLimits& limits)
+SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
+                                   const SearchLimits& limits)
 {
+    const Hypothesis& parent = prospect.parent;
+    const TrackInput& input = prospect.input;
     Budget work(limits);
     SuccessorSearch result;
-    result.logOthers = logOfOthers(frame(parent, input, {}), input);
     std::vector<Explained> smallest;
     const auto budget = static_cast<std::size_t>(std::max(0, faultBudget));
     for (std::size_t count = 0; count <= std::min(budget, mostLostAtOnce); ++count) {
@@ -323,7 +323,7 @@ SuccessorSearch Successors::search(const Hypothesis& parent, const TrackInput& i
             if (!std::isfinite(logArrivals(input, lost))) {
                 continue;
             }
-            const StepFrame tried = frame(parent, input, lost);
+            const StepFrame tried = frame(prospect, lost);
             const Explanations explanations =
                 search_->search(tried, static_cast<int>(budget - count), work.remaining());
             const Judgement judgement = judge(tried, explanations.found);

@@ -27,9 +27,14 @@ struct SuccessorSearch {
     bool complete = true;
     SearchLimit limit = SearchLimit::none;
     SearchWork work;
-    /// Natural logarithm of a bound of the probability, given the parent, of all that can happen at the step but what is predicted:
-    /// where the search is not complete, what is missing has no more.
-    double logOthers = 0.0;
+};
+
+/// A hypothesis before a step, and what the step can do after it when every command arrives: made once, and asked several times.
+/// Hypothesis and input outlive it.
+struct Prospect {
+    const Hypothesis& parent;
+    const TrackInput& input;
+    StepFrame frame;
 };
 
 /// What the step can do after the parent, when these commands are lost.
@@ -59,8 +64,20 @@ public:
     /// contradicts that is listed as unexplained. The likelihood is that of the other observations; where something is
     /// unexplained it is left out, and so are the readings that it would remember, unless they are asked for.
     enum class Contradictions { areNot, areWeighed };
-    Hypothesis predicted(const Hypothesis& parent, const TrackInput& input,
+    Hypothesis predicted(const Prospect& prospect,
                          Contradictions despite = Contradictions::areNot) const;
+    Hypothesis predicted(const Hypothesis& parent, const TrackInput& input) const
+    {
+        return predicted(prospect(parent, input));
+    }
+    /// Costs what the plant's modes and guards cost (monitor/labels/ModeSteps.h).
+    Prospect prospect(const Hypothesis& parent, const TrackInput& input) const
+    {
+        return {parent, input, frame(parent, input, {})};
+    }
+    /// Natural logarithm of a bound of the probability of all that can happen but what is predicted: where something was not
+    /// searched to its end, what is missing has no more.
+    double logOthers(const Prospect& prospect) const;
 
     /// Whether what is predicted explains the step: nothing contradicts it, what it leaves open can have values, and it is
     /// not impossible (as where a command arrives that never does).
@@ -73,19 +90,18 @@ public:
 
     /// Whatever else is at least so probable, compared with what is most probable, and explains the observations: other modes than
     /// expected, and lost commands, with at most so many faults and losses. `most` are tried, each of which is a record.
-    SuccessorSearch probable(const Hypothesis& parent, const TrackInput& input, double leastRatio,
-                             int faultBudget, std::size_t most, const SearchLimits& limits) const;
+    SuccessorSearch probable(const Prospect& prospect, double leastRatio, int faultBudget,
+                             std::size_t most, const SearchLimits& limits) const;
 
     /// The ways in which one of the parent's faults may have ended, where that explains the observations.
-    std::vector<Hypothesis> recovered(const Hypothesis& parent, const TrackInput& input) const;
+    std::vector<Hypothesis> recovered(const Prospect& prospect) const;
 
     /// How many more faults and lost commands there may be at a step after the parent, of so many at most: those of the parent are
     /// taken off that still count then, unless the step itself ends them. May be less than 0.
     int faultsLeft(const Hypothesis& parent, const TrackInput& input, int mostFaults) const;
 
     /// The smallest explanations with at most `faultBudget` more faults and lost commands. The limits are for all of it.
-    SuccessorSearch search(const Hypothesis& parent, const TrackInput& input, int faultBudget,
-                           const SearchLimits& limits);
+    SuccessorSearch search(const Prospect& prospect, int faultBudget, const SearchLimits& limits);
 
     /// frameAfter() of this plant.
     StepFrame frame(const Hypothesis& parent, const TrackInput& input,
@@ -95,6 +111,11 @@ public:
     }
 
 private:
+    /// The prospect's frame, or, where commands are lost, that of the step without them.
+    StepFrame frame(const Prospect& prospect, const std::vector<LossyCommand>& lost) const
+    {
+        return lost.empty() ? prospect.frame : frame(prospect.parent, prospect.input, lost);
+    }
     std::optional<Hypothesis> make(const Hypothesis& parent, const TrackInput& input,
                                    const StepFrame& frame, const Deviations& deviations,
                                    const std::vector<LossyCommand>& lost,

@@ -1,5 +1,5 @@
 // A step: what becomes of each hypothesis (succeed), of earlier steps where these did not expect it (goBack), and of the
-// predictions where nothing explains it (goOn). Then one hypothesis for each assignment of modes (merge), ordered (rank), cut to
+// predictions where nothing explains it (goOn). Then one hypothesis for those that have the same future (merge), ordered (rank), cut to
 // those that are kept and scaled to probabilities that add up to 1 (keep).
 #include "monitor/track/Tracker.h"
 
@@ -105,23 +105,24 @@ private:
     {
         for (std::size_t i = 0; i < answer_.before.size(); ++i) {
             const HypothesisPointer& parent = answer_.before[i];
-            Hypothesis made = tracker_.successors_.predicted(*parent, input_);
+            const Prospect prospect = tracker_.successors_.prospect(*parent, input_);
+            Hypothesis made = tracker_.successors_.predicted(prospect);
             const bool explains = tracker_.successors_.explains(made);
             if (explains) {
                 add(std::move(made), i);
             } else {
                 answer_.contradicted.push_back(i);
             }
-            const double followed = followProbable(i);
+            const double followed = followProbable(prospect, i);
             predicted_ += std::exp(parent->logWeight) * (explains ? 1.0 : followed);
             if (parent->isFaulty() && tracker_.settings_.follow <= 1.0) {
-                for (Hypothesis& recovered : tracker_.successors_.recovered(*parent, input_)) {
+                for (Hypothesis& recovered : tracker_.successors_.recovered(prospect)) {
                     budget_.spendRecord();
                     add(std::move(recovered), i);
                 }
             }
             if (!explains && !triesEverything()) {
-                search(i);
+                search(prospect, i);
             }
         }
     }
@@ -134,9 +135,9 @@ private:
     }
 
     // What is probable beside what is expected. Returns how probable the step is by what of it explains the step.
-    double followProbable(std::size_t place)
+    double followProbable(const Prospect& prospect, std::size_t place)
     {
-        const Hypothesis& parent = *answer_.before[place];
+        const Hypothesis& parent = prospect.parent;
         const double least =
             triesEverything() ? 0.0 : tracker_.settings_.follow / std::exp(parent.logWeight);
         if (least > 1.0) {
@@ -145,27 +146,27 @@ private:
         const std::size_t most =
             tracker_.settings_.keep * (triesEverything() ? tryingEverything : 1);
         SuccessorSearch others = tracker_.successors_.probable(
-            parent, input_, least, faultsLeft(parent), most, budget_.remaining());
+            prospect, least, faultsLeft(parent), most, budget_.remaining());
         double sum = 0.0;
         for (const Hypothesis& other : others.found) {
             sum += std::exp(other.logStep);
         }
-        takeAll(std::move(others), place);
+        takeAll(std::move(others), prospect, place);
         return sum;
     }
 
-    void search(std::size_t place)
+    void search(const Prospect& prospect, std::size_t place)
     {
-        const Hypothesis& parent = *answer_.before[place];
-        takeAll(tracker_.successors_.search(parent, input_, faultsLeft(parent), budget_.remaining()),
-                place);
+        takeAll(tracker_.successors_.search(prospect, faultsLeft(prospect.parent),
+                                            budget_.remaining()),
+                prospect, place);
     }
 
-    void takeAll(SuccessorSearch search, std::size_t place)
+    void takeAll(SuccessorSearch search, const Prospect& prospect, std::size_t place)
     {
         note(search.complete, search.limit, search.work);
         if (!search.complete) {
-            giveUp(answer_.before[place]->logWeight + search.logOthers);
+            giveUp(prospect.parent.logWeight + tracker_.successors_.logOthers(prospect));
         }
         for (Hypothesis& hypothesis : search.found) {
             add(std::move(hypothesis), place);
@@ -230,7 +231,8 @@ private:
     {
         for (std::size_t i = 0; i < answer_.before.size(); ++i) {
             Hypothesis hypothesis = tracker_.successors_.predicted(
-                *answer_.before[i], input_, Successors::Contradictions::areWeighed);
+                tracker_.successors_.prospect(*answer_.before[i], input_),
+                Successors::Contradictions::areWeighed);
             if (!std::isfinite(hypothesis.logWeight)) {
                 hypothesis.logWeight = tracker_.memory_.hypotheses[i]->logWeight;
             }
@@ -347,8 +349,8 @@ private:
     void finish(double logScale)
     {
         TrackMemory& memory = tracker_.memory_;
-        logGivenUp_ = logOfSum(logGivenUp_, memory.logMissing) - logScale;
-        memory.logMissing = logGivenUp_ > logOfNothing ? logGivenUp_ : minusInfinity;
+        const double logMissing = logOfSum(logGivenUp_, memory.logMissing) - logScale;
+        memory.logMissing = logMissing > logOfNothing ? logMissing : minusInfinity;
         answer_.missing = 1.0 / (1.0 + std::exp(-memory.logMissing));
         std::set<Passage> passages;
         for (std::size_t to = 0; to < order_.size(); ++to) {

@@ -14,7 +14,6 @@
 
 namespace {
 
-using written::Exclusions;
 using written::PlantText;
 using written::Rewriting;
 using written::Rewritten;
@@ -71,7 +70,7 @@ const std::vector<Way> ways{
     {"AsClauses", written::asClauses},
     {"WithLawsThatFollowFromTheOthers", written::withConsequences},
     {"WithSetsSpelledOut", written::spelledOut},
-    {"ByTheValuesThatThereAreNot", written::asExclusions(Exclusions::all), false, true},
+    {"ByTheValuesThatThereAreNot", written::asExclusions, false, true},
     {"WithGuardsByTheValuesThatThereAreNot", written::guardsTurned},
     {"WithOtherNames", written::withOtherNames, true, true, true},
     {"WithAConditionThatNothingMentions", written::withOpenSpare},

@@ -152,24 +152,12 @@ Rewritten spelledOut(const PlantText& original, Random&)
     });
 }
 
-Rewriting asExclusions(Exclusions which)
+Rewritten asExclusions(const PlantText& plant, Random&)
 {
-    return [which](const PlantText& plant, Random&) {
-        return withLaws(plant, [&](const Body& body, const Formula& law) {
-            const auto turn = [&](const Formula& atom) {
-                return turned(plant, body, atom, Kind::isNot);
-            };
-            const auto turnOfTwo = [&](const Formula& atom) {
-                return which == Exclusions::all || isKnownEitherWay(plant, body, atom) ? turn(atom)
-                                                                                       : atom;
-            };
-            Formula result = withAtoms(law, turnOfTwo);
-            if (law.kind == Kind::follows && law.parts[1].kind == Kind::is) {
-                result.parts[1] = turn(law.parts[1]);
-            }
-            return std::vector<Formula>{result};
-        });
-    };
+    return withLaws(plant, [&](const Body& body, const Formula& law) {
+        return std::vector<Formula>{withAtoms(
+            law, [&](const Formula& atom) { return turned(plant, body, atom, Kind::isNot); })};
+    });
 }
 
 Rewritten guardsTurned(const PlantText& original, Random&)

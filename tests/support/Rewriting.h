@@ -38,13 +38,7 @@ Rewritten asClauses(const PlantText& plant, Random& random);
 /// `x in {b, c}` as `x = b | x = c` in laws and guards.
 Rewritten spelledOut(const PlantText& plant, Random& random);
 /// In laws, the values that a variable does not have instead of the one or those that it has.
-enum class Exclusions {
-    /// Of modes, of what has two values, and of what a law gives a single value. A contradiction then shows without trying values:
-    /// one that shows by trying only is not searched for its causes, and a guard that follows by trying only does not hold.
-    thatPropagate,
-    all,
-};
-Rewriting asExclusions(Exclusions which);
+Rewritten asExclusions(const PlantText& plant, Random& random);
 /// In guards, likewise; and the values that a variable may have instead of the one that it does not have.
 Rewritten guardsTurned(const PlantText& plant, Random& random);
 /// Some laws more, which follow from two of the others.
