@@ -104,8 +104,7 @@ double GuardShares::shareOf(const Alternatives& open, bool& exact)
     return exact ? counts.holding / counts.all : shareWithoutLaws(open);
 }
 
-std::vector<VariableIndex> GuardShares::connectedConditions(
-    const std::vector<VariableIndex>& variables)
+std::vector<VariableIndex> GuardShares::connectedConditions(const std::vector<VariableIndex>& variables)
 {
     if (!open_) {
         open_.emplace(plant_, known_);

@@ -54,8 +54,8 @@ private:
 
     const Plant& plant_;
     const Prediction& known_;
-    std::vector<Label> labels_;        ///< in which guards are read
-    std::optional<Prediction> trying_; ///< that of the labels before the step, with values tried
+    std::vector<Label> labels_;         ///< in which guards are read
+    std::optional<Prediction> trying_;  ///< that of the labels before the step, with values tried
     std::optional<OpenVariables> open_; ///< of those labels
     std::size_t tried_ = 0;
 };

@@ -274,10 +274,9 @@ private:
     void fork(const Trail& trail, const TrackInput& input, double scale)
     {
         const Hypothesis& last = trail.replay.way.back();
-        SuccessorSearch search =
-            successors_.search(successors_.prospect(last, input),
-                               successors_.faultsLeft(last, input, settings_.maxFaults),
-                               budget_.remaining());
+        SuccessorSearch search = successors_.search(
+            successors_.prospect(last, input),
+            successors_.faultsLeft(last, input, settings_.maxFaults), budget_.remaining());
         search.work.candidates = 0; // those that can be followed to the present count
         budget_.spend(search.work);
         budget_.meet(search.limit);

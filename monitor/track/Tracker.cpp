@@ -145,8 +145,8 @@ private:
         }
         const std::size_t most =
             tracker_.settings_.keep * (triesEverything() ? tryingEverything : 1);
-        SuccessorSearch others = tracker_.successors_.probable(
-            prospect, least, faultsLeft(parent), most, budget_.remaining());
+        SuccessorSearch others = tracker_.successors_.probable(prospect, least, faultsLeft(parent),
+                                                               most, budget_.remaining());
         double sum = 0.0;
         for (const Hypothesis& other : others.found) {
             sum += std::exp(other.logStep);
@@ -157,9 +157,9 @@ private:
 
     void search(const Prospect& prospect, std::size_t place)
     {
-        takeAll(tracker_.successors_.search(prospect, faultsLeft(prospect.parent),
-                                            budget_.remaining()),
-                prospect, place);
+        takeAll(
+            tracker_.successors_.search(prospect, faultsLeft(prospect.parent), budget_.remaining()),
+            prospect, place);
     }
 
     void takeAll(SuccessorSearch search, const Prospect& prospect, std::size_t place)
