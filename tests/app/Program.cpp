@@ -1,10 +1,13 @@
 #include "tests/app/Program.h"
 
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <poll.h>
 #include <pty.h>
@@ -153,4 +156,23 @@ std::vector<std::string> projectLines(const std::string& path)
         lines.push_back(line);
     }
     return lines;
+}
+
+std::string outputOf(const std::string& commandLine)
+{
+    std::FILE* pipe = popen(commandLine.c_str(), "r");
+    if (!pipe) return "no shell\n";
+    std::string text;
+    std::array<char, 4096> buffer{};
+    for (std::size_t got = 0; (got = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0;) {
+        text.append(buffer.data(), got);
+    }
+    const int status = pclose(pipe);
+    if (WEXITSTATUS(status) != 0) text += "[" + std::to_string(WEXITSTATUS(status)) + "]\n";
+    return text;
+}
+
+std::string programFolder()
+{
+    return std::filesystem::path(ITMS_PROGRAM).parent_path();
 }

@@ -33,3 +33,9 @@ bool runAndKill(const std::vector<std::string>& arguments, double seconds);
 
 /// The lines of a file of the project, without their ends.
 std::vector<std::string> projectLines(const std::string& path);
+
+/// What a command line prints, on standard output and error, when /bin/sh runs it; then `[STATUS]` where that is not 0.
+std::string outputOf(const std::string& commandLine);
+
+/// The folder of the program, for PATH.
+std::string programFolder();

@@ -6,32 +6,17 @@
 #include "tests/app/Program.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 namespace {
 
 std::string shell(const std::string& command)
 {
-    const std::string folder = std::filesystem::path(ITMS_PROGRAM).parent_path().string();
-    const std::string script = "cd '" ITMS_ROOT
-                               "'; unset NO_COLOR CLICOLOR CLICOLOR_FORCE; PATH='" +
-                               folder + "':$PATH; { " + command + "\n} 2>&1 </dev/null";
-    std::FILE* pipe = popen(script.c_str(), "r");
-    if (!pipe) return "no shell\n";
-    std::string text;
-    std::array<char, 4096> buffer{};
-    for (std::size_t got = 0; (got = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0;) {
-        text.append(buffer.data(), got);
-    }
-    const int status = pclose(pipe);
-    if (WEXITSTATUS(status) != 0) text += "[" + std::to_string(WEXITSTATUS(status)) + "]\n";
-    return text;
+    return outputOf("cd '" ITMS_ROOT "'; unset NO_COLOR CLICOLOR CLICOLOR_FORCE; PATH='" +
+                    programFolder() + "':$PATH; { " + command + "\n} 2>&1 </dev/null");
 }
 
 // The names of the files in tests/app/sessions.

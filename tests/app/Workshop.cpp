@@ -1,13 +1,12 @@
 #include "tests/app/Workshop.h"
 
+#include "tests/app/Program.h"
+
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
-#include <sys/wait.h>
 
 namespace fs = std::filesystem;
 
@@ -32,19 +31,10 @@ std::string Workshop::shell(const std::string& command) const
 {
     write("../" + folder_.filename().string() + ".sh", command + "\n");
     const std::string script = folder_.string() + ".sh";
-    const std::string programs = fs::path(ITMS_PROGRAM).parent_path().string();
-    const std::string line = "cd '" + folder_.string() + "' && PATH='" + programs +
+    const std::string line = "cd '" + folder_.string() + "' && PATH='" + programFolder() +
                              "':$PATH bash '" + script + "' 2>&1 </dev/null";
-    std::FILE* pipe = popen(line.c_str(), "r");
-    if (!pipe) return "no shell\n";
-    std::string text;
-    std::array<char, 4096> buffer{};
-    for (std::size_t got = 0; (got = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0;) {
-        text.append(buffer.data(), got);
-    }
-    const int status = pclose(pipe);
+    std::string text = outputOf(line);
     fs::remove(script);
-    if (WEXITSTATUS(status) != 0) text += "[" + std::to_string(WEXITSTATUS(status)) + "]\n";
     return text;
 }
 

@@ -114,9 +114,30 @@ FilterSettings filterSettings(const WatchedPlant& watched, const WatchedOptions&
     return settings;
 }
 
-// The size of the example, and its text.
-void comparePlant(const WatchedOptions& options, std::uint64_t seed, int steps, Agreement& result,
-                  std::size_t& exampleSize)
+// What both say of a step.
+struct Compared {
+    const WatchedPlant& watched;
+    int number;
+    Distribution exact;
+    Distribution tracked;
+    bool faulty; ///< the filter finds a fault more probable than none
+    const std::ostringstream& before; ///< the seed, the plant and its steps, this one included
+};
+
+// With what both say of this step.
+std::string story(const Compared& step)
+{
+    std::ostringstream out;
+    out << step.before.str();
+    write(out, "exact", step.exact);
+    write(out, "tracker", step.tracked);
+    return out.str();
+}
+
+// Shows each step of a plant, until one that the filter finds inconsistent.
+template <class See>
+void watch(const WatchedOptions& options, std::uint64_t seed, int steps,
+           const monitor::TrackSettings& settings, See&& see)
 {
     Random random(seed);
     WatchedPlant watched = makeWatchedPlant(random, options);
@@ -126,47 +147,34 @@ void comparePlant(const WatchedOptions& options, std::uint64_t seed, int steps, 
     itms engine;
     engine.rtInit();
     const plant::Plant plant(*watched.model);
-    monitor::Tracker tracker(
-        engine, plant,
-        {.maxFaults = 1000, .keep = 100000, .lookBack = 1000, .limits = {}, .follow = 0.0});
-    ++result.plants;
-    std::ostringstream story;
-    story << "seed " << seed << '\n' << watched.described();
-    bool differs = false;
+    monitor::Tracker tracker(engine, plant, settings);
+    std::ostringstream before;
+    before << "seed " << seed << '\n' << watched.described();
     for (int number = 1; number <= steps; ++number) {
         const std::optional<WatchedStep> step = run.next();
         if (!step) {
             return;
         }
+        before << "step " << number << ": " << described(*step) << '\n';
         const Distribution exact = ofFilter(filter.advance({step->commands, step->observations}));
         const Distribution tracked = ofTracker(
             plant, filter.modes(),
             tracker.advance(trackInput(plant, watched, *step, static_cast<std::size_t>(number),
                                        options.readingsInTime)));
-        story << "step " << number << ": " << described(*step) << '\n';
-        ++result.steps;
-        result.several += exact.size() > 1 ? 1 : 0;
-        result.inconsistent += exact.empty() && tracked.empty() ? 1 : 0;
-        const double difference = largestDifference(exact, tracked);
-        if (difference > tolerance) {
-            ++result.differing;
-            result.largest = std::max(result.largest, difference);
-            const std::size_t size =
-                100 * watched.model->components().size() + watched.model->laws().size() +
-                watched.model->transitions().size() + 3 * static_cast<std::size_t>(number);
-            result.differingPlants += differs ? 0 : 1;
-            if (!differs && (result.example.empty() || size < exampleSize)) {
-                exampleSize = size;
-                write(story, "exact", exact);
-                write(story, "tracker", tracked);
-                result.example = story.str();
-            }
-            differs = true;
-        }
+        const bool faulty = !exact.empty() && filter.answer().fault().value() > 0.5;
+        see(Compared{watched, number, exact, tracked, faulty, before});
         if (exact.empty()) {
             return;
         }
     }
+}
+
+// Of parts, laws, transitions and steps: the smaller, the easier to follow.
+std::size_t sizeOf(const Compared& step)
+{
+    const auto& model = *step.watched.model;
+    return 100 * model.components().size() + model.laws().size() + model.transitions().size() +
+           3 * static_cast<std::size_t>(step.number);
 }
 
 // Equal ones are as good as one another.
@@ -183,58 +191,37 @@ bool isBest(const Distribution& exact, const Distribution& tracked)
     return found != exact.end() && found->second > best(exact)->second - tolerance;
 }
 
-void compareBestOf(const WatchedOptions& options, std::uint64_t seed, int steps,
-                   BestAgreement& result)
-{
-    Random random(seed);
-    WatchedPlant watched = makeWatchedPlant(random, options);
-    ExactFilter filter(*watched.model, filterSettings(watched, options));
-    WatchedRun run(random, watched, options);
-    watched.model->activate();
-    itms engine;
-    engine.rtInit();
-    const plant::Plant plant(*watched.model);
-    monitor::Tracker tracker(engine, plant, {});
-    std::ostringstream story;
-    story << "seed " << seed << '\n' << watched.described();
-    for (int number = 1; number <= steps; ++number) {
-        const std::optional<WatchedStep> step = run.next();
-        if (!step) {
-            return;
-        }
-        const Distribution exact = ofFilter(filter.advance({step->commands, step->observations}));
-        const Distribution tracked = ofTracker(
-            plant, filter.modes(),
-            tracker.advance(trackInput(plant, watched, *step, static_cast<std::size_t>(number),
-                                       options.readingsInTime)));
-        story << "step " << number << ": " << described(*step) << '\n';
-        ++result.steps;
-        result.several += exact.size() > 1 ? 1 : 0;
-        result.faulty += !exact.empty() && filter.answer().fault().value() > 0.5 ? 1 : 0;
-        if (!isBest(exact, tracked)) {
-            ++result.differing;
-            if (result.example.empty()) {
-                write(story, "exact", exact);
-                write(story, "tracker", tracked);
-                result.example = story.str();
-            }
-        }
-        if (exact.empty()) {
-            return;
-        }
-    }
-}
-
 } // namespace
 
 Agreement compareTracker(const WatchedOptions& options, std::uint64_t firstSeed, int seeds,
                          int steps)
 {
     const MutedTrace muted;
+    const monitor::TrackSettings everything{
+        .maxFaults = 1000, .keep = 100000, .lookBack = 1000, .limits = {}, .follow = 0.0};
     Agreement result;
     std::size_t exampleSize = 0;
     for (int i = 0; i < seeds; ++i) {
-        comparePlant(options, firstSeed + static_cast<std::uint64_t>(i), steps, result, exampleSize);
+        ++result.plants;
+        bool differs = false;
+        watch(options, firstSeed + static_cast<std::uint64_t>(i), steps, everything,
+              [&](const Compared& step) {
+                  ++result.steps;
+                  result.several += step.exact.size() > 1 ? 1 : 0;
+                  result.inconsistent += step.exact.empty() && step.tracked.empty() ? 1 : 0;
+                  const double difference = largestDifference(step.exact, step.tracked);
+                  if (difference <= tolerance) {
+                      return;
+                  }
+                  ++result.differing;
+                  result.largest = std::max(result.largest, difference);
+                  result.differingPlants += differs ? 0 : 1;
+                  if (!differs && (result.example.empty() || sizeOf(step) < exampleSize)) {
+                      exampleSize = sizeOf(step);
+                      result.example = story(step);
+                  }
+                  differs = true;
+              });
     }
     return result;
 }
@@ -245,7 +232,15 @@ BestAgreement compareBest(const WatchedOptions& options, std::uint64_t firstSeed
     const MutedTrace muted;
     BestAgreement result;
     for (int i = 0; i < seeds; ++i) {
-        compareBestOf(options, firstSeed + static_cast<std::uint64_t>(i), steps, result);
+        watch(options, firstSeed + static_cast<std::uint64_t>(i), steps, {},
+              [&](const Compared& step) {
+                  ++result.steps;
+                  result.faulty += step.faulty ? 1 : 0;
+                  if (!isBest(step.exact, step.tracked)) {
+                      ++result.differing;
+                      result.example = result.example.empty() ? story(step) : result.example;
+                  }
+              });
     }
     return result;
 }

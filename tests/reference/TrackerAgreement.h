@@ -23,7 +23,6 @@ struct Agreement {
 /// What comparing the most probable modes gave.
 struct BestAgreement {
     int steps = 0;       ///< that were compared
-    int several = 0;     ///< of these, those at which several modes are possible
     int faulty = 0;      ///< of these, those of which the most probable modes have a fault
     int differing = 0;   ///< steps at which others are the most probable ones
     std::string example; ///< the first one; empty where there is none

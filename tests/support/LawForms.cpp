@@ -170,11 +170,4 @@ Formula turned(const PlantText& plant, const Body& body, const Formula& atom, Ki
     return both(exclusions);
 }
 
-bool isKnownEitherWay(const PlantText& plant, const Body& body, const Formula& atom)
-{
-    if (atom.kind == Kind::same) return false;
-    const Variable& variable = variableOf(plant, body, atom.variable);
-    return variable.kind == "mode" || variable.values.size() == 2;
-}
-
 } // namespace written

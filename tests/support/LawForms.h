@@ -37,7 +37,4 @@ std::optional<Clause> resolved(const Clause& one, const Clause& other);
 /// Others stay as they are.
 Formula turned(const PlantText& plant, const Body& body, const Formula& atom, Formula::Kind to);
 
-/// Whether an atom and what turned() makes of it are known at the same time: of a mode, which always is, and of what has two values.
-bool isKnownEitherWay(const PlantText& plant, const Body& body, const Formula& atom);
-
 } // namespace written
