@@ -24,13 +24,18 @@ monitor::TrackInput trackInput(const plant::Plant& plant, const plant::Bindings&
         const auto found = channels.find(observation.value->stateVar);
         return found == channels.end() ? nullptr : found->second;
     };
+    const auto isInput = [&](const telemetry::Observation& observation) {
+        const plant::ChannelBinding* channel = channelOf(observation);
+        return channel && channel->input;
+    };
+    // Where readings contradict one another, the first ones are taken; so the order must not be that of the telemetry.
     std::vector<telemetry::Observation> observations = step.observations;
-    const auto inputsEnd = std::stable_partition(
-        observations.begin(), observations.end(), [&](const telemetry::Observation& observation) {
-            const plant::ChannelBinding* channel = channelOf(observation);
-            return channel && channel->input;
-        });
-    input.values.inputs = static_cast<std::size_t>(inputsEnd - observations.begin());
+    std::sort(observations.begin(), observations.end(), [&](const auto& a, const auto& b) {
+        return std::pair(!isInput(a), plant.indexOf(a.value)) <
+               std::pair(!isInput(b), plant.indexOf(b.value));
+    });
+    input.values.inputs =
+        static_cast<std::size_t>(std::count_if(observations.begin(), observations.end(), isInput));
     for (const telemetry::Observation& observation : observations) {
         const plant::AtomIndex value = plant.indexOf(observation.value);
         const plant::ChannelBinding* channel = channelOf(observation);

@@ -7,8 +7,9 @@
 
 namespace session {
 
-/// Requires that the step's atoms are the plant's; `changes` are those before the step. Declared inputs come first. Linear in the
-/// commands, the observations and the channels.
+/// Requires that the step's atoms are the plant's; `changes` are those before the step. Ensures: declared inputs come first, and
+/// each part is in the order of the plant's numbers, whatever order the step has them in. Linear in the commands and channels, and
+/// n log n in the observations.
 monitor::TrackInput trackInput(const plant::Plant& plant, const plant::Bindings& bindings,
                                const ReadingChanges& changes, const telemetry::Step& step);
 

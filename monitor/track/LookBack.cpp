@@ -5,6 +5,7 @@
 #include "monitor/track/LookBack.h"
 
 #include "monitor/step/Budget.h"
+#include "monitor/track/Deviated.h"
 #include "monitor/track/Relevance.h"
 
 #include <algorithm>
@@ -13,13 +14,6 @@
 namespace monitor {
 
 namespace {
-
-/// What explained a past step, so far.
-struct Deviated {
-    Deviations deviations; ///< sorted; none: it was as expected
-    std::vector<AtomIndex> lost;
-    auto operator<=>(const Deviated&) const = default;
-};
 
 /// One deviation at a past step, beside what deviated there already.
 struct Alternative {
@@ -36,10 +30,9 @@ struct Alternative {
 /// A way, and the step at which it deviated last: others that deviate there or later may join it.
 struct Trail {
     Replay replay;
-    std::size_t step;       ///< index in the past
-    VariableIndex variable; ///< that deviated last there
-    Deviations deviations;
-    std::vector<LossyCommand> lost;
+    std::vector<Deviated> deviated; ///< at each step of the way
+    std::size_t step;               ///< index in the past
+    VariableIndex variable;         ///< that deviated last there
 };
 
 class LookBack {
@@ -166,32 +159,12 @@ private:
             const std::vector<HypothesisPointer>& after =
                 step + 1 < past_.size() ? past_[step + 1].before : now_;
             for (const Passage& passage : past_[step].passages) {
-                Deviated came{{}, passage.lost};
-                const StepFrame frame =
-                    successors_.frame(*past_[step].before[passage.from], past_[step].input,
-                                      lossesOf(came, past_[step].input));
-                for (std::size_t i = 0; i < frame.modes.size(); ++i) {
-                    const AtomIndex value = after[passage.to]->modes[i];
-                    if (value != frame.modes[i].predicted) {
-                        came.deviations.push_back(value);
-                    }
-                }
-                std::sort(came.deviations.begin(), came.deviations.end());
-                known->second.insert(std::move(came));
+                known->second.insert(whatDeviated(successors_, *past_[step].before[passage.from],
+                                                  past_[step].input, after[passage.to]->modes,
+                                                  passage.lost));
             }
         }
         return known->second;
-    }
-
-    static std::vector<LossyCommand> lossesOf(const Deviated& came, const TrackInput& input)
-    {
-        std::vector<LossyCommand> lost;
-        std::copy_if(input.lossy.begin(), input.lossy.end(), std::back_inserter(lost),
-                     [&](const LossyCommand& command) {
-                         return std::find(came.lost.begin(), came.lost.end(), command.given) !=
-                                came.lost.end();
-                     });
-        return lost;
     }
 
     // What its weight was scaled by at its step and since. The estimate takes what came since to be as probable as can be.
@@ -213,10 +186,9 @@ private:
         if (made) {
             made->logWeight -= step.logScale;
             follow({{alternative.step, alternative.parent, {std::move(*made)}},
+                    {{alternative.deviations, givenValues(alternative.lost)}},
                     alternative.step,
-                    alternative.variable,
-                    alternative.deviations,
-                    alternative.lost});
+                    alternative.variable});
         }
     }
 
@@ -226,7 +198,7 @@ private:
         std::vector<Hypothesis>& way = trail.replay.way;
         while (trail.replay.begin + way.size() <= past_.size()) {
             const std::size_t next = trail.replay.begin + way.size();
-            const TrackInput& input = next < past_.size() ? past_[next].input : present_;
+            const TrackInput& input = inputAt(next);
             const double scale = next < past_.size() ? past_[next].logScale : 0.0;
             budget_.spendRecord();
             Hypothesis made = successors_.predicted(way.back(), input);
@@ -243,9 +215,62 @@ private:
             }
             made.logWeight -= scale;
             way.push_back(std::move(made));
+            trail.deviated.emplace_back();
         }
-        budget_.spendCandidate();
-        result_.found.push_back(std::move(trail.replay));
+        if (isSmallest(trail)) {
+            budget_.spendCandidate();
+            result_.found.push_back(std::move(trail.replay));
+        }
+    }
+
+    // Whether nothing that deviates on the way can be left out. What does not matter to the present is not told by it either.
+    bool isSmallest(const Trail& trail)
+    {
+        for (std::size_t place = 0; place < trail.deviated.size(); ++place) {
+            const Deviated& all = trail.deviated[place];
+            for (std::size_t i = 0; i < all.deviations.size() + all.lost.size(); ++i) {
+                Deviated fewer = all;
+                if (i < all.deviations.size()) {
+                    fewer.deviations.erase(fewer.deviations.begin() + static_cast<std::ptrdiff_t>(i));
+                } else {
+                    fewer.lost.erase(fewer.lost.begin() +
+                                     static_cast<std::ptrdiff_t>(i - all.deviations.size()));
+                }
+                if (leadsHere(trail, place, fewer)) {
+                    return false;
+                }
+            }
+        }
+        return true;
+    }
+
+    // Whether the way explains all steps to the present when it deviates in another way at a step.
+    bool leadsHere(const Trail& trail, std::size_t place, const Deviated& there)
+    {
+        const Replay& replay = trail.replay;
+        Hypothesis last = parentAt(replay, place);
+        for (std::size_t next = place; next < replay.way.size(); ++next) {
+            const Deviated& deviated = next == place ? there : trail.deviated[next];
+            const TrackInput& input = inputAt(replay.begin + next);
+            budget_.spendRecord();
+            auto made =
+                successors_.deviating(last, input, deviated.deviations, lossesOf(deviated, input));
+            if (!made) {
+                return false;
+            }
+            last = std::move(*made);
+        }
+        return true;
+    }
+
+    // What was believed, or is taken to have been, before a step of the way.
+    const Hypothesis& parentAt(const Replay& replay, std::size_t place) const
+    {
+        return place == 0 ? *past_[replay.begin].before[replay.parent] : replay.way[place - 1];
+    }
+    const TrackInput& inputAt(std::size_t step) const
+    {
+        return step < past_.size() ? past_[step].input : present_;
     }
 
     // Takes a past step in the other ways in which hypotheses came through it.
@@ -264,6 +289,7 @@ private:
                 made->logWeight -= past.logScale;
                 Trail longer = trail;
                 longer.replay.way.push_back(std::move(*made));
+                longer.deviated.push_back(came);
                 longer.step = step;
                 longer.variable = static_cast<VariableIndex>(plant_.variables().size());
                 follow(std::move(longer));
@@ -287,6 +313,8 @@ private:
             }
             found.logWeight -= scale;
             Trail longer = trail;
+            longer.deviated.push_back(
+                whatDeviated(successors_, last, input, found.modes, found.lost));
             longer.replay.way.push_back(std::move(found));
             follow(std::move(longer));
         }
@@ -311,13 +339,14 @@ private:
     {
         const Replay& replay = trail.replay;
         const std::vector<Hypothesis>& way = replay.way;
-        const auto place = static_cast<std::ptrdiff_t>(step - replay.begin);
-        const Hypothesis& parent = place == 0 ? *past_[step].before[replay.parent]
-                                              : way[static_cast<std::size_t>(place) - 1];
+        const std::size_t place = step - replay.begin;
+        const auto end = static_cast<std::ptrdiff_t>(place);
+        const Hypothesis& parent = parentAt(replay, place);
         const TrackInput& input = past_[step].input;
         const bool again = step == trail.step; // it deviates there already
-        const std::vector<LossyCommand> lost = again ? trail.lost : std::vector<LossyCommand>();
-        const auto begun = again ? way[static_cast<std::size_t>(place)].faultCount() : 0;
+        const Deviated there = again ? trail.deviated[place] : Deviated();
+        const std::vector<LossyCommand> lost = lossesOf(there, input);
+        const auto begun = again ? way[place].faultCount() : 0;
         const int left = again ? settings_.maxFaults - begun
                                : successors_.faultsLeft(parent, input, settings_.maxFaults);
         const StepFrame frame = successors_.frame(parent, input, lost);
@@ -333,15 +362,16 @@ private:
                 if (option.value == mode.predicted || left < (option.fault ? 1 : 0)) {
                     continue;
                 }
-                Trail longer{{replay.begin, replay.parent, {way.begin(), way.begin() + place}},
+                Trail longer{{replay.begin, replay.parent, {way.begin(), way.begin() + end}},
+                             {trail.deviated.begin(), trail.deviated.begin() + end},
                              step,
-                             mode.variable,
-                             again ? trail.deviations : Deviations(),
-                             lost};
-                longer.deviations.push_back(option.value);
-                std::sort(longer.deviations.begin(), longer.deviations.end());
+                             mode.variable};
+                Deviated more = there;
+                more.deviations.push_back(option.value);
+                std::sort(more.deviations.begin(), more.deviations.end());
                 budget_.spendRecord();
-                auto made = successors_.deviating(parent, input, longer.deviations, lost);
+                auto made = successors_.deviating(parent, input, more.deviations, lost);
+                longer.deviated.push_back(std::move(more));
                 if (made) {
                     made->logWeight -= past_[step].logScale;
                     longer.replay.way.push_back(std::move(*made));

@@ -4,7 +4,7 @@
 // the last steps, and what was believed before each of them. When a step is not predicted, each deviation that would have
 // gone unnoticed at one of these steps is an alternative: it is taken up there, and the steps since are replayed with it.
 // The most probable alternatives come first. An alternative is one deviation or one lost command; where one alone does not explain the
-// present step, others are tried beside it.
+// present step, others are tried beside it. What is found has no deviation that could be left out.
 #pragma once
 
 #include "monitor/track/Passages.h"
@@ -15,7 +15,7 @@
 
 namespace monitor {
 
-/// A way that deviates at an earlier step.
+/// A way that deviates at an earlier step, and would not lead to the present with one deviation less.
 struct Replay {
     std::size_t begin = 0;  ///< index of the past step at which it deviates
     std::size_t parent = 0; ///< place of the hypothesis before that step

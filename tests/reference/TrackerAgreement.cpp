@@ -120,7 +120,7 @@ struct Compared {
     int number;
     Distribution exact;
     Distribution tracked;
-    bool faulty; ///< the filter finds a fault more probable than none
+    bool faulty;                      ///< the filter finds a fault more probable than none
     const std::ostringstream& before; ///< the seed, the plant and its steps, this one included
 };
 

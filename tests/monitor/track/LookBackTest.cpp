@@ -10,7 +10,11 @@ namespace {
 using monitor::TrackAnswer;
 using monitor::Tracker;
 using monitor::TrackStatus;
+using testing::Each;
 using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
 using testing::UnorderedElementsAre;
 
 // Valves that open for certain when they are told to, unless they got stuck before.
@@ -237,6 +241,26 @@ TEST_F(LookBackTest, FindsAnEarlierFaultBesideAPresentOne)
     step({"v.flow=0", "in.v=1", "f.out=1"}, {"v.request=none"});
     step({"v.flow=0", "in.v=1", "f.out=0"}, {"v.request=open"});
     EXPECT_EQ(tracker_->answer().status, TrackStatus::inconsistent);
+}
+
+// A stuck gauge is followed, and shows. A pump may have cracked before, too, but nothing calls for that.
+TEST_F(LookBackTest, LeavesOutWhatNothingCallsFor)
+{
+    model_.mode("g.state", {"good", "stuck!"});
+    model_.condition("g.shown", {"0", "1"});
+    model_.fault("g.state=good", "g.state=stuck", 1.0 / 8);
+    model_.mode("p.state", {"on", "cracked!"});
+    model_.condition("p.out", {"0", "1"});
+    model_.fault("p.state=on", "p.state=cracked", 1.0 / 64);
+    model_.law("!p.state=on | p.out=1");
+    model_.law("!g.state=good | !p.out=1 | g.shown=1");
+    model_.law("!g.state=good | !p.out=0 | g.shown=0");
+    step({});
+    step({});
+    step({"g.shown=0", "p.out=1"});
+    EXPECT_TRUE(tracker_->answer().wentBack);
+    EXPECT_THAT(texts(), Each(StartsWith("g.state=stuck")));
+    EXPECT_THAT(texts(), Each(Not(HasSubstr("p.state"))));
 }
 
 TEST_F(LookBackTest, FindsALostCommandThatShowsLater)
