@@ -5,6 +5,7 @@
 #include "app/Pace.h"
 #include "app/RunCheckpoint.h"
 #include "app/Verbs.h"
+#include "report/Alike.h"
 
 #include <filesystem>
 #include <fmt/format.h>
@@ -30,6 +31,11 @@ struct RunOptions {
 report::StepReport reportOf(const TrackRun& track)
 {
     report::StepReport report = report::stepReport(track.session().plant(), track.answer());
+    std::vector<plant::VariableIndex> read;
+    for (const auto& [variable, count] : track.session().readingChanges().counts()) {
+        read.push_back(variable);
+    }
+    report::noteAppearance(report, track.session().plant(), track.answer(), read);
     report.gap = track.step().gap;
     for (const telemetry::Observation& observation : track.step().observations) {
         if (observation.held) report.held.push_back(observation.value->id);

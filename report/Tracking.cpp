@@ -35,10 +35,8 @@ TrackedExplanation explanation(const plant::Plant& plant, const monitor::Hypothe
 
 std::string withSince(const DeviatingMode& mode)
 {
-    const std::string since =
-        mode.since == 0 ? std::string("from the beginning")
-                        : fmt::format("since{}step{}{}", unbreakable, unbreakable, mode.since);
-    return fmt::format("{}{}={}{} {}", mode.variable, unbreakable, unbreakable, mode.value, since);
+    return fmt::format("{}{}={}{} {}", mode.variable, unbreakable, unbreakable, mode.value,
+                       sinceInWords(mode.since));
 }
 
 } // namespace
@@ -88,9 +86,18 @@ StepReport stepReport(const plant::Plant& plant, const monitor::TrackAnswer& ans
     return report;
 }
 
-std::string inWords(const TrackedExplanation& explanation)
+std::string sinceInWords(std::size_t step)
+{
+    return step == 0 ? "from the beginning"
+                     : fmt::format("since{}step{}{}", unbreakable, unbreakable, step);
+}
+
+std::string inWords(const TrackedExplanation& explanation, const std::string& first)
 {
     std::vector<std::string> items;
+    if (!first.empty()) {
+        items.push_back(first);
+    }
     for (const DeviatingMode& mode : explanation.modes) {
         items.push_back(withSince(mode));
     }

@@ -27,6 +27,8 @@ struct TrackedExplanation {
     std::vector<DeviatingMode> modes; ///< by name of the variable
     std::vector<std::string> lost;    ///< commands of this step that did not arrive, VARIABLE=VALUE
     std::vector<std::string> unexplained; ///< observations of this step, VARIABLE=VALUE
+    /// The same number where what was read so far looks the same, if that was compared (report/Alike.h).
+    std::optional<std::size_t> appearance = {};
 };
 
 /// For each variable that deviates in a hypothesis, the probability of each value with which it does.
@@ -54,7 +56,7 @@ struct StepReport {
 
 /// What of an answer is shown.
 struct Shown {
-    std::size_t most = 5; ///< explanations; 0: all
+    std::size_t most = 5; ///< explanations, or groups of them in a table; 0: all
     double mass = 0.99; ///< no more than those that have so much of the probability together, 0..1
 };
 
@@ -66,8 +68,11 @@ std::vector<DeviatingMode> deviatingModes(const plant::Plant& plant,
 StepReport stepReport(const plant::Plant& plant, const monitor::TrackAnswer& answer);
 
 /// "valveB.position = stuckClosed since step 3; ...", or "nothing is wrong". Where no line is to be broken there are
-/// unbreakable spaces (report/Text.h).
-std::string inWords(const TrackedExplanation& explanation);
+/// unbreakable spaces (report/Text.h). Something else may be said first.
+std::string inWords(const TrackedExplanation& explanation, const std::string& first = "");
+
+/// "since step 3", or "from the beginning" for step 0.
+std::string sinceInWords(std::size_t step);
 
 /// How many of the explanations are shown.
 std::size_t shownCount(const StepReport& report, const Shown& shown);
@@ -96,7 +101,7 @@ public:
 
 private:
     std::string status(monitor::TrackStatus status) const;
-    std::string row(const std::string& head, const TrackedExplanation& explanation) const;
+    std::string row(const std::string& head, double probability, const std::string& words) const;
 
     Colours colours_;
     Shown shown_;

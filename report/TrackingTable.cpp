@@ -1,5 +1,5 @@
 // The steps of a tracked plant as a person reads them, with what did not change left out.
-#include "report/Tracking.h"
+#include "report/Alike.h"
 #include "text/Wording.h"
 
 #include <algorithm>
@@ -17,19 +17,31 @@ std::string time(double t)
     return fmt::format("{:.10g}", t);
 }
 
-// What must differ for a step to be worth its lines: of the explanations, the first one, and which others there are.
-std::string essence(const StepReport& report, std::size_t shown)
+// What must differ for a step to be worth its lines: of the explanations, the first ones, and which others there are.
+std::string essence(const StepReport& report, const std::vector<ExplanationGroup>& groups)
 {
     std::string text = monitor::name(report.status);
     text += report.complete ? "" : " incomplete";
     std::vector<std::string> explanations;
-    for (std::size_t i = 0; i < shown; ++i) {
-        explanations.push_back(inWords(report.explanations[i]));
+    for (const ExplanationGroup& group : groups) {
+        explanations.push_back(inWords(group, report.explanations, false));
     }
     if (!explanations.empty()) {
         std::sort(explanations.begin() + 1, explanations.end());
     }
     return fmt::format("{}\n{}", text, fmt::join(explanations, "\n"));
+}
+
+// Those of a step that are shown: what is improbable by itself is in no group.
+std::vector<ExplanationGroup> shownGroups(const StepReport& report, const Shown& shown)
+{
+    std::vector<TrackedExplanation> probable = report.explanations;
+    probable.resize(shownCount(report, {.most = 0, .mass = shown.mass}));
+    std::vector<ExplanationGroup> groups = grouped(probable);
+    if (shown.most > 0 && groups.size() > shown.most) {
+        groups.resize(shown.most);
+    }
+    return groups;
 }
 
 } // namespace
@@ -48,8 +60,8 @@ std::string TrackingTable::rows(const StepReport& report)
     ++memory_.counts[monitor::name(report.status)];
     memory_.incomplete += report.complete ? 0 : 1;
     memory_.dropped += report.dropped > 0 ? 1 : 0;
-    const std::size_t shown = shownCount(report, shown_);
-    std::string now = essence(report, shown);
+    const std::vector<ExplanationGroup> groups = shownGroups(report, shown_);
+    std::string now = essence(report, groups);
     const bool changed = now != memory_.last || report.gap;
     memory_.last = std::move(now);
     if (!changed && !everyStep_) {
@@ -63,9 +75,11 @@ std::string TrackingTable::rows(const StepReport& report)
     }
     std::string head = right(std::to_string(report.step), stepColumns) +
                        right(time(report.t), timeColumns) + "  " + status(report.status);
-    for (std::size_t i = 0; i < shown; ++i) {
-        text += row(head, report.explanations[i]);
+    std::size_t shown = 0;
+    for (const ExplanationGroup& group : groups) {
+        text += row(head, group.probability, inWords(group, report.explanations));
         head = indent + std::string(statusColumns, ' ');
+        shown += group.members.size();
     }
     const std::string under = indent + std::string(statusColumns + shareColumns + 2, ' ');
     if (shown < report.explanations.size()) {
@@ -99,12 +113,12 @@ std::string TrackingTable::status(monitor::TrackStatus status) const
 
 // The text goes on below itself where it is too long for the line; colours would count in its width, so the head is put in
 // front afterwards.
-std::string TrackingTable::row(const std::string& head, const TrackedExplanation& explanation) const
+std::string TrackingTable::row(const std::string& head, double probability,
+                               const std::string& words) const
 {
     constexpr std::size_t columns = stepColumns + timeColumns + 2 + statusColumns + shareColumns + 2;
-    std::string text = wrapped(std::string(columns, ' '), inWords(explanation));
-    const std::string probability = right(percent(explanation.probability), shareColumns);
-    return head + probability + "  " + text.substr(columns);
+    const std::string text = wrapped(std::string(columns, ' '), words);
+    return head + right(percent(probability), shareColumns) + "  " + text.substr(columns);
 }
 
 std::string TrackingTable::summary(std::size_t linesLeftOut) const
