@@ -79,4 +79,14 @@ ExitStatus TrackRun::status() const
     return explained ? ExitStatus::done : ExitStatus::unexplained;
 }
 
+report::StepReport reportOf(const TrackRun& track)
+{
+    report::StepReport report = report::stepReport(track.session().plant(), track.answer());
+    report.gap = track.step().gap;
+    for (const telemetry::Observation& observation : track.step().observations) {
+        if (observation.held) report.held.push_back(observation.value->id);
+    }
+    return report;
+}
+
 } // namespace app
