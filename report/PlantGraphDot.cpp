@@ -109,7 +109,7 @@ private:
             const auto modes = graph_.step->modes.find(name);
             if (modes != graph_.step->modes.end()) {
                 for (const auto& [variable, value] : modes->second) {
-                    const std::string line = dotText(variable + " = " + value);
+                    const std::string line = dotText(fmt::format("{} = {}", variable, value));
                     label += "\\n" + line.substr(1, line.size() - 2);
                 }
             }

@@ -67,8 +67,9 @@ export function makeExplanations(state: State, palette: Palette): void {
         const last = Math.min(data.size - 1, data.pointAt(state.to) + 1);
         for (let i = first; i <= last && data.size > 0; ++i) {
             const [begin, end] = extent(state, i);
-            const x0 = Math.max(plot.left, plot.x(begin));
-            const x1 = Math.min(width, plot.x(end));
+            // Whole pixels: between two halves the ground would shine through.
+            const x0 = Math.round(Math.max(plot.left, plot.x(begin)));
+            const x1 = Math.round(Math.min(width, plot.x(end)));
             if (x1 <= x0) continue;
             let ground = 0;
             layers.forEach((text, layer) => {
@@ -77,7 +78,7 @@ export function makeExplanations(state: State, palette: Palette): void {
                 const faint = state.alone !== null && state.alone !== text;
                 context.fillStyle = text === '' ? cssColour('--other') : palette.colour(text);
                 context.globalAlpha = faint ? 0.15 : 1;
-                context.fillRect(x0, y(ground + p), x1 - x0 + 0.5, y(ground) - y(ground + p));
+                context.fillRect(x0, y(ground + p), x1 - x0, y(ground) - y(ground + p));
                 ground += p;
             });
             context.globalAlpha = 1;

@@ -104,7 +104,7 @@ export function makeModes(state: State): void {
             const variable = data.plant.variables[mode.variable]!;
             const value = mode.values[state.cursor] ?? -1;
             const p = data.suspicion.get(variable.component)?.[state.cursor] ?? 0;
-            fill(row.querySelector('.lane-value')!, `${variable.values[value] ?? ''}${p > 0 ? ` · ${percent(p)}` : ''}`);
+            fill(row.querySelector('.lane-value')!, `${variable.values[value] ?? ''}${p > 0 ? ` · ${percent(p)} wrong` : ''}`);
             row.classList.toggle('suspicious', p > 0.01);
         });
     };

@@ -68,6 +68,7 @@ export function makeTimeline(state: State): void {
             h('b', {}, text),
             gap === null || gap === undefined ? '' : `; ${gap} s without a step before it`,
             data.complete[at] === 0 ? `; the search was not complete${data.limit[at] ? ` (limit: ${data.limit[at]})` : ''}` : '',
+            data.approximate[at] === 1 ? '; probabilities are estimated' : '',
             state.held ? h('span', { class: 'held' }, ' held: Esc lets go') : '',
         );
         canvas.setAttribute('aria-valuenow', String(data.step[at]));

@@ -59,7 +59,7 @@ test('the arrow keys move the cursor, and every view goes with it', () =>
         assert.match(await page.locator('#readout').innerText(), /Step 11, t = 600 s: faulty/);
         assert.match(await page.locator('#candidates').innerText(), /78\.7 %\s*branchB\/valve\.position = closed since step 11/);
         assert.match(await page.locator('.plot[data-channel="ZS-112"] .reading').innerText(), /0: no/);
-        assert.match(await page.locator('.lane-row').first().innerText(), /closed · 98\.5 %/);
+        assert.match(await page.locator('.lane-row').first().innerText(), /closed · 98\.5 % wrong/);
     }));
 
 test('n and p go from one change to the next', () =>
