@@ -80,10 +80,13 @@ function listen(state: State): void {
         action();
         event.preventDefault();
     });
-    matchMedia('(prefers-color-scheme: dark)').addEventListener('change', () => {
+    // What is printed is light; it is drawn before the next frame, of which there is none on paper.
+    const inOtherColours = () => {
         forgetColours();
         state.changed('theme', 'cursor');
-    });
+        state.flush();
+    };
+    for (const medium of ['print', '(prefers-color-scheme: dark)']) matchMedia(medium).addEventListener('change', inOtherColours);
     let width = document.documentElement.clientWidth;
     new ResizeObserver(() => {
         if (document.documentElement.clientWidth === width) return;

@@ -209,6 +209,19 @@ test('a page that is printed shows all of the conflicts', () =>
         assert.ok(content <= box + 1, `${content} in ${box}`);
     }));
 
+test('what is printed is light, whatever the screen is', () =>
+    onPage(water(), { colorScheme: 'dark' }, async (page) => {
+        const picture = () => page.locator('#timeline').evaluate((canvas) => canvas.toDataURL());
+        const dark = await picture();
+        await page.emulateMedia({ media: 'print', colorScheme: 'dark' });
+        await drawn(page);
+        const printed = await picture();
+        await page.emulateMedia({ media: 'screen', colorScheme: 'light' });
+        await drawn(page);
+        assert.notEqual(printed, dark);
+        assert.equal(printed, await picture());
+    }));
+
 test('everything that can be clicked can be reached with the tabulator', () =>
     onPage(water(), {}, async (page) => {
         const unreachable = await page.evaluate(() =>
