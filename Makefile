@@ -4,13 +4,15 @@ PREFIX ?= /usr/local
 JOBS ?= $(shell nproc)
 FUZZ_SECONDS ?= 60
 
-.PHONY: help demo test test-release fuzz bench format lint install clean
+.PHONY: help demo test test-release test-page page fuzz bench format lint install clean
 .DEFAULT_GOAL := help
 
 help:
 	@echo 'make demo             install missing packages, build, and follow a pumping station'
 	@echo 'make test             build everything with sanitizers and run all tests'
 	@echo 'make test-release     build what is installed and run the tests of the program and the examples'
+	@echo 'make test-page        test the page of itms report in a browser'
+	@echo 'make page             make that page anew from report/page/src'
 	@echo 'make fuzz             build the fuzzer of model files and run it for $(FUZZ_SECONDS) s'
 	@echo 'make bench            build and run the benchmarks'
 	@echo 'make format           format the C++ files'
@@ -37,6 +39,16 @@ test-release:
 	cmake --build --preset release -j $(JOBS)
 	ctest --preset release -j $(JOBS)
 	@scripts/count-tests.sh build/release
+
+test-page:
+	@scripts/install-packages.sh --page || true
+	cmake --preset release
+	cmake --build --preset release -j $(JOBS) --target itms_program
+	scripts/test-page.sh
+
+page:
+	@scripts/install-packages.sh --page
+	cd report/page && npm ci --ignore-scripts && npm run types && npm run build
 
 fuzz:
 	@scripts/install-packages.sh --fuzz

@@ -3,9 +3,9 @@
 #include "app/Interruption.h"
 #include "app/Output.h"
 #include "app/Pace.h"
+#include "app/ReportFile.h"
 #include "app/RunCheckpoint.h"
 #include "app/Verbs.h"
-#include "report/Alike.h"
 
 #include <filesystem>
 #include <fmt/format.h>
@@ -21,6 +21,7 @@ struct RunOptions {
     double mass = 0.99;
     bool everyStep = false;
     std::optional<std::string> failOn;
+    std::optional<std::string> report; ///< a page
 
     std::optional<std::string> checkpoint;
     std::uint64_t checkpointEvery = 1000; ///< steps
@@ -28,27 +29,13 @@ struct RunOptions {
     bool final = false;
 };
 
-report::StepReport reportOf(const TrackRun& track)
-{
-    report::StepReport report = report::stepReport(track.session().plant(), track.answer());
-    std::vector<plant::VariableIndex> read;
-    for (const auto& [variable, count] : track.session().readingChanges().counts()) {
-        read.push_back(variable);
-    }
-    report::noteAppearance(report, track.session().plant(), track.answer(), read);
-    report.gap = track.step().gap;
-    for (const telemetry::Observation& observation : track.step().observations) {
-        if (observation.held) report.held.push_back(observation.value->id);
-    }
-    return report;
-}
-
 // What is written.
 FileRoles filesOf(const RunOptions& options)
 {
     FileRoles files;
     if (!options.answer.output) files.writesStandardOutput();
     files.writes(options.answer.output, "the answer", "-o");
+    files.writes(options.report, "the report", "--report");
     files.writes(options.checkpoint, "the checkpoint", "--checkpoint");
     if (options.checkpoint) {
         files.writes(RunCheckpoint::lockOf(*options.checkpoint), "the lock of the checkpoint",
@@ -86,6 +73,7 @@ public:
         }
         pace_.clear();
         if (checkpoint_) save();
+        if (report_) report_->write();
         writer_->end(track_.feed().linesLeftOut());
         if (!options_.track.quiet) {
             track_.feed().reportLinesLeftOut("run");
@@ -100,6 +88,10 @@ private:
     {
         if (options_.checkpoint) checkpoint_.emplace(*options_.checkpoint, options_.track, track_);
         answer_.emplace(options_.answer.output);
+        if (options_.report) {
+            report_.emplace(*options_.report, options_.track, track_,
+                            report::Shown{options_.shown, options_.mass});
+        }
         if (!options_.resume) return {};
         std::optional<RunState> before = checkpoint_->resume();
         if (!before) return {};
@@ -124,6 +116,7 @@ private:
         memory_.faultFound =
             memory_.faultFound || (explained && track_.answer().hypotheses.front()->differs());
         writer_->step(report);
+        if (report_) report_->step(report);
         pace_.step(track_.feed().reader().doneShare());
     }
 
@@ -159,6 +152,7 @@ private:
     std::unique_ptr<report::StepWriter<report::StepReport>> writer_;
     std::optional<RunCheckpoint> checkpoint_;
     std::optional<AnswerFile> answer_;
+    std::optional<ReportFile> report_;
     RunMemory memory_;
 };
 
@@ -167,6 +161,10 @@ ExitStatus run(const RunOptions& options)
     if (options.resume && !options.checkpoint) {
         throw Failure("--resume needs the checkpoint\n  expected: --checkpoint FILE --resume\n"
                       "  hint: itms run --help shows an example\n");
+    }
+    if (options.resume && options.report) {
+        throw Failure("--report does not go with --resume: a report begins with the first step\n"
+                      "  hint: itms report makes one of the whole telemetry\n");
     }
     catchInterruptions();
     return Run(options).run();
@@ -226,6 +224,8 @@ Verb runVerb()
                      "changed; jsonl: a JSON record a step, default otherwise; json: one array"),
            {"--every-step", "", "in the table, steps without a change as well", &options->everyStep, {}},
            {"-o,--output", "FILE", "print to a file", &options->answer.output, fileName(true)},
+           {"--report", "FILE", "write the run as a page, too: see itms report", &options->report,
+            fileName()},
            colourRow(options->answer),
            quietRow(options->track.quiet, "no progress, no warnings"),
            failOnRow(options->failOn, "there was a fault")}},

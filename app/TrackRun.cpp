@@ -2,6 +2,7 @@
 
 #include "app/Interruption.h"
 #include "app/Output.h"
+#include "report/Alike.h"
 #include "text/Wording.h"
 
 #include <fmt/format.h>
@@ -77,6 +78,21 @@ ExitStatus TrackRun::status() const
     const bool explained =
         answer().complete && answer().status != monitor::TrackStatus::inconsistent;
     return explained ? ExitStatus::done : ExitStatus::unexplained;
+}
+
+report::StepReport reportOf(const TrackRun& track)
+{
+    report::StepReport report = report::stepReport(track.session().plant(), track.answer());
+    std::vector<plant::VariableIndex> read;
+    for (const auto& [variable, count] : track.session().readingChanges().counts()) {
+        read.push_back(variable);
+    }
+    report::noteAppearance(report, track.session().plant(), track.answer(), read);
+    report.gap = track.step().gap;
+    for (const telemetry::Observation& observation : track.step().observations) {
+        if (observation.held) report.held.push_back(observation.value->id);
+    }
+    return report;
 }
 
 } // namespace app

@@ -56,4 +56,7 @@ private:
     telemetry::Step step_;
 };
 
+/// The report of the step that was taken last, with its gap and its held readings.
+report::StepReport reportOf(const TrackRun& track);
+
 } // namespace app

@@ -4,6 +4,7 @@
 #   scripts/install-packages.sh          what a build with its tests needs
 #   scripts/install-packages.sh --all    the same, and what the checks of the source need
 #   scripts/install-packages.sh --fuzz   the same, and what the fuzzers need
+#   scripts/install-packages.sh --page   the same, and what makes and tests the page of itms report; Graphviz
 #   ... --check                          installs nothing: lists what is missing; status 1 if anything is
 set -euo pipefail
 
@@ -15,6 +16,8 @@ build=(
 )
 checks=(clang-format clang-tidy)
 fuzz=(clang libclang-rt-dev)
+# Programs, whoever installed them, and the packages that have them.
+page=(node:nodejs npm:npm chromium:chromium dot:graphviz)
 
 wanted=("${build[@]}")
 only_check=no
@@ -22,9 +25,14 @@ for argument in "$@"; do
     case "$argument" in
     --all) wanted+=("${checks[@]}") ;;
     --fuzz) wanted+=("${fuzz[@]}") ;;
+    --page)
+        for pair in "${page[@]}"; do
+            command -v "${pair%%:*}" >/dev/null || wanted+=("${pair#*:}")
+        done
+        ;;
     --check) only_check=yes ;;
     *)
-        echo "install-packages.sh: unknown option $argument (--all, --fuzz, --check)" >&2
+        echo "install-packages.sh: unknown option $argument (--all, --fuzz, --page, --check)" >&2
         exit 2
         ;;
     esac

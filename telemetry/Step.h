@@ -13,6 +13,8 @@ namespace telemetry {
 struct Observation {
     Atom* value = nullptr;
     bool held = false; ///< the last reading stands for a missing one (`hold` in the model)
+    std::optional<double> number =
+        {}; ///< the reading itself, where a channel gave a number; none for a held one
 };
 
 /// One step. The atoms are the model's.

@@ -8,9 +8,21 @@
 
 namespace telemetry {
 
+namespace {
+
+// Without a translation a number is but the name of a value.
+std::optional<double> numberOf(const Variable& variable, const Reading& reading)
+{
+    if (!variable.binding || variable.binding->translation.index() == 0) return {};
+    if (reading.kind == Reading::Kind::number) return reading.number;
+    return reading.kind == Reading::Kind::cell ? parseNumber(reading.text) : std::nullopt;
+}
+
+} // namespace
+
 StepBuilder::StepBuilder(const plant::Model& model, const plant::Bindings& bindings)
     : names_(model, bindings), stepSeconds_(bindings.stepSeconds), last_(names_.variables().size()),
-      draft_(names_.variables().size())
+      draft_(names_.variables().size()), numbers_(names_.variables().size())
 {
     const std::vector<Variable>& variables = names_.variables();
     for (std::uint32_t i = 0; i < variables.size(); ++i) {
@@ -47,6 +59,7 @@ std::optional<text::Message> StepBuilder::add(std::uint32_t name, std::string_vi
     for (std::size_t i = 0; i < meant.size(); ++i) {
         if (!draft_[meant[i]]) drafted_.push_back(meant[i]);
         draft_[meant[i]] = values_[i];
+        numbers_[meant[i]] = numberOf(names_.variables()[meant[i]], reading);
     }
     return std::nullopt;
 }
@@ -87,7 +100,7 @@ Step StepBuilder::finish(double t)
     for (const std::uint32_t variable : drafted_) {
         Atom* value = draft_[variable];
         if (variable < firstCommand) {
-            observed.emplace_back(variable, Observation{value, false});
+            observed.emplace_back(variable, Observation{value, false, numbers_[variable]});
         } else {
             step.commands[variable - firstCommand] = value;
             step.givenCommands.push_back(value);

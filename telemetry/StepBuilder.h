@@ -62,9 +62,10 @@ private:
     std::optional<double> time_;
     std::size_t steps_ = 0;
 
-    std::vector<Atom*> draft_;           // by variable, null: no reading
-    std::vector<std::uint32_t> drafted_; // the variables with a reading
-    std::vector<Atom*> values_;          // of the reading that is being added
+    std::vector<Atom*> draft_;                   // by variable, null: no reading
+    std::vector<std::uint32_t> drafted_;         // the variables with a reading
+    std::vector<std::optional<double>> numbers_; // of these readings, by variable
+    std::vector<Atom*> values_;                  // of the reading that is being added
 };
 
 } // namespace telemetry

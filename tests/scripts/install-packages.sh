@@ -38,6 +38,13 @@ expect 0 '' "$install"
 expect 0 '' "$install" --all --check
 expect 1 '' test -e "$tree/asked"
 
+# A program that is there needs no package.
+for program in node npm chromium dot; do
+    printf '#!/bin/sh\n' >"$tree/bin/$program"
+    chmod +x "$tree/bin/$program"
+done
+expect 0 '' "$install" --page --check
+
 # One that was removed but left its configuration, one that was never there, and two that only checks need.
 sed -i -e 's/installed libfmt-dev/config-files libfmt-dev/' -e '/g++/d' -e '/clang-/d' "$tree/packages"
 expect 1 $'g++\nlibfmt-dev' "$install" --check
@@ -55,5 +62,5 @@ expect 0 'install-packages.sh: installing g++ libfmt-dev' "$install"
 expect 0 'sudo apt-get update -q
 sudo apt-get install -q -y --no-install-recommends g++ libfmt-dev' cat "$tree/asked"
 
-expect 2 'install-packages.sh: unknown option --chek (--all, --fuzz, --check)' "$install" --chek
+expect 2 'install-packages.sh: unknown option --chek (--all, --fuzz, --page, --check)' "$install" --chek
 finish

@@ -56,6 +56,28 @@ TEST(Steps, ReadAVariableThatIsBoundLikeItsChannel)
                 ElementsAre("main.flow=low main.heat=warm"));
 }
 
+TEST(Steps, KeepTheNumbersThatChannelsGaveButNoneForAHeldOrNamedReading)
+{
+    const language::ReadResult plant = readPlant();
+    const auto numbers = [&](const std::vector<std::string>& lines) {
+        telemetry::StepReader reader(std::make_unique<telemetry::LineVector>(lines), *plant.model,
+                                     plant.bindings);
+        std::vector<std::optional<double>> found;
+        while (true) {
+            const auto next = reader.next();
+            const auto* step = std::get_if<telemetry::Step>(&next);
+            if (!step) return found;
+            for (const telemetry::Observation& one : step->observations)
+                found.push_back(one.number);
+        }
+    };
+    const std::vector<std::optional<double>> expected = {6.25, std::nullopt, std::nullopt};
+    EXPECT_EQ(numbers({R"({"t": 0, "observations": {"FT-2": 6.25}})",
+                       R"({"t": 1, "observations": {"TS-1": "C"}})"}),
+              expected);
+    EXPECT_EQ(numbers({"t,FT-2,TS-1", "0,6.25,", "1,,C"}), expected);
+}
+
 TEST(Steps, HaveNothingOfWhatIsNullOrEmpty)
 {
     EXPECT_THAT(observed(R"({"t": 0, "commands": null, "observations": {"FT-1": null}})"),
