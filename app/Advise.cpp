@@ -23,11 +23,11 @@ ExitStatus advise(const AdviseOptions& options)
     track.takeUntil(options.step);
     if (interruption()) return ExitStatus::interrupted;
     const session::Session& session = track.session();
+    const monitor::Advice advice = session.advise({options.modes});
     writersOf(options.answer, print)
         .advice(options.shown)
-        ->step(report::adviceReport(session.plant(), session.bindings(), session.answer(),
-                                    session.advise({options.modes})));
-    return track.status();
+        ->step(report::adviceReport(session.plant(), session.bindings(), session.answer(), advice));
+    return advice.limit == SearchLimit::none ? track.status() : ExitStatus::unexplained;
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "app/FileRoles.h"
 #include "app/Output.h"
+#include "text/Diagnostic.h"
 #include "text/FileIdentity.h"
 #include "text/FileLock.h"
 
@@ -129,8 +130,8 @@ void AnswerFile::sync()
 
 void AnswerFile::fail(const char* what) const
 {
-    throw FileFailure(
-        fmt::format("{}: {}: {}\n", path_, what, std::generic_category().message(errno)));
+    throw FileFailure(fmt::format("{}: {}: {}\n", text::shownName(path_), what,
+                                  std::generic_category().message(errno)));
 }
 
 } // namespace app

@@ -18,6 +18,7 @@ using nlohmann::ordered_json;
 struct CheckOptions {
     std::vector<std::string> models;
     std::vector<std::string> importFolders;
+    bool importsAnywhere = false;
     std::string format = "text";
 };
 
@@ -25,8 +26,8 @@ std::string sizeText(const std::string& path, const language::ReadResult& read)
 {
     const language::ModelSize& size = read.size;
     const std::string types = text::counted(size.componentTypes, "component type");
-    if (!read.model) return fmt::format("{}: {}, no system\n", path, types);
-    return fmt::format("{}: {}, {}, {}, {}, {}, {}\n", path,
+    if (!read.model) return fmt::format("{}: {}, no system\n", text::shownName(path), types);
+    return fmt::format("{}: {}, {}, {}, {}, {}, {}\n", text::shownName(path),
                        text::counted(size.components, "component"),
                        text::counted(size.variables, "variable"), text::counted(size.atoms, "atom"),
                        text::counted(size.laws, "law"), text::counted(size.clauses, "clause"),
@@ -67,12 +68,12 @@ std::string text(const Checked& model)
         told += warning.format();
     }
     if (!model.good()) {
-        return told +
-               fmt::format("{}: {}\n", model.path, text::counted(read.errors.size(), "error"));
+        return told + fmt::format("{}: {}\n", text::shownName(model.path),
+                                  text::counted(read.errors.size(), "error"));
     }
     told += sizeText(model.path, read);
     if (!model.implicates.found) return told;
-    return told + fmt::format("{}: implicates of {}\n", model.implicates.path,
+    return told + fmt::format("{}: implicates of {}\n", text::shownName(model.implicates.path),
                               text::counted(model.implicates.heads, "atom"));
 }
 
@@ -120,6 +121,7 @@ ExitStatus check(const CheckOptions& options)
     }
     language::ReadOptions reading;
     reading.searchPath = options.importFolders;
+    reading.importsAnywhere = options.importsAnywhere;
     reading.systemNeeded = false;
     bool failed = false;
     ordered_json models = ordered_json::array();
@@ -156,6 +158,7 @@ Verb checkVerb()
           {{"MODEL", "", "a model file, .itms, or a model in JSON, .json", &options->models, {}, 1},
            importRow(options->importFolders, "look for imported files there, too, after the folder "
                                              "of the file that imports them; may be repeated"),
+           importsAnywhereRow(options->importsAnywhere),
            {"--format", "text|json", "text: for people (default); json: the same as data",
             &options->format, oneOf({"text", "json"})}}}},
         "",

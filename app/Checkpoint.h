@@ -7,11 +7,15 @@
 
 #include <nlohmann/json_fwd.hpp>
 #include <string>
+#include <string_view>
 
 namespace app {
 
 /// Replaces the checkpoint at `path`. Throws FileFailure; the old one is still there then.
 void writeCheckpoint(const std::string& path, const nlohmann::json& content);
+
+/// Whether a text begins as a checkpoint does, of whatever version.
+bool isCheckpoint(std::string_view text);
 
 /// Reads one back. Throws FileFailure for what is not a whole checkpoint; the file is left as it is.
 nlohmann::json readCheckpoint(const std::string& path);

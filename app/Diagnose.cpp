@@ -30,6 +30,7 @@ struct DiagnoseOptions {
     std::optional<int> upTo;
     std::uint64_t maxRecords = 0; ///< 0: no limit
     double maxSeconds = 60.0;     ///< 0: no limit
+    std::uint64_t maxMemory = usualMaxMemory;
     double faultProbability = 0.01;
 
     std::uint64_t shown = 5; ///< 0: all
@@ -79,7 +80,7 @@ netlist::Circuit readCircuit(const std::string& path)
             text += read.errors[i].format();
         }
         if (read.errors.size() > shown) {
-            text += fmt::format("{}: {} more\n", path,
+            text += fmt::format("{}: {} more\n", text::shownName(path),
                                 text::counted(read.errors.size() - shown, "error"));
         }
         throw FileFailure(text);
@@ -151,7 +152,8 @@ session::CircuitProblem problemOfOptions(const DiagnoseOptions& options,
 class DiagnoseRun {
 public:
     DiagnoseRun(const DiagnoseOptions& options, const netlist::Circuit& circuit)
-        : options_(options), settings_{options.maxRank, options.upTo.value_or(3), limitsOf(options)},
+        : options_(options), settings_{options.maxRank, options.upTo.value_or(3), limitsOf(options),
+                                       workLimits(0, options.maxMemory)},
           session_(circuit, options.faultProbability),
           writer_(writersOf(options.answer,
                             // With a trace, standard output is the trace's.
@@ -279,6 +281,7 @@ std::vector<Section> sections(DiagnoseOptions& options)
           {"--max-seconds", "S",
            "stop after so many seconds a problem (default {default};\n0: no limit)",
            &options.maxSeconds, number(0.0, std::numeric_limits<double>::infinity())},
+          maxMemoryRow(options.maxMemory),
           {"--fault-probability", "P", "that a gate is faulty (default {default})",
            &options.faultProbability, numberBetween(0.0, 1.0)}}},
         {"What to print",

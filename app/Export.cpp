@@ -41,6 +41,7 @@ ExitStatus exportModel(const ExportOptions& options)
     files.reads(options.model.path, "the model");
     language::ReadOptions reading;
     reading.searchPath = options.model.importFolders;
+    reading.importsAnywhere = options.model.importsAnywhere;
     const language::ReadResult read = language::readModel(options.model.path, reading);
     addModelFiles(files, options.model.path, read);
     for (const text::Diagnostic& error : read.errors) {
@@ -73,6 +74,7 @@ Verb exportVerb()
                importRow(options->model.importFolders,
                          "look for imported files there, too, after the folder of the file that "
                          "imports them; may be repeated"),
+               importsAnywhereRow(options->model.importsAnywhere),
                {"--json", "", "as JSON (default)", &options->json, {}},
                {"-o,--output", "FILE", "write to the file, not to standard output",
                 &options->output, fileName(true)}}}},

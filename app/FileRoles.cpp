@@ -1,6 +1,7 @@
 #include "app/FileRoles.h"
 
 #include "app/Output.h"
+#include "text/Diagnostic.h"
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -36,10 +37,10 @@ void FileRoles::add(File file)
         const File& written = file.option.empty() ? other : file;
         const File& first = file.option.empty() ? file : other;
         const std::string elsewhere =
-            first.path == written.path ? "" : fmt::format(", {},", first.path);
+            first.path == written.path ? "" : fmt::format(", {},", text::shownName(first.path));
         throw FileFailure(fmt::format("{}: is both {}{} and {}\n  expected: another file for {}\n",
-                                      written.path, first.role, elsewhere, written.role,
-                                      written.option));
+                                      text::shownName(written.path), first.role, elsewhere,
+                                      written.role, written.option));
     }
     files_.push_back(std::move(file));
 }
@@ -51,7 +52,7 @@ void refuseFileInUse(const std::string& path, const text::LockHolder& holder,
         holder.process > 0 ? fmt::format(", process {}", holder.process) : std::string();
     throw FileFailure(fmt::format("{}: another run is writing to it{}\n  expected: another file "
                                   "for {}, or the end of that run\n",
-                                  path, process, option));
+                                  text::shownName(path), process, option));
 }
 
 } // namespace app

@@ -38,7 +38,7 @@ std::string readFile(const std::string& name)
 {
     text::FileText file = text::readFile(name);
     if (file.text) return std::move(*file.text);
-    throw FileFailure(name + ": cannot be opened: " + file.failure + "\n");
+    throw FileFailure(text::shownName(name) + ": cannot be opened: " + file.failure + "\n");
 }
 
 void replaceFile(const std::string& name, const std::string& text)

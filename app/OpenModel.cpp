@@ -1,5 +1,6 @@
 #include "app/OpenModel.h"
 
+#include "app/Interruption.h"
 #include "app/Output.h"
 #include "language/json/ModelJson.h"
 #include "text/Wording.h"
@@ -18,6 +19,8 @@ session::Settings settingsOf(const TrackOptions& track)
     settings.limits = {};
     if (track.maxRecords > 0) settings.limits.maxRecords = track.maxRecords;
     if (track.maxSeconds > 0.0) settings.limits.maxSeconds = track.maxSeconds;
+    settings.limits.stop = &interruption();
+    settings.work = workLimits(track.maxWork, track.maxMemory);
     settings.history = 0;
     return settings;
 }
@@ -33,7 +36,8 @@ session::Session openModel(const std::string& verb, const ModelOptions& model, F
     files.reads(model.path, "the model");
     if (!trace) muteTrace();
     try {
-        auto session = session::Session::open(model.path, {model.importFolders, trace}, settings);
+        auto session = session::Session::open(
+            model.path, {model.importFolders, model.importsAnywhere, trace}, settings);
         addModelFiles(files, model.path, session.read());
         if (!quiet) warn(session.warnings());
         return session;
@@ -41,7 +45,7 @@ session::Session openModel(const std::string& verb, const ModelOptions& model, F
         // Warnings of a model in error are not worth a word; one whose implicates are in error is sound itself.
         if (!quiet && failure.file() != model.path) warn(failure.warnings());
         throw FileFailure(failure.what() +
-                          fmt::format("{}: {}\n", failure.file(),
+                          fmt::format("{}: {}\n", text::shownName(failure.file()),
                                       text::counted(failure.errors().size(), "error")));
     }
 }
@@ -49,9 +53,12 @@ session::Session openModel(const std::string& verb, const ModelOptions& model, F
 void addModelFiles(FileRoles& files, const std::string& path, const language::ReadResult& read)
 {
     if (read.model) files.reads(read.model->name() + ".pi", "the implicates of the model");
-    if (language::isJsonPath(path)) return; // the files that it names are not read
+    // A model that was read as data names what it was made from.
+    const bool imports = !language::isJsonPath(path);
     for (const std::string& file : read.files) {
-        if (file != path) files.reads(file, "a file that the model imports");
+        if (file != path)
+            files.reads(file,
+                        imports ? "a file that the model imports" : "a file that the model names");
     }
 }
 

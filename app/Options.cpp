@@ -8,6 +8,7 @@ namespace app {
 namespace {
 
 constexpr std::uint64_t mostKept = 100000;
+constexpr std::uint64_t mostMillions = std::uint64_t{1} << 40U;
 
 ColourChoice colourChoice(const AnswerOptions& answer)
 {
@@ -34,6 +35,15 @@ Row modelRow(std::string& path, const std::string& help)
 Row importRow(std::vector<std::string>& folders, const std::string& help)
 {
     return {"-I,--import", "FOLDER", help, &folders, {}};
+}
+
+Row importsAnywhereRow(bool& anywhere)
+{
+    return {"--allow-imports-anywhere",
+            "",
+            "the model may import files that lie elsewhere than\nbelow its folder and those of -I",
+            &anywhere,
+            {}};
 }
 
 Row skipBadRow(bool& skipBad)
@@ -81,6 +91,21 @@ Row colourRow(AnswerOptions& answer, const std::string& where)
             &answer.colour, oneOf({"always", "never", "auto"})};
 }
 
+Row maxMemoryRow(std::uint64_t& mebibytes)
+{
+    return {"--max-memory", "MIB",
+            "... with so many MiB of memory in use (default {default};\n0: no limit)", &mebibytes,
+            wholeNumber(0, mostMillions)};
+}
+
+monitor::WorkLimits workLimits(std::uint64_t maxWork, std::uint64_t maxMemory)
+{
+    monitor::WorkLimits limits;
+    if (maxWork > 0) limits.maxWork = maxWork * 1'000'000;
+    if (maxMemory > 0) limits.maxBytes = maxMemory << 20U;
+    return limits;
+}
+
 Row failOnRow(std::optional<std::string>& failOn, const std::string& help)
 {
     return {"--fail-on", "fault", "end with status 1 when " + help, &failOn, oneOf({"fault"})};
@@ -96,6 +121,7 @@ std::vector<Row> telemetryRows(TrackOptions& track)
              {},
              2},
             importRow(track.model.importFolders, "look for imported model files there, too"),
+            importsAnywhereRow(track.model.importsAnywhere),
             skipBadRow(track.skipBad)};
 }
 
@@ -119,7 +145,12 @@ Section searchSection(TrackOptions& track)
           "stop searching a step after so many records\n(default {default}; 0: no limit)",
           &track.maxRecords, wholeNumber(0)},
          {"--max-seconds", "S", "... after so many seconds (default {default}: no limit)",
-          &track.maxSeconds, number(0.0, infinity)}}};
+          &track.maxSeconds, number(0.0, infinity)},
+         {"--max-work", "N",
+          "... after looking at N million literals of laws, or what\ncosts as much (default "
+          "{default}; 0: no limit)",
+          &track.maxWork, wholeNumber(0, mostMillions)},
+         maxMemoryRow(track.maxMemory)}};
 }
 
 report::Writers writersOf(const AnswerOptions& answer, report::Sink sink)

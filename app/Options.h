@@ -5,13 +5,19 @@
 #include "app/Output.h"
 #include "report/Tracking.h"
 #include "report/Writers.h"
+#include "session/Session.h"
 
 namespace app {
+
+/// Limits of a step: millions of literals, and mebibytes. 0: no limit.
+inline constexpr std::uint64_t usualMaxWork = session::Settings::usualWork.maxWork / 1'000'000;
+inline constexpr std::uint64_t usualMaxMemory = session::Settings::usualWork.maxBytes >> 20U;
 
 /// What the command line says about the model.
 struct ModelOptions {
     std::string path;
     std::vector<std::string> importFolders;
+    bool importsAnywhere = false;
 };
 
 /// What it says about model, telemetry and how to search.
@@ -27,6 +33,8 @@ struct TrackOptions {
     double follow = 0.05;
     std::uint64_t maxRecords = 100000; ///< of a step; 0: no limit
     double maxSeconds = 0.0;           ///< of a step; 0: no limit
+    std::uint64_t maxWork = usualMaxWork;
+    std::uint64_t maxMemory = usualMaxMemory;
     bool quiet = false;
 };
 
@@ -51,6 +59,8 @@ inline constexpr std::uint64_t mostFaults = 1000;
 Row modelRow(std::string& path, const std::string& help);
 /// -I, --import; `help` may add to what it says.
 Row importRow(std::vector<std::string>& folders, const std::string& help);
+/// --allow-imports-anywhere.
+Row importsAnywhereRow(bool& anywhere);
 /// --skip-bad.
 Row skipBadRow(bool& skipBad);
 /// -q, --quiet; `kept` names what is not printed then.
@@ -65,6 +75,10 @@ Row massRow(double& mass);
 Row formatRow(AnswerOptions& answer, const std::vector<std::string>& words, const std::string& help);
 /// --color; `where` names what is coloured.
 Row colourRow(AnswerOptions& answer, const std::string& where = "table");
+/// --max-memory.
+Row maxMemoryRow(std::uint64_t& mebibytes);
+/// What these options say.
+monitor::WorkLimits workLimits(std::uint64_t maxWork, std::uint64_t maxMemory);
 /// --fail-on; `help` says when.
 Row failOnRow(std::optional<std::string>& failOn, const std::string& help);
 

@@ -86,7 +86,11 @@ private:
     // Takes all files, and says where the run stood that is resumed.
     std::optional<RunState> open()
     {
-        if (options_.checkpoint) checkpoint_.emplace(*options_.checkpoint, options_.track, track_);
+        if (options_.checkpoint) {
+            checkpoint_.emplace(*options_.checkpoint, options_.track, track_);
+            if (!options_.resume) checkpoint_->refuseOtherFile();
+            track_.keepWholeSteps();
+        }
         answer_.emplace(options_.answer.output);
         if (options_.report) {
             report_.emplace(*options_.report, options_.track, track_,
@@ -134,7 +138,7 @@ private:
     void save()
     {
         answer_->sync();
-        memory_.linesLeftOut = track_.feed().linesLeftOut() - track_.feed().reader().mistakesAhead();
+        memory_.linesLeftOut = track_.linesLeftOut();
         checkpoint_->save({memory_, writer_->memory(), answer_->written()});
     }
 

@@ -7,10 +7,12 @@
 #include "app/Output.h"
 #include "session/CheckpointJson.h"
 #include "session/MemoryJson.h"
+#include "text/Diagnostic.h"
 #include "text/File.h"
 #include "text/FileIdentity.h"
 
 #include <fmt/format.h>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <unistd.h>
@@ -39,20 +41,22 @@ Json runJson(const RunState& state)
               {"counts", table.counts}}}};
 }
 
-RunState runFromJson(const Json& json)
+RunState runFromJson(const session::CheckpointField& field)
 {
     RunState state;
-    state.memory.unexplained = json.at("unexplained").get<bool>();
-    state.memory.faultFound = json.at("faultFound").get<bool>();
-    state.memory.steps = json.at("steps").get<std::size_t>();
-    state.memory.linesLeftOut = json.at("linesLeftOut").get<std::size_t>();
+    state.memory.unexplained = field["unexplained"].flag();
+    state.memory.faultFound = field["faultFound"].flag();
+    state.memory.steps = field["steps"].whole();
+    state.memory.linesLeftOut = field["linesLeftOut"].whole();
     state.writer.steps = state.memory.steps;
-    const Json& table = json.at("table");
-    state.writer.table.last = table.at("last").get<std::string>();
-    state.writer.table.total = table.at("total").get<std::size_t>();
-    state.writer.table.incomplete = table.at("incomplete").get<std::size_t>();
-    state.writer.table.dropped = table.at("dropped").get<std::size_t>();
-    state.writer.table.counts = table.at("counts").get<std::map<std::string, std::size_t>>();
+    const session::CheckpointField table = field["table"];
+    state.writer.table.last = table["last"].text();
+    state.writer.table.total = table["total"].whole();
+    state.writer.table.incomplete = table["incomplete"].whole();
+    state.writer.table.dropped = table["dropped"].whole();
+    for (const auto& [status, count] : table["counts"].members()) {
+        state.writer.table.counts[status] = count.whole();
+    }
     return state;
 }
 
@@ -61,7 +65,8 @@ RunState runFromJson(const Json& json)
 {
     throw FileFailure(fmt::format("{}: was made with {}{} {}\n  expected: the options of the run "
                                   "that is resumed; here it is {}\n",
-                                  path, name.size() == 1 ? "-" : "--", name, then, now));
+                                  text::shownName(path), name.size() == 1 ? "-" : "--", name, then,
+                                  now));
 }
 
 text::LockFile lockedPlace(const std::string& path)
@@ -83,6 +88,21 @@ RunCheckpoint::RunCheckpoint(std::string path, const TrackOptions& options, Trac
     if (lock_.holder()) refuseFileInUse(path_, *lock_.holder(), "--checkpoint");
 }
 
+// An empty file keeps nothing.
+void RunCheckpoint::refuseOtherFile() const
+{
+    constexpr std::size_t longestHead = 4096;
+    std::ifstream file(path_, std::ios::binary);
+    std::string head(longestHead, '\0');
+    file.read(head.data(), static_cast<std::streamsize>(head.size()));
+    head.resize(static_cast<std::size_t>(file.gcount()));
+    if (head.empty() || isCheckpoint(head)) return;
+    throw FileFailure(
+        fmt::format("{}: is no checkpoint, and is not replaced\n  expected: a new file "
+                    "for --checkpoint, or one that itms run --checkpoint wrote\n",
+                    text::shownName(path_)));
+}
+
 std::string RunCheckpoint::lockOf(const std::string& path)
 {
     return text::linkTarget(path) + ".lock";
@@ -92,35 +112,34 @@ std::optional<RunState> RunCheckpoint::resume()
 {
     if (access(path_.c_str(), F_OK) != 0) return {};
     const Json content = readCheckpoint(path_);
+    const session::CheckpointField checkpoint(content);
     const auto damaged = [this](const std::exception& error) {
-        return FileFailure(fmt::format("{}: is damaged: {}\n{}", path_, error.what(), beginAnew));
+        return FileFailure(
+            fmt::format("{}: is damaged: {}\n{}", text::shownName(path_), error.what(), beginAnew));
     };
     try {
-        session::checkSame(run_.session(), content);
-        const Json& skipBad = content.at("settings").at("skip-bad");
+        session::checkSame(run_.session(), checkpoint);
+        const bool skipBad = checkpoint["settings"]["skip-bad"].flag();
         if (skipBad != options_.skipBad)
-            refuseSetting(path_, "skip-bad", skipBad.dump(), Json(options_.skipBad).dump());
-        run_.feed().reader().restore(session::readerFromJson(content.at("reader")),
+            refuseSetting(path_, "skip-bad", Json(skipBad).dump(), Json(options_.skipBad).dump());
+        RunState state = runFromJson(checkpoint["run"]);
+        state.output.bytes = checkpoint["output"].whole();
+        if (checkpoint.has("outputDigest")) state.output.digest = checkpoint["outputDigest"].text();
+        run_.feed().reader().restore(session::readerFromJson(checkpoint["reader"]),
                                      options_.telemetry == "-"
                                          ? telemetry::StepReader::Input::continuation
                                          : telemetry::StepReader::Input::same);
-        session::restore(run_.session(), content);
-        RunState state = runFromJson(content.at("run"));
+        session::restore(run_.session(), checkpoint);
         run_.feed().setLinesLeftOut(state.memory.linesLeftOut);
-        state.output.bytes = content.at("output").get<std::uint64_t>();
-        if (content.contains("outputDigest"))
-            state.output.digest = content.at("outputDigest").get<std::string>();
         return state;
     } catch (const session::OtherModel& error) {
-        throw FileFailure(fmt::format("{}: {}\n  expected: {}\n{}", path_, error.what(),
-                                      options_.model.path, beginAnew));
+        throw FileFailure(fmt::format("{}: {}\n  expected: {}\n{}", text::shownName(path_),
+                                      error.what(), options_.model.path, beginAnew));
     } catch (const session::OtherSetting& error) {
         refuseSetting(path_, error.name(), error.then(), error.now());
-    } catch (const Json::exception& error) {
+    } catch (const session::DamagedCheckpoint& error) {
         throw damaged(error);
-    } catch (const std::out_of_range& error) {
-        throw damaged(error);
-    } catch (const std::invalid_argument& error) {
+    } catch (const std::invalid_argument& error) { // what the reader does not know
         throw damaged(error);
     }
 }
@@ -129,7 +148,7 @@ void RunCheckpoint::save(const RunState& state)
 {
     Json content = session::checkpointJson(run_.session());
     content["settings"]["skip-bad"] = options_.skipBad;
-    content["reader"] = session::readerJson(run_.feed().reader().state());
+    content["reader"] = session::readerJson(run_.readerState());
     content["run"] = runJson(state);
     content["output"] = state.output.bytes;
     if (state.output.digest) content["outputDigest"] = *state.output.digest;

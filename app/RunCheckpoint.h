@@ -36,6 +36,8 @@ public:
     /// The file that shows other runs that the checkpoint is in use.
     static std::string lockOf(const std::string& path);
 
+    /// Throws FileFailure when there is a file, and it is no checkpoint: one that was named by mistake is not replaced.
+    void refuseOtherFile() const;
     /// Puts session and reader where the checkpoint has them, and says where the rest stood; nothing where there is no file.
     /// Throws FileFailure when the checkpoint is damaged, or was made with another model or other options.
     std::optional<RunState> resume();

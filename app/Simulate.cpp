@@ -285,6 +285,7 @@ std::vector<Section> sections(SimulateOptions& options)
            2},
           importRow(options.model.importFolders,
                     "look for imported files there, too; may be repeated"),
+          importsAnywhereRow(options.model.importsAnywhere),
           skipBadRow(options.skipBad)}},
         {"Without COMMANDS",
          {{"--steps", "N", "how many (default 20)", &options.steps, wholeNumber(1, mostSimulated)},

@@ -48,11 +48,33 @@ TrackRun::TrackRun(const std::string& verb, const TrackOptions& options,
 
 bool TrackRun::next()
 {
+    std::optional<Whole> before;
+    if (keepsWhole_) before = now();
     auto step = feed_.next();
     if (!step) return false;
     step_ = std::move(*step);
     session_.advance(step_);
-    return true;
+    if (!before || answer().limit != SearchLimit::stopped) return true;
+    session_.tracker().restore(before->memory);
+    session_.readingChanges() = before->changes;
+    putBack_ = std::move(before);
+    return false;
+}
+
+TrackRun::Whole TrackRun::now() const
+{
+    return {feed_.reader().state(), feed_.linesLeftOut() - feed_.reader().mistakesAhead(),
+            session_.tracker().memory(), session_.readingChanges()};
+}
+
+telemetry::ReaderState TrackRun::readerState() const
+{
+    return putBack_ ? putBack_->reader : feed_.reader().state();
+}
+
+std::size_t TrackRun::linesLeftOut() const
+{
+    return putBack_ ? putBack_->leftOut : feed_.linesLeftOut() - feed_.reader().mistakesAhead();
 }
 
 void TrackRun::takeUntil(std::optional<std::uint64_t> wanted, const OnTheWay& onTheWay)

@@ -33,6 +33,13 @@ public:
     /// telemetry::BadInput; with `skipBad` it is reported on standard error, counted and passed over.
     bool next();
 
+    /// From here on a step that a signal cut is put back: next() returns false then, and what is believed, and the reader's state, are
+    /// as after the last whole step.
+    void keepWholeSteps() { keepsWhole_ = true; }
+    /// Where the reader was after the last whole step, and the lines that it had left out then.
+    telemetry::ReaderState readerState() const;
+    std::size_t linesLeftOut() const;
+
     /// Takes steps up to that one, or up to the last. Throws Failure when the telemetry has no such step, or none at all, unless
     /// a signal has come.
     void takeUntil(std::optional<std::uint64_t> wanted, const OnTheWay& onTheWay = {});
@@ -54,6 +61,17 @@ private:
     session::Session session_;
     StepFeed feed_;
     telemetry::Step step_;
+
+    struct Whole {
+        telemetry::ReaderState reader;
+        std::size_t leftOut;
+        monitor::TrackMemory memory;
+        session::ReadingChanges changes;
+    };
+    Whole now() const;
+
+    bool keepsWhole_ = false;
+    std::optional<Whole> putBack_; ///< what there was before a step that was cut
 };
 
 /// The report of the step that was taken last, with its gap and its held readings.

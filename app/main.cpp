@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <fmt/format.h>
+#include <new>
 
 int main(int argc, char** argv)
 {
@@ -27,6 +28,8 @@ int main(int argc, char** argv)
         app::complain(failure.what());
     } catch (const app::Failure& failure) {
         app::complain(fmt::format("{}: {}", name, failure.what()));
+    } catch (const std::bad_alloc&) {
+        app::complain(fmt::format("{}: not enough memory\n", name));
     } catch (const std::exception& error) {
         app::complain(fmt::format("{}: {}\n", name, error.what()));
     }

@@ -34,6 +34,9 @@ void itms::checkForFocusedInternalConflicts(ElMap* focus, std::queue<Clause*>* o
         if (!visited.insert(el->getStateVar()).second) {
             continue;
         }
+        if (overspent(el->getStateVar()->clauses->size())) {
+            return;
+        }
         if (Clause* conflict = checkForInternalConflicts(el, state, traj, rank)) {
             out->push(conflict);
         }
@@ -46,6 +49,9 @@ void itms::checkForFocusedConflicts(ElMap* focus, std::queue<Clause*>* out, Stat
     for (const auto& [id, el] : *focus) {
         for (Clause* clause : *el->atom->clauses) {
             clause->showClause(false);
+            if (overspent(clause->literals->size())) {
+                return;
+            }
             if (violated(clause, state, traj, rank)) {
                 out->push(clause);
             }

@@ -86,6 +86,9 @@ Clause* itms::getFirstUnitClause(Atom* atom, State* state, Trajectory* traj, con
 {
     for (Clause* clause : *atom->clauses) {
         clause->showClause(false);
+        if (overspent(clause->literals->size())) {
+            return nullptr;
+        }
         if (unitClause(clause, state, traj, rank)) {
             return clause;
         }

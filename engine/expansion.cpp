@@ -33,6 +33,13 @@ bool flippable(const TrajEl& el, const ElMap& changed)
     return el.label == "true" && el.lock != 0 && el.lock != 3;
 }
 
+// In labels: an element that is copied costs as much as some labels that are looked at.
+std::uint64_t copyingCost(const ItmsRes& record)
+{
+    return 4 * (record.state->elements->size() + record.state->condProbs->size() +
+                record.already_changed->size());
+}
+
 void showTransitionOf(const TrajEl& el)
 {
     if (el.transition) {
@@ -99,12 +106,31 @@ void itms::expand(Expansion& expansion)
     }
     const std::vector<Branch> branches = planBranches(expansion);
     for (const Branch& branch : branches) {
+        if (overspent(copyingCost(*expansion.parent))) {
+            break;
+        }
         makeChild(expansion, branch, &branch == &branches.back());
+    }
+    if (searchWork.partial) {
+        giveUp(expansion);
     }
     if (expansion.parent->state) {
         expansion.parent->clear();
     }
     delete expansion.parent;
+}
+
+// The children that were made already: without the others they are not all that resolves the conflict.
+void itms::giveUp(Expansion& expansion)
+{
+    if (expansion.first) {
+        release(expansion.first);
+        expansion.first = nullptr;
+    }
+    for (ItmsRes* other : expansion.others) {
+        release(other);
+    }
+    expansion.others.clear();
 }
 
 void itms::collectCandidates(Expansion& expansion)
@@ -116,6 +142,11 @@ void itms::collectCandidates(Expansion& expansion)
                               withinRank(expansion.traj, parent.state, expansion.maxRank);
         showElement(*atom, *el, rankTest, parent);
         if (rankTest && flippable(*el, *parent.already_changed)) {
+            // Each value of the variable gets a distribution over the transitions.
+            if (overspent(el->getStateVar()->atomLinks->size() *
+                          (1 + parent.state->postProbs->size()))) {
+                return;
+            }
             considerCandidate(expansion, atom, el);
         }
     }

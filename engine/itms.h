@@ -379,6 +379,7 @@ private:
     };
 
     void expand(Expansion& expansion);
+    void giveUp(Expansion& expansion);
     void collectCandidates(Expansion& expansion);
     void considerCandidate(Expansion& expansion, Atom* atom, TrajEl* el);
     std::vector<Branch> planBranches(const Expansion& expansion) const;
@@ -403,6 +404,7 @@ private:
     ItmsRes* resolveConflicts(ItmsRes* record, Search& search);
     void accept(ItmsRes* record, Search& search);
     bool limitReached();
+    bool overspent(std::uint64_t work);
     void release(ItmsRes* record);
     void abandonAgenda(Search& search);
 

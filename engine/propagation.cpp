@@ -25,6 +25,7 @@ void itms::unitPropagate(ItmsRes* res, std::vector<ItmsRes*>* results, const boo
     searchStart_ = std::chrono::steady_clock::now();
     Search search{*results, typeRules, maxRank, traj, rank, {}};
     for (const auto& [id, el] : *res->already_changed) {
+        if (overspent(el->atom->clauses->size())) break;
         resupportDependence(el, res->focus, res->state, traj, rank);
     }
     checkAround(res->already_changed, res, search);
@@ -56,6 +57,7 @@ void itms::unitPropagate(ItmsRes* res, std::vector<ItmsRes*>* results, const boo
 
 void itms::checkAround(ElMap* focus, ItmsRes* record, const Search& search)
 {
+    if (overspent(focus->size())) return;
     checkForFocusedInternalConflicts(focus, record->constraints, record->state, search.traj,
                                      search.rank);
     checkForFocusedConflicts(focus, record->constraints, record->state, search.traj, search.rank);
@@ -69,6 +71,10 @@ ItmsRes* itms::complete(ItmsRes* record, Search& search)
         const bool conflictsOpen = !record->constraints->empty();
         Clause* unit =
             getFirstUnitClause(record->retracted, record->state, search.traj, search.rank);
+        if (searchWork.partial) { // what was not looked at may be in conflict
+            release(record);
+            return nullptr;
+        }
         if (!unit && !conflictsOpen) {
             return record;
         }
@@ -105,13 +111,20 @@ ItmsRes* itms::resolveConflicts(ItmsRes* record, Search& search)
         if (!record) {
             return nullptr;
         }
+        if (searchWork.partial) {
+            release(record);
+            return nullptr;
+        }
     }
     return record;
 }
 
 void itms::accept(ItmsRes* record, Search& search)
 {
-    record->state->detach();
+    // Candidates of a search that is watched go on sharing their distributions: copies of a large model's may be most of its memory.
+    if (!searchLimits.watch) {
+        record->state->detach();
+    }
     sortPostProbs(record->state);
     search.results.push_back(record);
     ++searchWork.candidates;
@@ -139,6 +152,19 @@ bool itms::limitReached()
             limit = SearchLimit::seconds;
         }
     }
+    if (limit == SearchLimit::none) {
+        return overspent(1);
+    }
+    searchWork.partial = true;
+    searchWork.limit = limit;
+    return true;
+}
+
+// Within a record. What was begun is given up, as at the other limits.
+bool itms::overspent(std::uint64_t work)
+{
+    const SearchLimit limit =
+        searchLimits.watch ? searchLimits.watch->take(work) : SearchLimit::none;
     if (limit == SearchLimit::none) {
         return false;
     }

@@ -42,7 +42,7 @@ class Reading {
 public:
     Reading(const std::string& path, const ReadOptions& options)
         : options_(options), report_(files_.texts, options.mostErrors),
-          imports_(files_, report_, options.searchPath, options.syntax),
+          imports_(files_, report_, options.searchPath, options.importsAnywhere, options.syntax),
           builder_(std::filesystem::path(path).replace_extension().string(),
                    options.expansion.domainClauses)
     {

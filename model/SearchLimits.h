@@ -11,6 +11,22 @@
 #include <cstdint>
 #include <limits>
 
+/// Why a search ended before its agenda was empty.
+enum class SearchLimit : std::uint8_t { none, records, candidates, seconds, stopped, work, memory };
+
+/// Somebody who bounds a search from inside, by what it does between two records: one record of a large model may take long.
+class SearchWatch {
+public:
+    SearchWatch() = default;
+    virtual ~SearchWatch() = default;
+    SearchWatch(const SearchWatch&) = delete;
+    SearchWatch& operator=(const SearchWatch&) = delete;
+
+    /// Takes note of so much work, in labels looked at or copied. Returns the limit that is met, `none` for going on. Once it
+    /// returned another one, it does so until the search is over.
+    virtual SearchLimit take(std::uint64_t work) = 0;
+};
+
 /// What one call of itms::addPropositions may spend. A larger value costs time and memory in proportion.
 struct SearchLimits {
     static constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
@@ -24,10 +40,9 @@ struct SearchLimits {
     /// Ends the search once it is true. Read before every record; not owned, and it must outlive the search.
     /// For a signal handler, or another thread, that wants no further answer. Null by default: nobody does.
     const std::atomic<bool>* stop = nullptr;
+    /// Told of the work. Not owned, and it must outlive the search. Null by default: nobody.
+    SearchWatch* watch = nullptr;
 };
-
-/// Why a search ended before its agenda was empty.
-enum class SearchLimit : std::uint8_t { none, records, candidates, seconds, stopped };
 
 /// What the latest call of itms::addPropositions did.
 struct SearchWork {

@@ -110,15 +110,25 @@ bool checkVaries(double probability, const PlaceHandle& at)
 
 bool checkSeconds(double seconds, const PlaceHandle& at)
 {
-    if (seconds >= 0) return true;
-    at.report("the time is " + text::shown(seconds), "0 or more");
+    if (seconds >= 0 && seconds <= mostSeconds) return true;
+    if (seconds < 0) {
+        at.report("the time is " + text::shown(seconds), "0 or more");
+    } else {
+        at.report("the time is " + text::shown(seconds) + " s",
+                  "at most " + text::shown(mostSeconds) + " s");
+    }
     return false;
 }
 
 bool checkStepLength(double seconds, const PlaceHandle& at)
 {
-    if (seconds > 0) return true;
-    at.report("the length of a step is " + text::shown(seconds), "more than 0");
+    if (seconds >= leastStepSeconds && seconds <= mostSeconds) return true;
+    if (seconds <= 0) {
+        at.report("the length of a step is " + text::shown(seconds), "more than 0");
+    } else {
+        at.report("the length of a step is " + text::shown(seconds) + " s",
+                  "from " + text::shown(leastStepSeconds) + " to " + text::shown(mostSeconds) + " s");
+    }
     return false;
 }
 

@@ -60,9 +60,12 @@ private:
 bool checkVaryingKind(ChannelBinding::Kind kind, bool input, const PlaceHandle& at);
 /// Reports a reading that changes never or always: a probability per step that is not between 0 and 1.
 bool checkVaries(double probability, const PlaceHandle& at);
-/// Reports a time that is negative.
+/// The lengths that a step may have, and the longest time: sums and quotients of them are numbers.
+constexpr double leastStepSeconds = 1e-9;
+constexpr double mostSeconds = 1e12;
+/// Reports a time that is negative, or longer than that.
 bool checkSeconds(double seconds, const PlaceHandle& at);
-/// Reports a length of a step that is not above 0.
+/// Reports a length of a step that is none of these.
 bool checkStepLength(double seconds, const PlaceHandle& at);
 
 } // namespace plant

@@ -1,5 +1,6 @@
 #include "plant/Implicates.h"
 
+#include "text/Digest.h"
 #include "text/File.h"
 #include "text/NearestName.h"
 #include "text/SourceText.h"
@@ -87,7 +88,7 @@ ImplicateFile checkImplicates(const Model& model)
     std::error_code error;
     if (!std::filesystem::exists(file.path, error)) return file;
     file.found = true;
-    text::FileText contents = text::readFile(file.path, mostBytes);
+    text::FileText contents = text::readFile(file.path, mostBytes, text::Readable::file);
     if (!contents.text || contents.text->size() > mostBytes) {
         text::Diagnostic& unread = file.errors.emplace_back();
         unread.file = file.path;
@@ -102,6 +103,9 @@ ImplicateFile checkImplicates(const Model& model)
         mark.hint = "save it in UTF-8 without one";
         return file;
     }
+    text::Digest digest;
+    digest.add(*contents.text);
+    file.digest = digest.hex();
     const text::SourceText source(file.path, std::move(*contents.text));
     ImplicateCheck(model, source, file).run();
     return file;

@@ -19,6 +19,7 @@ struct ImplicateFile {
     std::string path;
     bool found = false;    ///< there is such a file
     std::size_t heads = 0; ///< lines that give an atom implicates
+    std::string digest;    ///< of what is in it
     std::vector<text::Diagnostic> errors;
     std::vector<text::Diagnostic> warnings;
 };

@@ -52,6 +52,10 @@ AdviceReport adviceReport(const plant::Plant& plant, const plant::Bindings& bind
                           const monitor::TrackAnswer& answer, const monitor::Advice& advice)
 {
     AdviceReport report{stepReport(plant, answer), bits(advice.entropy), {}, advice.useless};
+    if (advice.limit != SearchLimit::none) {
+        report.step.complete = false;
+        report.step.limit = advice.limit;
+    }
     for (const monitor::Measurement& measurement : advice.measurements) {
         const StateVar* variable = plant.variable(measurement.variable).variable;
         MeasurementReport one{plant::nameOf(*variable),

@@ -81,6 +81,8 @@ std::string shortfall(const Diagnosis& diagnosis)
     case SearchLimit::seconds: return searched + " ran out of time (--max-seconds): " + open + ".";
     case SearchLimit::records: return searched + " was cut by --max-records: " + open + ".";
     case SearchLimit::stopped: return searched + " was interrupted: " + open + ".";
+    case SearchLimit::memory: return searched + " ran out of memory (--max-memory): " + open + ".";
+    case SearchLimit::work:
     case SearchLimit::candidates:
     case SearchLimit::none: break;
     }

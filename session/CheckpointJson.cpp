@@ -1,6 +1,5 @@
 #include "session/CheckpointJson.h"
 
-#include "plant/Fingerprint.h"
 #include "session/MemoryJson.h"
 #include "session/Session.h"
 
@@ -18,7 +17,9 @@ Json settingsJson(const Settings& settings)
 {
     const SearchLimits& limits = settings.limits;
     const bool records = limits.maxRecords != SearchLimits::unlimited;
-    return {{"max-rank", settings.maxRank},
+    const std::uint64_t work = settings.work.maxWork;
+    return {{"max-work", work != SearchLimits::unlimited ? work / 1'000'000 : 0},
+            {"max-rank", settings.maxRank},
             {"keep", settings.keep},
             {"look-back", settings.lookBack},
             {"follow", settings.follow},
@@ -30,29 +31,31 @@ Json settingsJson(const Settings& settings)
 
 Json checkpointJson(const Session& session)
 {
-    return {{"model", plant::fingerprint(session.plant(), session.bindings())},
+    return {{"model", session.fingerprint()},
             {"settings", settingsJson(session.settings())},
             {"tracker", memoryJson(session.tracker().memory(), session.plant())},
             {"readings", readingsJson(session.readingChanges())}};
 }
 
-void checkSame(const Session& session, const Json& checkpoint)
+void checkSame(const Session& session, const CheckpointField& checkpoint)
 {
-    if (checkpoint.at("model") != plant::fingerprint(session.plant(), session.bindings())) {
-        throw OtherModel();
-    }
+    if (checkpoint["model"].text() != session.fingerprint()) throw OtherModel();
     const Json now = settingsJson(session.settings());
+    const CheckpointField settings = checkpoint["settings"];
+    static_cast<void>(settings.members());
     for (const auto& [name, value] : now.items()) {
         // One that the checkpoint does not have yet is as it is now.
-        const Json then = checkpoint.at("settings").value(name, value);
-        if (then != value) throw OtherSetting(name, then.dump(), value.dump());
+        if (!settings.has(name)) continue;
+        const double then = settings[name].number(0.0);
+        if (then != value.get<double>())
+            throw OtherSetting(name, settings[name].json().dump(), value.dump());
     }
 }
 
-void restore(Session& session, const Json& checkpoint)
+void restore(Session& session, const CheckpointField& checkpoint)
 {
-    auto counts = readingsFromJson(checkpoint.at("readings"), session.plant());
-    session.tracker().restore(memoryFromJson(checkpoint.at("tracker"), session.plant()));
+    auto counts = readingsFromJson(checkpoint["readings"], session.plant());
+    session.tracker().restore(memoryFromJson(checkpoint["tracker"], session.plant()));
     session.readingChanges().restore(std::move(counts));
 }
 

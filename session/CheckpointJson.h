@@ -4,7 +4,7 @@
 // names, in it and in "settings", are left to the caller.
 #pragma once
 
-#include <nlohmann/json_fwd.hpp>
+#include "session/CheckpointField.h"
 
 namespace session {
 
@@ -13,12 +13,11 @@ class Session;
 /// What Session::checkpoint() writes.
 nlohmann::json checkpointJson(const Session& session);
 
-/// The checks of Session::resume(), and no more. Throws OtherModel, OtherSetting, or nlohmann::json::exception where
-/// something is missing.
-void checkSame(const Session& session, const nlohmann::json& checkpoint);
+/// The checks of Session::resume(), and no more. Throws OtherModel, OtherSetting, or DamagedCheckpoint where something is missing.
+void checkSame(const Session& session, const CheckpointField& checkpoint);
 
-/// Goes on from what is believed in the checkpoint, without those checks. Throws nlohmann::json::exception or std::out_of_range
-/// when that is damaged; the session is as before then.
-void restore(Session& session, const nlohmann::json& checkpoint);
+/// Goes on from what is believed in the checkpoint, without those checks. Throws DamagedCheckpoint when that is damaged; the
+/// session is as before then.
+void restore(Session& session, const CheckpointField& checkpoint);
 
 } // namespace session

@@ -159,14 +159,21 @@ bool Handler::open(const std::string& found)
     return true;
 }
 
-bool Handler::parse_error(std::size_t position, const std::string& /*lastToken*/,
+bool Handler::parse_error(std::size_t position, const std::string& lastToken,
                           const nlohmann::detail::exception& error)
 {
+    constexpr int outOfRange = 406;
+    if (error.id == outOfRange) {
+        const std::size_t end = std::min(position, line_.size());
+        const std::size_t length = std::min(end, lastToken.size());
+        return refuse(end - length, length,
+                      {"this number is too large", atSignal() ? "0 or 1" : "a finite number", ""});
+    }
     const text::JsonMistake mistake = text::jsonMistake(error.what());
-    return refuse(
-        std::min(position == 0 ? 0 : position - 1, line_.size()), 1,
-        {fmt::format("this is not JSON: {}", mistake.found.empty() ? error.what() : mistake.found),
-         mistake.expected, fmt::format("a problem is one line: {}", wholeProblem)});
+    return refuse(std::min(position == 0 ? 0 : position - 1, line_.size()), 1,
+                  {fmt::format("this is not JSON: {}",
+                               mistake.found.empty() ? "it cannot be read" : mistake.found),
+                   mistake.expected, fmt::format("a problem is one line: {}", wholeProblem)});
 }
 
 bool Handler::refuse(std::size_t offset, std::size_t length, const text::Message& what)
@@ -207,6 +214,8 @@ std::variant<CircuitProblem, text::Diagnostic> Handler::result()
 std::variant<CircuitProblem, text::Diagnostic> readProblem(std::string_view line,
                                                            const netlist::Circuit& circuit)
 {
+    if (const std::size_t zero = text::zeroByte(line); zero != std::string_view::npos)
+        return text::errorAt(text::zeroByteMistake(), {}, {0, zero + 1}, line, 1);
     std::size_t taken = 0;
     Handler handler(line, circuit, taken);
     Json::sax_parse(text::CountingIterator(line.data(), &taken),

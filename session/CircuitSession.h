@@ -16,6 +16,7 @@ struct CircuitSettings {
     std::optional<int> maxRank; ///< look at once for explanations with up to so many faults
     int upTo = 3;        ///< without maxRank: 1, then 2, ... up to this, until something is found
     SearchLimits limits; ///< for all searches of a problem together
+    monitor::WorkLimits work = {}; ///< the same
 };
 
 /// What was found out about a problem.

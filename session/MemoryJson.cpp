@@ -2,9 +2,9 @@
 // Only labels that come from elsewhere are written value by value.
 #include "session/MemoryJson.h"
 
+#include <algorithm>
 #include <cmath>
 #include <nlohmann/json.hpp>
-#include <stdexcept>
 #include <unordered_map>
 
 namespace session {
@@ -12,10 +12,12 @@ namespace session {
 namespace {
 
 using Json = nlohmann::json;
+using Field = CheckpointField;
 using monitor::Hypothesis;
 using monitor::HypothesisPointer;
 using plant::AtomIndex;
 using plant::Plant;
+using plant::VariableIndex;
 
 // The value of every variable that has one.
 std::vector<AtomIndex> valuesOf(const Plant& plant, const monitor::Prediction& labels)
@@ -71,74 +73,131 @@ class Numbers {
 public:
     explicit Numbers(const Plant& plant) : plant_(plant) {}
 
-    AtomIndex atom(const Json& json) const { return checked(json, plant_.atomCount()); }
-    plant::VariableIndex variable(const Json& json) const
+    AtomIndex atom(const Field& field) const
     {
-        return checked(json, plant_.variables().size());
+        return static_cast<AtomIndex>(checked(field, plant_.atomCount(), "values"));
     }
-    std::vector<AtomIndex> atoms(const Json& json) const
+    VariableIndex variable(const Field& field) const
+    {
+        return static_cast<VariableIndex>(checked(field, plant_.variables().size(), "variables"));
+    }
+    std::vector<AtomIndex> atoms(const Field& list) const
     {
         std::vector<AtomIndex> atoms;
-        for (const Json& one : json) {
+        for (const Field& one : list.items()) {
             atoms.push_back(atom(one));
         }
         return atoms;
     }
+    /// Of which no variable has two.
+    std::vector<AtomIndex> values(const Field& list) const
+    {
+        std::vector<AtomIndex> found = atoms(list);
+        std::set<VariableIndex> seen;
+        for (const AtomIndex value : found) {
+            if (!seen.insert(plant_.variableOf(value)).second)
+                list.refuse("has two values of one variable");
+        }
+        return found;
+    }
+    /// Of each mode variable one, in the plant's order.
+    std::vector<AtomIndex> modes(const Field& list) const
+    {
+        std::vector<AtomIndex> found = atoms(list);
+        std::vector<VariableIndex> variables;
+        for (const AtomIndex value : found) {
+            variables.push_back(plant_.variableOf(value));
+        }
+        std::vector<VariableIndex> wanted;
+        for (std::size_t i = 0; i < plant_.variables().size(); ++i) {
+            const auto& variable = plant_.variables()[i];
+            if (variable.isMode && !variable.values.empty())
+                wanted.push_back(static_cast<VariableIndex>(i));
+        }
+        if (variables != wanted) list.refuse("is not one value of every mode");
+        return found;
+    }
 
 private:
-    static std::int32_t checked(const Json& json, std::size_t count)
+    static std::uint64_t checked(const Field& field, std::size_t count, const char* what)
     {
-        const auto number = json.get<std::int64_t>();
-        if (number < 0 || static_cast<std::size_t>(number) >= count)
-            throw std::out_of_range("number " + std::to_string(number));
-        return static_cast<std::int32_t>(number);
+        const std::uint64_t number = field.whole();
+        if (number >= count)
+            field.refuse("is " + std::to_string(number) + ", and the model has " +
+                         std::to_string(count) + " " + what);
+        return number;
     }
 
     const Plant& plant_;
 };
 
-monitor::StepLabels labelsFromJson(const Json& json, const Plant& plant)
+// A logarithm of a probability. JSON has no minus infinity, which stands as null.
+double logFrom(const Field& field)
 {
-    const Numbers numbers(plant);
-    if (json.contains("values")) {
-        monitor::Prediction values(plant);
-        for (const AtomIndex value : numbers.atoms(json.at("values"))) {
-            values.assume(value);
-        }
-        return {plant, concluded(values)};
-    }
-    monitor::StepLabels labels(plant);
-    labels.take(numbers.atoms(json.at("assumptions")), numbers.atoms(json.at("observations")));
-    return labels;
+    return field.isNull() ? -std::numeric_limits<double>::infinity() : field.number();
 }
 
-HypothesisPointer hypothesisFromJson(const Json& json, const Plant& plant)
+double secondsFrom(const Field& field)
+{
+    return field.number();
+}
+
+// Modes that the labels do not have would be asked for in vain.
+monitor::StepLabels labelsFromJson(const Field& field, const std::vector<AtomIndex>& modes,
+                                   const Plant& plant)
 {
     const Numbers numbers(plant);
-    Hypothesis made{labelsFromJson(json, plant),
-                    numbers.atoms(json.at("modes")),
-                    json.at("weight").get<double>(),
-                    json.at("step").get<double>(),
+    const auto made = [&]() -> monitor::StepLabels {
+        if (field.has("values")) {
+            monitor::Prediction values(plant);
+            for (const AtomIndex value : numbers.values(field["values"])) {
+                values.assume(value);
+            }
+            return {plant, concluded(values)};
+        }
+        monitor::StepLabels labels(plant);
+        labels.take(numbers.values(field["assumptions"]), numbers.values(field["observations"]));
+        return labels;
+    }();
+    // Labels that come from elsewhere are those of the beginning, or of modes that contradict the laws.
+    const bool agree = (made.consistent() || field.has("values")) &&
+                       std::all_of(modes.begin(), modes.end(),
+                                   [&](AtomIndex mode) { return made.prediction().isTrue(mode); });
+    if (!agree) field.refuse("has labels that do not agree with its modes");
+    return made;
+}
+
+HypothesisPointer hypothesisFromJson(const Field& field, const Plant& plant)
+{
+    const Numbers numbers(plant);
+    const std::vector<AtomIndex> modes = numbers.modes(field["modes"]);
+    Hypothesis made{labelsFromJson(field, modes, plant),
+                    modes,
+                    field["weight"].number(),
+                    logFrom(field["step"]),
                     {},
                     nullptr,
                     {},
-                    numbers.atoms(json.at("lost")),
-                    numbers.atoms(json.at("unexplained")),
+                    numbers.values(field["lost"]),
+                    numbers.values(field["unexplained"]),
                     {}};
-    for (const AtomIndex value : numbers.atoms(json.at("readings"))) {
+    for (const AtomIndex value : numbers.values(field["readings"])) {
         made.readings.last.emplace(plant.variableOf(value), value);
     }
-    for (const Json& entry : json.at("since")) {
-        made.since[numbers.variable(entry.at(0))] = {
-            numbers.atom(entry.at(1)), entry.at(2).get<std::size_t>(), entry.at(3).get<double>()};
+    for (const Field& entry : field["since"].items()) {
+        const std::vector<Field> parts = entry.items(4);
+        made.since[numbers.variable(parts[0])] = {numbers.atom(parts[1]), parts[2].whole(),
+                                                  secondsFrom(parts[3])};
     }
-    for (const Json& fault : json.at("faults")) {
-        made.faults.push_back({numbers.variable(fault.at(0)), fault.at(1).get<std::size_t>()});
+    for (const Field& fault : field["faults"].items()) {
+        const std::vector<Field> parts = fault.items(2);
+        made.faults.push_back({numbers.variable(parts[0]), parts[1].whole()});
     }
-    if (json.contains("twin")) {
-        const Json& twin = json.at("twin");
+    if (field.has("twin")) {
+        const Field twin = field["twin"];
+        const std::vector<AtomIndex> twinModes = numbers.modes(twin["modes"]);
         made.twin = std::make_shared<const monitor::Twin>(
-            monitor::Twin{numbers.atoms(twin.at("modes")), labelsFromJson(twin, plant)});
+            monitor::Twin{twinModes, labelsFromJson(twin, twinModes, plant)});
     }
     return std::make_shared<const Hypothesis>(std::move(made));
 }
@@ -158,23 +217,38 @@ Json inputJson(const monitor::TrackInput& input)
             {"lossy", std::move(lossy)}};
 }
 
-monitor::TrackInput inputFromJson(const Json& json, const Plant& plant)
+// A command that may be lost is one that was given, and falls back to another value of its variable.
+monitor::LossyCommand lossyFromJson(const Field& field, const std::vector<AtomIndex>& commands,
+                                    const Plant& plant)
+{
+    const Numbers numbers(plant);
+    const std::vector<Field> parts = field.items(3);
+    const monitor::LossyCommand made{numbers.atom(parts[0]), numbers.atom(parts[1]),
+                                     parts[2].number(0.0, 1.0)};
+    const bool given = std::find(commands.begin(), commands.end(), made.given) != commands.end();
+    if (!given || plant.variableOf(made.given) != plant.variableOf(made.fallback))
+        field.refuse("is no command of the step and what takes its place");
+    return made;
+}
+
+monitor::TrackInput inputFromJson(const Field& field, const Plant& plant)
 {
     const Numbers numbers(plant);
     monitor::TrackInput input;
-    input.step = json.at("step").get<std::size_t>();
-    input.t = json.at("t").get<double>();
-    input.values.commands = numbers.atoms(json.at("commands"));
-    input.values.observations = numbers.atoms(json.at("observations"));
-    input.values.inputs = json.at("inputs").get<std::size_t>();
-    input.values.changing = json.at("changing").get<std::vector<double>>();
-    if (input.values.inputs > input.values.observations.size() ||
-        input.values.changing.size() != input.values.observations.size()) {
-        throw std::out_of_range("number of inputs");
+    input.step = field["step"].whole();
+    input.t = secondsFrom(field["t"]);
+    input.values.commands = numbers.values(field["commands"]);
+    for (const AtomIndex command : input.values.commands) {
+        if (!plant.variable(plant.variableOf(command)).isCommand)
+            field["commands"].refuse("has a value of what is no command");
     }
-    for (const Json& command : json.at("lossy")) {
-        input.lossy.push_back({numbers.atom(command.at(0)), numbers.atom(command.at(1)),
-                               command.at(2).get<double>()});
+    input.values.observations = numbers.values(field["observations"]);
+    input.values.inputs = field["inputs"].whole(input.values.observations.size());
+    for (const Field& one : field["changing"].items(input.values.observations.size())) {
+        input.values.changing.push_back(one.number(0.0, 1.0));
+    }
+    for (const Field& command : field["lossy"].items()) {
+        input.lossy.push_back(lossyFromJson(command, input.values.commands, plant));
     }
     return input;
 }
@@ -188,15 +262,28 @@ Json passagesJson(const std::set<monitor::Passage>& passages)
     return list;
 }
 
-std::set<monitor::Passage> passagesFromJson(const Json& json, const Plant& plant)
+std::set<monitor::Passage> passagesFromJson(const Field& field, const Plant& plant)
 {
     const Numbers numbers(plant);
     std::set<monitor::Passage> passages;
-    for (const Json& one : json) {
-        passages.insert(
-            {one.at(0).get<std::size_t>(), one.at(1).get<std::size_t>(), numbers.atoms(one.at(2))});
+    for (const Field& one : field.items()) {
+        const std::vector<Field> parts = one.items(3);
+        passages.insert({parts[0].whole(), parts[1].whole(), numbers.values(parts[2])});
     }
     return passages;
+}
+
+// Passages lead from one of the hypotheses before a step to one of those after it.
+void checkPassages(const std::deque<monitor::PastStep>& past, std::size_t now, const Field& steps)
+{
+    for (std::size_t i = 0; i < past.size(); ++i) {
+        const std::size_t after = i + 1 < past.size() ? past[i + 1].before.size() : now;
+        for (const monitor::Passage& passage : past[i].passages) {
+            if (passage.from >= past[i].before.size() || passage.to >= after)
+                steps.items()[i]["passages"].refuse(
+                    "leads from or to a hypothesis that is not there");
+        }
+    }
 }
 
 } // namespace
@@ -217,11 +304,13 @@ Json memoryJson(const monitor::TrackMemory& memory, const Plant& plant)
     };
     Json past = Json::array();
     for (const monitor::PastStep& step : memory.past) {
-        past.push_back({{"input", inputJson(step.input)},
-                        {"before", refer(step.before)},
-                        {"scale", step.logScale},
-                        {"passages", passagesJson(step.passages)},
-                        {"calm", step.logCalm}});
+        Json& made = past.emplace_back();
+        made = {{"input", inputJson(step.input)},
+                {"before", refer(step.before)},
+                {"scale", step.logScale},
+                {"passages", passagesJson(step.passages)},
+                {"calm", step.logCalm}};
+        if (step.unexplained) made["unexplained"] = true;
     }
     Json now = refer(memory.hypotheses);
     Json json = {{"hypotheses", std::move(pool)}, {"past", std::move(past)}, {"now", std::move(now)}};
@@ -229,29 +318,35 @@ Json memoryJson(const monitor::TrackMemory& memory, const Plant& plant)
     return json;
 }
 
-monitor::TrackMemory memoryFromJson(const Json& json, const Plant& plant)
+monitor::TrackMemory memoryFromJson(const CheckpointField& field, const Plant& plant)
 {
     std::vector<HypothesisPointer> pool;
-    for (const Json& one : json.at("hypotheses")) {
+    for (const Field& one : field["hypotheses"].items()) {
         pool.push_back(hypothesisFromJson(one, plant));
     }
-    const auto named = [&](const Json& list) {
+    const auto named = [&](const Field& list) {
         std::vector<HypothesisPointer> hypotheses;
-        for (const Json& place : list) {
-            hypotheses.push_back(pool.at(place.get<std::size_t>()));
+        for (const Field& place : list.items()) {
+            const std::uint64_t number = place.whole();
+            if (number >= pool.size())
+                place.refuse("is " + std::to_string(number) + ", and there are " +
+                             std::to_string(pool.size()) + " hypotheses");
+            hypotheses.push_back(pool[number]);
         }
+        if (hypotheses.empty()) list.refuse("has no hypothesis");
         return hypotheses;
     };
     monitor::TrackMemory memory;
-    for (const Json& step : json.at("past")) {
-        memory.past.push_back({inputFromJson(step.at("input"), plant), named(step.at("before")),
-                               step.at("scale").get<double>(),
-                               passagesFromJson(step.at("passages"), plant),
-                               step.value("calm", 0.0)});
+    const Field past = field["past"];
+    for (const Field& step : past.items()) {
+        memory.past.push_back({inputFromJson(step["input"], plant), named(step["before"]),
+                               step["scale"].number(), passagesFromJson(step["passages"], plant),
+                               step.has("calm") ? logFrom(step["calm"]) : 0.0,
+                               step.has("unexplained") && step["unexplained"].flag()});
     }
-    memory.logMissing = json.value("missing", memory.logMissing);
-    memory.hypotheses = named(json.at("now"));
-    if (memory.hypotheses.empty()) throw std::out_of_range("no hypothesis");
+    if (field.has("missing")) memory.logMissing = field["missing"].number();
+    memory.hypotheses = named(field["now"]);
+    checkPassages(memory.past, memory.hypotheses.size(), past);
     return memory;
 }
 
@@ -264,13 +359,16 @@ Json readingsJson(const ReadingChanges& changes)
     return list;
 }
 
-std::map<plant::VariableIndex, ReadingCount> readingsFromJson(const Json& json, const Plant& plant)
+std::map<plant::VariableIndex, ReadingCount> readingsFromJson(const CheckpointField& field,
+                                                              const Plant& plant)
 {
     const Numbers numbers(plant);
     std::map<plant::VariableIndex, ReadingCount> counts;
-    for (const Json& one : json) {
-        counts[numbers.variable(one.at(0))] = {
-            one.at(1).get<std::size_t>(), one.at(2).get<std::size_t>(), numbers.atom(one.at(3))};
+    for (const Field& one : field.items()) {
+        const std::vector<Field> parts = one.items(4);
+        const std::uint64_t readings = parts[1].whole();
+        counts[numbers.variable(parts[0])] = {readings, parts[2].whole(readings),
+                                              numbers.atom(parts[3])};
     }
     return counts;
 }
@@ -287,15 +385,15 @@ Json readerJson(const telemetry::ReaderState& state)
             {"last", std::move(last)}};
 }
 
-telemetry::ReaderState readerFromJson(const Json& json)
+telemetry::ReaderState readerFromJson(const CheckpointField& field)
 {
     telemetry::ReaderState state;
-    state.lines = json.at("lines").get<std::size_t>();
-    state.steps = json.at("steps").get<std::size_t>();
-    if (!json.at("t").is_null()) state.t = json.at("t").get<double>();
-    for (const Json& one : json.at("last")) {
-        state.last.push_back(
-            {one.at(0).get<std::string>(), one.at(1).get<std::string>(), one.at(2).get<double>()});
+    state.lines = field["lines"].whole();
+    state.steps = field["steps"].whole();
+    if (!field["t"].isNull()) state.t = secondsFrom(field["t"]);
+    for (const Field& one : field["last"].items()) {
+        const std::vector<Field> parts = one.items(3);
+        state.last.push_back({parts[0].text(), parts[1].text(), secondsFrom(parts[2])});
     }
     return state;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "monitor/track/Tracker.h"
+#include "session/CheckpointField.h"
 #include "session/ReadingChanges.h"
 #include "telemetry/ReaderState.h"
 
@@ -10,16 +11,16 @@
 namespace session {
 
 nlohmann::json memoryJson(const monitor::TrackMemory& memory, const plant::Plant& plant);
-/// Throws nlohmann::json::exception, or std::out_of_range for a number that the plant has not.
-monitor::TrackMemory memoryFromJson(const nlohmann::json& json, const plant::Plant& plant);
+/// Throws DamagedCheckpoint, with the place, for what a tracker of the plant cannot have remembered.
+monitor::TrackMemory memoryFromJson(const CheckpointField& field, const plant::Plant& plant);
 
 nlohmann::json readingsJson(const ReadingChanges& changes);
 /// Throws as memoryFromJson().
-std::map<plant::VariableIndex, ReadingCount> readingsFromJson(const nlohmann::json& json,
+std::map<plant::VariableIndex, ReadingCount> readingsFromJson(const CheckpointField& field,
                                                               const plant::Plant& plant);
 
 nlohmann::json readerJson(const telemetry::ReaderState& state);
-/// Throws nlohmann::json::exception.
-telemetry::ReaderState readerFromJson(const nlohmann::json& json);
+/// Throws as memoryFromJson().
+telemetry::ReaderState readerFromJson(const CheckpointField& field);
 
 } // namespace session

@@ -6,6 +6,7 @@
 #include "language/meaning/FormulaReader.h"
 #include "monitor/step/EngineExplanations.h"
 #include "plant/ActiveModel.h"
+#include "plant/Fingerprint.h"
 #include "session/CheckpointJson.h"
 #include "session/StepInput.h"
 
@@ -45,7 +46,8 @@ language::ReadResult sound(language::ReadResult read, const std::string& name)
 
 monitor::TrackSettings trackSettings(const Settings& settings)
 {
-    return {settings.maxRank, settings.keep, settings.lookBack, settings.limits, settings.follow};
+    return {settings.maxRank, settings.keep, settings.lookBack,
+            settings.limits,  settings.work, settings.follow};
 }
 
 } // namespace
@@ -101,8 +103,10 @@ private:
     std::shared_ptr<monitor::ExplanationSearch> searching() const
     {
         if (settings.search) return settings.search;
-        return std::make_shared<monitor::EngineExplanations>(
+        auto search = std::make_shared<monitor::EngineExplanations>(
             *active, monitor::Successors::recordsBeforeSplit);
+        if (!quiet) search->rememberNothing(); // the trace is of this step's searches
+        return search;
     }
     std::unique_ptr<plant::ActiveModel> activate()
     {
@@ -116,6 +120,7 @@ Session Session::open(const std::string& modelPath, const OpenOptions& options,
 {
     language::ReadOptions reading;
     reading.searchPath = options.importFolders;
+    reading.importsAnywhere = options.importsAnywhere;
     return open(language::readModel(modelPath, reading), settings, options, modelPath);
 }
 
@@ -152,6 +157,7 @@ const monitor::TrackInput& Session::input() const
 
 Explained Session::explain() const
 {
+    const monitor::Meter meter(settings().limits, settings().work);
     Explained explained;
     for (const monitor::Contradiction& one : history().ofBest()) {
         explained.steps.push_back({one, monitor::conflictsOf(plant(), one)});
@@ -167,6 +173,7 @@ const monitor::ConflictHistory& Session::history() const
 
 monitor::Advice Session::advise(const monitor::AdviceSettings& settings) const
 {
+    const monitor::Meter meter(this->settings().limits, this->settings().work);
     return monitor::advise(plant(), answer(), input().values.observations, settings);
 }
 
@@ -187,15 +194,17 @@ Checkpoint Session::checkpoint() const
 
 void Session::resume(const Checkpoint& checkpoint)
 {
-    try {
-        const auto json = nlohmann::json::parse(checkpoint.text);
-        checkSame(*this, json);
-        restore(*this, json);
-    } catch (const nlohmann::json::exception& error) {
-        throw DamagedCheckpoint(error.what());
-    } catch (const std::out_of_range& error) {
-        throw DamagedCheckpoint(error.what());
-    }
+    const auto json = nlohmann::json::parse(checkpoint.text, nullptr, false);
+    if (json.is_discarded()) throw DamagedCheckpoint("it is not JSON");
+    checkSame(*this, CheckpointField(json));
+    restore(*this, CheckpointField(json));
+}
+
+std::string Session::fingerprint() const
+{
+    const std::string ofModel = plant::fingerprint(plant(), bindings());
+    const plant::ImplicateFile& implicates = work_->active->implicates();
+    return implicates.found ? plant::fingerprint(ofModel + implicates.digest) : ofModel;
 }
 
 const Settings& Session::settings() const

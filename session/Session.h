@@ -38,6 +38,8 @@ namespace session {
 struct OpenOptions {
     /// Folders where imports are looked for, after the importing file's own.
     std::vector<std::string> importFolders = {};
+    /// Whether imports, and the implicates of a JSON model, may lie elsewhere than below the model's folder or one of these.
+    bool importsAnywhere = false;
     /// Whether the engine may write its trace to std::cout. Otherwise std::cout is put into a failed state while the engine
     /// works, and is as before afterwards.
     bool trace = false;
@@ -54,11 +56,15 @@ struct Settings {
     /// is possible, which takes a small plant.
     double follow = 0.05;
     SearchLimits limits{.maxRecords = 100'000}; ///< of each step
+    /// Of each step, in work and memory: what takes longer, or more, is cut (monitor/labels/Meter.h).
+    monitor::WorkLimits work = usualWork;
     /// Steps with a contradiction that explain() can go back to, of which the hypotheses are kept in memory; 0: none.
     std::size_t history = 10;
     /// What looks for the explanations of a step that is not as predicted. Null: the engine. It may serve several sessions.
     std::shared_ptr<monitor::ExplanationSearch> search;
 
+    static constexpr monitor::WorkLimits usualWork{.maxWork = 200'000'000,
+                                                   .maxBytes = std::uint64_t{2} << 30U};
     static constexpr std::size_t wholeHistory = static_cast<std::size_t>(-1);
 };
 
@@ -131,6 +137,9 @@ public:
     /// Goes on from a checkpoint as if there had been no end. Throws OtherModel or OtherSetting when it was made with another
     /// model or other settings, and DamagedCheckpoint when it is not one. Ensures: the session is as before if it throws.
     void resume(const Checkpoint& checkpoint);
+
+    /// A short text that differs for models, their channels or their implicates that differ. Linear in the model.
+    std::string fingerprint() const;
 
     /// What the session owns. The references stay valid until it dies, also when it is moved.
     const Settings& settings() const;

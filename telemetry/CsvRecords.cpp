@@ -132,11 +132,11 @@ CsvRecords::Got CsvRecords::readQuoted(Cell& cell)
                 begin, 1);
         }
         if (lineIsCut()) return cut();
-        if (at_ == tooLong_ || next_ - recordBegin_ > mostBytes_) {
-            return refuse({fmt::format("this quote is not closed within {} bytes", mostBytes_),
-                           "a closing quote", ""},
-                          begin, 1);
-        }
+        const std::size_t most = std::min(mostBytes_, mostQuotedBytes);
+        if (at_ == tooLong_ || next_ - recordBegin_ > most)
+            return unclosed(fmt::format("{} bytes", most), begin);
+        if (linesDone_ - firstLine_ >= mostLines)
+            return unclosed(fmt::format("{} lines", mostLines), begin);
     }
     cell.offset = begin - recordBegin_;
     cell.length = at_ - begin;
@@ -147,6 +147,11 @@ CsvRecords::Got CsvRecords::readQuoted(Cell& cell)
                       at_, 1);
     }
     return Got::record;
+}
+
+CsvRecords::Got CsvRecords::unclosed(const std::string& within, std::size_t offset)
+{
+    return refuse({"this quote is not closed within " + within, "a closing quote", ""}, offset, 1);
 }
 
 // Gives the record up: reading goes on after its first line.

@@ -23,6 +23,10 @@ public:
     };
     enum class Got { record, mistake, end, interrupted };
 
+    /// What a record in quotes that goes over several lines may have: an unclosed quote in a live stream is told of soon.
+    static constexpr std::size_t mostLines = 64;
+    static constexpr std::size_t mostQuotedBytes = std::size_t{1} << 20U;
+
     /// A record may have `mostBytes` bytes. Where the input may grow, a record whose last line has no end is not there yet.
     /// Requires: `lines` outlives this.
     CsvRecords(LineSource& lines, std::size_t mostBytes, bool mayGrow)
@@ -60,6 +64,7 @@ private:
     Got readCells();
     Got readQuoted(Cell& cell);
     Got refuse(const text::Message& what, std::size_t offset, std::size_t length);
+    Got unclosed(const std::string& within, std::size_t offset);
     Got stop();
     void rewind(std::size_t lines);
     text::Diagnostic errorIn(const text::Message& what, std::size_t offset,

@@ -143,6 +143,8 @@ CsvSteps::Problem CsvSteps::readTime(std::size_t cell, double& t) const
 
 CsvSteps::Problem CsvSteps::checkTime(std::size_t cell, double t, std::optional<double> before) const
 {
+    if (before && !std::isfinite(t - *before))
+        return records_.errorAtCell(gapTooLong(t, *before), cell);
     if (!before || t > *before) return std::nullopt;
     return records_.errorAtCell(
         {fmt::format("the time is {}", t),

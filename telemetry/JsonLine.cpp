@@ -200,10 +200,10 @@ bool Handler::parse_error(std::size_t position, const std::string& /*lastToken*/
         return refuseValue({"this number is too large", "a finite number", ""});
     const text::JsonMistake mistake = text::jsonMistake(error.what());
     const std::size_t offset = std::min(position == 0 ? 0 : position - 1, line_.size());
-    return refuse(
-        {fmt::format("this is not JSON: {}", mistake.found.empty() ? error.what() : mistake.found),
-         mistake.expected, fmt::format("a step is one line: {}", wholeStep)},
-        {offset, 1});
+    return refuse({fmt::format("this is not JSON: {}",
+                               mistake.found.empty() ? "it cannot be read" : mistake.found),
+                   mistake.expected, fmt::format("a step is one line: {}", wholeStep)},
+                  {offset, 1});
 }
 
 std::variant<Step, text::Diagnostic> Handler::result()
@@ -211,7 +211,10 @@ std::variant<Step, text::Diagnostic> Handler::result()
     if (!error_) {
         const auto before = builder_.time();
         const double t = time_ ? *time_ : before ? *before + builder_.stepSeconds() : 0;
-        if (!std::isfinite(t) || !builder_.timeIsLater(t)) {
+        if (std::isfinite(t) && before && !std::isfinite(t - *before)) {
+            refuse(gapTooLong(t, *before),
+                   time_ ? text::valueAfter(line_, timeKeyEnd_) : text::Extent{0, 1});
+        } else if (!std::isfinite(t) || !builder_.timeIsLater(t)) {
             const text::Extent extent =
                 time_ ? text::valueAfter(line_, timeKeyEnd_) : text::Extent{0, 1};
             const std::string same = time_ ? "" : ", one step length after the step before";
@@ -238,6 +241,8 @@ std::variant<Step, text::Diagnostic> JsonLineParser::parse(std::string_view line
                                                            std::size_t lineNumber)
 {
     builder_.begin();
+    if (const std::size_t zero = text::zeroByte(line); zero != std::string_view::npos)
+        return text::errorAt(text::zeroByteMistake(), {}, {lineNumber, zero + 1}, line, 1);
     std::size_t taken = 0;
     Handler handler(builder_, seen_, ++lines_, line, lineNumber, taken);
     Json::sax_parse(text::CountingIterator(line.data(), &taken),

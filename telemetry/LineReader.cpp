@@ -1,5 +1,7 @@
 #include "telemetry/LineReader.h"
 
+#include "text/Diagnostic.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -17,8 +19,8 @@ constexpr std::size_t chunkBytes = 65536;
 
 [[noreturn]] void fail(const std::string& name)
 {
-    throw ReadFailure(
-        fmt::format("{}: cannot be read: {}\n", name, std::generic_category().message(errno)));
+    throw ReadFailure(fmt::format("{}: cannot be read: {}\n", text::shownName(name),
+                                  std::generic_category().message(errno)));
 }
 
 } // namespace

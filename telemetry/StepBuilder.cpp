@@ -32,6 +32,13 @@ StepBuilder::StepBuilder(const plant::Model& model, const plant::Bindings& bindi
     }
 }
 
+text::Message gapTooLong(double t, double before)
+{
+    return {fmt::format("the time is {}, and what has passed since {} is too long for a number", t,
+                        before),
+            "a time nearer to that of the step before", ""};
+}
+
 void StepBuilder::begin()
 {
     for (const std::uint32_t variable : drafted_) {

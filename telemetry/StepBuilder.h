@@ -17,6 +17,9 @@
 
 namespace telemetry {
 
+/// What is wrong with a step so long after, or before, the last one that no number can say how long.
+text::Message gapTooLong(double t, double before);
+
 class StepBuilder {
 public:
     /// Requires: the model and the bindings outlive this, and the bindings are not changed.

@@ -111,9 +111,24 @@ std::string Message::format() const
     return message + "\n" + adviceLines(*this);
 }
 
+std::string shownName(std::string_view file)
+{
+    std::string shown;
+    for (const char c : file) {
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) {
+            constexpr std::string_view digits = "0123456789abcdef";
+            const auto byte = static_cast<unsigned char>(c);
+            shown += {'\\', 'x', digits[byte >> 4U], digits[byte & 0xFU]};
+        } else {
+            shown += c;
+        }
+    }
+    return shown;
+}
+
 std::string Diagnostic::format() const
 {
-    std::string text = file;
+    std::string text = shownName(file);
     if (place.line > 0) text += ":" + std::to_string(place.line);
     if (place.column > 0) text += ":" + std::to_string(place.column);
     text += ": " + message + "\n";

@@ -58,6 +58,9 @@ Diagnostic errorAt(Message message, std::string file, Place place, std::string_v
 
 /// The text in single quotes, for a message. What is not printable becomes `?`; a long text is cut to 60 characters and `...`.
 std::string quoted(std::string_view text);
+/// The name of a file where a message has it: its line ends and other control characters are shown, so that a line of the message
+/// stays one.
+std::string shownName(std::string_view file);
 
 /// Length in bytes of the character that `text` begins with; 0 when it is not UTF-8.
 /// Requires: `text` is not empty.

@@ -2,6 +2,7 @@
 // the data do. Its folder is synced, too: only then is a new name on the disk.
 #include "text/File.h"
 
+#include "text/Diagnostic.h"
 #include "text/FileIdentity.h"
 
 #include <cerrno>
@@ -17,10 +18,14 @@
 
 namespace text {
 
-FileText readFile(const std::string& path, std::size_t mostBytes)
+FileText readFile(const std::string& path, std::size_t mostBytes, Readable what)
 {
     std::error_code error;
     if (std::filesystem::is_directory(path, error)) return {std::nullopt, "Is a directory", true};
+    if (what == Readable::file && std::filesystem::exists(path, error) &&
+        !std::filesystem::is_regular_file(path, error)) {
+        return {std::nullopt, "Not a regular file", true};
+    }
     errno = 0;
     std::ifstream file(path, std::ios::binary);
     if (!file) return {std::nullopt, errno != 0 ? std::strerror(errno) : "cannot be opened", false};
@@ -41,7 +46,7 @@ WriteFailure::WriteFailure(const std::string& path, const std::string& step, int
 
 WriteFailure::WriteFailure(const std::string& path, const std::string& step,
                            const std::string& reason)
-    : std::runtime_error(path + ": " + step + ": " + reason), reason_(reason)
+    : std::runtime_error(shownName(path) + ": " + step + ": " + reason), reason_(reason)
 {
 }
 

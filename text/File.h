@@ -19,9 +19,13 @@ struct FileText {
 
 constexpr std::size_t anySize = std::numeric_limits<std::size_t>::max();
 
+/// What may be read: what stands on a disk alone, or a pipe or a device as well, which may have the reader wait.
+enum class Readable { file, anything };
+
 /// Reads a file.
 /// Ensures: of one with more than `mostBytes` bytes there are more than `mostBytes`, but not all need be there.
-FileText readFile(const std::string& path, std::size_t mostBytes = anySize);
+FileText readFile(const std::string& path, std::size_t mostBytes = anySize,
+                  Readable what = Readable::anything);
 
 /// A file could not be written. The message is `PATH: cannot be written: REASON`, where PATH is the file at which it failed and
 /// `cannot be written` the step; without a line end.

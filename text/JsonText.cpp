@@ -60,6 +60,16 @@ JsonMistake jsonMistake(std::string_view parserMessage)
     return {std::string(found), shows ? std::string(expected) : "", lastRead < whole.size()};
 }
 
+std::size_t zeroByte(std::string_view text)
+{
+    return text.find('\0');
+}
+
+Message zeroByteMistake()
+{
+    return {"this is not JSON: it has a byte 0", "text in UTF-8", ""};
+}
+
 std::string jsonQuoted(std::string_view text)
 {
     return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);

@@ -4,6 +4,8 @@
 // iterator that it reads through knows how many these are.
 #pragma once
 
+#include "text/Diagnostic.h"
+
 #include <cstddef>
 #include <iterator>
 #include <string>
@@ -59,6 +61,11 @@ struct JsonMistake {
         false; ///< the message has bytes of the text, after which `expected` may be cut off
 };
 JsonMistake jsonMistake(std::string_view parserMessage);
+
+/// Where the first byte 0 is, npos without one. The parser takes it for the end of the text, and looks at nothing behind it.
+std::size_t zeroByte(std::string_view text);
+/// What is wrong there.
+Message zeroByteMistake();
 
 /// The text in quotes, with escapes; bytes that are not UTF-8 become U+FFFD.
 std::string jsonQuoted(std::string_view text);

@@ -127,6 +127,12 @@ private:
 
 std::unique_ptr<json> parseJson(const text::SourceText& source, Report& report)
 {
+    if (const std::size_t zero = text::zeroByte(source.text()); zero != std::string_view::npos) {
+        const text::Message what = text::zeroByteMistake();
+        report.take(source.number(),
+                    source.error(source.range(zero, 1), what.message, what.expected));
+        return nullptr;
+    }
     SyntaxCheck check(source, report);
     if (json::sax_parse(source.text(), &check)) {
         return std::make_unique<json>(json::parse(source.text()));

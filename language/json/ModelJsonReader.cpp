@@ -6,8 +6,10 @@
 #include "language/json/JsonVariables.h"
 #include "plant/BindingRules.h"
 #include "plant/Contradictions.h"
+#include "text/Folders.h"
 #include "text/Wording.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
@@ -193,10 +195,34 @@ bool isModel(const JsonNode& root)
     return format && root["v"].whole(1, 1);
 }
 
-std::string baseNameOf(const std::string& path, const JsonNode& root)
+// The implicates of the model are in the file that its name leads to, which may lie anywhere.
+bool mayBeNamed(const JsonNode& node, const std::string& name, const std::string& path,
+                const ReadOptions& options)
+{
+    const bool control =
+        std::any_of(name.begin(), name.end(), [](char c) { return c >= 0 && c < ' '; });
+    if (control) {
+        node.error("a control character in the name " + text::quoted(name), "a name of a file");
+        return false;
+    }
+    const std::string implicates = name + ".pi";
+    std::error_code error;
+    if (options.importsAnywhere || !std::filesystem::exists(implicates, error) ||
+        text::isBelow(implicates, std::filesystem::path(path).parent_path().string()) ||
+        text::isBelowAny(implicates, options.searchPath)) {
+        return true;
+    }
+    node.error("the name leads to the implicates " + text::quoted(implicates),
+               "implicates below the folder of the model, or one that is named with -I",
+               "--allow-imports-anywhere reads them, if you trust the model");
+    return false;
+}
+
+std::string baseNameOf(const std::string& path, const JsonNode& root, const ReadOptions& options)
 {
     std::optional<std::string> name;
     if (root.has("name")) name = root["name"].text();
+    if (name && !mayBeNamed(root["name"], *name, path, options)) name.reset();
     return name.value_or(std::filesystem::path(path).replace_extension().string());
 }
 
@@ -219,7 +245,7 @@ ReadResult readModelJson(const std::string& path, std::string text, const ReadOp
         JsonPlaces places(source, report);
         const JsonNode root(*document, places);
         if (isModel(root)) {
-            JsonReading(baseNameOf(path, root), options, result).read(root, report);
+            JsonReading(baseNameOf(path, root, options), options, result).read(root, report);
         }
     }
     result.errors = report.errors();

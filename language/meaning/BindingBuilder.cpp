@@ -158,8 +158,9 @@ std::optional<double> BindingBuilder::seconds(const syntax::Duration& duration,
 {
     const auto amount = evaluate(duration.amount, environment, report_);
     if (!amount) return std::nullopt;
-    if (!plant::checkSeconds(*amount, report_.at(duration.amount.range))) return std::nullopt;
-    return *amount * secondsOf(duration.unit.text).value_or(1);
+    const double seconds = *amount * secondsOf(duration.unit.text).value_or(1);
+    if (!plant::checkSeconds(seconds, report_.at(duration.amount.range))) return std::nullopt;
+    return seconds;
 }
 
 } // namespace language

@@ -75,7 +75,13 @@ std::optional<double> probabilityPerStep(const syntax::Probability& written,
         report.error(written.amount.range, "the rate is " + text::shown(*amount), "0 or more");
         return std::nullopt;
     }
-    return -std::expm1(-*amount / *seconds * stepSeconds);
+    const double probability = -std::expm1(-*amount / *seconds * stepSeconds);
+    if (*amount == 0 || probability > 0) return probability;
+    report.error(written.amount.range,
+                 "the rate is " + text::shown(*amount) + ", which is no probability in a step of " +
+                     text::shown(stepSeconds) + " s",
+                 "0, or a rate of which something is left in a step");
+    return std::nullopt;
 }
 
 std::string variableName(const Instance& instance, const VariableType& variable)
@@ -355,9 +361,9 @@ double Elaboration::stepSeconds()
         if (!step || !types_.sound(step)) continue;
         const auto amount = evaluate(step->duration.amount, {types_, {}}, report_);
         if (!amount) return 1;
-        if (plant::checkStepLength(*amount, report_.at(step->duration.amount.range))) {
-            return *amount * secondsOf(step->duration.unit.text).value_or(1);
-        }
+        const double seconds = *amount * secondsOf(step->duration.unit.text).value_or(1);
+        if (plant::checkStepLength(seconds, report_.at(step->duration.amount.range)))
+            return seconds;
     }
     return 1;
 }

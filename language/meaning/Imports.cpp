@@ -1,6 +1,7 @@
 #include "language/meaning/Imports.h"
 
 #include "text/File.h"
+#include "text/Folders.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -76,6 +77,12 @@ void ImportReader::parseFile(std::uint32_t number)
     }
 }
 
+bool ImportReader::mayBeRead(const std::string& path) const
+{
+    return anywhere_ || text::isBelow(path, fs::path(paths_.front()).parent_path().string()) ||
+           text::isBelowAny(path, searchPath_);
+}
+
 void ImportReader::followImport(const syntax::Import& import, std::uint32_t importer)
 {
     const fs::path wanted(import.path.text);
@@ -89,6 +96,14 @@ void ImportReader::followImport(const syntax::Import& import, std::uint32_t impo
     std::string failure;
     for (const fs::path& candidate : candidates) {
         const std::string path = candidate.string();
+        std::error_code error;
+        if (fs::exists(candidate, error) && !mayBeRead(path)) {
+            files_.unread = true;
+            report_.error(import.path.range, "the import leads to " + text::quoted(path),
+                          "a file below the folder of the model, or one that is named with -I",
+                          "--allow-imports-anywhere reads it, if you trust the model");
+            return;
+        }
         const auto known = std::find(paths_.begin(), paths_.end(), identityOf(path));
         if (known != paths_.end()) {
             const auto number = static_cast<std::uint32_t>(known - paths_.begin());
@@ -104,7 +119,7 @@ void ImportReader::followImport(const syntax::Import& import, std::uint32_t impo
                           {}, "move what both need into a file of its own");
             return;
         }
-        text::FileText contents = text::readFile(path, limits_.fileBytes);
+        text::FileText contents = text::readFile(path, limits_.fileBytes, text::Readable::file);
         if (contents.text) {
             if (open_.size() >= deepestImport) {
                 report_.error(import.path.range, "imports are nested deeper than " +

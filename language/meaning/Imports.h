@@ -1,7 +1,8 @@
 // A model file and all that it imports, read and parsed.
 //
 // An import is looked for in the folder of the file that imports it, then in the folders of the search path. A file that is
-// imported from several places is read once. Files that import each other in a circle are an error.
+// imported from several places is read once. All lie below the main file's folder or one of the search path, links followed, so that
+// a model that somebody else made reads nothing else; unless the reader allows it. Files that import each other in a circle are an error.
 #pragma once
 
 #include "language/meaning/Report.h"
@@ -28,8 +29,9 @@ struct SourceFiles {
 class ImportReader {
 public:
     ImportReader(SourceFiles& files, Report& report, std::vector<std::string> searchPath,
-                 const syntax::Limits& limits)
-        : files_(files), report_(report), searchPath_(std::move(searchPath)), limits_(limits)
+                 bool anywhere, const syntax::Limits& limits)
+        : files_(files), report_(report), searchPath_(std::move(searchPath)), anywhere_(anywhere),
+          limits_(limits)
     {
     }
 
@@ -45,12 +47,14 @@ private:
 
     void add(const std::string& path, std::string text);
     void parseFile(std::uint32_t number);
+    bool mayBeRead(const std::string& path) const;
     void followImport(const syntax::Import& import, std::uint32_t importer);
     void noteUnread(const text::SourceText& text, std::size_t line);
 
     SourceFiles& files_;
     Report& report_;
     std::vector<std::string> searchPath_;
+    bool anywhere_;
     syntax::Limits limits_;
     std::vector<std::string> paths_;  ///< by number, in a form that is the same for the same file
     std::vector<std::uint32_t> open_; ///< from the main file to the one that is read now

@@ -16,6 +16,8 @@ namespace language {
 struct ReadOptions {
     std::vector<std::string>
         searchPath; ///< folders where imports are looked for, after the importing file's own
+    /// Whether imports, and the implicates of a JSON model, may lie anywhere. Otherwise below the model's folder or one of these.
+    bool importsAnywhere = false;
     syntax::Limits syntax;
     ExpansionLimits expansion;
     std::size_t mostErrors = 100; ///< that are reported of one model

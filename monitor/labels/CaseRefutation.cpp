@@ -2,6 +2,8 @@
 // whose ground does not contain the value tried last refutes the whole level.
 #include "monitor/labels/CaseRefutation.h"
 
+#include "monitor/labels/Meter.h"
+
 #include <algorithm>
 
 namespace monitor {
@@ -77,6 +79,7 @@ private:
             return std::nullopt;
         }
         --left_;
+        Meter::spend(10);
         if (!labels_.assume(value)) {
             const auto other = labels_.valueOf(plant_.variable(variable));
             return groundOf({other.value_or(value)});

@@ -2,6 +2,8 @@
 // a value that contradicts the others is taken back together with everything that followed from it.
 #include "monitor/labels/Completion.h"
 
+#include "monitor/labels/Meter.h"
+
 #include <algorithm>
 #include <numeric>
 
@@ -46,6 +48,7 @@ Completion complete(const Plant& plant, Prediction& labels, const std::vector<Va
     std::vector<Choice> choices;
     std::uint64_t retreats = 0;
     for (std::size_t next = 0; next < order.size(); ++next) {
+        Meter::spend(1);
         if (!isOpen(plant.variable(order[next]), labels)) {
             continue;
         }

@@ -4,6 +4,7 @@
 #include "monitor/labels/Counting.h"
 
 #include "monitor/labels/Completion.h"
+#include "monitor/labels/Meter.h"
 
 #include <algorithm>
 
@@ -55,6 +56,7 @@ private:
                 }
             }
         }
+        Meter::spend(10 * component.size());
         reachedInAll_ += component.size();
         std::sort(component.begin(), component.end());
         return component;

@@ -2,6 +2,7 @@
 #include "monitor/labels/ModeSteps.h"
 
 #include "monitor/labels/GuardShares.h"
+#include "monitor/labels/Meter.h"
 
 #include <algorithm>
 
@@ -37,6 +38,7 @@ AtomIndex mostProbable(const std::vector<ModeOption>& options)
 ModeStep modeStep(const Plant& plant, VariableIndex index, GuardShares& guards)
 {
     const AtomIndex from = guards.before(plant.variable(index));
+    Meter::spend(10 * (1 + plant.changesFrom(from).size()));
     ModeStep step{index, from, from, {}, nullptr, true};
     double leaving = 0.0;
     double nominal = 0.0;

@@ -19,6 +19,8 @@ struct ModeOption {
     /// A nominal transition leads to it; or it is that of staying, and that no nominal transition can be taken explains that at
     /// least as well as that one was missed.
     bool nominal;
+
+    friend bool operator==(const ModeOption&, const ModeOption&) = default;
 };
 
 /// The possibilities of one mode variable.
@@ -34,6 +36,8 @@ struct ModeStep {
     const ModeOption* option(AtomIndex value) const;
     /// Whether it may deviate from what is predicted without a fault.
     bool deviatesFreely() const;
+
+    friend bool operator==(const ModeStep&, const ModeStep&) = default;
 };
 
 /// The possibilities of every mode variable, in the plant's order of variables. Guards are read in the modes and

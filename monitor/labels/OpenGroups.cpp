@@ -3,6 +3,7 @@
 #include "monitor/labels/OpenGroups.h"
 
 #include "monitor/labels/Completion.h"
+#include "monitor/labels/Meter.h"
 
 #include <algorithm>
 
@@ -17,6 +18,7 @@ std::set<Combination> projected(const std::set<Combination>& combinations,
                                 const std::vector<std::size_t>& places)
 {
     std::set<Combination> result;
+    Meter::spend(10 * combinations.size());
     for (const Combination& combination : combinations) {
         Combination part;
         for (const std::size_t place : places) {

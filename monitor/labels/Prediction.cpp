@@ -3,6 +3,8 @@
 // reassume() cuts out what rests on the changed assumptions, and visits the clauses around that.
 #include "monitor/labels/Prediction.h"
 
+#include "monitor/labels/Meter.h"
+
 #include <algorithm>
 #include <bit>
 #include <limits>
@@ -13,6 +15,7 @@ Prediction::Prediction(const Plant& plant)
     : plant_(&plant), labels_(plant.atomCount(), Label::unknown),
       reasons_(plant.atomCount(), assumed)
 {
+    Meter::spend(plant.atomCount());
     trail_.reserve(plant.atomCount());
 }
 
@@ -47,13 +50,18 @@ bool Prediction::propagate()
 
 bool Prediction::visitAll(const std::vector<ClauseIndex>& clauses)
 {
+    std::uint64_t literals = 0;
+    bool sound = true;
     for (const ClauseIndex clause : clauses) {
+        literals += plant_->clause(clause).size();
         if (!visit(clause)) {
             violated_ = clause;
-            return false;
+            sound = false;
+            break;
         }
     }
-    return true;
+    Meter::spend(literals);
+    return sound;
 }
 
 // Labels the clause's only open literal so that the clause holds. False when every literal is false.
@@ -113,6 +121,7 @@ std::vector<AtomIndex> Prediction::retract(const std::vector<AtomIndex>& values)
     }
     for (std::size_t i = 0; i < retracted.size(); ++i) {
         for (const ClauseIndex clause : plant_->clausesOf(retracted[i])) {
+            Meter::spend(plant_->clause(clause).size());
             for (const PlantLiteral& literal : plant_->clause(clause)) {
                 if (isKnown(literal.atom) &&
                     reasons_[static_cast<std::size_t>(literal.atom)] == clause) {
@@ -231,6 +240,7 @@ void Prediction::preferSmallEnvironments()
                 continue;
             }
             environments.clear(trial);
+            Meter::spend(plant_->clause(clause).size() * (1 + modes / 64));
             for (const PlantLiteral& literal : plant_->clause(clause)) {
                 if (literal.atom != atom) {
                     environments.unite(trial, static_cast<std::size_t>(literal.atom));
@@ -270,6 +280,7 @@ std::vector<AtomIndex> Prediction::grounds(const std::vector<AtomIndex>& atoms) 
     std::for_each(atoms.begin(), atoms.end(), reach);
     for (std::size_t i = 0; i < reached.size(); ++i) {
         if (reason(reached[i]) != assumed) {
+            Meter::spend(plant_->clause(reason(reached[i])).size());
             for (const PlantLiteral& literal : plant_->clause(reason(reached[i]))) {
                 reach(literal.atom);
             }
@@ -298,6 +309,7 @@ std::vector<AtomIndex> Prediction::derivation(const std::vector<AtomIndex>& atom
     for (const AtomIndex atom : grounds(atoms)) {
         needed[static_cast<std::size_t>(atom)] = true;
     }
+    Meter::spend(trail_.size());
     std::vector<AtomIndex> ordered;
     std::copy_if(trail_.begin(), trail_.end(), std::back_inserter(ordered),
                  [&](AtomIndex atom) { return needed[static_cast<std::size_t>(atom)]; });
@@ -315,6 +327,7 @@ std::vector<bool> Prediction::dependents(const std::vector<bool>& markedVariable
             continue;
         }
         const std::vector<PlantLiteral>& literals = plant_->clause(reason);
+        Meter::spend(literals.size());
         dependent[static_cast<std::size_t>(atom)] =
             std::any_of(literals.begin(), literals.end(), [&](const PlantLiteral& literal) {
                 return literal.atom != atom && dependent[static_cast<std::size_t>(literal.atom)];

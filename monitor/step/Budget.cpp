@@ -1,5 +1,7 @@
 #include "monitor/step/Budget.h"
 
+#include "monitor/labels/Meter.h"
+
 #include <algorithm>
 
 namespace monitor {
@@ -40,6 +42,9 @@ void Budget::meet(SearchLimit limit)
 bool Budget::exhausted()
 {
     const SearchLimits left = remaining();
+    if (const Meter* meter = Meter::current(); meter && meter->limit() != SearchLimit::none) {
+        meet(meter->limit());
+    }
     if (left.maxRecords == 0) {
         meet(SearchLimit::records);
     } else if (left.maxCandidates == 0) {

@@ -1,5 +1,9 @@
 #include "monitor/step/EngineExplanations.h"
 
+#include "monitor/labels/Meter.h"
+
+#include <algorithm>
+
 namespace monitor {
 
 EngineExplanations::EngineExplanations(itms& engine, std::uint64_t recordsBeforeSplit)
@@ -13,11 +17,49 @@ EngineExplanations::EngineExplanations(plant::ActiveModel& model, std::uint64_t 
 {
 }
 
+// An answer that a limit cut may be another one next time.
 Explanations EngineExplanations::search(const StepFrame& frame, int faultBudget,
                                         const SearchLimits& limits)
 {
+    if (const Asked* asked = known(frame, faultBudget, limits)) {
+        Meter::spend(asked->cost);
+        return asked->answer;
+    }
+    const std::uint64_t before = Meter::current() ? Meter::current()->spent() : 0;
+    Explanations answer = searchAnew(frame, faultBudget, limits);
+    if (remembers_ && answer.limit == SearchLimit::none && answer.work.records > 0) {
+        const std::uint64_t after = Meter::current() ? Meter::current()->spent() : 0;
+        asked_.push_back({frame.commands, frame.observations, frame.inputs, frame.modes,
+                          faultBudget, answer, after - before});
+        if (asked_.size() > mostRemembered) {
+            asked_.pop_front();
+        }
+    }
+    return answer;
+}
+
+const EngineExplanations::Asked* EngineExplanations::known(const StepFrame& frame, int faultBudget,
+                                                           const SearchLimits& limits) const
+{
+    const auto found = std::find_if(asked_.begin(), asked_.end(), [&](const Asked& asked) {
+        return asked.faultBudget == faultBudget && asked.inputs == frame.inputs &&
+               asked.observations == frame.observations && asked.commands == frame.commands &&
+               asked.modes == frame.modes && asked.answer.work.records < limits.maxRecords &&
+               asked.answer.work.candidates < limits.maxCandidates;
+    });
+    return found == asked_.end() ? nullptr : &*found;
+}
+
+Explanations EngineExplanations::searchAnew(const StepFrame& frame, int faultBudget,
+                                            const SearchLimits& limits)
+{
+    ++searches_;
     FaultSearch search(engine_(), frame, limits, recordsBeforeSplit_);
-    search.run(faultBudget);
+    try {
+        search.run(faultBudget);
+    } catch (const Meter::Cut& cut) {
+        return {search.found(), false, cut.limit, search.work()};
+    }
     return {search.found(), search.complete(), search.limit(), search.work()};
 }
 

@@ -1,10 +1,12 @@
-// Explanations found by the engine, one FaultSearch for each question.
+// Explanations found by the engine, one FaultSearch for each question. The last questions are remembered with their answers: a plant
+// that stays as it is, and unexplained, asks the same at every step.
 #pragma once
 
 #include "monitor/step/ExplanationSearch.h"
 #include "monitor/step/FaultSearch.h"
 #include "plant/ActiveModel.h"
 
+#include <deque>
 #include <functional>
 
 namespace monitor {
@@ -22,9 +24,33 @@ public:
     Explanations search(const StepFrame& frame, int faultBudget,
                         const SearchLimits& limits) override;
 
+    /// From here on every question is searched anew: for whoever wants to see the engine at work.
+    void rememberNothing() { remembers_ = false; }
+    /// How many searches were begun, and not answered from memory.
+    std::uint64_t searches() const { return searches_; }
+
 private:
+    struct Asked {
+        std::vector<AtomIndex> commands;
+        std::vector<AtomIndex> observations;
+        std::size_t inputs;
+        std::vector<ModeStep> modes;
+        int faultBudget;
+        Explanations answer;
+        std::uint64_t cost; ///< by the meter
+    };
+
+    const Asked* known(const StepFrame& frame, int faultBudget, const SearchLimits& limits) const;
+    Explanations searchAnew(const StepFrame& frame, int faultBudget, const SearchLimits& limits);
+
+    /// Of which the answers are remembered: as many as hypotheses are kept, and some lost commands.
+    static constexpr std::size_t mostRemembered = 32;
+
     std::function<itms&()> engine_;
     std::uint64_t recordsBeforeSplit_;
+    std::deque<Asked> asked_; ///< oldest first
+    bool remembers_ = true;
+    std::uint64_t searches_ = 0;
 };
 
 } // namespace monitor

@@ -3,6 +3,8 @@
 // them, and reduced to the mode values among them.
 #include "monitor/step/EngineSearch.h"
 
+#include "monitor/labels/Meter.h"
+
 #include <algorithm>
 #include <memory>
 #include <set>
@@ -201,6 +203,26 @@ private:
     std::unordered_map<AtomIndex, Label> changed_;
 };
 
+// Of what is left to the step, the engine may take a part: a search of a large model may go on for long before its next record.
+class Portion final : public SearchWatch {
+public:
+    SearchLimit take(std::uint64_t work) override
+    {
+        Meter* meter = Meter::current();
+        if (!meter) {
+            return SearchLimit::none;
+        }
+        const SearchLimit met = meter->take(work);
+        if (met != SearchLimit::none) {
+            return met;
+        }
+        return meter->spent() - begun_ < meter->portion() ? SearchLimit::none : SearchLimit::work;
+    }
+
+private:
+    std::uint64_t begun_ = Meter::current() ? Meter::current()->spent() : 0;
+};
+
 } // namespace
 
 SearchOutcome searchWithEngine(itms& engine, const Scenario& scenario,
@@ -219,6 +241,8 @@ SearchOutcome searchWithEngine(itms& engine, const Scenario& scenario,
 
     const SearchLimits before = DataManager::searchLimits;
     DataManager::searchLimits = limits;
+    Portion portion;
+    DataManager::searchLimits.watch = Meter::current() ? &portion : nullptr;
     std::vector<ItmsRes*> records;
     engine.addPropositions(&propositions, nullptr, state.get(), &records, false,
                            engineBudget(frame, suspect, faultBudget), 0.0, &trajectory, 0, false);

@@ -87,6 +87,8 @@ bool FaultSearch::searchDirectly(const Scenario& scenario, const std::vector<boo
 {
     SearchLimits limits = budget_.remaining();
     limits.maxRecords = std::min(limits.maxRecords, recordsBeforeSplit_);
+    limits.maxSeconds /=
+        4; // where the engine takes long, there is time left for taking the search apart
     const SearchOutcome outcome = searchWithEngine(engine_, scenario, fixed, faultBudget, limits);
     SearchWork work = outcome.work;
     work.candidates = 0; // counted when they are new

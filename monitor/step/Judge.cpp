@@ -3,6 +3,7 @@
 #include "monitor/step/Judge.h"
 
 #include "monitor/labels/Completion.h"
+#include "monitor/labels/Meter.h"
 #include "monitor/labels/StepLabels.h"
 
 #include <algorithm>
@@ -133,21 +134,37 @@ std::vector<AtomIndex> assumptionsOf(const StepFrame& frame, const Deviations& d
     return assumptions;
 }
 
+namespace {
+
+void judgeOne(const StepFrame& frame, const Deviations& modes, Judgement& judgement)
+{
+    StepLabels labels(frame.plant);
+    labels.take(assumptionsOf(frame, modes), frame.observations, frame.inputs);
+    if (!labels.consistent() || !labels.contradicted().empty()) {
+        return;
+    }
+    const Completion completion = completionOf(frame.plant, labels.prediction());
+    judgement.sure = judgement.sure && completion != Completion::unsettled;
+    auto candidate = weigh(frame, modes, labels.likelihood().log);
+    if (candidate && completion == Completion::possible) {
+        judgement.candidates.push_back(std::move(*candidate));
+    }
+}
+
+} // namespace
+
+// Where the search was cut, what it found may spend what was kept back for that.
 Judgement judge(const StepFrame& frame, const std::set<Deviations>& found)
 {
     Judgement judgement;
-    for (const Deviations& modes : found) {
-        StepLabels labels(frame.plant);
-        labels.take(assumptionsOf(frame, modes), frame.observations, frame.inputs);
-        if (!labels.consistent() || !labels.contradicted().empty()) {
-            continue;
+    const Meter::Finishing finishing;
+    try {
+        for (const Deviations& modes : found) {
+            judgeOne(frame, modes, judgement);
         }
-        const Completion completion = completionOf(frame.plant, labels.prediction());
-        judgement.sure = judgement.sure && completion != Completion::unsettled;
-        auto candidate = weigh(frame, modes, labels.likelihood().log);
-        if (candidate && completion == Completion::possible) {
-            judgement.candidates.push_back(std::move(*candidate));
-        }
+    } catch (const Meter::Cut& cut) {
+        judgement.sure = false;
+        judgement.limit = cut.limit;
     }
     keepMinimal(judgement.candidates);
     normalise(judgement.candidates);

@@ -13,6 +13,7 @@ struct Judgement {
     std::vector<Candidate> candidates; ///< most probable first
     bool sure =
         true; ///< false when one was dropped of which it could not be settled whether it explains anything
+    SearchLimit limit = SearchLimit::none; ///< of the step, that kept some from being judged
 };
 
 /// Keeps those among `found` whose modes, predicted anew, agree with all observations and laws, and of these the

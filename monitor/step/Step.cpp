@@ -4,6 +4,7 @@
 #include "monitor/step/Judge.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace monitor {
 
@@ -34,16 +35,25 @@ StepSolver::StepSolver(itms& engine, const Plant& plant,
 StepAnswer StepSolver::solve(const Prediction& before, const StepInput& input,
                              const StepSettings& settings)
 {
-    const StepFrame frame = makeFrame(plant_, before, input);
+    std::optional<Meter> own;
+    if (!Meter::current()) {
+        own.emplace(settings.limits, settings.work);
+    }
+    const auto [frame, discrepancies] = [&] {
+        const Meter::Free needed; // whatever is cut
+        StepFrame made = makeFrame(plant_, before, input);
+        std::vector<AtomIndex> contradicting = Scenario(made, {}).discrepancies();
+        return std::pair(std::move(made), std::move(contradicting));
+    }();
     const Explanations explanations = search_->search(frame, settings.maxFaults, settings.limits);
     Judgement judgement = judge(frame, explanations.found);
 
     StepAnswer answer;
-    answer.discrepancies = Scenario(frame, {}).discrepancies();
+    answer.discrepancies = discrepancies;
     answer.candidates = std::move(judgement.candidates);
     answer.status = statusOf(answer.candidates);
     answer.complete = explanations.complete && judgement.sure;
-    answer.limit = explanations.limit;
+    answer.limit = judgement.limit != SearchLimit::none ? judgement.limit : explanations.limit;
     answer.work = explanations.work;
     return answer;
 }
@@ -80,6 +90,8 @@ const char* name(SearchLimit limit)
     case SearchLimit::candidates: return "candidates";
     case SearchLimit::seconds: return "seconds";
     case SearchLimit::stopped: return "interrupted";
+    case SearchLimit::work: return "work";
+    case SearchLimit::memory: return "memory";
     case SearchLimit::none: break;
     }
     return "";

@@ -21,6 +21,7 @@
 // Intelligence 32, 1987). Computed in logarithms and normalised over the candidates.
 #pragma once
 
+#include "monitor/labels/Meter.h"
 #include "monitor/step/ExplanationSearch.h"
 
 #include <memory>
@@ -33,6 +34,7 @@ namespace monitor {
 struct StepSettings {
     int maxFaults = 1;        ///< faults that an explanation may have, >= 0
     SearchLimits limits = {}; ///< of the step as a whole
+    WorkLimits work = {}; ///< the same; where a meter counts already, its limits hold (labels/Meter.h)
 };
 
 /// An explanation of the step.
@@ -91,7 +93,7 @@ Prediction initialLabels(const Plant& plant);
 
 /// The name of a status: "nominal", "faulty", "ambiguous", "inconsistent".
 const char* name(StepStatus status);
-/// What a limit bounds: "records", "candidates", "seconds", "interrupted", or "" for none.
+/// What a limit bounds: "records", "candidates", "seconds", "interrupted", "work", "memory", or "" for none.
 const char* name(SearchLimit limit);
 
 } // namespace monitor

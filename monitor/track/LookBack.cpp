@@ -4,6 +4,7 @@
 // the contradiction rests.
 #include "monitor/track/LookBack.h"
 
+#include "monitor/labels/Meter.h"
 #include "monitor/step/Budget.h"
 #include "monitor/track/Deviated.h"
 #include "monitor/track/Relevance.h"
@@ -48,11 +49,9 @@ public:
     LookBackResult run(const std::vector<bool>& relevant)
     {
         for (const Alternative& alternative : alternatives(relevant)) {
-            if (exhausted()) {
+            if (exhausted() || !tried(alternative)) {
                 result_.logUntried =
                     logOfSum(result_.logUntried, alternative.estimate - scaledSince(alternative));
-            } else {
-                take(alternative);
             }
         }
         result_.limit = budget_.limit();
@@ -61,10 +60,23 @@ public:
     }
 
 private:
+    // False where a limit was met in the midst of it.
+    bool tried(const Alternative& alternative)
+    {
+        try {
+            take(alternative);
+            return true;
+        } catch (const Meter::Cut& cut) {
+            budget_.meet(cut.limit);
+            result_.complete = false;
+            return false;
+        }
+    }
+
     std::vector<Alternative> alternatives(const std::vector<bool>& relevant)
     {
         std::vector<Alternative> all;
-        for (std::size_t step = past_.size(); step-- > 0;) {
+        for (std::size_t step = past_.size(); step-- > settings_.first;) {
             for (std::size_t parent = 0; parent < past_[step].before.size(); ++parent) {
                 addAlternatives(step, parent, relevant, all);
             }
@@ -401,9 +413,12 @@ private:
 
 } // namespace
 
-LookBackResult lookBack(Successors& successors, const Plant& plant,
-                        const std::deque<PastStep>& past, const std::vector<HypothesisPointer>& now,
-                        const TrackInput& present, const LookBackSettings& settings)
+namespace {
+
+LookBackResult lookBackWithin(Successors& successors, const Plant& plant,
+                              const std::deque<PastStep>& past,
+                              const std::vector<HypothesisPointer>& now, const TrackInput& present,
+                              const LookBackSettings& settings)
 {
     std::vector<bool> relevant(plant.variables().size(), true);
     if (settings.otherwise != Otherwise::searched) {
@@ -420,6 +435,24 @@ LookBackResult lookBack(Successors& successors, const Plant& plant,
         relevant = variablesAgainst(successors, plant, contradicted, earlier, present);
     }
     return LookBack(successors, plant, past, now, present, settings).run(relevant);
+}
+
+} // namespace
+
+// Where a limit is met before the alternatives are known, nothing tells how probable they are.
+LookBackResult lookBack(Successors& successors, const Plant& plant,
+                        const std::deque<PastStep>& past, const std::vector<HypothesisPointer>& now,
+                        const TrackInput& present, const LookBackSettings& settings)
+{
+    try {
+        return lookBackWithin(successors, plant, past, now, present, settings);
+    } catch (const Meter::Cut& cut) {
+        LookBackResult none;
+        none.complete = false;
+        none.limit = cut.limit;
+        none.logUntried = 0.0;
+        return none;
+    }
 }
 
 } // namespace monitor

@@ -44,6 +44,7 @@ struct LookBackSettings {
     int maxFaults = 0; ///< along the whole trajectory
     SearchLimits limits;
     Otherwise otherwise = Otherwise::givenUp;
+    std::size_t first = 0; ///< index of the first of the past steps that may be gone back to
 };
 
 /// Takes up the alternatives of the past steps (oldest first in `past`) that explain these and the present step. `now` is

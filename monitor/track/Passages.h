@@ -35,6 +35,7 @@ struct PastStep {
     std::set<Passage> passages; ///< the ways that count
     /// Natural logarithm of the probability, by the model's rates, that no fault began at it but those that are believed.
     double logCalm = 0.0;
+    bool unexplained = false; ///< nothing explained it
 };
 
 /// A way through the last steps, up to the present one.

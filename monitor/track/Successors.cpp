@@ -3,6 +3,7 @@
 #include "monitor/track/Successors.h"
 
 #include "monitor/labels/Completion.h"
+#include "monitor/labels/Meter.h"
 #include "monitor/step/Budget.h"
 #include "monitor/step/EngineExplanations.h"
 #include "monitor/step/Judge.h"
@@ -103,24 +104,54 @@ void updateFaults(Hypothesis& made, const StepFrame& frame, const Deviations& de
     made.faults = std::move(kept);
 }
 
-// All sets of lossy commands of a size, each in the order of the commands.
-std::vector<std::vector<LossyCommand>> lostSets(const std::vector<LossyCommand>& lossy,
-                                                std::size_t size)
-{
-    if (size == 0) {
-        return {{}};
-    }
-    std::vector<std::vector<LossyCommand>> sets;
-    for (std::size_t last = 0; last < lossy.size(); ++last) {
-        const std::vector<LossyCommand> before(lossy.begin(),
-                                               lossy.begin() + static_cast<std::ptrdiff_t>(last));
-        for (std::vector<LossyCommand>& set : lostSets(before, size - 1)) {
-            set.push_back(lossy[last]);
-            sets.push_back(std::move(set));
+// All sets of lossy commands of a size, each in the order of the commands; those with an earlier last command first. One at a time:
+// there may be very many.
+class LostSets {
+public:
+    LostSets(const std::vector<LossyCommand>& lossy, std::size_t size) : lossy_(lossy)
+    {
+        for (std::size_t i = 0; i < size; ++i) {
+            places_.push_back(i);
         }
+        atEnd_ = size > lossy.size();
     }
-    return sets;
-}
+
+    // Null: no more.
+    const std::vector<LossyCommand>* next()
+    {
+        if (atEnd_) {
+            return nullptr;
+        }
+        set_.clear();
+        for (const std::size_t place : places_) {
+            set_.push_back(lossy_[place]);
+        }
+        advance();
+        return &set_;
+    }
+
+private:
+    // The first command that has room before the next one moves on, and those before it begin again.
+    void advance()
+    {
+        for (std::size_t i = 0; i < places_.size(); ++i) {
+            const std::size_t limit = i + 1 < places_.size() ? places_[i + 1] : lossy_.size();
+            if (places_[i] + 1 < limit) {
+                ++places_[i];
+                for (std::size_t before = 0; before < i; ++before) {
+                    places_[before] = before;
+                }
+                return;
+            }
+        }
+        atEnd_ = true;
+    }
+
+    const std::vector<LossyCommand>& lossy_;
+    std::vector<std::size_t> places_;
+    std::vector<LossyCommand> set_;
+    bool atEnd_ = false;
+};
 
 struct Explained {
     std::vector<LossyCommand> lost;
@@ -194,6 +225,9 @@ std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const Track
                                            const std::vector<LossyCommand>& lost,
                                            Contradictions despite) const
 {
+    // Labels and readings are kept from step to step, and so cost what is remembered of them.
+    Meter::spend(4 * plant_.atomCount());
+    const Meter::Uncounted uncounted;
     Hypothesis made{parent.labels, {}, 0.0, 0.0, parent.faults, nullptr, parent.since, {}, {}, {}};
     const std::vector<AtomIndex> assumptions = assumptionsOf(frame, deviations);
     made.labels.take(assumptions, frame.observations, frame.inputs);
@@ -235,6 +269,8 @@ double Successors::logOthers(const Prospect& prospect) const
 
 bool Successors::explains(const Hypothesis& predicted) const
 {
+    Meter::spend(plant_.atomCount());
+    const Meter::Uncounted uncounted;
     const Prediction& labels = predicted.labels.prediction();
     return predicted.explains() && std::isfinite(predicted.logStep) &&
            (labels.complete() || completionOf(plant_, labels) == Completion::possible);
@@ -256,6 +292,7 @@ SuccessorSearch Successors::probable(const Prospect& prospect, double leastRatio
     const TrackInput& input = prospect.input;
     Budget budget(limits);
     SuccessorSearch result;
+    Meter::spend(input.lossy.size() * input.lossy.size());
     const std::vector<ProbableLoss> losses =
         probableLosses(input.lossy, leastRatio, faultBudget, most);
     result.complete = losses.size() <= most;
@@ -318,30 +355,44 @@ SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
     SuccessorSearch result;
     std::vector<Explained> smallest;
     const auto budget = static_cast<std::size_t>(std::max(0, faultBudget));
-    for (std::size_t count = 0; count <= std::min(budget, mostLostAtOnce); ++count) {
-        for (const std::vector<LossyCommand>& lost : lostSets(input.lossy, count)) {
-            if (!std::isfinite(logArrivals(input, lost))) {
-                continue;
+    const auto searchWithout = [&](const std::vector<LossyCommand>& lost) {
+        const StepFrame tried = frame(prospect, lost);
+        const Explanations explanations =
+            search_->search(tried, static_cast<int>(budget - lost.size()), work.remaining());
+        const Judgement judgement = judge(tried, explanations.found);
+        work.spend(explanations.work);
+        work.meet(explanations.limit);
+        work.meet(judgement.limit);
+        result.complete = result.complete && explanations.complete && judgement.sure;
+        const Meter::Finishing finishing;
+        for (const Candidate& candidate : judgement.candidates) {
+            Explained explained{lost, candidate.modes};
+            std::sort(explained.deviations.begin(), explained.deviations.end());
+            if (std::none_of(smallest.begin(), smallest.end(),
+                             [&](const Explained& other) { return isSmaller(other, explained); })) {
+                result.found.push_back(
+                    *make(parent, input, tried, candidate.modes, lost, Contradictions::areNot));
+                smallest.push_back(std::move(explained));
             }
-            const StepFrame tried = frame(prospect, lost);
-            const Explanations explanations =
-                search_->search(tried, static_cast<int>(budget - count), work.remaining());
-            const Judgement judgement = judge(tried, explanations.found);
-            work.spend(explanations.work);
-            work.meet(explanations.limit);
-            result.complete = result.complete && explanations.complete && judgement.sure;
-            for (const Candidate& candidate : judgement.candidates) {
-                Explained explained{lost, candidate.modes};
-                std::sort(explained.deviations.begin(), explained.deviations.end());
-                if (std::none_of(smallest.begin(), smallest.end(), [&](const Explained& other) {
-                        return isSmaller(other, explained);
-                    })) {
-                    result.found.push_back(
-                        *make(parent, input, tried, candidate.modes, lost, Contradictions::areNot));
-                    smallest.push_back(std::move(explained));
+        }
+    };
+    try {
+        for (std::size_t count = 0; count <= std::min(budget, mostLostAtOnce); ++count) {
+            LostSets sets(input.lossy, count);
+            while (const std::vector<LossyCommand>* lost = sets.next()) {
+                if (work.exhausted() && count > 0) {
+                    result.complete = false;
+                    break;
+                }
+                Meter::spend(10 * input.lossy.size());
+                if (std::isfinite(logArrivals(input, *lost))) {
+                    searchWithout(*lost);
                 }
             }
         }
+    } catch (const Meter::Cut& cut) {
+        work.meet(cut.limit);
+        result.complete = false;
     }
     if (result.found.empty() && std::min(budget, input.lossy.size()) > mostLostAtOnce) {
         result.complete = false;

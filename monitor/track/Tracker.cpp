@@ -4,6 +4,7 @@
 #include "monitor/track/Tracker.h"
 
 #include "monitor/labels/CaseRefutation.h"
+#include "monitor/labels/Meter.h"
 #include "monitor/step/Budget.h"
 
 #include <algorithm>
@@ -82,10 +83,12 @@ public:
         answer_.step = input_.step;
         answer_.t = input_.t;
         answer_.before = tracker_.memory_.hypotheses;
+        const Meter meter(tracker_.settings_.limits, tracker_.settings_.work);
         succeed();
         if (predicted_ < 0.5 - 1e-9 && !triesEverything()) {
             goBack();
         }
+        const Meter::Free needed; // an answer, whatever was cut
         const bool explained = !found_.empty();
         if (!explained) {
             goOn();
@@ -96,7 +99,7 @@ public:
         answer_.status = status(explained);
         answer_.limit = budget_.limit();
         answer_.work = budget_.work();
-        finish(logScale);
+        finish(logScale, explained);
     }
 
 private:
@@ -104,29 +107,40 @@ private:
     void succeed()
     {
         for (std::size_t i = 0; i < answer_.before.size(); ++i) {
-            const HypothesisPointer& parent = answer_.before[i];
-            const Prospect prospect = tracker_.successors_.prospect(*parent, input_);
-            Hypothesis made = tracker_.successors_.predicted(prospect);
-            const bool explains = tracker_.successors_.explains(made);
-            if (explains) {
-                add(std::move(made), i);
-            } else {
-                answer_.contradicted.push_back(i);
-            }
-            const double followed = followProbable(prospect, i);
-            predicted_ += std::exp(parent->logWeight) * (explains ? 1.0 : followed);
-            if (parent->isFaulty() && tracker_.settings_.follow <= 1.0) {
-                for (Hypothesis& recovered : tracker_.successors_.recovered(prospect)) {
-                    budget_.spendRecord();
-                    add(std::move(recovered), i);
-                }
-            }
-            if (!explains && !triesEverything()) {
-                search(prospect, i);
+            try {
+                succeed(i);
+            } catch (const Meter::Cut& cut) {
+                note(false, cut.limit, {});
+                giveUp(answer_.before[i]->logWeight);
             }
         }
     }
 
+    void succeed(std::size_t i)
+    {
+        const HypothesisPointer& parent = answer_.before[i];
+        const Prospect prospect = tracker_.successors_.prospect(*parent, input_);
+        Hypothesis made = tracker_.successors_.predicted(prospect);
+        const bool explains = tracker_.successors_.explains(made);
+        if (explains) {
+            add(std::move(made), i);
+        } else {
+            answer_.contradicted.push_back(i);
+        }
+        const double followed = followProbable(prospect, i);
+        predicted_ += std::exp(parent->logWeight) * (explains ? 1.0 : followed);
+        if (parent->isFaulty() && tracker_.settings_.follow <= 1.0) {
+            for (Hypothesis& recovered : tracker_.successors_.recovered(prospect)) {
+                budget_.spendRecord();
+                add(std::move(recovered), i);
+            }
+        }
+        if (!explains && !triesEverything()) {
+            search(prospect, i);
+        }
+    }
+
+    bool isCut() const { return budget_.limit() != SearchLimit::none; }
     bool triesEverything() const { return tracker_.settings_.follow <= 0.0; }
     int faultsLeft(const Hypothesis& parent) const
     {
@@ -194,7 +208,7 @@ private:
 
     void goBack()
     {
-        if (tracker_.memory_.past.empty()) {
+        if (firstToGoBackTo() == tracker_.memory_.past.size()) {
             return;
         }
         answer_.wentBack = true;
@@ -205,11 +219,23 @@ private:
         }
     }
 
+    // Behind the last step that nothing explained: a way through that one was looked for when it came, and in vain.
+    std::size_t firstToGoBackTo() const
+    {
+        const std::deque<PastStep>& past = tracker_.memory_.past;
+        std::size_t first = past.size();
+        while (first > 0 && !past[first - 1].unexplained) {
+            --first;
+        }
+        return first;
+    }
+
     void goBack(Otherwise otherwise)
     {
-        takeUp(lookBack(tracker_.successors_, tracker_.plant_, tracker_.memory_.past,
-                        tracker_.memory_.hypotheses, input_,
-                        {tracker_.settings_.maxFaults, budget_.remaining(), otherwise}));
+        takeUp(lookBack(
+            tracker_.successors_, tracker_.plant_, tracker_.memory_.past,
+            tracker_.memory_.hypotheses, input_,
+            {tracker_.settings_.maxFaults, budget_.remaining(), otherwise, firstToGoBackTo()}));
     }
 
     void takeUp(LookBackResult result)
@@ -232,7 +258,8 @@ private:
         for (std::size_t i = 0; i < answer_.before.size(); ++i) {
             Hypothesis hypothesis = tracker_.successors_.predicted(
                 tracker_.successors_.prospect(*answer_.before[i], input_),
-                Successors::Contradictions::areWeighed);
+                isCut() ? Successors::Contradictions::areNot
+                        : Successors::Contradictions::areWeighed);
             if (!std::isfinite(hypothesis.logWeight)) {
                 hypothesis.logWeight = tracker_.memory_.hypotheses[i]->logWeight;
             }
@@ -250,6 +277,9 @@ private:
     // The readings of which trying values shows that they contradict the modes; all, where the modes contradict the laws anyway.
     std::vector<AtomIndex> refutedByCases(const Hypothesis& hypothesis) const
     {
+        if (isCut()) {
+            return input_.values.observations;
+        }
         const auto refutation = refuteByCases(tracker_.plant_, hypothesis.labels.prediction());
         std::vector<AtomIndex> readings;
         std::copy_if(input_.values.observations.begin(), input_.values.observations.end(),
@@ -346,7 +376,7 @@ private:
     }
 
     // Remembers the step, and for the steps that were gone back to what is believed of them now.
-    void finish(double logScale)
+    void finish(double logScale, bool explained)
     {
         TrackMemory& memory = tracker_.memory_;
         const double logMissing = logOfSum(logGivenUp_, memory.logMissing) - logScale;
@@ -362,8 +392,8 @@ private:
                 }
             }
         }
-        memory.past.push_back(
-            {input_, std::move(memory.hypotheses), logScale, std::move(passages), logCalm()});
+        memory.past.push_back({input_, std::move(memory.hypotheses), logScale, std::move(passages),
+                               logCalm(), !explained});
         memory.hypotheses = answer_.hypotheses;
         while (memory.past.size() > tracker_.settings_.lookBack) {
             memory.past.pop_front();

@@ -10,6 +10,7 @@
 // most probable ones go on.
 #pragma once
 
+#include "monitor/labels/Meter.h"
 #include "monitor/track/LookBack.h"
 
 namespace monitor {
@@ -22,6 +23,7 @@ struct TrackSettings {
     /// Steps that may be gone back to, 0 for none. Each keeps its hypotheses in memory.
     std::size_t lookBack = 10;
     SearchLimits limits = {}; ///< of each step; replayed steps count as records
+    WorkLimits work = {};     ///< of each step
     /// What else than expected is at least so probable, 0..1, compared with the most probable of all, is followed though nothing
     /// contradicts what is expected; and so is the end of a fault, however improbable. With 0 everything that is possible is
     /// followed, and nothing is searched: for small plants. Above 1 nothing is.

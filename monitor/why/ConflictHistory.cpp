@@ -1,5 +1,7 @@
 #include "monitor/why/ConflictHistory.h"
 
+#include "monitor/labels/Meter.h"
+
 namespace monitor {
 
 void ConflictHistory::add(const TrackInput& input, const TrackAnswer& answer)
@@ -29,16 +31,19 @@ void ConflictHistory::add(const TrackInput& input, const TrackAnswer& answer)
 
 std::vector<CheckedConflict> conflictsOf(const Plant& plant, const Contradiction& contradiction)
 {
-    const StepFrame frame = frameAfter(plant, *contradiction.believed, contradiction.input, {});
     std::vector<CheckedConflict> checked;
-    for (DerivedConflict& conflict : deriveConflicts(Scenario(frame, {}))) {
-        const ConflictClaim claim = claimOf(plant, conflict);
-        const ConflictCheck outcome = checkConflict(claim);
-        std::optional<bool> counts;
-        if (outcome == ConflictCheck::confirmed) {
-            counts = everyValueCounts(claim);
+    try {
+        const StepFrame frame = frameAfter(plant, *contradiction.believed, contradiction.input, {});
+        for (DerivedConflict& conflict : deriveConflicts(Scenario(frame, {}))) {
+            const ConflictClaim claim = claimOf(plant, conflict);
+            const ConflictCheck outcome = checkConflict(claim);
+            std::optional<bool> counts;
+            if (outcome == ConflictCheck::confirmed) {
+                counts = everyValueCounts(claim);
+            }
+            checked.push_back({std::move(conflict), outcome, counts});
         }
-        checked.push_back({std::move(conflict), outcome, counts});
+    } catch (const Meter::Cut&) { // those that there are already stand
     }
     return checked;
 }

@@ -4,6 +4,7 @@
 
 #include "monitor/labels/Completion.h"
 #include "monitor/labels/Counting.h"
+#include "monitor/labels/Meter.h"
 #include "monitor/labels/OpenGroups.h"
 #include "plant/Names.h"
 
@@ -137,8 +138,6 @@ public:
         }
     }
 
-    double entropyNow() const { return outcomeOf(answer_.probabilities).entropy; }
-
     // Nothing where all hypotheses predict the same.
     std::optional<Measurement> rate(VariableIndex index)
     {
@@ -193,19 +192,23 @@ Advice advise(const Plant& plant, const TrackAnswer& answer,
     for (const AtomIndex value : observations) {
         observed[static_cast<std::size_t>(plant.variableOf(value))] = true;
     }
-    Advisor advisor(plant, answer);
     Advice advice;
-    advice.entropy = advisor.entropyNow();
-    for (std::size_t i = 0; i < plant.variables().size(); ++i) {
-        const PlantVariable& variable = plant.variables()[i];
-        if (observed[i] || variable.isCommand || (variable.isMode && !settings.modes)) {
-            continue;
+    advice.entropy = outcomeOf(answer.probabilities).entropy;
+    try {
+        Advisor advisor(plant, answer);
+        for (std::size_t i = 0; i < plant.variables().size(); ++i) {
+            const PlantVariable& variable = plant.variables()[i];
+            if (observed[i] || variable.isCommand || (variable.isMode && !settings.modes)) {
+                continue;
+            }
+            if (auto rated = advisor.rate(static_cast<VariableIndex>(i))) {
+                advice.measurements.push_back(std::move(*rated));
+            } else {
+                ++advice.useless;
+            }
         }
-        if (auto rated = advisor.rate(static_cast<VariableIndex>(i))) {
-            advice.measurements.push_back(std::move(*rated));
-        } else {
-            ++advice.useless;
-        }
+    } catch (const Meter::Cut& cut) {
+        advice.limit = cut.limit;
     }
     const auto nameOf = [&](const Measurement& measurement) {
         const StateVar& variable = *plant.variable(measurement.variable).variable;

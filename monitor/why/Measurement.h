@@ -40,6 +40,8 @@ struct Advice {
     std::vector<Measurement> measurements; ///< that tell something, best first, ties by the variable's name
     /// Other variables that are not observed: all hypotheses predict the same of them.
     std::size_t useless = 0;
+    /// What kept further variables from being rated, if a limit did (labels/Meter.h).
+    SearchLimit limit = SearchLimit::none;
 };
 
 struct AdviceSettings {

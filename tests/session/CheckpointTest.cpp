@@ -121,11 +121,12 @@ TEST(SessionCheckpoint, HasLimitsThatAreNoneAsZero)
 {
     session::Settings settings;
     settings.limits = {};
+    settings.work = {};
     ExampleRun run(waterModel, waterTelemetry, settings);
     EXPECT_THAT(
         run.session().checkpoint().text,
         HasSubstr(R"("settings":{"follow":0.05,"keep":8,"look-back":10,"max-rank":3,"max-records":0,)"
-                  R"("max-seconds":0.0})"));
+                  R"("max-seconds":0.0,"max-work":0})"));
 }
 
 } // namespace

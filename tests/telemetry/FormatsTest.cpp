@@ -104,6 +104,53 @@ TEST(Formats, HaveABoundOnWhatAQuoteThatIsNotClosedTakes)
     EXPECT_THAT(all[50], HasSubstr("50 t=50 "));
 }
 
+TEST(Formats, GiveAQuoteThatIsNotClosedUpAfterSixtyFourLines)
+{
+    telemetry::ReadSettings settings;
+    settings.skipBad = true;
+    std::string text = "t,FT-1\n0,\"1\n";
+    for (int t = 1; t <= 70; ++t) {
+        text += std::to_string(t) + ",2\n";
+    }
+    // Nothing tells whether more will come: a live stream has to hear of it now.
+    const std::vector<std::string> all = readText(text + "71,\"2\"\n", settings);
+    ASSERT_THAT(all, SizeIs(72));
+    EXPECT_THAT(all[0], HasSubstr(":2:3: this quote is not closed within 64 lines\n"));
+    EXPECT_THAT(all[1], HasSubstr("1 t=1 "));
+}
+
+TEST(Formats, TakeACellOfSixtyFourLines)
+{
+    const std::string blanks(63, '\n');
+    EXPECT_THAT(readText("t,TS-1\n0,\"" + blanks + "\"\n"),
+                ElementsAre(testing::Not(HasSubstr("is not closed"))));
+}
+
+TEST(Formats, GiveAQuoteThatIsNotClosedUpAfterOneMebibyte)
+{
+    const std::string line(300000, 'x');
+    EXPECT_THAT(readText("t,FT-1\n0,\"" + line + "\n" + line + "\n" + line + "\n" + line + "\n" +
+                         line + "\n"),
+                ElementsAre(HasSubstr(":2:3: this quote is not closed within 1048576 bytes\n")));
+}
+
+TEST(Formats, HaveNoByteZeroInALine)
+{
+    const std::string zero(1, '\0');
+    EXPECT_THAT(readText("{\"t\": 0}" + zero + "{\"t\": 1}\n"),
+                ElementsAre(HasSubstr(":1:9: this is not JSON: it has a byte 0\n")));
+}
+
+TEST(Formats, HaveNoTimeSoFarAwayThatNoNumberSaysHowFar)
+{
+    EXPECT_THAT(
+        readText("{\"t\": -1e308}\n{\"t\": 1e308}\n"),
+        ElementsAre(HasSubstr("1 t="), HasSubstr(":2:7: the time is 1e+308, and what has passed "
+                                                 "since -1e+308 is too long for a number\n")));
+    EXPECT_THAT(readText("t,FT-1\n-1e308,1\n1e308,1\n"),
+                ElementsAre(HasSubstr("1 t="), HasSubstr(":3:1: the time is 1e+308")));
+}
+
 TEST(Formats, GoOnInTheNextLineAfterAQuoteThatIsNotClosed)
 {
     telemetry::ReadSettings settings;

@@ -1,6 +1,7 @@
 // Following along time under limits: less may be found, and it is said.
 #include "tests/monitor/track/TrackFixture.h"
 
+#include "monitor/step/EngineExplanations.h"
 #include "tests/monitor/track/RandomTrack.h"
 
 namespace {
@@ -55,6 +56,62 @@ TEST_F(TrackLimits, OfTimeAreNamed)
     step({"in.v=1", "b.out=0"});
     EXPECT_FALSE(tracker_->answer().complete);
     EXPECT_EQ(tracker_->answer().limit, SearchLimit::seconds);
+}
+
+TEST_F(TrackLimits, OfWorkAreNamedAndLeaveAnAnswer)
+{
+    settings_.work.maxWork = 100;
+    step({"in.v=1", "b.out=0"});
+    EXPECT_FALSE(tracker_->answer().complete);
+    EXPECT_EQ(tracker_->answer().limit, SearchLimit::work);
+    EXPECT_EQ(tracker_->answer().status, TrackStatus::inconsistent);
+    EXPECT_EQ(tracker_->answer().hypotheses.size(), 1u);
+    EXPECT_GT(tracker_->answer().missing, 0.0);
+}
+
+TEST_F(TrackLimits, OfWorkCutAtTheSamePlaceEveryTime)
+{
+    std::string first;
+    for (int run = 0; run < 3; ++run) {
+        settings_.work.maxWork = 20000;
+        tracker_.reset();
+        number_ = 0;
+        step({"in.v=1", "b.out=0"});
+        std::ostringstream told;
+        told << tracker_->answer().work.records << " " << tracker_->answer().missing << " "
+             << tracker_->answer().hypotheses.size();
+        if (run == 0) first = told.str();
+        EXPECT_EQ(told.str(), first);
+    }
+}
+
+TEST_F(TrackLimits, AreNotSpentOnGoingBackBehindWhatNothingExplains)
+{
+    settings_.maxFaults = 0;
+    step({"in.v=1", "b.out=1"});
+    step({"in.v=1", "b.out=0"});
+    ASSERT_EQ(tracker_->answer().status, TrackStatus::inconsistent);
+    ASSERT_TRUE(tracker_->answer().wentBack);
+    step({"in.v=1", "b.out=0"});
+    EXPECT_EQ(tracker_->answer().status, TrackStatus::inconsistent);
+    EXPECT_FALSE(tracker_->answer().wentBack);
+}
+
+TEST_F(TrackLimits, AreNotSpentOnTheSameQuestionAgain)
+{
+    settings_.maxFaults = 0;
+    start();
+    const auto search = std::make_shared<monitor::EngineExplanations>(active_->engine);
+    tracker_ = std::make_unique<Tracker>(search, *active_->plant, settings_);
+    step({"in.v=1", "b.out=0"});
+    ASSERT_EQ(tracker_->answer().status, TrackStatus::inconsistent);
+    const SearchWork first = tracker_->answer().work;
+    ASSERT_GT(first.records, 0u);
+    const std::uint64_t searches = search->searches();
+    step({"in.v=1", "b.out=0"});
+    EXPECT_EQ(tracker_->answer().status, TrackStatus::inconsistent);
+    EXPECT_EQ(search->searches(), searches);
+    EXPECT_EQ(tracker_->answer().work.records, first.records);
 }
 
 TEST_F(TrackLimits, AreThereForWhoeverWantsNoFurtherAnswer)
