@@ -9,7 +9,10 @@ PlantGraph graphOf(const language::ReadResult& model)
     PlantGraph graph;
     graph.name = model.system;
     graph.outline = outlineOf(model);
-    graph.shown.assign(graph.outline.components.size(), true);
+    // A part that has nothing but parts is their box.
+    for (const auto& component : model.model->components()) {
+        graph.shown.push_back(!component->stateVars->empty());
+    }
     return graph;
 }
 
@@ -31,10 +34,13 @@ GraphStep graphStep(const plant::Plant& plant, const StepReport& report,
 bool showAround(PlantGraph& graph, std::string_view component, std::size_t hops)
 {
     const std::vector<std::string>& names = graph.outline.components;
-    const auto found = std::find(names.begin(), names.end(), component);
-    if (found == names.end()) return false;
-    graph.shown.assign(names.size(), false);
-    graph.shown[static_cast<std::size_t>(found - names.begin())] = true;
+    const std::string inside = std::string(component) + "/";
+    std::vector<bool> near(names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+        near[i] = graph.shown[i] && (names[i] == component || names[i].starts_with(inside));
+    }
+    if (std::find(near.begin(), near.end(), true) == near.end()) return false;
+    graph.shown = near;
     for (std::size_t hop = 0; hop < hops; ++hop) {
         const std::vector<bool> before = graph.shown;
         for (const Connection& connection : graph.outline.connections) {

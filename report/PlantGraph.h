@@ -32,14 +32,15 @@ struct PlantGraph {
     std::optional<GraphStep> step;
 };
 
-/// All of a plant. Requires: a model was read.
+/// All of a plant; a component without variables is at most a box. Requires: a model was read.
 PlantGraph graphOf(const language::ReadResult& model);
 
 /// What is believed after the last step of a session. Requires: there was one.
 GraphStep graphStep(const plant::Plant& plant, const StepReport& report,
                     const monitor::TrackAnswer& answer);
 
-/// Shows only what can be reached from a component over so many laws. False, with nothing changed, when there is no such component.
+/// Shows only what can be reached from a component and its parts over so many laws. False, with nothing changed, when there is no
+/// such component that is shown. Requires: it was not called before.
 /// Linear in the connections, times the hops.
 bool showAround(PlantGraph& graph, std::string_view component, std::size_t hops);
 

@@ -62,12 +62,12 @@ TEST(PlantGraph, HasABoxAroundThePartsOfAPartAndAPointForALawOfThree)
         "a/first" [label="first"];
         "a/second" [label="second"];
     }
-    "a/first" -- "a/second" [tooltip="law first.right = second.left"];
     "a/second" -- "b" [tooltip="law a.second.right = b.left"];
     "law:1" [shape=point, label="", tooltip="law c.left = yes <-> a.first.right = yes | b.right = yes"];
     "a/first" -- "law:1" [tooltip="law c.left = yes <-> a.first.right = yes | b.right = yes"];
     "b" -- "law:1" [tooltip="law c.left = yes <-> a.first.right = yes | b.right = yes"];
     "c" -- "law:1" [tooltip="law c.left = yes <-> a.first.right = yes | b.right = yes"];
+    "a/first" -- "a/second" [tooltip="law first.right = second.left"];
 }
 )");
 }
@@ -99,19 +99,27 @@ TEST(PlantGraph, QuotesNamesSoThatTheyStayNames)
 
 TEST(PlantGraph, ShowsWhatIsAsFarAsSoManyLawsLead)
 {
+    const auto around = [](std::size_t hops) {
+        report::PlantGraph graph = graphOfText(chain);
+        EXPECT_TRUE(report::showAround(graph, "a/second", hops));
+        return shownNames(graph);
+    };
+    EXPECT_THAT(around(0), ElementsAre("a/second"));
+    EXPECT_THAT(around(1), ElementsAre("a/first", "a/second", "b"));
+    EXPECT_THAT(around(2), ElementsAre("a/first", "a/second", "b", "c"));
+}
+
+TEST(PlantGraph, ShowsWhatIsAroundAllPartsOfAPart)
+{
     report::PlantGraph graph = graphOfText(chain);
-    ASSERT_TRUE(report::showAround(graph, "a/second", 0));
-    EXPECT_THAT(shownNames(graph), ElementsAre("a/second"));
-    ASSERT_TRUE(report::showAround(graph, "a/second", 1));
-    EXPECT_THAT(shownNames(graph), ElementsAre("a/first", "a/second", "b"));
-    ASSERT_TRUE(report::showAround(graph, "a/second", 2));
-    EXPECT_THAT(shownNames(graph), ElementsAre("a/first", "a/second", "b", "c"));
+    ASSERT_TRUE(report::showAround(graph, "a", 0));
+    EXPECT_THAT(shownNames(graph), ElementsAre("a/first", "a/second"));
 }
 
 TEST(PlantGraph, ShowsAllAsBeforeWhereThereIsNoSuchComponent)
 {
     report::PlantGraph graph = graphOfText(chain);
-    EXPECT_FALSE(report::showAround(graph, "a", 1));
+    EXPECT_FALSE(report::showAround(graph, "a/fir", 1));
     EXPECT_THAT(shownNames(graph), testing::SizeIs(4));
 }
 
@@ -123,9 +131,10 @@ TEST(PlantGraph, HasEachConnectionInJsonWithThePlacesOfItsLaws)
     EXPECT_EQ(graphData["system"], "S");
     EXPECT_FALSE(graphData.contains("step"));
     ASSERT_EQ(graphData["connections"].size(), 3U);
-    EXPECT_EQ(graphData["connections"][1]["components"], nlohmann::json({"a/second", "b"}));
-    EXPECT_EQ(graphData["connections"][1]["laws"][0]["line"], 17);
-    EXPECT_EQ(graphData["connections"][1]["laws"][0]["text"], "law a.second.right = b.left");
+    const auto& first = graphData["connections"][0];
+    EXPECT_EQ(first["components"], nlohmann::json({"a/second", "b"}));
+    EXPECT_EQ(first["laws"][0]["line"], 17);
+    EXPECT_EQ(first["laws"][0]["text"], "law a.second.right = b.left");
 }
 
 TEST(PlantGraph, HasModesAndProbabilitiesInJsonAtAStep)

@@ -38,9 +38,12 @@ export class Boxes {
     readonly boxes = new Map<string, Box>();
     readonly boxOf: (string | null)[];
     readonly folded = new Set<string>();
+    /** A component without variables is but the box of its parts. */
+    private readonly withVariables = new Set<number>();
 
     constructor(private readonly plant: Plant) {
         const names = plant.components;
+        for (const variable of plant.variables) this.withVariables.add(variable.component);
         const parts = new Set<string>();
         for (const name of names) {
             for (let at = name.indexOf('/'); at >= 0; at = name.indexOf('/', at + 1)) parts.add(name.slice(0, at));
@@ -72,7 +75,7 @@ export class Boxes {
             return box;
         });
         this.boxOf.forEach((id, component) => {
-            if (id === null) return;
+            if (id === null || !this.withVariables.has(component)) return;
             this.boxes.get(id)!.members.push(component);
             for (let box = this.boxes.get(id); box; box = box.parent === null ? undefined : this.boxes.get(box.parent)) ++box.total;
         });
@@ -117,7 +120,7 @@ export class Boxes {
         }
         this.plant.components.forEach((name, component) => {
             const box = this.boxOf[component] ?? null;
-            if (this.cover(box) !== null) return;
+            if (this.cover(box) !== null || (box === name && !this.withVariables.has(component))) return;
             const label = box === name ? `${shortName(name)} itself` : shortName(name);
             add({ id: `c:${component}`, label, parent: box, kind: 'component', components: [component], laws: [] });
         });

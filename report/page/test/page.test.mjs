@@ -181,7 +181,7 @@ test('every chart has a table', () =>
     onPage(water(), {}, async (page) => {
         for (const part of ['timeline', 'explanations', 'plant', 'modes', 'channels']) {
             await page.locator(`#${part}-table summary`).click();
-            assert.ok((await page.locator(`#${part}-table tbody tr`).count()) > 3, part);
+            await page.locator(`#${part}-table tbody tr`).nth(3).waitFor({ timeout: 5000 });
         }
         const row = page.locator('#modes-table tr', { hasText: 'branchB/valve.position' });
         assert.match(await row.innerText(), /stuckClosed/);
