@@ -53,6 +53,7 @@ Meter::~Meter()
 void Meter::lookBeforeTheLimit()
 {
     const std::uint64_t most = part(work_.maxWork, share());
+    if (most == SearchLimits::unlimited) return;
     next_ = std::min(next_, ticks_ + (most - std::min(most, spent())));
 }
 
