@@ -46,7 +46,7 @@ HELD = "t,LT-1\n0,2\n1,\n2,0.5\n3,\n"
 
 SPOILT = {
     "v": [1, "2", None], "step": [0, -1, 1.5, "1", None], "t": ["0", None], "status": ["broken", None, 1],
-    "complete": [0, None, "true"], "limit": ["memory", 0, False], "gap": [0, -1, "60"], "held": [None, ["LT-1"], [1]],
+    "complete": [0, None, "true"], "limit": ["candidates", 0, False], "gap": [0, -1, "60"], "held": [None, ["LT-1"], [1]],
     "approximate": [0, None, "true"], "fault": [-0.1, 1.1, "1", None], "missing": [-0.1, 1.1, None], "silent": [-0.1, 1.1, "0"], "components": [None, [], {"tank": 1.5}, {"tank": "1"}],
     "kept": [0, -1, None], "dropped": [-1, None], "candidates": [[], None, {}, [{}]],
     "marginals": [None, [], {"tank.state": {}}, {"tank.state": {"leaky": 1.5}}, {"tank.state": 1}], "work": [None, {}, []],
