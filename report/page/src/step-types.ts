@@ -21,7 +21,7 @@ export type StepRecord = {
     fault: Probability;
     complete: boolean;
     approximate: boolean;
-    limit: "records" | "seconds" | "interrupted" | null;
+    limit: "records" | "seconds" | "work" | "memory" | "interrupted" | null;
     gap: number | null;
     held: Values;
     kept: number;
