@@ -68,6 +68,7 @@ lint:
 	@scripts/install-packages.sh --all
 	cmake --preset lint
 	cmake --preset tidy
+	cmake -D PAGE=report/page/dist/page.html -D SOURCE=build/tidy/report/PageTemplate.cpp -P cmake/ItmsPage.cmake
 	JOBS=$(JOBS) scripts/lint.sh
 
 install:
