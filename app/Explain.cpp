@@ -38,7 +38,7 @@ ExitStatus explain(const ExplainOptions& options)
     }
     if (interruption()) return ExitStatus::interrupted;
     const session::Session& session = track.session();
-    const monitor::Meter meter(session.settings().limits, session.settings().work);
+    monitor::Meter meter(session.settings().limits, session.settings().work);
     writersOf(options.answer, print)
         .explanation()
         ->step(report::explainStep(

@@ -14,7 +14,7 @@ CircuitSession::CircuitSession(const netlist::Circuit& circuit, double faultProb
 CircuitAnswer CircuitSession::solve(const CircuitProblem& problem, const CircuitSettings& settings,
                                     const std::function<void(int)>& started)
 {
-    const monitor::Meter meter(settings.limits, settings.work);
+    monitor::Meter meter(settings.limits, settings.work);
     const monitor::StepInput input = stepInput(problem);
     const int last = settings.maxRank.value_or(settings.upTo);
     monitor::Budget budget(settings.limits);

@@ -157,7 +157,7 @@ const monitor::TrackInput& Session::input() const
 
 Explained Session::explain() const
 {
-    const monitor::Meter meter(settings().limits, settings().work);
+    monitor::Meter meter(settings().limits, settings().work);
     Explained explained;
     for (const monitor::Contradiction& one : history().ofBest()) {
         explained.steps.push_back({one, monitor::conflictsOf(plant(), one)});
@@ -173,7 +173,7 @@ const monitor::ConflictHistory& Session::history() const
 
 monitor::Advice Session::advise(const monitor::AdviceSettings& settings) const
 {
-    const monitor::Meter meter(this->settings().limits, this->settings().work);
+    monitor::Meter meter(this->settings().limits, this->settings().work);
     return monitor::advise(plant(), answer(), input().values.observations, settings);
 }
 

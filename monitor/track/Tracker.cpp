@@ -83,7 +83,7 @@ public:
         answer_.step = input_.step;
         answer_.t = input_.t;
         answer_.before = tracker_.memory_.hypotheses;
-        const Meter meter(tracker_.settings_.limits, tracker_.settings_.work);
+        Meter meter(tracker_.settings_.limits, tracker_.settings_.work);
         succeed();
         if (predicted_ < 0.5 - 1e-9 && !triesEverything()) {
             goBack();
@@ -219,7 +219,8 @@ private:
         }
     }
 
-    // Behind the last step that nothing explained: a way through that one was looked for when it came, and in vain.
+    // Behind the last step that nothing explained: a way through that one was looked for when it came, in vain or until a limit cut
+    // it. What was cut then is counted as missing; it is not looked for at every step that follows.
     std::size_t firstToGoBackTo() const
     {
         const std::deque<PastStep>& past = tracker_.memory_.past;
