@@ -260,17 +260,17 @@ private:
     bool leadsHere(const Trail& trail, std::size_t place, const Deviated& there)
     {
         const Replay& replay = trail.replay;
-        Hypothesis last = parentAt(replay, place);
+        std::optional<Hypothesis> last;
         for (std::size_t next = place; next < replay.way.size(); ++next) {
+            const Hypothesis& parent = last ? *last : parentAt(replay, place);
             const Deviated& deviated = next == place ? there : trail.deviated[next];
             const TrackInput& input = inputAt(replay.begin + next);
             budget_.spendRecord();
-            auto made =
-                successors_.deviating(last, input, deviated.deviations, lossesOf(deviated, input));
-            if (!made) {
+            last = successors_.deviating(parent, input, deviated.deviations,
+                                         lossesOf(deviated, input));
+            if (!last) {
                 return false;
             }
-            last = std::move(*made);
         }
         return true;
     }
@@ -410,10 +410,6 @@ private:
     LookBackResult result_;
     std::map<std::size_t, std::set<Deviated>> deviated_; ///< by index of the past step
 };
-
-} // namespace
-
-namespace {
 
 LookBackResult lookBackWithin(Successors& successors, const Plant& plant,
                               const std::deque<PastStep>& past,
