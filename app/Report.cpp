@@ -40,7 +40,7 @@ ExitStatus report(const ReportOptions& options)
     {
         Pace pace(options.track.quiet);
         const auto take = [&] {
-            page.step(reportOf(track));
+            page.step(reportForPeople(track));
             explained = explained && track.status() == ExitStatus::done;
             pace.step(track.feed().reader().doneShare());
         };

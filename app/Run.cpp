@@ -114,7 +114,8 @@ private:
     void take()
     {
         ++memory_.steps;
-        const report::StepReport report = reportOf(track_);
+        const bool forPeople = report_ || writers_.format() == report::Format::people;
+        const report::StepReport report = forPeople ? reportForPeople(track_) : reportOf(track_);
         const bool explained = report.status != monitor::TrackStatus::inconsistent;
         memory_.unexplained = memory_.unexplained || !report.complete || !explained;
         memory_.faultFound =

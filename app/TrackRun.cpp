@@ -105,15 +105,21 @@ ExitStatus TrackRun::status() const
 report::StepReport reportOf(const TrackRun& track)
 {
     report::StepReport report = report::stepReport(track.session().plant(), track.answer());
+    report.gap = track.step().gap;
+    for (const telemetry::Observation& observation : track.step().observations) {
+        if (observation.held) report.held.push_back(observation.value->id);
+    }
+    return report;
+}
+
+report::StepReport reportForPeople(const TrackRun& track)
+{
+    report::StepReport report = reportOf(track);
     std::vector<plant::VariableIndex> read;
     for (const auto& [variable, count] : track.session().readingChanges().counts()) {
         read.push_back(variable);
     }
     report::noteAppearance(report, track.session().plant(), track.answer(), read);
-    report.gap = track.step().gap;
-    for (const telemetry::Observation& observation : track.step().observations) {
-        if (observation.held) report.held.push_back(observation.value->id);
-    }
     return report;
 }
 

@@ -76,5 +76,7 @@ private:
 
 /// The report of the step that was taken last, with its gap and its held readings.
 report::StepReport reportOf(const TrackRun& track);
+/// The same, with explanations compared that cannot be told apart (report/Alike.h).
+report::StepReport reportForPeople(const TrackRun& track);
 
 } // namespace app

@@ -72,6 +72,9 @@ void noteAppearance(StepReport& report, const plant::Plant& plant,
                     const monitor::TrackAnswer& answer,
                     const std::vector<plant::VariableIndex>& read)
 {
+    if (report.explanations.size() < 2) {
+        return;
+    }
     std::map<std::vector<monitor::Label>, std::size_t> numbers;
     for (std::size_t i = 0; i < report.explanations.size(); ++i) {
         std::vector<monitor::Label> labels;
@@ -112,6 +115,17 @@ std::vector<ExplanationGroup> grouped(const std::vector<TrackedExplanation>& exp
         constexpr double lastDigits = 1e9;
         return std::round(a.probability * lastDigits) > std::round(b.probability * lastDigits);
     });
+    return groups;
+}
+
+std::vector<ExplanationGroup> shownGroups(const StepReport& report, const Shown& shown)
+{
+    std::vector<TrackedExplanation> probable = report.explanations;
+    probable.resize(shownCount(report, {.most = 0, .mass = shown.mass}));
+    std::vector<ExplanationGroup> groups = grouped(probable);
+    if (shown.most > 0 && groups.size() > shown.most) {
+        groups.resize(shown.most);
+    }
     return groups;
 }
 

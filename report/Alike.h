@@ -17,7 +17,7 @@ struct ExplanationGroup {
 };
 
 /// Notes for each explanation of the answer's report how the variables that were read so far look under it: which of their values
-/// follow, or are excluded. Costs their values times the explanations.
+/// follow, or are excluded. Costs their values times the explanations; nothing where there is one.
 void noteAppearance(StepReport& report, const plant::Plant& plant,
                     const monitor::TrackAnswer& answer,
                     const std::vector<plant::VariableIndex>& read);
@@ -26,6 +26,9 @@ void noteAppearance(StepReport& report, const plant::Plant& plant,
 /// where they have the same number of faults, lost the same commands, leave the same unexplained, look the same, and differ in one mode
 /// each, since the same step. Without noteAppearance() each is alone. Linear in the explanations' modes, but for sorting.
 std::vector<ExplanationGroup> grouped(const std::vector<TrackedExplanation>& explanations);
+
+/// Those of a step that are shown: what is improbable by itself is in no group.
+std::vector<ExplanationGroup> shownGroups(const StepReport& report, const Shown& shown);
 
 /// A group in words: "one of a.mode = stuck (40.0 %), b.mode = dead (20.0 %) since step 7; c.mode = open since step 5". Of more than
 /// eight members the most probable ones are named. Without numbers that may change a little where these are not wanted, the names

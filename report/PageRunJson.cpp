@@ -115,13 +115,11 @@ public:
         put("{\n");
         writeSteps();
         put(",\n\"candidates\":" + column(points_, [this](const TimelinePoint& point) {
-                std::string json = "[";
-                for (const Believed& one : point.shown.candidates) {
-                    json += fmt::format("{}{},{}", json.size() > 1 ? "," : "",
-                                        explanations_.number(one), sixDigits(one.probability));
-                }
-                return json + "]";
+                return "[" + weighed(point.shown.candidates) + "]";
             }));
+        putRuns("groups", [](const TimelinePoint& point) {
+            return fmt::format("[{}]", fmt::join(point.shown.groups, ","));
+        });
         put(",\n\"events\":" + events());
         put(",\n\"explanations\":" + explanations_.list());
         writeComponents();
@@ -140,6 +138,17 @@ private:
     template <typename Text> void putRuns(const char* name, const Text& text) const
     {
         put(fmt::format(",\n\"{}\":{}", name, runs(points_, text)));
+    }
+
+    // Pairs of the number of an explanation and its probability.
+    std::string weighed(const std::vector<Believed>& explanations)
+    {
+        std::string text;
+        for (const Believed& one : explanations) {
+            text += fmt::format("{}{},{}", text.empty() ? "" : ",", explanations_.number(one),
+                                sixDigits(one.probability));
+        }
+        return text;
     }
 
     void writeSteps() const
@@ -179,10 +188,9 @@ private:
     {
         std::string json = "[";
         story_.events().each([&](const PageEvent& event) {
-            json +=
-                fmt::format("{}[{},{},\"{}\",{},{}]", json.size() > 1 ? ",\n" : "", event.step,
-                            exactNumber(event.t), monitor::name(event.status),
-                            explanations_.number(event.first), sixDigits(event.first.probability));
+            json += fmt::format("{}[{},{},\"{}\",{}]", json.size() > 1 ? ",\n" : "", event.step,
+                                exactNumber(event.t), monitor::name(event.status),
+                                weighed(event.first));
         });
         return json + fmt::format("],\n\"eventsLeftOut\":{}", story_.events().leftOut());
     }

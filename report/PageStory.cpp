@@ -1,6 +1,7 @@
 #include "report/PageStory.h"
 
 #include "plant/Names.h"
+#include "report/Alike.h"
 
 #include <algorithm>
 
@@ -94,7 +95,7 @@ TimelineRow PageStory::rowOf(const PageStep& step)
     row.silent = report.silent;
     row.kept = report.explanations.size();
     row.dropped = report.dropped;
-    row.candidates = candidatesOf(report);
+    takeCandidates(row, report);
     for (const auto& [component, probability] : report.components) {
         row.components.emplace_back(componentsByName_.find(component)->second, probability);
     }
@@ -107,20 +108,21 @@ TimelineRow PageStory::rowOf(const PageStep& step)
 }
 
 // An explanation that was there a step ago is not kept again.
-std::vector<Believed> PageStory::candidatesOf(const StepReport& report)
+void PageStory::takeCandidates(TimelineRow& row, const StepReport& report) const
 {
-    std::vector<Believed> candidates;
-    for (std::size_t i = 0; i < shownCount(report, shown_); ++i) {
-        const TrackedExplanation& one = report.explanations[i];
-        const auto known = std::find_if(before_.begin(), before_.end(), [&](const Believed& other) {
-            return sameExplanation(*other.explanation, one);
-        });
-        candidates.push_back({known != before_.end()
-                                  ? known->explanation
-                                  : std::make_shared<const TrackedExplanation>(one),
-                              one.probability});
+    for (const ExplanationGroup& group : shownGroups(report, shown_)) {
+        row.groups.push_back(group.members.size());
+        for (const std::size_t member : group.members) {
+            const TrackedExplanation& one = report.explanations[member];
+            const auto known = std::find_if(
+                before_.begin(), before_.end(),
+                [&](const Believed& other) { return sameExplanation(*other.explanation, one); });
+            row.candidates.push_back({known != before_.end()
+                                          ? known->explanation
+                                          : std::make_shared<const TrackedExplanation>(one),
+                                      one.probability});
+        }
     }
-    return candidates;
 }
 
 std::vector<ChannelState> PageStory::channelsOf(const PageStep& step)
@@ -169,10 +171,17 @@ void PageStory::explain(const PageStep& step)
 
 void PageStory::note(const TimelineRow& row)
 {
-    const auto what = [](const Believed& believed) { return believed.explanation.get(); };
-    const bool sameFirst = !before_.empty() && what(before_.front()) == what(row.candidates.front());
-    if (statusBefore_ == row.status && sameFirst) return;
-    events_.add({row.step, row.t, row.status, row.candidates.front()});
+    const auto end = row.candidates.begin() + static_cast<std::ptrdiff_t>(row.groups.front());
+    std::vector<Believed> first(row.candidates.begin(), end);
+    const auto same = [](const Believed& a, const Believed& b) {
+        return a.explanation == b.explanation;
+    };
+    const bool sameFirst = std::is_permutation(first.begin(), first.end(), firstBefore_.begin(),
+                                               firstBefore_.end(), same);
+    if (statusBefore_ != row.status || !sameFirst) {
+        events_.add({row.step, row.t, row.status, first});
+    }
+    firstBefore_ = std::move(first);
 }
 
 } // namespace report

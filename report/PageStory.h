@@ -56,12 +56,12 @@ private:
     std::size_t leftOut_ = 0;
 };
 
-/// Something changed: the status, or the first explanation.
+/// Something changed: the status, or the first explanations.
 struct PageEvent {
     std::size_t step = 0;
     double t = 0.0;
     monitor::TrackStatus status = monitor::TrackStatus::nominal;
-    Believed first;
+    std::vector<Believed> first; ///< the first group of explanations that cannot be told apart
 };
 
 class PageStory {
@@ -85,7 +85,7 @@ public:
 
 private:
     TimelineRow rowOf(const PageStep& step);
-    std::vector<Believed> candidatesOf(const StepReport& report);
+    void takeCandidates(TimelineRow& row, const StepReport& report) const;
     std::vector<ChannelState> channelsOf(const PageStep& step);
     std::size_t channelOf(const StateVar* variable);
     void explain(const PageStep& step);
@@ -101,7 +101,8 @@ private:
     std::map<std::string, std::uint32_t, std::less<>> componentsByName_;
     std::unordered_map<const StateVar*, plant::VariableIndex> variables_;
     Timeline timeline_;
-    std::vector<Believed> before_; ///< the candidates of the step before
+    std::vector<Believed> before_;      ///< the candidates of the step before
+    std::vector<Believed> firstBefore_; ///< the first group of them
     std::optional<monitor::TrackStatus> statusBefore_;
     BothEnds<PageEvent> events_;
     BothEnds<ExplainedConflict> conflicts_;

@@ -48,7 +48,8 @@ struct TimelineRow {
     double silent = 0.0;
     std::size_t kept = 0;
     std::size_t dropped = 0;
-    std::vector<Believed> candidates;                         ///< those that are shown
+    std::vector<Believed> candidates; ///< those that are shown, group by group (report/Alike.h)
+    std::vector<std::size_t> groups;  ///< how many of them are in each group
     std::vector<std::pair<std::uint32_t, double>> components; ///< that deviate, by number, and how probably
     std::vector<std::int16_t> modes; ///< value of each mode in the most probable explanation, by number
     std::vector<ChannelState> channels; ///< may be shorter than that of a later row

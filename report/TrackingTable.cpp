@@ -32,18 +32,6 @@ std::string essence(const StepReport& report, const std::vector<ExplanationGroup
     return fmt::format("{}\n{}", text, fmt::join(explanations, "\n"));
 }
 
-// Those of a step that are shown: what is improbable by itself is in no group.
-std::vector<ExplanationGroup> shownGroups(const StepReport& report, const Shown& shown)
-{
-    std::vector<TrackedExplanation> probable = report.explanations;
-    probable.resize(shownCount(report, {.most = 0, .mass = shown.mass}));
-    std::vector<ExplanationGroup> groups = grouped(probable);
-    if (shown.most > 0 && groups.size() > shown.most) {
-        groups.resize(shown.most);
-    }
-    return groups;
-}
-
 } // namespace
 
 std::string TrackingTable::heading() const

@@ -1,4 +1,5 @@
 // The page of a run, and the data in it.
+#include "report/Alike.h"
 #include "report/Page.h"
 #include "report/PageTemplate.h"
 #include "session/Session.h"
@@ -30,10 +31,16 @@ Written written(language::ReadResult read, const std::vector<std::string>& lines
     report::PageWriter writer([&](std::string_view piece) { result.page += piece; }, facts,
                               session.plant(), session.read(), {});
     writer.begin();
+    std::vector<plant::VariableIndex> readSoFar;
     for (auto next = reader.next(); const auto* step = std::get_if<telemetry::Step>(&next);
          next = reader.next()) {
         const monitor::TrackAnswer& answer = session.advance(*step);
-        const report::StepReport report = report::stepReport(session.plant(), answer);
+        report::StepReport report = report::stepReport(session.plant(), answer);
+        for (const telemetry::Observation& one : step->observations) {
+            const plant::Plant& plant = session.plant();
+            readSoFar.push_back(plant.variableOf(plant.indexOf(one.value)));
+        }
+        report::noteAppearance(report, session.plant(), answer, readSoFar);
         writer.step({report, *step, session.input(), answer});
     }
     EXPECT_EQ(result.page, "");
@@ -142,6 +149,16 @@ TEST(Page, NumbersTheExplanationsOfItsCandidates)
     const json first = run["explanations"][last[0].get<std::size_t>()];
     EXPECT_EQ(first["modes"].size(), 1U);
     EXPECT_GT(last[1].get<double>(), 0.4);
+}
+
+TEST(Page, HasThoseTogetherThatCannotBeToldApart)
+{
+    const json run = ofTwoValves(stuckValve).data["run"];
+    EXPECT_EQ(expanded(run["groups"]), (std::vector<json>{{1}, {1}, {1}, {2}}));
+    const json last = run["candidates"][3];
+    ASSERT_EQ(last.size(), 4U);
+    EXPECT_EQ(run["events"][1],
+              json({4, 3.0, run["status"][2], last[0], last[1], last[2], last[3]}));
 }
 
 TEST(Page, CanHaveNoSteps)

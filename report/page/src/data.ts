@@ -109,7 +109,9 @@ export interface RawData {
         kept: Runs<number>;
         dropped: Runs<number>;
         candidates: number[][];
-        events: [number, number, Status, number, number][];
+        groups: Runs<number[]>;
+        /** Step, time, status, and the first explanations: number, probability, number ... */
+        events: [number, number, Status, ...number[]][];
         eventsLeftOut: number;
         explanations: Explanation[];
         suspects: { component: number; p: Runs<number> }[];
@@ -133,6 +135,18 @@ export interface ChannelSeries {
 export interface Weighed {
     id: number;
     p: number;
+}
+
+/** Explanations that cannot be told apart, or a single one. */
+export interface Group {
+    p: number;
+    members: Weighed[];
+    /** What all of them say. */
+    common: Explanation;
+    /** The mode that each of them has alone; empty for a single one. */
+    either: { variable: string; value: string }[];
+    /** The step at which these began. */
+    since: number;
 }
 
 export function expand<T>(runs: Runs<T>): T[] {
@@ -161,6 +175,8 @@ export class Data {
     readonly silent: number[];
     readonly kept: number[];
     readonly dropped: number[];
+    /** How many candidates each group has, by point. */
+    private readonly sizes: number[][];
     readonly explanations: Explanation[];
     readonly conflicts: Conflict[];
     /** Modes by point, of each mode variable. */
@@ -188,6 +204,7 @@ export class Data {
         this.silent = expand<number>(run.silent);
         this.kept = expand<number>(run.kept);
         this.dropped = expand<number>(run.dropped);
+        this.sizes = expand<number[]>(run.groups);
         this.explanations = run.explanations;
         this.conflicts = run.conflicts;
         this.modes = run.modes.map((one) => ({ variable: one.variable, values: expand<number>(one.values) }));
@@ -200,10 +217,30 @@ export class Data {
     }
 
     candidates(point: number): Weighed[] {
-        const flat = this.raw.run.candidates[point] ?? [];
-        const list: Weighed[] = [];
-        for (let i = 0; i < flat.length; i += 2) list.push({ id: flat[i]!, p: flat[i + 1]! });
-        return list;
+        return weighed(this.raw.run.candidates[point] ?? []);
+    }
+    /** The candidates of a point, those together that cannot be told apart. */
+    groups(point: number): Group[] {
+        const candidates = this.candidates(point);
+        let next = 0;
+        return (this.sizes[point] ?? []).map((size) => this.group(candidates.slice(next, (next += size))));
+    }
+    group(members: Weighed[]): Group {
+        const all = members.map(({ id }) => this.explanations[id]!);
+        const first = all[0]!;
+        const alone = (one: Explanation) =>
+            Object.keys(one.modes).find((variable) =>
+                all.some((other) => other.modes[variable] !== one.modes[variable] || other.since[variable] !== one.since[variable]),
+            );
+        const names = all.length > 1 ? all.map((one) => alone(one)!) : [];
+        const without = (table: Record<string, string>) => Object.fromEntries(Object.entries(table).filter(([name]) => name !== names[0]));
+        return {
+            p: members.reduce((sum, { p }) => sum + p, 0),
+            members,
+            common: { ...first, modes: without(first.modes) },
+            either: names.map((variable, i) => ({ variable, value: all[i]!.modes[variable]! })),
+            since: first.since[names[0] ?? ''] ?? 0,
+        };
     }
     channel(index: number): ChannelSeries {
         return (this.channelCache[index] ??= this.readChannel(index));
@@ -251,10 +288,25 @@ export class Data {
     }
 }
 
+/** What is written as number of an explanation, probability, number ... */
+export function weighed(flat: number[]): Weighed[] {
+    const list: Weighed[] = [];
+    for (let i = 0; i < flat.length; i += 2) list.push({ id: flat[i]!, p: flat[i + 1]! });
+    return list;
+}
+
 /** What two explanations have in common when only their beginnings differ. */
 export function gist(explanation: Explanation): string {
+    const parts = statements(explanation);
+    return parts.length === 0 ? 'nothing is wrong' : parts.join('; ');
+}
+function statements(explanation: Explanation): string[] {
     const modes = Object.entries(explanation.modes).map(([variable, value]) => `${variable} = ${value}`);
-    const lost = explanation.lost.map((command) => `${command} did not arrive`);
-    const all = [...modes, ...lost];
-    return all.length === 0 ? 'nothing is wrong' : all.join('; ');
+    return [...modes, ...explanation.lost.map((command) => `${command} did not arrive`)];
+}
+/** The same of a group: "one of fan.state = torn, damper.position = shut; meter.state = dead". */
+export function gistOfGroup(group: Group): string {
+    if (group.either.length === 0) return gist(group.common);
+    const names = group.either.map(({ variable, value }) => `${variable} = ${value}`);
+    return [`one of ${names.join(', ')}`, ...statements(group.common)].join('; ');
 }

@@ -1,5 +1,5 @@
 // How probable each explanation was over time, and those at the cursor.
-import { gist, type Explanation, type Weighed } from './data';
+import { gist, type Explanation, type Group, type Weighed } from './data';
 import { byId, cssColour, fill, h, onDemand, prepared, table } from './dom';
 import { percent, timeText, isWallClock } from './format';
 import type { State } from './state';
@@ -92,8 +92,7 @@ export function makeExplanations(state: State, palette: Palette): void {
         drawCursor(state, plot, height);
     };
 
-    const row = (candidate: Weighed) => {
-        const explanation = data.explanations[candidate.id]!;
+    const row = (candidate: Weighed, words: (Node | string)[]) => {
         const text = palette.of[candidate.id]!;
         return h(
             'li',
@@ -112,8 +111,19 @@ export function makeExplanations(state: State, palette: Palette): void {
                 },
                 palette.swatch(text),
                 h('span', { class: 'p' }, percent(candidate.p)),
-                h('span', { class: 'what' }, ...inWords(explanation)),
+                h('span', { class: 'what' }, ...words),
             ),
+        );
+    };
+    const rows = (group: Group) => {
+        if (group.either.length === 0) return row(group.members[0]!, inWords(data.explanations[group.members[0]!.id]!));
+        const rest = Object.keys(group.common.modes).length + group.common.lost.length + group.common.unexplained.length;
+        return h(
+            'li',
+            { class: 'group' },
+            h('p', {}, h('span', { class: 'p' }, percent(group.p)), 'one of'),
+            h('ul', {}, ...group.members.map((one, i) => row(one, inWordsOf(group, i)))),
+            rest > 0 ? h('p', { class: 'rest' }, 'and with it ', ...inWords(group.common)) : '',
         );
     };
     const say = () => {
@@ -123,7 +133,7 @@ export function makeExplanations(state: State, palette: Palette): void {
         const silent = data.silent[state.cursor] ?? 0;
         fill(
             list,
-            ...candidates.map(row),
+            ...data.groups(state.cursor).map(rows),
             more > 0 ? h('li', { class: 'note' }, `and ${more} more`) : '',
             missing >= 0.0001 ? h('li', { class: 'note' }, `at most ${percent(missing)} of the probability was given up`) : '',
             silent >= 0.0001
@@ -148,6 +158,11 @@ export function makeExplanations(state: State, palette: Palette): void {
         draw();
         if (changes.has('cursor') || changes.has('alone') || changes.has('size')) say();
     });
+}
+
+function inWordsOf(group: Group, member: number): (Node | string)[] {
+    const { variable, value } = group.either[member]!;
+    return inWords({ modes: { [variable]: value }, since: { [variable]: group.since }, lost: [], unexplained: [] });
 }
 
 export function inWords(explanation: Explanation): (Node | string)[] {

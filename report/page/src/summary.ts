@@ -1,38 +1,43 @@
 // The first lines of the page: what is wrong, since when, and how sure that is.
-import { gist, type Data, type Explanation } from './data';
+import { gist, type Data, type Group } from './data';
 import { byId, fill, h } from './dom';
 import { counted, isWallClock, percent, timeText } from './format';
 
-function whatIsWrong(data: Data, explanation: Explanation): string {
-    const wall = isWallClock(data);
-    const began = (variable: string) => explanation.since[variable] ?? 0;
-    const oldestFirst = Object.entries(explanation.modes).sort((a, b) => began(a[0]) - began(b[0]));
-    const parts = oldestFirst.map(([variable, value]) => {
-        const since = began(variable);
-        if (since === 0) return `${variable} is ${value}, from the beginning`;
-        const t = data.t[data.pointOfStep(since)];
-        const exact = data.raw.run.stepsPerPoint === 1 && t !== undefined;
-        return `${variable} is ${value} since step ${since}${exact ? `, ${timeText(t, wall)}` : ''}`;
-    });
-    return [...parts, ...explanation.lost.map((command) => `${command} did not arrive`)].join('; ');
+function began(data: Data, since: number): string {
+    if (since === 0) return 'from the beginning';
+    const t = data.t[data.pointOfStep(since)];
+    const exact = data.raw.run.stepsPerPoint === 1 && t !== undefined;
+    return `since step ${since}${exact ? `, ${timeText(t, isWallClock(data))}` : ''}`;
+}
+
+function whatIsWrong(data: Data, { common, either, members, since }: Group): string {
+    const parts = Object.entries(common.modes).map(([variable, value]) => ({
+        since: common.since[variable] ?? 0,
+        what: `${variable} is ${value}${common.since[variable] === 0 ? ',' : ''}`,
+    }));
+    const names = either.map(({ variable, value }, i) => `${variable} is ${value} (${percent(members[i]!.p)})`);
+    if (names.length > 0) parts.push({ since, what: `${names.slice(0, -1).join(', ')} or ${names.at(-1)},` });
+    parts.sort((a, b) => a.since - b.since);
+    const modes = parts.map((part) => `${part.what} ${began(data, part.since)}`);
+    return [...modes, ...common.lost.map((command) => `${command} did not arrive`)].join('; ');
 }
 
 function verdict(data: Data): [string, Node[]] {
     const last = data.size - 1;
-    const first = data.candidates(last)[0];
+    const first = data.groups(last)[0];
     const status = data.status[last];
     if (first === undefined || status === undefined) return ['stale', ['There were no steps.'].map((text) => h('p', {}, text))];
-    const explanation = data.explanations[first.id]!;
+    const nothing = first.either.length === 0 && gist(first.common) === 'nothing is wrong';
     const sure = h('span', { class: 'sure' }, percent(first.p));
     if (status === 'inconsistent')
         return [status, [h('p', { class: 'verdict' }, 'Nothing explains the last observations.')]];
-    if (gist(explanation) === 'nothing is wrong' && status !== 'ambiguous') {
+    if (nothing && status !== 'ambiguous') {
         const was = (data.raw.run.counts.faulty ?? 0) + (data.raw.run.counts.ambiguous ?? 0);
         const text = was > 0 ? 'Nothing is wrong any more' : 'Nothing is wrong';
         return [status, [h('p', { class: 'verdict' }, `${text}. `, sure)]];
     }
-    const prefix = status === 'ambiguous' ? 'Not clear; most probably ' : '';
-    const text = gist(explanation) === 'nothing is wrong' ? 'nothing is wrong' : whatIsWrong(data, explanation);
+    const prefix = status === 'ambiguous' && first.p <= 0.5 ? 'Not clear; most probably ' : '';
+    const text = nothing ? 'nothing is wrong' : whatIsWrong(data, first);
     return [status, [h('p', { class: 'verdict' }, `${prefix}${text}. `, sure)]];
 }
 

@@ -1,5 +1,5 @@
 // The status over time, with a mark where something changed.
-import { gist, type Status } from './data';
+import { gistOfGroup, weighed, type Status } from './data';
 import { byId, cssColour, fill, h, onDemand, table } from './dom';
 import { isWallClock, percent, statusText, timeText } from './format';
 import type { State } from './state';
@@ -79,12 +79,13 @@ export function makeTimeline(state: State): void {
     followMouse(canvas, state);
 
     onDemand(byId('timeline-table'), `What changed when (${data.raw.run.events.length})`, () => {
-        const rows = data.raw.run.events.map(([step, t, status, id, p]) => [
+        const events = data.raw.run.events.map(([step, t, status, ...first]) => ({ step, t, status, first: data.group(weighed(first)) }));
+        const rows = events.map(({ step, t, status, first }) => [
             h('button', { type: 'button', class: 'link', onclick: () => state.moveTo(data.pointOfStep(step), true) }, String(step)),
             timeText(t, wall),
             status,
-            percent(p),
-            gist(data.explanations[id]!),
+            percent(first.p),
+            gistOfGroup(first),
         ]);
         const left = data.raw.run.eventsLeftOut;
         return table(

@@ -1,7 +1,7 @@
 // The pages of the examples in a browser.
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
-import { drawn, launch, open, power, step, water } from '../tools/browser.mjs';
+import { drawn, duct, launch, open, power, step, water } from '../tools/browser.mjs';
 
 let browser;
 before(async () => {
@@ -71,7 +71,7 @@ test('n and p go from one change to the next', () =>
             await drawn(page);
             steps.push(await step(page));
         }
-        assert.deepEqual(steps, [11, 12, 14]);
+        assert.deepEqual(steps, [11, 12, 13]);
         await page.keyboard.press('p');
         await drawn(page);
         assert.equal(await step(page), 12);
@@ -135,6 +135,21 @@ test('one explanation can be looked at alone', () =>
         await drawn(page);
         assert.equal(await page.locator('.candidate').first().getAttribute('aria-pressed'), 'true');
         assert.notDeepEqual(await page.locator('#probabilities').screenshot(), before);
+    }));
+
+test('explanations that cannot be told apart are one entry, and each of them can be looked at', () =>
+    onPage(duct(), {}, async (page) => {
+        const group = page.locator('.group').first();
+        assert.match(await group.innerText(), /100 %\s*one of\s+66\.7 %\s*fan\.state = beltTorn since step 7\s+33\.3 %[^]*and with it meter\.state = dead/);
+        assert.equal(await group.locator('.candidate').count(), 2);
+        await group.locator('.candidate').nth(1).click();
+        await drawn(page);
+        assert.equal(await group.locator('.candidate').nth(1).getAttribute('aria-pressed'), 'true');
+    }));
+
+test('the first line names all of those that cannot be told apart', () =>
+    onPage(duct(), {}, async (page) => {
+        assert.match(await page.locator('.verdict').innerText(), /fan\.state is beltTorn \(66\.7 %\) or fan\.state is wheelLoose \(33\.3 %\), since step 7/);
     }));
 
 test('the plant folds and unfolds', () =>

@@ -23,6 +23,7 @@ export function report(name, model, telemetry) {
 }
 export const water = () => report('water', 'examples/water/station.itms', 'examples/water/stuck-valve.jsonl');
 export const power = () => report('power', 'examples/power/grid.itms', 'examples/power/shorted-motor.jsonl');
+export const duct = () => report('duct', 'examples/guide/duct.itms', 'examples/guide/afternoon.csv');
 
 export function launch() {
     return chromium.launch({
