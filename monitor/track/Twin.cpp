@@ -1,8 +1,11 @@
 // Readings tell the twin what its modes leave open, such as what is fed into the plant; one that contradicts it is the plant's own.
+// Of those that contradict it together, those are that contradict most others. Which one is taken first must not matter.
 // Where a mode may well do this or that, such as where it is not known whether a guard holds, the twin does what the plant did.
 #include "monitor/track/Twin.h"
 
 #include <algorithm>
+#include <set>
+#include <utility>
 
 namespace monitor {
 
@@ -18,14 +21,74 @@ std::vector<AtomIndex> inFixedOrder(const StepInput& input)
     return observations;
 }
 
+using Pairs = std::set<std::pair<AtomIndex, AtomIndex>>;
+
+// Of readings that the twin's modes and inputs allow each by itself, the pairs that they do not allow. Requires: `labels` took the
+// readings. So what is ruled out there is ruled out by modes and inputs, or is in a pair; and one of each pair is ruled out.
+Pairs contradictingPairs(const StepLabels& labels)
+{
+    const std::vector<AtomIndex> readings = labels.observations();
+    const auto inputs = readings.begin() + static_cast<std::ptrdiff_t>(labels.inputs());
+    StepLabels tried = labels;
+    const auto contradicted = [&](std::initializer_list<AtomIndex> some) {
+        std::vector<AtomIndex> taken(readings.begin(), inputs);
+        taken.insert(taken.end(), some);
+        tried.take(labels.assumptions(), taken, labels.inputs());
+        return !tried.contradicted().empty() && tried.contradicted().back() == taken.back();
+    };
+    Pairs pairs;
+    for (const AtomIndex out : labels.contradicted()) {
+        if (std::find(readings.begin(), inputs, out) != inputs || contradicted({out})) {
+            continue;
+        }
+        for (auto other = inputs; other != readings.end(); ++other) {
+            if (*other != out && !contradicted({*other}) && contradicted({out, *other})) {
+                pairs.insert(std::minmax(out, *other));
+            }
+        }
+    }
+    return pairs;
+}
+
+// Readings without which no pair is left: those that are in most of the pairs, all that are in equally many, and so on.
+std::set<AtomIndex> leftOut(Pairs pairs)
+{
+    std::set<AtomIndex> left;
+    while (!pairs.empty()) {
+        std::map<AtomIndex, std::size_t> counts;
+        std::size_t most = 0;
+        for (const auto& [one, other] : pairs) {
+            most = std::max({most, ++counts[one], ++counts[other]});
+        }
+        for (const auto& [reading, count] : counts) {
+            if (count == most) {
+                left.insert(reading);
+            }
+        }
+        std::erase_if(pairs, [&](const auto& pair) {
+            return left.contains(pair.first) || left.contains(pair.second);
+        });
+    }
+    return left;
+}
+
 StepLabels labelsOf(const Plant& plant, const StepLabels& before,
                     const std::vector<AtomIndex>& modes, const StepInput& input)
 {
     std::vector<AtomIndex> assumptions = input.commands;
     assumptions.insert(assumptions.end(), modes.begin(), modes.end());
     StepLabels labels = before;
-    labels.take(assumptions, inFixedOrder(input), input.inputs);
-    return labels.consistent() ? labels : StepLabels(plant, concludedFrom(plant, modes));
+    std::vector<AtomIndex> readings = inFixedOrder(input);
+    labels.take(assumptions, readings, input.inputs);
+    if (!labels.consistent()) {
+        return StepLabels(plant, concludedFrom(plant, modes));
+    }
+    const std::set<AtomIndex> left = leftOut(contradictingPairs(labels));
+    if (!left.empty()) {
+        std::erase_if(readings, [&](AtomIndex reading) { return left.contains(reading); });
+        labels.take(assumptions, readings, input.inputs);
+    }
+    return labels;
 }
 
 } // namespace
