@@ -6,8 +6,11 @@
 #include "tests/support/TestModel.h"
 
 #include <csignal>
+#include <cstdio>
+#include <fstream>
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
+#include <unistd.h>
 
 using testing::HasSubstr;
 using testing::Not;
@@ -160,6 +163,21 @@ TEST_P(Signals, EndARunThatWaitsForTheNextStep)
     EXPECT_EQ(run.status, 130);
     EXPECT_THAT(run.out, StartsWith("{\"v\":2,\"step\":1,\"t\":0.0,\"status\":\"nominal\""));
     EXPECT_EQ(run.err, "");
+}
+
+TEST_P(Signals, LeaveAReportThatSaysSo)
+{
+    const std::string page =
+        testing::TempDir() + "itms-interrupted-" + std::to_string(getpid()) + ".html";
+    const ProgramRun run =
+        runUntilSignal({"run", "examples/water/station.itms", "-", "--report", page},
+                       "{\"t\": 0, \"observations\": {\"PT-121\": 4}}\n", GetParam());
+    EXPECT_EQ(run.status, 130);
+    std::ifstream file(page);
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_THAT(text, HasSubstr("\"interrupted\":true,"));
+    EXPECT_THAT(text, HasSubstr("\"steps\":1,"));
+    EXPECT_EQ(std::remove(page.c_str()), 0);
 }
 
 // The first problem is one without a fault, and answered at once. The second one takes for ever by itself: all
