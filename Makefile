@@ -13,7 +13,7 @@ help:
 	@echo 'make test-release     build what is installed and run the tests of the program and the examples'
 	@echo 'make test-page        test the page of itms report in a browser'
 	@echo 'make page             make that page anew from report/page/src'
-	@echo 'make fuzz             build the fuzzer of model files and run it for $(FUZZ_SECONDS) s'
+	@echo 'make fuzz             build the fuzzers of all readers and run them for $(FUZZ_SECONDS) s together'
 	@echo 'make bench            build and run the benchmarks'
 	@echo 'make format           format the C++ files'
 	@echo 'make lint             check format, includes, words, file length; run clang-tidy'

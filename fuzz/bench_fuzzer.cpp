@@ -1,35 +1,21 @@
 // Feeds the circuit reader with any bytes. Whatever they are, it must come back with a sound circuit or with errors that
 // can be shown; what it accepts must become a model.
+#include "fuzz/Require.h"
 #include "netlist/BenchReader.h"
 #include "netlist/CircuitModel.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
 namespace {
-
-void require(bool condition, const char* what)
-{
-    if (condition) return;
-    std::fprintf(stderr, "does not hold: %s\n", what);
-    std::abort();
-}
 
 void checkErrors(const std::vector<text::Diagnostic>& errors, std::string_view text)
 {
     const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
     for (const text::Diagnostic& error : errors) {
-        require(!error.message.empty(), "an error has a message");
         require(error.place.line <= lines, "an error is in a line of the text");
         require(error.source.size() < 1000, "a long line is cut");
-        const std::string shown = error.format();
-        for (std::string_view rest = shown; !rest.empty();) {
-            const std::size_t length = text::utf8Length(rest);
-            require(length > 0, "an error is shown as UTF-8");
-            rest.remove_prefix(length);
-        }
+        requireShown(error);
     }
 }
 

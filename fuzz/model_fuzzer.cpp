@@ -1,21 +1,13 @@
 // Feeds the reader of model files with any bytes. Whatever they are, it must come back with a tree or with errors that can be
 // shown; what it accepts must be laid out as a text that says the same, and laying that out again must change nothing.
+#include "fuzz/Require.h"
 #include "language/syntax/Formatter.h"
 #include "language/syntax/Parser.h"
 #include "tests/language/syntax/SyntaxText.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
 namespace {
-
-void require(bool condition, const char* what)
-{
-    if (condition) return;
-    std::fprintf(stderr, "does not hold: %s\n", what);
-    std::abort();
-}
 
 void checkErrors(const std::vector<text::Diagnostic>& errors, const text::SourceText& source,
                  const language::syntax::Limits& limits)
@@ -23,18 +15,12 @@ void checkErrors(const std::vector<text::Diagnostic>& errors, const text::Source
     require(errors.size() <= limits.errors + 1, "the number of errors is bounded");
     for (std::size_t i = 0; i < errors.size(); ++i) {
         const text::Diagnostic& error = errors[i];
-        require(!error.message.empty(), "an error has a message");
         require(error.place.line <= source.lineCount(), "an error is in a line of the text");
         require(error.place.column <= source.line(error.place.line).size() + 1,
                 "an error is in its line");
         require(i == 0 || error.place.line == 0 || !(error.place < errors[i - 1].place),
                 "errors are in the order of their places");
-        const std::string shown = error.format();
-        for (std::string_view rest = shown; !rest.empty();) {
-            const std::size_t length = text::utf8Length(rest);
-            require(length > 0, "an error is shown as UTF-8");
-            rest.remove_prefix(length);
-        }
+        requireShown(error);
     }
 }
 

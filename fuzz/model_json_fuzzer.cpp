@@ -1,33 +1,19 @@
 // Feeds the reader of JSON models with any bytes. Whatever they are, it must come back with a model or with errors that can be
 // shown; a model that it accepts must be written as one that is read again, and written with the same bytes.
+#include "fuzz/Require.h"
 #include "language/Reader.h"
 #include "language/json/ModelJson.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
 namespace {
-
-void require(bool condition, const char* what)
-{
-    if (condition) return;
-    std::fprintf(stderr, "does not hold: %s\n", what);
-    std::abort();
-}
 
 void checkErrors(const std::vector<text::Diagnostic>& errors)
 {
     require(errors.size() <= language::ReadOptions().mostErrors + 1,
             "the number of errors is bounded");
     for (const text::Diagnostic& error : errors) {
-        require(!error.message.empty(), "an error has a message");
-        const std::string shown = error.format();
-        for (std::string_view rest = shown; !rest.empty();) {
-            const std::size_t length = text::utf8Length(rest);
-            require(length > 0, "an error is shown as UTF-8");
-            rest.remove_prefix(length);
-        }
+        requireShown(error);
     }
 }
 

@@ -1,13 +1,12 @@
 // Feeds the reader of telemetry with any bytes. Steps must be in order and complete; mistakes must have places and can be shown; a
 // reader that is given what another one remembered in the middle must read the same rest; and what is written of the steps must be read
 // as the same.
+#include "fuzz/Require.h"
 #include "language/Reader.h"
 #include "telemetry/StepReader.h"
 #include "telemetry/Writer.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -18,13 +17,6 @@ using telemetry::Step;
 using telemetry::StepReader;
 
 const telemetry::ReadSettings settings{.skipBad = true, .mostBytes = 300};
-
-void require(bool condition, const char* what)
-{
-    if (condition) return;
-    std::fprintf(stderr, "does not hold: %s\n", what);
-    std::abort();
-}
 
 const language::ReadResult& model()
 {
@@ -84,15 +76,9 @@ bool same(const Step& a, const Step& b)
 
 void checkError(const text::Diagnostic& error, std::size_t size)
 {
-    require(!error.message.empty(), "a mistake has a message");
     require(error.place.line >= 1 && error.place.line <= size + 1, "a mistake is in a line");
     require(error.place.column >= 1 && error.place.column <= size + 1, "and in a column");
-    const std::string shown = error.format();
-    for (std::string_view rest = shown; !rest.empty();) {
-        const std::size_t length = text::utf8Length(rest);
-        require(length > 0, "a mistake is shown as UTF-8");
-        rest.remove_prefix(length);
-    }
+    requireShown(error);
 }
 
 struct Taken {
