@@ -49,7 +49,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto opposite = asked("!(" + formula + "\n)");
     if (!opposite) return 0;
     require(opposite->best == negation(answer->best), "the negation is the opposite");
-    require(std::abs(answer->probability + answer->openProbability + opposite->probability - 1) < 1e-9,
+    require(std::abs(answer->probability + answer->openProbability + opposite->probability - 1) <
+                1e-9,
             "and has the rest of the probability");
     return 0;
 }

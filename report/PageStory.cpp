@@ -114,9 +114,10 @@ void PageStory::takeCandidates(TimelineRow& row, const StepReport& report) const
         row.groups.push_back(group.members.size());
         for (const std::size_t member : group.members) {
             const TrackedExplanation& one = report.explanations[member];
-            const auto known = std::find_if(
-                before_.begin(), before_.end(),
-                [&](const Believed& other) { return sameExplanation(*other.explanation, one); });
+            const auto known =
+                std::find_if(before_.begin(), before_.end(), [&](const Believed& other) {
+                    return sameExplanation(*other.explanation, one);
+                });
             row.candidates.push_back({known != before_.end()
                                           ? known->explanation
                                           : std::make_shared<const TrackedExplanation>(one),

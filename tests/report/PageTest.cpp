@@ -1,6 +1,6 @@
 // The page of a run, and the data in it.
-#include "report/Alike.h"
 #include "report/Page.h"
+#include "report/Alike.h"
 #include "report/PageTemplate.h"
 #include "session/Session.h"
 #include "telemetry/StepReader.h"
