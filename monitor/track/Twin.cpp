@@ -27,23 +27,32 @@ using Pairs = std::set<std::pair<AtomIndex, AtomIndex>>;
 // readings. So what is ruled out there is ruled out by modes and inputs, or is in a pair; and one of each pair is ruled out.
 Pairs contradictingPairs(const StepLabels& labels)
 {
-    const std::vector<AtomIndex> readings = labels.observations();
-    const auto inputs = readings.begin() + static_cast<std::ptrdiff_t>(labels.inputs());
+    if (labels.contradicted().empty()) {
+        return {};
+    }
+    std::vector<AtomIndex> readings = labels.observations();
+    const auto inputs = static_cast<std::ptrdiff_t>(labels.inputs());
+    const std::vector<AtomIndex> given(readings.begin(), readings.begin() + inputs);
+    readings.erase(readings.begin(), readings.begin() + inputs);
     StepLabels tried = labels;
     const auto contradicted = [&](std::initializer_list<AtomIndex> some) {
-        std::vector<AtomIndex> taken(readings.begin(), inputs);
+        std::vector<AtomIndex> taken = given;
         taken.insert(taken.end(), some);
         tried.take(labels.assumptions(), taken, labels.inputs());
         return !tried.contradicted().empty() && tried.contradicted().back() == taken.back();
     };
+    const auto wasRuledOut = [&](AtomIndex reading) {
+        return std::find(labels.contradicted().begin(), labels.contradicted().end(), reading) !=
+               labels.contradicted().end();
+    };
+    std::erase_if(readings, [&](AtomIndex reading) {
+        return wasRuledOut(reading) && contradicted({reading});
+    });
     Pairs pairs;
-    for (const AtomIndex out : labels.contradicted()) {
-        if (std::find(readings.begin(), inputs, out) != inputs || contradicted({out})) {
-            continue;
-        }
-        for (auto other = inputs; other != readings.end(); ++other) {
-            if (*other != out && !contradicted({*other}) && contradicted({out, *other})) {
-                pairs.insert(std::minmax(out, *other));
+    for (const AtomIndex out : readings) {
+        for (const AtomIndex other : wasRuledOut(out) ? readings : std::vector<AtomIndex>()) {
+            if (other != out && contradicted({out, other})) {
+                pairs.insert(std::minmax(out, other));
             }
         }
     }
