@@ -39,10 +39,15 @@ private:
 
     static constexpr const char* model = R"(
 component Valve {
-    command request: none, open, close
-    cond    inflow, outflow: zero, positive
-    mode    position { open initial; closed; stuck fault }
-    law position = open            -> outflow = inflow
+    command request: none, open, close lost 0.01
+    cond    inflow:  zero, positive
+    cond    outflow: zero, positive
+    mode    position {
+        open initial
+        closed
+        stuck fault
+    }
+    law position = open             -> outflow = inflow
     law position in {closed, stuck} -> outflow = zero
     nominal closed -> open   when request = open  : 0.98
     nominal open   -> closed when request = close : 0.98
@@ -56,7 +61,7 @@ system Plant {
     law a.outflow = b.inflow
     observe a.inflow  from "F1" : zero < 1 <= positive within 0.2
     observe b.outflow from "F2" : zero < 1 <= positive
-    command a.request from "X" : open = 1, close = 0, none otherwise lost 0.01
+    command a.request from "X" : open = 1, close = 0, none otherwise
 })";
 
     session::Session session_;

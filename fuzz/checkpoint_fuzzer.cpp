@@ -7,7 +7,7 @@
 namespace {
 
 // What was believed after two steps. One plant for all runs: one is as another before it goes on.
-FuzzPlant& plant()
+FuzzPlant& followed()
 {
     static FuzzPlant plant;
     return plant;
@@ -17,8 +17,8 @@ FuzzPlant& plant()
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static const std::string before = plant().session().checkpoint().text;
-    session::Session& session = plant().session();
+    static const std::string before = followed().session().checkpoint().text;
+    session::Session& session = followed().session();
     session.resume({before});
     try {
         session.resume({std::string(reinterpret_cast<const char*>(data), size)});
