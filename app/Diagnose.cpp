@@ -32,6 +32,7 @@ struct DiagnoseOptions {
     double maxSeconds = 60.0;     ///< 0: no limit
     std::uint64_t maxMemory = usualMaxMemory;
     double faultProbability = 0.01;
+    std::optional<std::string> search;
 
     std::uint64_t shown = 5; ///< 0: all
     AnswerOptions answer;
@@ -67,7 +68,15 @@ void checkUsage(const DiagnoseOptions& options)
     if (!options.problems && options.inputs.empty())
         refuse("no inputs are given: --inputs is missing");
     if (options.maxRank && options.upTo) refuse("--max-rank and --up-to exclude each other");
+    if (options.trace && options.search == "conflicts")
+        refuse("--trace is the engine's: leave out --search conflicts");
     if (options.skipBad && !options.problems) refuse("--skip-bad goes with --problems only");
+}
+
+session::CircuitSearch searchOf(const DiagnoseOptions& options)
+{
+    return options.trace || options.search == "engine" ? session::CircuitSearch::engine
+                                                       : session::CircuitSearch::conflicts;
 }
 
 netlist::Circuit readCircuit(const std::string& path)
@@ -154,7 +163,7 @@ public:
     DiagnoseRun(const DiagnoseOptions& options, const netlist::Circuit& circuit)
         : options_(options), settings_{options.maxRank, options.upTo.value_or(3), limitsOf(options),
                                        workLimits(0, options.maxMemory)},
-          session_(circuit, options.faultProbability),
+          session_(circuit, options.faultProbability, searchOf(options)),
           writer_(writersOf(options.answer,
                             // With a trace, standard output is the trace's.
                             [this](std::string_view text) {
@@ -229,6 +238,16 @@ private:
     bool faultFound_ = false;
 };
 
+// The process ends with the run, and taking the model of a large circuit apart would be a quarter of its time.
+ExitStatus finished(std::unique_ptr<DiagnoseRun> run)
+{
+    static const DiagnoseRun* kept = nullptr;
+    const ExitStatus status = run->finish();
+    kept = run.release();
+    static_cast<void>(kept);
+    return status;
+}
+
 ExitStatus diagnose(const DiagnoseOptions& options)
 {
     checkUsage(options);
@@ -241,14 +260,14 @@ ExitStatus diagnose(const DiagnoseOptions& options)
     catchInterruptions();
     if (options.problems) {
         telemetry::LineReader reader(*options.problems);
-        DiagnoseRun run(options, circuit);
-        run.solveAll(reader, circuit);
-        return run.finish();
+        auto run = std::make_unique<DiagnoseRun>(options, circuit);
+        run->solveAll(reader, circuit);
+        return finished(std::move(run));
     }
     const session::CircuitProblem problem = problemOfOptions(options, circuit);
-    DiagnoseRun run(options, circuit);
-    run.solve(problem);
-    return run.finish();
+    auto run = std::make_unique<DiagnoseRun>(options, circuit);
+    run->solve(problem);
+    return finished(std::move(run));
 }
 
 std::vector<Section> sections(DiagnoseOptions& options)
@@ -275,6 +294,11 @@ std::vector<Section> sections(DiagnoseOptions& options)
            &options.maxRank, wholeNumber(0, mostFaults)},
           {"--up-to", "N", "... but of no more than N faults (default 3)", &options.upTo,
            wholeNumber(1, mostFaults)},
+          {"--search", "HOW",
+           "conflicts: take apart what contradicts the outputs, the default;\nengine: let the "
+           "engine "
+           "search, as the other verbs do",
+           &options.search, oneOf({"conflicts", "engine"})},
           {"--max-records", "N",
            "stop after so many search records a problem (default {default}: no limit)",
            &options.maxRecords, wholeNumber(0)},

@@ -1,13 +1,52 @@
 #include "session/CircuitSession.h"
 
+#include "engine/itms.h"
 #include "monitor/step/Budget.h"
+#include "monitor/step/ConflictSearch.h"
+#include "monitor/step/EngineExplanations.h"
 
 namespace session {
 
-CircuitSession::CircuitSession(const netlist::Circuit& circuit, double faultProbability)
+namespace {
+
+// The engine, set up over a model when it is asked for the first time.
+class EngineOnDemand final : public monitor::ExplanationSearch {
+public:
+    explicit EngineOnDemand(plant::Model& model) : model_(model) {}
+
+    monitor::Explanations search(const monitor::StepFrame& frame, int faultBudget,
+                                 const SearchLimits& limits) override
+    {
+        if (!engine_) {
+            model_.activate();
+            engine_.emplace();
+            engine_->rtInit();
+            explanations_.emplace(*engine_);
+        }
+        return explanations_->search(frame, faultBudget, limits);
+    }
+
+private:
+    plant::Model& model_;
+    std::optional<itms> engine_;
+    std::optional<monitor::EngineExplanations> explanations_;
+};
+
+std::shared_ptr<monitor::ExplanationSearch> makeSearch(CircuitSearch search, plant::Model& model,
+                                                       const plant::Plant& plant)
+{
+    auto engine = std::make_shared<EngineOnDemand>(model);
+    if (search == CircuitSearch::engine) return engine;
+    return std::make_shared<monitor::ConflictSearch>(plant, std::move(engine));
+}
+
+} // namespace
+
+CircuitSession::CircuitSession(const netlist::Circuit& circuit, double faultProbability,
+                               CircuitSearch search)
     : circuit_(circuit), model_(netlist::buildModel(circuit, {faultProbability})),
-      activated_(*model_.model), plant_(*model_.model), before_(monitor::initialLabels(plant_)),
-      solver_(engine_, plant_)
+      plant_(*model_.model), before_(monitor::initialLabels(plant_)),
+      solver_(makeSearch(search, *model_.model, plant_), plant_)
 {
 }
 

@@ -1,7 +1,6 @@
 // Diagnoses of one circuit: the model is built once, then problem after problem is solved.
 #pragma once
 
-#include "engine/itms.h"
 #include "monitor/step/Step.h"
 #include "netlist/CircuitModel.h"
 #include "session/CircuitProblem.h"
@@ -10,6 +9,12 @@
 #include <optional>
 
 namespace session {
+
+/// What looks for explanations.
+enum class CircuitSearch {
+    conflicts, ///< monitor::ConflictSearch; the engine is set up when it is asked for the first time
+    engine     ///< monitor::EngineExplanations
+};
 
 /// How to search.
 struct CircuitSettings {
@@ -26,11 +31,12 @@ struct CircuitAnswer {
     SearchWork work;          ///< summed over the searches
 };
 
-/// Holds the circuit's model as the active one, so there can be only one at a time, and no Session beside it.
+/// Once the engine was set up, the circuit's model is the active one, so there can be only one at a time, and no Session beside it.
 class CircuitSession {
 public:
     /// The circuit outlives the session. Requires a probability above 0 and below 1, that of a gate to be faulty.
-    CircuitSession(const netlist::Circuit& circuit, double faultProbability);
+    CircuitSession(const netlist::Circuit& circuit, double faultProbability,
+                   CircuitSearch search = CircuitSearch::conflicts);
 
     /// Solves a problem of this circuit. Calls `started` before each search with its bound on the number of faults.
     CircuitAnswer solve(const CircuitProblem& problem, const CircuitSettings& settings,
@@ -47,18 +53,8 @@ public:
 private:
     monitor::StepInput stepInput(const CircuitProblem& problem) const;
 
-    // In the order in which they have to happen.
-    struct Activated {
-        explicit Activated(plant::Model& model) { model.activate(); }
-    };
-    struct ReadyEngine : itms {
-        ReadyEngine() { rtInit(); }
-    };
-
     const netlist::Circuit& circuit_;
     netlist::CircuitModel model_;
-    Activated activated_;
-    ReadyEngine engine_;
     plant::Plant plant_;
     monitor::Prediction before_;
     monitor::StepSolver solver_;

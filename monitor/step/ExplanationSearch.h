@@ -15,6 +15,7 @@
 #include "model/SearchLimits.h"
 #include "monitor/step/Scenario.h"
 
+#include <map>
 #include <set>
 
 namespace monitor {
@@ -28,6 +29,9 @@ struct Explanations {
     bool complete = true;
     SearchLimit limit = SearchLimit::none; ///< what cut it, if a limit did
     SearchWork work;
+    /// The likelihood of what was observed, as its natural logarithm, for those of them that are known to contradict nothing: they are
+    /// not predicted once more.
+    std::map<Deviations, double> logLikelihoods = {};
 };
 
 class ExplanationSearch {

@@ -10,23 +10,49 @@
 #include <cmath>
 #include <limits>
 #include <map>
+#include <unordered_map>
 
 namespace monitor {
 
 namespace {
 
-// Drops the candidates that contain another one.
+bool containsOther(const Candidate& larger, const Candidate& smaller)
+{
+    return smaller.modes.size() < larger.modes.size() &&
+           std::includes(larger.modes.begin(), larger.modes.end(), smaller.modes.begin(),
+                         smaller.modes.end());
+}
+
+// Drops the candidates that contain another one. One that is contained begins with a mode of the larger one, or has none.
 void keepMinimal(std::vector<Candidate>& candidates)
 {
-    const auto contains = [](const Candidate& larger, const Candidate& smaller) {
-        return smaller.modes.size() < larger.modes.size() &&
-               std::includes(larger.modes.begin(), larger.modes.end(), smaller.modes.begin(),
-                             smaller.modes.end());
+    std::size_t least = std::numeric_limits<std::size_t>::max();
+    std::size_t most = 0;
+    std::unordered_map<AtomIndex, std::vector<const Candidate*>> byFirstMode;
+    for (const Candidate& candidate : candidates) {
+        least = std::min(least, candidate.modes.size());
+        most = std::max(most, candidate.modes.size());
+    }
+    if (least >= most) {
+        return;
+    }
+    for (const Candidate& candidate : candidates) {
+        if (!candidate.modes.empty()) {
+            byFirstMode[candidate.modes.front()].push_back(&candidate);
+        }
+    }
+    const auto containsAny = [&](const Candidate& candidate) {
+        return std::any_of(candidate.modes.begin(), candidate.modes.end(), [&](AtomIndex mode) {
+            const auto others = byFirstMode.find(mode);
+            return others != byFirstMode.end() &&
+                   std::any_of(
+                       others->second.begin(), others->second.end(),
+                       [&](const Candidate* other) { return containsOther(candidate, *other); });
+        });
     };
     std::vector<Candidate> minimal;
     for (const Candidate& candidate : candidates) {
-        if (std::none_of(candidates.begin(), candidates.end(),
-                         [&](const Candidate& other) { return contains(candidate, other); })) {
+        if (candidate.modes.empty() || (least > 0 && !containsAny(candidate))) {
             minimal.push_back(candidate);
         }
     }
@@ -49,26 +75,55 @@ void normalise(std::vector<Candidate>& candidates)
     }
 }
 
+// For each mode that deviates in a candidate, its place among them by identifier.
+std::unordered_map<AtomIndex, std::size_t> placesById(const Plant& plant,
+                                                      const std::vector<Candidate>& candidates)
+{
+    std::unordered_map<AtomIndex, std::size_t> places;
+    std::vector<AtomIndex> modes;
+    for (const Candidate& candidate : candidates) {
+        for (const AtomIndex mode : candidate.modes) {
+            if (places.emplace(mode, 0).second) {
+                modes.push_back(mode);
+            }
+        }
+    }
+    std::sort(modes.begin(), modes.end(),
+              [&](AtomIndex a, AtomIndex b) { return plant.atom(a)->id < plant.atom(b)->id; });
+    for (std::size_t i = 0; i < modes.size(); ++i) {
+        places[modes[i]] = i;
+    }
+    return places;
+}
+
 // Most probable first. Equal products of the same factors in another order differ in their last bits: they are
 // ties, which the identifiers of the modes decide.
 void rank(const Plant& plant, std::vector<Candidate>& candidates)
 {
-    const auto byId = [&](AtomIndex a, AtomIndex b) {
-        return plant.atom(a)->id < plant.atom(b)->id;
+    const std::unordered_map<AtomIndex, std::size_t> places = placesById(plant, candidates);
+    const auto byId = [&](AtomIndex a, AtomIndex b) { return places.at(a) < places.at(b); };
+    struct Ranked {
+        double rounded;
+        std::vector<std::size_t> places;
+        std::size_t candidate;
     };
-    const auto rounded = [](const Candidate& candidate) {
-        return std::round(candidate.logProbability * 1e9);
-    };
-    for (Candidate& candidate : candidates) {
-        std::sort(candidate.modes.begin(), candidate.modes.end(), byId);
-    }
-    std::sort(candidates.begin(), candidates.end(), [&](const Candidate& a, const Candidate& b) {
-        if (rounded(a) != rounded(b)) {
-            return rounded(a) > rounded(b);
+    std::vector<Ranked> order;
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
+        std::sort(candidates[i].modes.begin(), candidates[i].modes.end(), byId);
+        Ranked ranked{std::round(candidates[i].logProbability * 1e9), {}, i};
+        for (const AtomIndex mode : candidates[i].modes) {
+            ranked.places.push_back(places.at(mode));
         }
-        return std::lexicographical_compare(a.modes.begin(), a.modes.end(), b.modes.begin(),
-                                            b.modes.end(), byId);
+        order.push_back(std::move(ranked));
+    }
+    std::sort(order.begin(), order.end(), [](const Ranked& a, const Ranked& b) {
+        return a.rounded != b.rounded ? a.rounded > b.rounded : a.places < b.places;
     });
+    std::vector<Candidate> ranked;
+    for (const Ranked& one : order) {
+        ranked.push_back(std::move(candidates[one.candidate]));
+    }
+    candidates = std::move(ranked);
 }
 
 } // namespace
@@ -151,16 +206,50 @@ void judgeOne(const StepFrame& frame, const Deviations& modes, Judgement& judgem
     }
 }
 
+// Weighs many candidates: what they have in common is added up once.
+class Weights {
+public:
+    explicit Weights(const StepFrame& frame) : frame_(frame), logPredicted_(logPredicted(frame)) {}
+
+    Candidate of(const Deviations& modes, double logLikelihood) const
+    {
+        Candidate candidate;
+        candidate.modes = modes;
+        double change = 0.0;
+        for (const AtomIndex mode : modes) {
+            const ModeStep& step = frame_.stepOf(frame_.plant.variableOf(mode));
+            const ModeOption& option = *step.option(mode);
+            change +=
+                std::log(option.probability) - std::log(step.option(step.predicted)->probability);
+            candidate.faults += option.fault ? 1 : 0;
+        }
+        candidate.logProbability = logPredicted_ + change + logLikelihood;
+        return candidate;
+    }
+
+private:
+    const StepFrame& frame_;
+    double logPredicted_;
+};
+
 } // namespace
 
 // Where the search was cut, what it found may spend what was kept back for that.
-Judgement judge(const StepFrame& frame, const std::set<Deviations>& found)
+Judgement judge(const StepFrame& frame, const std::set<Deviations>& found,
+                const std::map<Deviations, double>& logLikelihoods)
 {
     Judgement judgement;
     const Meter::Finishing finishing;
+    const Weights weights(frame);
     try {
         for (const Deviations& modes : found) {
-            judgeOne(frame, modes, judgement);
+            const auto known = logLikelihoods.find(modes);
+            if (known == logLikelihoods.end()) {
+                judgeOne(frame, modes, judgement);
+            } else {
+                Meter::spend(1 + modes.size());
+                judgement.candidates.push_back(weights.of(modes, known->second));
+            }
         }
     } catch (const Meter::Cut& cut) {
         judgement.sure = false;

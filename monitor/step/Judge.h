@@ -3,6 +3,7 @@
 
 #include "monitor/step/Step.h"
 
+#include <map>
 #include <optional>
 #include <set>
 
@@ -17,8 +18,10 @@ struct Judgement {
 };
 
 /// Keeps those among `found` whose modes, predicted anew, agree with all observations and laws, and of these the
-/// ones that contain no other. Quadratic in their number; one prediction for each.
-Judgement judge(const StepFrame& frame, const std::set<Deviations>& found);
+/// ones that contain no other. One prediction for each whose likelihood is not known already; quadratic in those of different size that
+/// share a mode.
+Judgement judge(const StepFrame& frame, const std::set<Deviations>& found,
+                const std::map<Deviations, double>& logLikelihoods = {});
 
 /// What a step assumes under some deviations: its commands, then one value of each mode variable in the frame's order.
 std::vector<AtomIndex> assumptionsOf(const StepFrame& frame, const Deviations& deviations);

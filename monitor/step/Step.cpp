@@ -1,5 +1,6 @@
 #include "monitor/step/Step.h"
 
+#include "monitor/labels/StepLabels.h"
 #include "monitor/step/EngineExplanations.h"
 #include "monitor/step/Judge.h"
 
@@ -42,11 +43,12 @@ StepAnswer StepSolver::solve(const Prediction& before, const StepInput& input,
     const auto [frame, discrepancies] = [&] {
         const Meter::Free needed; // whatever is cut
         StepFrame made = makeFrame(plant_, before, input);
-        std::vector<AtomIndex> contradicting = Scenario(made, {}).discrepancies();
-        return std::pair(std::move(made), std::move(contradicting));
+        StepLabels predicted(plant_);
+        predicted.take(assumptionsOf(made, {}), made.observations, made.inputs);
+        return std::pair(std::move(made), predicted.contradicted());
     }();
     const Explanations explanations = search_->search(frame, settings.maxFaults, settings.limits);
-    Judgement judgement = judge(frame, explanations.found);
+    Judgement judgement = judge(frame, explanations.found, explanations.logLikelihoods);
 
     StepAnswer answer;
     answer.discrepancies = discrepancies;

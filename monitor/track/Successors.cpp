@@ -359,7 +359,7 @@ SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
         const StepFrame tried = frame(prospect, lost);
         const Explanations explanations =
             search_->search(tried, static_cast<int>(budget - lost.size()), work.remaining());
-        const Judgement judgement = judge(tried, explanations.found);
+        const Judgement judgement = judge(tried, explanations.found, explanations.logLikelihoods);
         work.spend(explanations.work);
         work.meet(explanations.limit);
         work.meet(judgement.limit);
