@@ -42,6 +42,7 @@ Verb adviseVerb()
         "Tells which variable to measure next to tell the explanations of a step apart: those that "
         "leave the least doubt on average first, each with what its outcomes would mean.",
         {{"", telemetryRows(options->track)},
+         readSection(options->track.reading),
          searchSection(options->track),
          {"What to ask",
           {stepRow(options->step, "after step N (default: the last one)"),

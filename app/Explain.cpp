@@ -61,6 +61,7 @@ Verb explainVerb()
         "a candidate resolves; and what it does not explain. Every conflict is confirmed by a "
         "separate check.",
         {{"", telemetryRows(options->track)},
+         readSection(options->track.reading),
          searchSection(options->track),
          {"What to explain",
           {stepRow(options->step, "the step, from 1 (default: the last one)"),

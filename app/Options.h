@@ -3,6 +3,7 @@
 
 #include "app/CommandLine.h"
 #include "app/Output.h"
+#include "app/ReadOptions.h"
 #include "report/Tracking.h"
 #include "report/Writers.h"
 #include "session/Session.h"
@@ -25,6 +26,7 @@ struct TrackOptions {
     ModelOptions model;
     std::string telemetry;
     bool skipBad = false;
+    ReadOptions reading;
     bool mayGrow = false; ///< what is not complete at the end of the telemetry is not taken
 
     int maxRank = 3;

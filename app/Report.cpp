@@ -48,7 +48,7 @@ ExitStatus report(const ReportOptions& options)
     }
     if (interruption() && track.step().number == 0) return ExitStatus::interrupted;
     page.write();
-    if (!options.track.quiet) track.feed().reportLinesLeftOut("report");
+    if (!options.track.quiet) track.feed().reportPassedOver("report");
     if (interruption()) return ExitStatus::interrupted;
     return explained ? ExitStatus::done : ExitStatus::unexplained;
 }
@@ -67,6 +67,7 @@ Verb reportVerb()
         "them with the laws, channels, the plant, and modes. Of a long run the page shows one step "
         "of so many, the worst, and says so.",
         {{"", telemetryRows(options->track)},
+         readSection(options->track.reading),
          searchSection(options->track),
          {"What to write",
           {{"-o,--output", "FILE", "the page; - for standard output", &options->output,

@@ -76,7 +76,7 @@ public:
         if (report_) report_->write();
         writer_->end(track_.feed().linesLeftOut());
         if (!options_.track.quiet) {
-            track_.feed().reportLinesLeftOut("run");
+            track_.feed().reportPassedOver("run");
             reportCut();
         }
         return status();
@@ -219,6 +219,7 @@ Verb runVerb()
         "Steps through telemetry and prints the diagnosis of every step: the most plausible "
         "explanations of everything seen so far, as soon as the step is there.",
         {{"", telemetryRows(options->track)},
+         readSection(options->track.reading),
          searchSection(options->track),
          {"What to print",
           {shownRow(options->shown, "show the N most probable explanations"),

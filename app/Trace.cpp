@@ -89,6 +89,7 @@ Verb traceVerb()
         "candidates that it makes of them, and what follows from each. A step that is as expected "
         "is not searched, and has no trace. Addresses in it differ from run to run.",
         {{"", telemetryRows(options->track)},
+         readSection(options->track.reading),
          searchSection(options->track),
          {"What to print",
           {stepRow(options->step, "the trace of step N; has to be given"),

@@ -22,6 +22,14 @@ const std::string& telemetryOf(const std::string& verb, const TrackOptions& opti
     return options.telemetry;
 }
 
+telemetry::ReadSettings readingOf(const TrackOptions& options)
+{
+    telemetry::ReadSettings settings = readSettings(options.reading);
+    settings.skipBad = options.skipBad;
+    settings.mayGrow = options.mayGrow;
+    return settings;
+}
+
 session::Session open(const std::string& verb, const TrackOptions& options,
                       const session::Settings& settings, FileRoles& files, bool trace)
 {
@@ -41,8 +49,8 @@ FileRoles TrackRun::printing()
 TrackRun::TrackRun(const std::string& verb, const TrackOptions& options,
                    const session::Settings& settings, FileRoles files, bool trace)
     : session_(open(verb, options, settings, files, trace)),
-      feed_(telemetryOf(verb, options), session_.model(), session_.bindings(),
-            {.skipBad = options.skipBad, .mayGrow = options.mayGrow})
+      feed_(telemetryOf(verb, options), session_.model(), session_.bindings(), readingOf(options),
+            !options.quiet)
 {
 }
 

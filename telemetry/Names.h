@@ -53,6 +53,8 @@ public:
     std::uint32_t find(std::string_view name) const;
     const Name& operator[](std::uint32_t index) const { return names_[index]; }
     std::size_t size() const { return names_.size(); }
+    /// The names themselves, by index.
+    const std::vector<std::string_view>& texts() const { return texts_; }
     static constexpr std::uint32_t none = UINT32_MAX;
 
     /// Why a name stands for nothing on that side. Linear in the names.

@@ -20,9 +20,12 @@ std::optional<double> numberOf(const Variable& variable, const Reading& reading)
 
 } // namespace
 
-StepBuilder::StepBuilder(const plant::Model& model, const plant::Bindings& bindings)
-    : names_(model, bindings), stepSeconds_(bindings.stepSeconds), last_(names_.variables().size()),
-      draft_(names_.variables().size()), numbers_(names_.variables().size())
+StepBuilder::StepBuilder(const plant::Model& model, const plant::Bindings& bindings,
+                         const ReadSettings& settings)
+    : names_(model, bindings), readableOnly_(settings.readableOnly),
+      stepSeconds_(bindings.stepSeconds), gapSeconds_(settings.gapSteps * bindings.stepSeconds),
+      last_(names_.variables().size()), draft_(names_.variables().size()),
+      numbers_(names_.variables().size())
 {
     const std::vector<Variable>& variables = names_.variables();
     for (std::uint32_t i = 0; i < variables.size(); ++i) {
@@ -47,23 +50,33 @@ void StepBuilder::begin()
     drafted_.clear();
 }
 
+// Has no value, and need not have one.
+bool StepBuilder::isUnreadable(const Variable& variable, const Reading& reading) const
+{
+    return !readableOnly_ && wantsNumber(variable) && !isNumber(reading);
+}
+
 std::optional<text::Message> StepBuilder::add(std::uint32_t name, std::string_view text, Side side,
                                               const Reading& reading)
 {
     const std::vector<std::uint32_t>& meant = names_[name].on(side);
     values_.clear();
+    bool unreadable = false;
     for (const std::uint32_t index : meant) {
         const Variable& variable = names_.variables()[index];
         Atom* value = valueOf(variable, names_[name].isChannel, reading, last_[index].value);
-        if (!value) return notAValue(variable, text, reading);
-        if (draft_[index] && draft_[index] != value) {
+        if (!value && !isUnreadable(variable, reading)) return notAValue(variable, text, reading);
+        if (value && draft_[index] && draft_[index] != value) {
             return text::Message{fmt::format("'{}' is both {} and {} in this step", variable.name,
                                              draft_[index]->value, value->value),
                                  "readings that say the same", ""};
         }
+        unreadable = unreadable || !value;
         values_.push_back(value);
     }
+    if (unreadable) notes_.passOverReading(name, text, reading.text);
     for (std::size_t i = 0; i < meant.size(); ++i) {
+        if (!values_[i]) continue;
         if (!draft_[meant[i]]) drafted_.push_back(meant[i]);
         draft_[meant[i]] = values_[i];
         numbers_[meant[i]] = numberOf(names_.variables()[meant[i]], reading);
@@ -77,8 +90,10 @@ std::optional<text::Message> StepBuilder::check(std::uint32_t name, std::string_
 {
     for (const std::uint32_t index : names_[name].on(side)) {
         const Variable& variable = names_.variables()[index];
-        if (!valueOf(variable, names_[name].isChannel, reading, nullptr))
+        if (!valueOf(variable, names_[name].isChannel, reading, nullptr) &&
+            !isUnreadable(variable, reading)) {
             return notAValue(variable, text, reading);
+        }
     }
     return std::nullopt;
 }
@@ -99,7 +114,7 @@ Step StepBuilder::finish(double t)
     Step step;
     step.number = ++steps_;
     step.t = t;
-    if (time_ && t - *time_ > 1.5 * stepSeconds_) step.gap = t - *time_;
+    if (time_ && t - *time_ > gapSeconds_) step.gap = t - *time_;
     step.commands = defaults_;
     std::vector<std::pair<std::uint32_t, Observation>> observed;
     std::sort(drafted_.begin(), drafted_.end());
