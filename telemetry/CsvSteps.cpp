@@ -178,7 +178,7 @@ CsvSteps::Problem CsvSteps::find(const std::string& name, std::size_t cell, Colu
     const Name& meant = builder_.names()[column.name];
     if (!meant.observed.empty() && !meant.commanded.empty())
         return records_.errorAtCell(builder_.names().unknown(name), cell);
-    column.side = meant.observed.empty() ? Side::command : Side::observation;
+    column.side = meant.commanded.empty() ? Side::observation : Side::command;
     return std::nullopt;
 }
 

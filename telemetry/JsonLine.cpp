@@ -159,9 +159,9 @@ bool Handler::outerKey(const std::string& name)
         std::string hint = text::didYouMean(name, {reader_.timeKey, "commands", "observations"});
         const std::uint32_t index = builder_.names().find(name);
         if (hint.empty() && index != Names::none) {
-            hint =
-                fmt::format("it belongs in '{}'",
-                            builder_.names()[index].observed.empty() ? "commands" : "observations");
+            hint = fmt::format(
+                "it belongs in '{}'",
+                builder_.names().isUnknown(index, Side::observation) ? "commands" : "observations");
         }
         return refuseKey({fmt::format("{} is no key of a step", text::quoted(name)),
                           fmt::format("'{}', 'commands' or 'observations'", reader_.timeKey), hint});
@@ -180,7 +180,7 @@ bool Handler::innerKey(const std::string& name)
         builder_.notes().passOverKey(name, builder_.names());
         return true;
     }
-    if (nameIndex_ == Names::none || builder_.names()[nameIndex_].on(side).empty())
+    if (builder_.names().isUnknown(nameIndex_, side))
         return refuseKey(builder_.names().unknown(name, side));
     std::size_t& before = seen_[static_cast<std::size_t>(side)][nameIndex_];
     if (before == stamp_) return repeated(name);

@@ -79,6 +79,14 @@ void ReadNotes::passOverReading(std::uint32_t name, std::string_view called,
     ++unreadable_[known->second].count;
 }
 
+void ReadNotes::contradict(const std::string& variable, const std::string& first,
+                           const std::string& second)
+{
+    const auto [entry, isNew] =
+        contradictions_.try_emplace(variable, Contradiction{first, second, 0});
+    ++entry->second.steps;
+}
+
 std::vector<text::Diagnostic> ReadNotes::take()
 {
     return std::exchange(found_, {});
@@ -103,6 +111,13 @@ std::vector<text::Diagnostic> ReadNotes::summary() const
                              one.count == 1 ? "is" : "are", one.count == 1 ? "counts" : "count",
                              text::quoted(one.first)),
                  comma ? "with --decimal , it is one" : ""));
+    }
+    for (const auto& [variable, one] : contradictions_) {
+        all.push_back(note(fmt::format("the channels of {} say different things in {}, and it "
+                                       "counts as not observed there; at "
+                                       "first they are {} and {}",
+                                       text::quoted(variable), text::counted(one.steps, "step"),
+                                       one.first, one.second)));
     }
     return all;
 }

@@ -6,6 +6,7 @@
 #include "text/Diagnostic.h"
 
 #include <cstddef>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -27,6 +28,10 @@ public:
     /// A reading that is no number where one is wanted.
     void passOverReading(std::uint32_t name, std::string_view called, std::string_view reading);
 
+    /// Two channels of a variable said different things in a step.
+    void contradict(const std::string& variable, const std::string& first,
+                    const std::string& second);
+
     /// What is known since the last call, in order, without the name of the file.
     std::vector<text::Diagnostic> take();
     /// The counts of the whole input, without the name of the file.
@@ -39,9 +44,16 @@ private:
         std::size_t count = 0;
     };
 
+    struct Contradiction {
+        std::string first;
+        std::string second;
+        std::size_t steps = 0;
+    };
+
     static constexpr std::size_t mostKeys = 1000;
 
     std::vector<text::Diagnostic> found_;
+    std::map<std::string, Contradiction> contradictions_; // by variable
     std::set<std::string, std::less<>> keys_;
     bool moreKeys_ = false;
     std::vector<Unreadable> unreadable_;                          // in the order in which they came

@@ -7,6 +7,7 @@
 // Nothing is remembered of a draft that is not finished.
 #pragma once
 
+#include "telemetry/LateReadings.h"
 #include "telemetry/Names.h"
 #include "telemetry/ReadNotes.h"
 #include "telemetry/ReadSettings.h"
@@ -61,10 +62,19 @@ private:
         double t = 0;
     };
 
+    using Observed = std::vector<std::pair<std::uint32_t, Observation>>; // with their variables
+
+    std::optional<text::Message> addOperand(const Name& meant, std::uint32_t name,
+                                            std::string_view text, Side side,
+                                            const Reading& reading);
     bool isUnreadable(const Variable& variable, const Reading& reading) const;
     bool stillHolds(std::uint32_t variable, double t) const;
+    void finishLate(double t);
+    Observed observed(double t, Step& step);
+    void join(Observed& observed);
 
     Names names_;
+    LateReadings late_;
     ReadNotes notes_;
     bool readableOnly_;
     double stepSeconds_;
@@ -79,6 +89,9 @@ private:
     std::vector<std::uint32_t> drafted_;         // the variables with a reading
     std::vector<std::optional<double>> numbers_; // of these readings, by variable
     std::vector<Atom*> values_;                  // of the reading that is being added
+    std::vector<std::optional<double>> given_;   // of these, for what is late
+    std::vector<bool> waits_;                    // by variable: nothing stands in for its reading
+    bool hasSeveral_ = false;                    // a variable with several channels
 };
 
 } // namespace telemetry
