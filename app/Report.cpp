@@ -61,12 +61,12 @@ Verb reportVerb()
     return {
         "report",
         "a run as one page: what is wrong, since when, and why",
-        "itms report MODEL TELEMETRY -o FILE.html [options]",
+        "itms report MODEL TELEMETRY [MORE...] -o FILE.html [options]",
         "Steps through telemetry as itms run does, and writes one page that needs nothing beside "
         "it: the status over time, explanations and their probabilities, the conflicts behind "
         "them with the laws, channels, the plant, and modes. Of a long run the page shows one step "
         "of so many, the worst, and says so.",
-        {{"", telemetryRows(options->track)},
+        {{"", trackRows(options->track)},
          readSection(options->track.reading),
          searchSection(options->track),
          {"What to write",

@@ -7,6 +7,7 @@
 #include "app/RunCheckpoint.h"
 #include "app/Verbs.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
 
@@ -126,7 +127,7 @@ private:
 
     void reportCut() const
     {
-        const telemetry::StepReader& reader = track_.feed().reader();
+        const telemetry::StepFiles& reader = track_.feed().reader();
         if (interruption() || !reader.cutAt()) return;
         complain(
             fmt::format("{}:{}: from here on the telemetry may not be complete, and is left for "
@@ -179,8 +180,13 @@ RunOptions settled(RunOptions options)
 {
     if (options.answer.output == "-") options.answer.output.reset();
     std::error_code error;
+    const auto isFile = [&error](const std::string& path) {
+        return std::filesystem::is_regular_file(path, error);
+    };
+    const std::vector<std::string>& more = options.track.moreTelemetry;
     options.track.mayGrow = options.checkpoint && !options.final &&
-                            std::filesystem::is_regular_file(options.track.telemetry, error);
+                            isFile(options.track.telemetry) &&
+                            std::all_of(more.begin(), more.end(), isFile);
     return options;
 }
 
@@ -215,10 +221,10 @@ Verb runVerb()
     return {
         "run",
         "the diagnosis of a plant step by step, from its telemetry",
-        "itms run MODEL TELEMETRY [options]",
+        "itms run MODEL TELEMETRY [MORE...] [options]",
         "Steps through telemetry and prints the diagnosis of every step: the most plausible "
         "explanations of everything seen so far, as soon as the step is there.",
-        {{"", telemetryRows(options->track)},
+        {{"", trackRows(options->track)},
          readSection(options->track.reading),
          searchSection(options->track),
          {"What to print",

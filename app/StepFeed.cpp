@@ -26,10 +26,10 @@ void tell(const std::vector<text::Diagnostic>& notes)
 
 } // namespace
 
-StepFeed::StepFeed(const std::string& path, const plant::Model& model,
+StepFeed::StepFeed(const std::vector<std::string>& paths, const plant::Model& model,
                    const plant::Bindings& bindings, const telemetry::ReadSettings& settings,
                    bool tells)
-    : reader_(path, model, bindings, settings),
+    : reader_(paths, model, bindings, settings),
       steps_(reader_, passOver(settings.skipBad), [] { return interruption().load(); }),
       tells_(tells)
 {

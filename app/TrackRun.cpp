@@ -5,13 +5,14 @@
 #include "report/Alike.h"
 #include "text/Wording.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 
 namespace app {
 
 namespace {
 
-const std::string& telemetryOf(const std::string& verb, const TrackOptions& options)
+std::vector<std::string> telemetryOf(const std::string& verb, const TrackOptions& options)
 {
     if (options.telemetry.empty()) {
         throw Failure(fmt::format("no telemetry is given\n"
@@ -19,7 +20,13 @@ const std::string& telemetryOf(const std::string& verb, const TrackOptions& opti
                                   "  hint: itms {} --help shows an example\n",
                                   verb));
     }
-    return options.telemetry;
+    std::vector<std::string> files{options.telemetry};
+    files.insert(files.end(), options.moreTelemetry.begin(), options.moreTelemetry.end());
+    if (files.size() > 1 && std::find(files.begin(), files.end(), "-") != files.end()) {
+        throw Failure("standard input is one of several files of telemetry\n"
+                      "  expected: names of files, or - alone\n");
+    }
+    return files;
 }
 
 telemetry::ReadSettings readingOf(const TrackOptions& options)
@@ -34,6 +41,9 @@ session::Session open(const std::string& verb, const TrackOptions& options,
                       const session::Settings& settings, FileRoles& files, bool trace)
 {
     if (!options.telemetry.empty()) files.reads(options.telemetry, "the telemetry");
+    for (const std::string& more : options.moreTelemetry) {
+        files.reads(more, "the telemetry");
+    }
     return openModel(verb, options.model, files, options.quiet, settings, trace);
 }
 

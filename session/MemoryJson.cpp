@@ -436,6 +436,7 @@ Json readerJson(const telemetry::ReaderState& state)
                 {"steps", state.steps},
                 {"t", state.t ? Json(*state.t) : Json(nullptr)},
                 {"last", std::move(last)}};
+    if (state.files > 0) reader["files"] = state.files;
     if (!others.empty()) reader["others"] = std::move(others);
     addLateJson(state, reader);
     return reader;
@@ -444,6 +445,7 @@ Json readerJson(const telemetry::ReaderState& state)
 telemetry::ReaderState readerFromJson(const CheckpointField& field)
 {
     telemetry::ReaderState state;
+    if (field.has("files")) state.files = field["files"].whole();
     state.lines = field["lines"].whole();
     state.steps = field["steps"].whole();
     if (!field["t"].isNull()) state.t = secondsFrom(field["t"]);

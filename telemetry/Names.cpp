@@ -121,7 +121,12 @@ std::string Names::hint(std::string_view name, bool observed, bool commanded) co
 text::Message Names::unknown(std::string_view name, Side side) const
 {
     const bool command = side == Side::command;
-    if (find(name) != none) {
+    const std::uint32_t index = find(name);
+    if (index != none && names_[index].observed.empty() && names_[index].commanded.empty()) {
+        return {text::quoted(name) + " is a channel of no variable: others are computed from it",
+                "a channel of a variable, or COMPONENT.VARIABLE", ""};
+    }
+    if (index != none) {
         return {text::quoted(name) + (command ? " is observed, it is not a command"
                                               : " is a command, it is not observed"),
                 "", fmt::format("it belongs in '{}'", command ? "observations" : "commands")};

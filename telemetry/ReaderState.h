@@ -51,7 +51,8 @@ struct ReaderState {
         friend bool operator==(const Settling&, const Settling&) = default;
     };
 
-    std::size_t lines = 0;               ///< of the input that are done with
+    std::size_t files = 0;               ///< of several that are done with
+    std::size_t lines = 0;               ///< of the input, or of the next file, that are done with
     std::size_t steps = 0;               ///< that were read
     std::optional<double> t;             ///< of the last step, in seconds
     std::vector<Last> last;              ///< in the order of Names::variables()
