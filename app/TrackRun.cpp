@@ -6,6 +6,7 @@
 #include "text/Wording.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fmt/format.h>
 
 namespace app {
@@ -22,9 +23,17 @@ std::vector<std::string> telemetryOf(const std::string& verb, const TrackOptions
     }
     std::vector<std::string> files{options.telemetry};
     files.insert(files.end(), options.moreTelemetry.begin(), options.moreTelemetry.end());
-    if (files.size() > 1 && std::find(files.begin(), files.end(), "-") != files.end()) {
-        throw Failure("standard input is one of several files of telemetry\n"
-                      "  expected: names of files, or - alone\n");
+    // Each is opened twice: first for its first time.
+    const auto once = std::find_if(files.begin(), files.end(), [](const std::string& file) {
+        std::error_code error;
+        return file == "-" || (std::filesystem::exists(file, error) &&
+                               !std::filesystem::is_regular_file(file, error));
+    });
+    if (files.size() > 1 && once != files.end()) {
+        throw Failure(
+            fmt::format("{} is one of several files of telemetry, and can be read only once\n"
+                        "  expected: names of files, or one input alone\n",
+                        *once == "-" ? "standard input" : text::quoted(*once)));
     }
     return files;
 }
