@@ -38,10 +38,11 @@ Verb adviseVerb()
     return {
         "advise",
         "tells which variable to measure next",
-        "itms advise MODEL TELEMETRY [--step N] [options]",
+        "itms advise MODEL TELEMETRY [MORE...] [--step N] [options]",
         "Tells which variable to measure next to tell the explanations of a step apart: those that "
         "leave the least doubt on average first, each with what its outcomes would mean.",
-        {{"", telemetryRows(options->track)},
+        {{"", trackRows(options->track)},
+         readSection(options->track.reading),
          searchSection(options->track),
          {"What to ask",
           {stepRow(options->step, "after step N (default: the last one)"),

@@ -55,12 +55,13 @@ Verb explainVerb()
     return {
         "explain",
         "tells why a step's candidates are believed: conflicts and laws",
-        "itms explain MODEL TELEMETRY [options]",
+        "itms explain MODEL TELEMETRY [MORE...] [options]",
         "Tells why the candidates of a step are believed: the conflicts between what was read and "
         "what was expected, each with the modes, readings and laws that it rests on; which of them "
         "a candidate resolves; and what it does not explain. Every conflict is confirmed by a "
         "separate check.",
-        {{"", telemetryRows(options->track)},
+        {{"", trackRows(options->track)},
+         readSection(options->track.reading),
          searchSection(options->track),
          {"What to explain",
           {stepRow(options->step, "the step, from 1 (default: the last one)"),

@@ -102,6 +102,7 @@ Verb graphVerb()
         "the modes in the most probable explanation, and how probable it is that a component is "
         "not as it should be.",
         {{"", inputRows(options->track)},
+         readSection(options->track.reading),
          searchSection(options->track),
          {"What to draw",
           {stepRow(options->step, "the step, from 1 (default: the last one)"),

@@ -116,13 +116,27 @@ std::vector<Row> telemetryRows(TrackOptions& track)
     return {modelRow(track.model.path, "a model file, .itms, or one that itms export wrote"),
             {"TELEMETRY",
              "",
-             "commands and observations: JSON Lines or CSV; - for\nstandard input",
+             "commands and observations: JSON Lines or CSV, or either\nof them packed by gzip or "
+             "zstd; - for standard input",
              &track.telemetry,
              {},
              2},
             importRow(track.model.importFolders, "look for imported model files there, too"),
             importsAnywhereRow(track.model.importsAnywhere),
             skipBadRow(track.skipBad)};
+}
+
+std::vector<Row> trackRows(TrackOptions& track)
+{
+    std::vector<Row> rows = telemetryRows(track);
+    const Row more{"MORE",
+                   "",
+                   "further files of telemetry: they are taken in the order of\ntheir first times",
+                   &track.moreTelemetry,
+                   {},
+                   3};
+    rows.insert(rows.begin() + 2, more);
+    return rows;
 }
 
 Section searchSection(TrackOptions& track)

@@ -3,6 +3,7 @@
 
 #include "app/CommandLine.h"
 #include "app/Output.h"
+#include "app/ReadOptions.h"
 #include "report/Tracking.h"
 #include "report/Writers.h"
 #include "session/Session.h"
@@ -24,7 +25,9 @@ struct ModelOptions {
 struct TrackOptions {
     ModelOptions model;
     std::string telemetry;
+    std::vector<std::string> moreTelemetry; ///< further files
     bool skipBad = false;
+    ReadOptions reading;
     bool mayGrow = false; ///< what is not complete at the end of the telemetry is not taken
 
     int maxRank = 3;
@@ -84,6 +87,8 @@ Row failOnRow(std::optional<std::string>& failOn, const std::string& help);
 
 /// The rows of MODEL, TELEMETRY and how they are read.
 std::vector<Row> telemetryRows(TrackOptions& track);
+/// The same with further files of telemetry, for a verb that takes no other argument.
+std::vector<Row> trackRows(TrackOptions& track);
 /// "How to search".
 Section searchSection(TrackOptions& track);
 

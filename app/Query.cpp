@@ -41,7 +41,7 @@ ExitStatus query(const QueryOptions& options)
         if (track.status() != ExitStatus::done) status = track.status();
     }
     writer->end(track.feed().linesLeftOut());
-    if (!options.track.quiet) track.feed().reportLinesLeftOut("query");
+    if (!options.track.quiet) track.feed().reportPassedOver("query");
     return interruption() ? ExitStatus::interrupted : status;
 }
 
@@ -69,6 +69,7 @@ Verb queryVerb()
         "Tells at which steps a formula holds: in the most probable explanation, and with which "
         "probability over all that are kept.",
         {{"", std::move(arguments)},
+         readSection(options->track.reading),
          searchSection(options->track),
          {"What to print",
           {formatRow(options->answer, {"table", "jsonl", "json"},

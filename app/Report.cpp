@@ -48,7 +48,7 @@ ExitStatus report(const ReportOptions& options)
     }
     if (interruption() && track.step().number == 0) return ExitStatus::interrupted;
     page.write();
-    if (!options.track.quiet) track.feed().reportLinesLeftOut("report");
+    if (!options.track.quiet) track.feed().reportPassedOver("report");
     if (interruption()) return ExitStatus::interrupted;
     return explained ? ExitStatus::done : ExitStatus::unexplained;
 }
@@ -61,12 +61,13 @@ Verb reportVerb()
     return {
         "report",
         "a run as one page: what is wrong, since when, and why",
-        "itms report MODEL TELEMETRY -o FILE.html [options]",
+        "itms report MODEL TELEMETRY [MORE...] -o FILE.html [options]",
         "Steps through telemetry as itms run does, and writes one page that needs nothing beside "
         "it: the status over time, explanations and their probabilities, the conflicts behind "
         "them with the laws, channels, the plant, and modes. Of a long run the page shows one step "
         "of so many, the worst, and says so.",
-        {{"", telemetryRows(options->track)},
+        {{"", trackRows(options->track)},
+         readSection(options->track.reading),
          searchSection(options->track),
          {"What to write",
           {{"-o,--output", "FILE", "the page; - for standard output", &options->output,

@@ -7,6 +7,7 @@
 #include "app/RunCheckpoint.h"
 #include "app/Verbs.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
 
@@ -76,7 +77,7 @@ public:
         if (report_) report_->write();
         writer_->end(track_.feed().linesLeftOut());
         if (!options_.track.quiet) {
-            track_.feed().reportLinesLeftOut("run");
+            track_.feed().reportPassedOver("run");
             reportCut();
         }
         return status();
@@ -127,7 +128,7 @@ private:
 
     void reportCut() const
     {
-        const telemetry::StepReader& reader = track_.feed().reader();
+        const telemetry::StepFiles& reader = track_.feed().reader();
         if (interruption() || !reader.cutAt()) return;
         complain(
             fmt::format("{}:{}: from here on the telemetry may not be complete, and is left for "
@@ -180,8 +181,13 @@ RunOptions settled(RunOptions options)
 {
     if (options.answer.output == "-") options.answer.output.reset();
     std::error_code error;
+    const auto isFile = [&error](const std::string& path) {
+        return std::filesystem::is_regular_file(path, error);
+    };
+    const std::vector<std::string>& more = options.track.moreTelemetry;
     options.track.mayGrow = options.checkpoint && !options.final &&
-                            std::filesystem::is_regular_file(options.track.telemetry, error);
+                            isFile(options.track.telemetry) &&
+                            std::all_of(more.begin(), more.end(), isFile);
     return options;
 }
 
@@ -216,10 +222,11 @@ Verb runVerb()
     return {
         "run",
         "the diagnosis of a plant step by step, from its telemetry",
-        "itms run MODEL TELEMETRY [options]",
+        "itms run MODEL TELEMETRY [MORE...] [options]",
         "Steps through telemetry and prints the diagnosis of every step: the most plausible "
         "explanations of everything seen so far, as soon as the step is there.",
-        {{"", telemetryRows(options->track)},
+        {{"", trackRows(options->track)},
+         readSection(options->track.reading),
          searchSection(options->track),
          {"What to print",
           {shownRow(options->shown, "show the N most probable explanations"),

@@ -1,5 +1,5 @@
-// One JSON object: the session's checkpoint, with "reader", "run", "output" and "outputDigest" added, and "skip-bad" among the
-// settings.
+// One JSON object: the session's checkpoint, with "reader", "run", "output" and "outputDigest" added, and "skip-bad" and
+// the ReadOptions among the settings.
 #include "app/RunCheckpoint.h"
 
 #include "app/Checkpoint.h"
@@ -122,6 +122,12 @@ std::optional<RunState> RunCheckpoint::resume()
         const bool skipBad = checkpoint["settings"]["skip-bad"].flag();
         if (skipBad != options_.skipBad)
             refuseSetting(path_, "skip-bad", Json(skipBad).dump(), Json(options_.skipBad).dump());
+        for (const auto& [name, now] : textsOf(options_.reading)) {
+            // One that the checkpoint does not have yet is as it is now.
+            if (!checkpoint["settings"].has(name)) continue;
+            const std::string then = checkpoint["settings"][name].text();
+            if (then != now) refuseSetting(path_, name, Json(then).dump(), Json(now).dump());
+        }
         RunState state = runFromJson(checkpoint["run"]);
         state.output.bytes = checkpoint["output"].whole();
         if (checkpoint.has("outputDigest")) state.output.digest = checkpoint["outputDigest"].text();
@@ -148,6 +154,9 @@ void RunCheckpoint::save(const RunState& state)
 {
     Json content = session::checkpointJson(run_.session());
     content["settings"]["skip-bad"] = options_.skipBad;
+    for (const auto& [name, now] : textsOf(options_.reading)) {
+        content["settings"][name] = now;
+    }
     content["reader"] = session::readerJson(run_.readerState());
     content["run"] = runJson(state);
     content["output"] = state.output.bytes;

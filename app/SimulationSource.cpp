@@ -26,7 +26,8 @@ std::optional<SourceStep> DrawnSteps::next()
 
 TelemetrySteps::TelemetrySteps(const session::Session& session, const std::string& path,
                                bool skipBad)
-    : plant_(session.plant()), feed_(path, session.model(), session.bindings(), {.skipBad = skipBad})
+    : plant_(session.plant()),
+      feed_({path}, session.model(), session.bindings(), {.skipBad = skipBad}, true)
 {
 }
 

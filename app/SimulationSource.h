@@ -58,7 +58,7 @@ public:
     TelemetrySteps(const session::Session& session, const std::string& path, bool skipBad);
 
     std::optional<SourceStep> next() override;
-    void reportLeftOut() const override { feed_.reportLinesLeftOut("simulate"); }
+    void reportLeftOut() const override { feed_.reportPassedOver("simulate"); }
 
 private:
     const plant::Plant& plant_;

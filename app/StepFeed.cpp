@@ -17,17 +17,34 @@ telemetry::SoundSteps::PassOver passOver(bool skipBad)
     return [](const text::Diagnostic& error) { complain(error.format()); };
 }
 
+void tell(const std::vector<text::Diagnostic>& notes)
+{
+    for (const text::Diagnostic& note : notes) {
+        complain(note.format());
+    }
+}
+
 } // namespace
 
-StepFeed::StepFeed(const std::string& path, const plant::Model& model,
-                   const plant::Bindings& bindings, const telemetry::ReadSettings& settings)
-    : reader_(path, model, bindings, settings),
-      steps_(reader_, passOver(settings.skipBad), [] { return interruption().load(); })
+StepFeed::StepFeed(const std::vector<std::string>& paths, const plant::Model& model,
+                   const plant::Bindings& bindings, const telemetry::ReadSettings& settings,
+                   bool tells)
+    : reader_(paths, model, bindings, settings),
+      steps_(reader_, passOver(settings.skipBad), [] { return interruption().load(); }),
+      tells_(tells)
 {
 }
 
-void StepFeed::reportLinesLeftOut(const std::string& verb) const
+std::optional<telemetry::Step> StepFeed::next()
 {
+    auto step = steps_.next();
+    if (tells_) tell(reader_.takeNotes());
+    return step;
+}
+
+void StepFeed::reportPassedOver(const std::string& verb) const
+{
+    tell(reader_.noteSummary());
     if (linesLeftOut() == 0) return;
     complain(fmt::format("itms {}: {} left out\n", verb, text::counted(linesLeftOut(), "bad line")));
 }

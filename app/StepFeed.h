@@ -2,36 +2,39 @@
 #pragma once
 
 #include "telemetry/SoundSteps.h"
-#include "telemetry/StepReader.h"
+#include "telemetry/StepFiles.h"
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace app {
 
 class StepFeed {
 public:
+    /// What the reader finds out of the input, or passes over, is told on standard error where `tells`.
     /// Requires: model and bindings outlive this.
-    /// Throws telemetry::ReadFailure when the file cannot be opened.
-    StepFeed(const std::string& path, const plant::Model& model, const plant::Bindings& bindings,
-             const telemetry::ReadSettings& settings);
+    /// Throws telemetry::ReadFailure when a file cannot be opened.
+    StepFeed(const std::vector<std::string>& paths, const plant::Model& model,
+             const plant::Bindings& bindings, const telemetry::ReadSettings& settings, bool tells);
 
     /// The next step; none at the end, and when a signal has come.
     /// Throws telemetry::BadInput for a line in error; with `settings.skipBad`, the line is reported on standard error, counted
     /// and left out, if reading can go on.
-    std::optional<telemetry::Step> next() { return steps_.next(); }
+    std::optional<telemetry::Step> next();
 
-    telemetry::StepReader& reader() { return reader_; }
-    const telemetry::StepReader& reader() const { return reader_; }
+    telemetry::StepFiles& reader() { return reader_; }
+    const telemetry::StepFiles& reader() const { return reader_; }
     std::size_t linesLeftOut() const { return steps_.leftOut(); }
     /// For a run that goes on: those of the run before count, too.
     void setLinesLeftOut(std::size_t count) { steps_.setLeftOut(count); }
-    /// Reports on standard error how many lines were left out, if any; `verb` stands before the words.
-    void reportLinesLeftOut(const std::string& verb) const;
+    /// Reports on standard error how many lines were left out, if any, with `verb` before the words, and what was passed over.
+    void reportPassedOver(const std::string& verb) const;
 
 private:
-    telemetry::StepReader reader_;
+    telemetry::StepFiles reader_;
     telemetry::SoundSteps steps_;
+    bool tells_;
 };
 
 } // namespace app

@@ -84,11 +84,12 @@ Verb traceVerb()
     return {
         "trace",
         "prints the engine's own trace of a step",
-        "itms trace MODEL TELEMETRY --step N [options]",
+        "itms trace MODEL TELEMETRY [MORE...] --step N [options]",
         "Prints the engine's own trace of a step, byte for byte: the conflicts that it meets, the "
         "candidates that it makes of them, and what follows from each. A step that is as expected "
         "is not searched, and has no trace. Addresses in it differ from run to run.",
-        {{"", telemetryRows(options->track)},
+        {{"", trackRows(options->track)},
+         readSection(options->track.reading),
          searchSection(options->track),
          {"What to print",
           {stepRow(options->step, "the trace of step N; has to be given"),

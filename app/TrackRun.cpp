@@ -5,13 +5,15 @@
 #include "report/Alike.h"
 #include "text/Wording.h"
 
+#include <algorithm>
+#include <filesystem>
 #include <fmt/format.h>
 
 namespace app {
 
 namespace {
 
-const std::string& telemetryOf(const std::string& verb, const TrackOptions& options)
+std::vector<std::string> telemetryOf(const std::string& verb, const TrackOptions& options)
 {
     if (options.telemetry.empty()) {
         throw Failure(fmt::format("no telemetry is given\n"
@@ -19,13 +21,38 @@ const std::string& telemetryOf(const std::string& verb, const TrackOptions& opti
                                   "  hint: itms {} --help shows an example\n",
                                   verb));
     }
-    return options.telemetry;
+    std::vector<std::string> files{options.telemetry};
+    files.insert(files.end(), options.moreTelemetry.begin(), options.moreTelemetry.end());
+    // Each is opened twice: first for its first time.
+    const auto once = std::find_if(files.begin(), files.end(), [](const std::string& file) {
+        std::error_code error;
+        return file == "-" || (std::filesystem::exists(file, error) &&
+                               !std::filesystem::is_regular_file(file, error));
+    });
+    if (files.size() > 1 && once != files.end()) {
+        throw Failure(
+            fmt::format("{} is one of several files of telemetry, and can be read only once\n"
+                        "  expected: names of files, or one input alone\n",
+                        *once == "-" ? "standard input" : text::quoted(*once)));
+    }
+    return files;
+}
+
+telemetry::ReadSettings readingOf(const TrackOptions& options)
+{
+    telemetry::ReadSettings settings = readSettings(options.reading);
+    settings.skipBad = options.skipBad;
+    settings.mayGrow = options.mayGrow;
+    return settings;
 }
 
 session::Session open(const std::string& verb, const TrackOptions& options,
                       const session::Settings& settings, FileRoles& files, bool trace)
 {
     if (!options.telemetry.empty()) files.reads(options.telemetry, "the telemetry");
+    for (const std::string& more : options.moreTelemetry) {
+        files.reads(more, "the telemetry");
+    }
     return openModel(verb, options.model, files, options.quiet, settings, trace);
 }
 
@@ -41,8 +68,8 @@ FileRoles TrackRun::printing()
 TrackRun::TrackRun(const std::string& verb, const TrackOptions& options,
                    const session::Settings& settings, FileRoles files, bool trace)
     : session_(open(verb, options, settings, files, trace)),
-      feed_(telemetryOf(verb, options), session_.model(), session_.bindings(),
-            {.skipBad = options.skipBad, .mayGrow = options.mayGrow})
+      feed_(telemetryOf(verb, options), session_.model(), session_.bindings(), readingOf(options),
+            !options.quiet)
 {
 }
 

@@ -49,6 +49,7 @@ bool ThresholdRow::checkComplete(std::size_t values, const std::string& name, co
 bool checkLimit(const ThresholdTable& table, std::size_t limit, const PlaceHandle& at)
 {
     if (limit == 0) return true;
+    if (table.limits[limit - 1].computed || table.limits[limit].computed) return true;
     const double before = table.limits[limit - 1].number;
     const double number = table.limits[limit].number;
     if (number > before) return true;
@@ -66,7 +67,7 @@ bool checkHysteresis(const ThresholdTable& table, const PlaceHandle& at)
         at.report(found, "0 or more");
         return false;
     }
-    if (table.limits.size() < 2) return true;
+    if (table.limits.size() < 2 || table.isComputed()) return true;
     double least = table.limits[1].number - table.limits[0].number;
     for (std::size_t i = 2; i < table.limits.size(); ++i) {
         least = std::min(least, table.limits[i].number - table.limits[i - 1].number);
@@ -82,6 +83,27 @@ bool ReadingSet::add(std::variant<double, std::string> reading, const std::strin
 {
     if (seen_.insert(std::move(reading)).second) return true;
     at.report(called + " stands for two values");
+    return false;
+}
+
+bool checkObserved(ChannelBinding::Kind kind, const std::string& what, const PlaceHandle& at)
+{
+    if (kind == ChannelBinding::Kind::observation) return true;
+    at.report("a command with " + what, {}, "only what is observed is computed, or waits");
+    return false;
+}
+
+bool checkWindow(double seconds, double stepSeconds, const PlaceHandle& at)
+{
+    constexpr double mostSteps = 1e6;
+    if (!checkSeconds(seconds, at)) return false;
+    if (seconds > 0 && seconds <= mostSteps * stepSeconds) return true;
+    if (seconds > 0) {
+        at.report("a window of " + text::shown(seconds / stepSeconds) + " steps",
+                  "at most " + text::shown(mostSteps) + " steps");
+    } else {
+        at.report("a window of no length", "more than 0");
+    }
     return false;
 }
 

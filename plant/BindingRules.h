@@ -37,7 +37,7 @@ private:
     std::vector<std::string_view> seen_;
 };
 
-/// Reports a limit that is not above the one before it.
+/// Reports a limit that is not above the one before it, unless one of them is computed.
 /// Requires: `limit` is less than the number of limits.
 bool checkLimit(const ThresholdTable& table, std::size_t limit, const PlaceHandle& at);
 
@@ -56,6 +56,10 @@ private:
     std::set<std::variant<double, std::string>> seen_;
 };
 
+/// Reports what only an observation or an input can say: `what` is "a computed channel", "'for'" or "'settled'".
+bool checkObserved(ChannelBinding::Kind kind, const std::string& what, const PlaceHandle& at);
+/// Reports a window of no length, or of more than 1,000,000 steps: its readings are kept.
+bool checkWindow(double seconds, double stepSeconds, const PlaceHandle& at);
 /// Reports 'varies' where no reading is scored: for an input and for a command.
 bool checkVaryingKind(ChannelBinding::Kind kind, bool input, const PlaceHandle& at);
 /// Reports a reading that changes never or always: a probability per step that is not between 0 and 1.

@@ -1,5 +1,7 @@
 #include "plant/Bindings.h"
 
+#include <algorithm>
+
 namespace plant {
 
 namespace {
@@ -11,32 +13,44 @@ bool above(double reading, const ThresholdTable::Limit& limit, double by)
     return limit.belongsAbove ? reading >= number : reading > number;
 }
 
-Atom* readByThresholds(const ThresholdTable& table, double reading, const Atom* last)
+} // namespace
+
+bool ThresholdTable::isComputed() const
 {
-    std::size_t plain = 0;
-    std::size_t before = table.values.size();
-    for (std::size_t i = 0; i < table.limits.size(); ++i) {
-        if (above(reading, table.limits[i], 0)) plain = i + 1;
-    }
-    for (std::size_t i = 0; i < table.values.size(); ++i) {
-        if (table.values[i] == last) before = i;
-    }
-    if (before == table.values.size()) return table.values[plain];
-    while (before < plain && above(reading, table.limits[before], table.hysteresis)) {
-        ++before;
-    }
-    while (before > plain && !above(reading, table.limits[before - 1], -table.hysteresis)) {
-        --before;
-    }
-    return table.values[before];
+    return std::any_of(limits.begin(), limits.end(),
+                       [](const Limit& limit) { return limit.computed.has_value(); });
 }
 
-} // namespace
+Atom* ThresholdTable::read(double number, const Atom* last) const
+{
+    std::size_t plain = 0;
+    std::size_t before = values.size();
+    for (std::size_t i = 0; i < limits.size(); ++i) {
+        if (above(number, limits[i], 0)) plain = i + 1;
+    }
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (values[i] == last) before = i;
+    }
+    if (before == values.size()) return values[plain];
+    while (before < plain && above(number, limits[before], hysteresis)) {
+        ++before;
+    }
+    while (before > plain && !above(number, limits[before - 1], -hysteresis)) {
+        --before;
+    }
+    return values[before];
+}
+
+bool ChannelBinding::isLate() const
+{
+    const auto* thresholds = std::get_if<ThresholdTable>(&translation);
+    return computed || persistSeconds || settling || (thresholds && thresholds->isComputed());
+}
 
 Atom* ChannelBinding::read(double number, const Atom* last) const
 {
     if (const auto* thresholds = std::get_if<ThresholdTable>(&translation)) {
-        return number == number ? readByThresholds(*thresholds, number, last) : nullptr;
+        return number == number ? thresholds->read(number, last) : nullptr;
     }
     const auto* table = std::get_if<ReadingTable>(&translation);
     if (!table) return nullptr;

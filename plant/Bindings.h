@@ -4,6 +4,7 @@
 
 #include "model/Atom.h"
 #include "model/StateVar.h"
+#include "plant/ChannelExpression.h"
 
 #include <optional>
 #include <string>
@@ -20,10 +21,16 @@ struct ThresholdTable {
     struct Limit {
         double number = 0;
         bool belongsAbove = true; ///< the number itself is read as the higher value
+        std::optional<ChannelExpression> computed = {}; ///< in place of the number
     };
     std::vector<Atom*> values;
     std::vector<Limit> limits;
     double hysteresis = 0; ///< how far past a limit a reading has to be to leave the last value
+
+    /// Whether a limit is computed: then nothing is read until it has a number.
+    bool isComputed() const;
+    /// The value that a number is read as; `last` is the value before, null if none. Linear in the limits.
+    Atom* read(double number, const Atom* last) const;
 };
 
 /// `open = 1, close = "CLOSE", none otherwise`.
@@ -32,12 +39,20 @@ struct ReadingTable {
     Atom* otherwise = nullptr; ///< null: any other reading is an error of the data
 };
 
-/// One observed or commanded variable.
+/// `settled 15 min after "CMD-1", "CMD-2"`: nothing is observed until their readings have been the same for so long.
+struct Settling {
+    double seconds = 0;
+    std::vector<std::string> channels;
+};
+
+/// One channel of an observed or commanded variable. A variable that is observed may have several, a command has one.
 struct ChannelBinding {
     enum class Kind { observation, command };
 
     Kind kind = Kind::observation;
-    std::string channel; ///< the variable's own name, COMPONENT.VARIABLE, where none is given
+    /// The variable's own name, COMPONENT.VARIABLE, where none is given; of a computed one the text of the expression.
+    std::string channel;
+    std::optional<ChannelExpression> computed = {}; ///< of an observation: in place of a channel
     StateVar* variable = nullptr;
     std::variant<std::monostate, ThresholdTable, ReadingTable>
         translation;                   ///< none: the channel has the names of values
@@ -48,8 +63,13 @@ struct ChannelBinding {
     /// Of an observation that is no input: how often its reading changes where the plant leaves it open, as a probability per step,
     /// above 0 and below 1.
     std::optional<double> varies;
+    /// Of an observation: a new value counts only when it has been read for so many seconds.
+    std::optional<double> persistSeconds = {};
+    std::optional<Settling> settling = {}; ///< of an observation
 
-    /// The value that a number is read as, null if none; `last` is the value before, null if none.
+    /// Whether its value is known only when all of a step was read.
+    bool isLate() const;
+    /// The value that a number is read as, null if none; `last` is the value before, null if none. Computed limits are taken as they are.
     Atom* read(double number, const Atom* last = nullptr) const;
     /// The same for a text: one that is mapped, or else the name of a value.
     Atom* read(std::string_view text) const;

@@ -74,12 +74,20 @@ std::size_t CheckedBuilder::change(const Change& change)
     return change.alternatives.size();
 }
 
-bool CheckedBuilder::bind(const StateVar* variable, const PlaceHandle& at)
+bool CheckedBuilder::bind(const StateVar* variable, ChannelBinding::Kind kind, bool input,
+                          const PlaceHandle& at)
 {
-    const auto [first, isNew] = bound_.try_emplace(variable, at);
+    const auto [entry, isNew] = bound_.try_emplace(variable, Bound{at, input});
     if (isNew) return true;
-    reportTwice(at, first->second, text::quoted(nameOf(*variable)) + " is bound twice",
-                "one channel for it");
+    const Bound& first = entry->second;
+    if (kind == ChannelBinding::Kind::command) {
+        reportTwice(at, first.at, text::quoted(nameOf(*variable)) + " is bound twice",
+                    "one channel for it");
+        return false;
+    }
+    if (first.input == input) return true;
+    reportTwice(at, first.at, text::quoted(nameOf(*variable)) + " is observed and an input",
+                "the same for all of its channels");
     return false;
 }
 

@@ -61,8 +61,9 @@ public:
     /// Requires: a change of a mode, with a probability and an alternative at least. checkSum() is the caller's to call, once all changes from a value are known.
     std::size_t change(const Change& change);
 
-    /// Reports a variable that is bound already.
-    bool bind(const StateVar* variable, const PlaceHandle& at);
+    /// Reports a command that is bound already, and a variable that is observed and an input.
+    bool bind(const StateVar* variable, ChannelBinding::Kind kind, bool input,
+              const PlaceHandle& at);
     /// Requires: bind() of its variable succeeded.
     void channel(ChannelBinding binding) { bindings_.channels.push_back(std::move(binding)); }
     /// Requires: more than 0.
@@ -86,7 +87,11 @@ private:
     std::size_t variableCount_ = 0;
     std::size_t transitionCount_ = 0;
     std::unordered_map<std::string, PlaceHandle> components_;
-    std::unordered_map<const StateVar*, PlaceHandle> bound_;
+    struct Bound {
+        PlaceHandle at;
+        bool input = false;
+    };
+    std::unordered_map<const StateVar*, Bound> bound_;
 };
 
 } // namespace plant

@@ -66,6 +66,14 @@ void add(Hash& hash, const Transition& transition)
     }
 }
 
+// What a model without it does not have adds nothing to its fingerprint.
+void add(Hash& hash, const std::optional<ChannelExpression>& computed)
+{
+    if (!computed) return;
+    hash.add(std::string_view("computed"));
+    hash.add(textOf(*computed));
+}
+
 void add(Hash& hash, const ThresholdTable& table)
 {
     hash.add(table.hysteresis);
@@ -75,6 +83,7 @@ void add(Hash& hash, const ThresholdTable& table)
     for (const auto& limit : table.limits) {
         hash.add(limit.number);
         hash.add(number(limit.belongsAbove ? 1 : 0));
+        add(hash, limit.computed);
     }
 }
 
@@ -102,6 +111,18 @@ void add(Hash& hash, const ChannelBinding& channel)
     if (channel.varies) {
         hash.add(std::string_view("varies"));
         hash.add(*channel.varies);
+    }
+    add(hash, channel.computed);
+    if (channel.persistSeconds) {
+        hash.add(std::string_view("for"));
+        hash.add(*channel.persistSeconds);
+    }
+    if (channel.settling) {
+        hash.add(std::string_view("settled"));
+        hash.add(channel.settling->seconds);
+        for (const std::string& name : channel.settling->channels) {
+            hash.add(name);
+        }
     }
     if (const auto* thresholds = std::get_if<ThresholdTable>(&channel.translation)) {
         add(hash, *thresholds);

@@ -51,7 +51,7 @@ Json thresholdsJson(const PageChannel& channel)
 {
     if (!channel.binding) return nullptr;
     const auto* table = std::get_if<plant::ThresholdTable>(&channel.binding->translation);
-    if (!table) return nullptr;
+    if (!table || table->isComputed()) return nullptr;
     Json limits = Json::array();
     for (const plant::ThresholdTable::Limit& limit : table->limits) {
         limits.push_back(limit.number);

@@ -62,8 +62,9 @@ PageStory::PageStory(const plant::Plant& plant, const language::ReadResult& mode
         variables_.emplace(plant.variables()[i].variable, static_cast<plant::VariableIndex>(i));
     }
     for (const plant::ChannelBinding& binding : model.bindings.channels) {
-        channelNumbers_.emplace(binding.variable, channels_.size());
-        channels_.push_back({binding.variable, &binding});
+        // Of several channels of a variable the first one stands for all.
+        if (channelNumbers_.emplace(binding.variable, channels_.size()).second)
+            channels_.push_back({binding.variable, &binding});
     }
 }
 

@@ -373,21 +373,79 @@ std::map<plant::VariableIndex, ReadingCount> readingsFromJson(const CheckpointFi
     return counts;
 }
 
+namespace {
+
+// What only readers have that compute something; one that does not writes what it always wrote.
+void addLateJson(const telemetry::ReaderState& state, Json& reader)
+{
+    if (state.begin) reader["begin"] = *state.begin;
+    for (const auto& window : state.windows) {
+        Json samples = Json::array();
+        for (const auto& sample : window.samples) {
+            samples.push_back({sample.t, sample.value});
+        }
+        reader["windows"].push_back({{"older", window.older}, {"samples", std::move(samples)}});
+    }
+    for (const auto& one : state.pending) {
+        reader["pending"].push_back({one.variable, one.binding, one.value, one.since, one.t});
+    }
+    for (const auto& one : state.settling) {
+        reader["settling"].push_back({one.channel, one.reading, one.since});
+    }
+}
+
+void readLate(const CheckpointField& field, telemetry::ReaderState& state)
+{
+    const auto itemsOf = [&field](const char* key) {
+        return field.has(key) ? field[key].items() : std::vector<Field>();
+    };
+    if (field.has("begin")) state.begin = secondsFrom(field["begin"]);
+    for (const Field& one : itemsOf("windows")) {
+        telemetry::ReaderState::Window& window = state.windows.emplace_back();
+        window.older = one["older"].whole();
+        for (const Field& sample : one["samples"].items()) {
+            const std::vector<Field> parts = sample.items(2);
+            window.samples.push_back({secondsFrom(parts[0]), parts[1].number()});
+        }
+    }
+    for (const Field& one : itemsOf("pending")) {
+        const std::vector<Field> parts = one.items(5);
+        state.pending.push_back({parts[0].text(), parts[1].whole(), parts[2].text(),
+                                 secondsFrom(parts[3]), secondsFrom(parts[4])});
+    }
+    for (const Field& one : itemsOf("settling")) {
+        const std::vector<Field> parts = one.items(3);
+        state.settling.push_back({parts[0].text(), parts[1].text(), secondsFrom(parts[2])});
+    }
+}
+
+} // namespace
+
 Json readerJson(const telemetry::ReaderState& state)
 {
     Json last = Json::array();
+    Json others = Json::array(); // of the second and further channels of a variable
     for (const telemetry::ReaderState::Last& one : state.last) {
-        last.push_back({one.variable, one.value, one.t});
+        if (one.binding == 0) {
+            last.push_back({one.variable, one.value, one.t});
+        } else {
+            others.push_back({one.variable, one.value, one.t, one.binding});
+        }
     }
-    return {{"lines", state.lines},
-            {"steps", state.steps},
-            {"t", state.t ? Json(*state.t) : Json(nullptr)},
-            {"last", std::move(last)}};
+    Json reader{{"lines", state.lines},
+                {"steps", state.steps},
+                {"t", state.t ? Json(*state.t) : Json(nullptr)},
+                {"last", std::move(last)}};
+    if (state.files > 0) reader["files"] = state.files;
+    if (!others.empty()) reader["others"] = std::move(others);
+    addLateJson(state, reader);
+    return reader;
 }
 
 telemetry::ReaderState readerFromJson(const CheckpointField& field)
 {
     telemetry::ReaderState state;
+    if (field.has("files")) state.files = field["files"].whole();
     state.lines = field["lines"].whole();
     state.steps = field["steps"].whole();
     if (!field["t"].isNull()) state.t = secondsFrom(field["t"]);
@@ -395,6 +453,14 @@ telemetry::ReaderState readerFromJson(const CheckpointField& field)
         const std::vector<Field> parts = one.items(3);
         state.last.push_back({parts[0].text(), parts[1].text(), secondsFrom(parts[2])});
     }
+    if (field.has("others")) {
+        for (const Field& one : field["others"].items()) {
+            const std::vector<Field> parts = one.items(4);
+            state.last.push_back(
+                {parts[0].text(), parts[1].text(), secondsFrom(parts[2]), parts[3].whole()});
+        }
+    }
+    readLate(field, state);
     return state;
 }
 

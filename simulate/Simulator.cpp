@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <iterator>
 #include <numeric>
+#include <unordered_set>
 
 namespace simulate {
 
@@ -125,8 +126,10 @@ Simulator::Simulator(const plant::Plant& plant, const plant::Bindings& bindings,
     if (settings.seed) {
         chance_.emplace(*settings.seed);
     }
+    std::unordered_set<const StateVar*> bound; // of several channels of a variable the first
     for (const plant::ChannelBinding& binding : bindings.channels) {
-        if (binding.kind == plant::ChannelBinding::Kind::observation) {
+        if (binding.kind == plant::ChannelBinding::Kind::observation &&
+            bound.insert(binding.variable).second) {
             observed_.push_back(indexOf(plant, binding.variable));
             isInput_[static_cast<std::size_t>(observed_.back())] = binding.input;
             varies_[static_cast<std::size_t>(observed_.back())] = binding.varies;

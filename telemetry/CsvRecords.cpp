@@ -7,7 +7,16 @@ namespace telemetry {
 
 namespace {
 
-constexpr std::string_view blanks = " \t";
+// Around cells, of which a tab may be the separator.
+bool isBlankSign(char sign, char separator)
+{
+    return (sign == ' ' || sign == '\t') && sign != separator;
+}
+
+std::string_view separatorName(char separator)
+{
+    return separator == ',' ? "a comma" : separator == ';' ? "a semicolon" : "a tab";
+}
 
 } // namespace
 
@@ -57,7 +66,15 @@ bool CsvRecords::takeLine()
 
 bool CsvRecords::isBlank() const
 {
-    return window_.find_first_not_of(blanks, at_) == lineEnd_;
+    return window_.find_first_not_of(" \t", at_) == lineEnd_;
+}
+
+std::size_t CsvRecords::pastBlanks(std::size_t offset) const
+{
+    while (offset < lineEnd_ && isBlankSign(window_[offset], separator_)) {
+        ++offset;
+    }
+    return offset;
 }
 
 CsvRecords::Got CsvRecords::next()
@@ -82,15 +99,16 @@ CsvRecords::Got CsvRecords::readCells()
             const Got got = readQuoted(cell);
             if (got != Got::record) return got;
         } else {
-            const std::size_t end = std::min(lineEnd_, taken().find_first_of(",\"", at_));
+            const char ends[] = {separator_, '"', '\0'};
+            const std::size_t end = std::min(lineEnd_, taken().find_first_of(ends, at_));
             if (end < lineEnd_ && window_[end] == '"') {
                 return refuse({"a quote within a cell", "a cell that is in quotes as a whole",
                                "a quote in it is written twice: \"a \"\"b\"\"\""},
                               end, 1);
             }
-            std::size_t begin = std::min(window_.find_first_not_of(blanks, at_), end);
+            std::size_t begin = std::min(pastBlanks(at_), end);
             std::size_t last = end;
-            while (last > begin && blanks.find(window_[last - 1]) != std::string_view::npos) {
+            while (last > begin && isBlankSign(window_[last - 1], separator_)) {
                 --last;
             }
             cell.text.assign(window_, begin, last - begin);
@@ -105,7 +123,7 @@ CsvRecords::Got CsvRecords::readCells()
     return Got::record;
 }
 
-// Reads from the opening quote to the comma after the closing one, or to the end of the line.
+// Reads from the opening quote to the separator after the closing one, or to the end of the line.
 CsvRecords::Got CsvRecords::readQuoted(Cell& cell)
 {
     const std::size_t begin = at_;
@@ -140,9 +158,10 @@ CsvRecords::Got CsvRecords::readQuoted(Cell& cell)
     }
     cell.offset = begin - recordBegin_;
     cell.length = at_ - begin;
-    at_ = std::min(window_.find_first_not_of(blanks, at_), lineEnd_);
-    if (at_ < lineEnd_ && window_[at_] != ',') {
-        return refuse({"text after a closing quote", "a comma, or the end of the line",
+    at_ = pastBlanks(at_);
+    if (at_ < lineEnd_ && window_[at_] != separator_) {
+        return refuse({"text after a closing quote",
+                       fmt::format("{}, or the end of the line", separatorName(separator_)),
                        "a quote in a cell is written twice: \"a \"\"b\"\"\""},
                       at_, 1);
     }

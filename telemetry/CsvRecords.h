@@ -1,4 +1,4 @@
-// Records of comma-separated values (RFC 4180): cells in quotes may have commas, line ends, and quotes written twice. Blanks
+// Records of comma-separated values (RFC 4180), or with another sign between them: cells in quotes may have commas, line ends, and quotes written twice. Blanks
 // around cells do not count, unless in quotes; blank lines are passed over.
 //
 // After a mistake in the quotes reading goes on with the next line, not with the next record: a quote that is not closed would
@@ -34,6 +34,8 @@ public:
     {
     }
 
+    /// The character between cells; a comma unless it is set.
+    void setSeparator(char separator) { separator_ = separator; }
     /// Takes back a line.
     /// Requires: it is the line that the source gave last.
     void takeBack(std::string_view line);
@@ -61,6 +63,7 @@ private:
     bool lineIsCut() const { return mayGrow_ && next_ == window_.size() && lines_.unended(); }
     Got cut();
     bool isBlank() const;
+    std::size_t pastBlanks(std::size_t offset) const;
     Got readCells();
     Got readQuoted(Cell& cell);
     Got refuse(const text::Message& what, std::size_t offset, std::size_t length);
@@ -73,6 +76,7 @@ private:
     LineSource& lines_;
     std::size_t mostBytes_;
     bool mayGrow_;
+    char separator_ = ',';
     // Lines that were read, each with LF behind it: those of the record, and after a mistake those to be read again.
     std::string window_;
     std::size_t recordBegin_ = 0;             // offsets in the window

@@ -2,8 +2,11 @@
 
 #include "text/NearestName.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <fmt/format.h>
+#include <limits>
 #include <unordered_map>
 
 namespace telemetry {
@@ -12,7 +15,47 @@ namespace {
 
 constexpr const char* headers = "'t' and names, such as t,XV-A,FT-101, or t,name,value";
 
+// What loggers call the time, beside `t`.
+constexpr std::array<std::string_view, 6> timeNames{"time",      "timestamp", "datetime",
+                                                    "date_time", "date time", "date/time"};
+
+bool isTimeName(std::string_view name)
+{
+    const auto same = [](char a, char b) {
+        return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b - 'A' + 'a') : b);
+    };
+    return std::any_of(timeNames.begin(), timeNames.end(), [&](std::string_view known) {
+        return std::equal(known.begin(), known.end(), name.begin(), name.end(), same);
+    });
+}
+
+// A comma, unless the header has none outside of quotes, and semicolons or tabs instead.
+char separatorOf(std::string_view header)
+{
+    bool quoted = false;
+    bool semicolon = false;
+    bool tab = false;
+    for (const char sign : header) {
+        if (sign == '"') quoted = !quoted;
+        if (quoted) continue;
+        if (sign == ',') return ',';
+        semicolon = semicolon || sign == ';';
+        tab = tab || sign == '\t';
+    }
+    return semicolon ? ';' : tab ? '\t' : ',';
+}
+
 } // namespace
+
+CsvSteps::CsvSteps(LineSource& lines, StepBuilder& builder, const ReadSettings& settings,
+                   std::string_view line)
+    : records_(lines, settings.mostBytes, settings.mayGrow), builder_(builder), settings_(settings),
+      time_(settings.timeFormat),
+      separator_(settings.separator ? settings.separator : separatorOf(line))
+{
+    records_.setSeparator(separator_);
+    records_.takeBack(line);
+}
 
 std::variant<std::monostate, text::Diagnostic, CsvSteps::None> CsvSteps::readHeader()
 {
@@ -21,36 +64,69 @@ std::variant<std::monostate, text::Diagnostic, CsvSteps::None> CsvSteps::readHea
     if (got != CsvRecords::Got::record) return None{got == CsvRecords::Got::interrupted};
     linesDone_ = records_.linesDone();
     const std::vector<CsvRecords::Cell>& cells = records_.cells();
-    isLong_ = cells.size() == 3 && cells[0].text == "t" && cells[1].text == "name" &&
+    if (auto problem = findTime()) return std::move(*problem);
+    isLong_ = cells.size() == 3 && timeColumn_ == 0 && cells[1].text == "name" &&
               cells[2].text == "value";
-    if (isLong_) return {};
-    if (auto problem = readColumns()) return std::move(*problem);
+    if (!isLong_) {
+        if (auto problem = readColumns()) return std::move(*problem);
+    }
+    const std::string& time = cells[timeColumn_].text;
+    time_ = TimeFormat(settings_.timeFormat, time != "t");
+    if (settings_.timeColumn.empty() && time != "t")
+        builder_.notes().say(fmt::format("the times are read from column {}", text::quoted(time)));
+    if (!settings_.separator && separator_ != ',') {
+        builder_.notes().say(fmt::format("the cells are separated by {}",
+                                         separator_ == ';' ? "semicolons" : "tabs"));
+    }
     return {};
+}
+
+CsvSteps::Problem CsvSteps::findTime()
+{
+    const std::vector<CsvRecords::Cell>& cells = records_.cells();
+    const std::string wanted = settings_.timeColumn.empty() ? "t" : settings_.timeColumn;
+    std::vector<std::size_t> usual;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        if (cells[i].text == wanted) {
+            timeColumn_ = i;
+            return std::nullopt;
+        }
+        if (isTimeName(cells[i].text)) usual.push_back(i);
+    }
+    if (settings_.timeColumn.empty() && usual.size() == 1) {
+        timeColumn_ = usual.front();
+        return std::nullopt;
+    }
+    if (!settings_.timeColumn.empty()) {
+        std::vector<std::string_view> given;
+        for (const CsvRecords::Cell& cell : cells) {
+            given.push_back(cell.text);
+        }
+        return records_.errorAtCell({fmt::format("the header has no column {}", text::quoted(wanted)),
+                                     "the column of the time", text::didYouMean(wanted, given)},
+                                    0);
+    }
+    return records_.errorAtCell(
+        {"the first line is neither a step nor a header with 't'",
+         fmt::format("JSON, a step a line, or a header of {}", headers),
+         usual.empty()
+             ? "--time-column NAME says which column has the time"
+             : fmt::format("--time-column {} or {} says which column has the time",
+                           text::quoted(cells[usual[0]].text), text::quoted(cells[usual[1]].text))},
+        0);
 }
 
 CsvSteps::Problem CsvSteps::readColumns()
 {
     const std::vector<CsvRecords::Cell>& cells = records_.cells();
     std::unordered_map<std::string_view, std::size_t> seen;
-    bool hasTime = false;
-    for (const CsvRecords::Cell& cell : cells) {
-        hasTime = hasTime || cell.text == "t";
-    }
-    if (!hasTime) {
-        std::vector<std::string_view> given;
-        for (const CsvRecords::Cell& cell : cells) {
-            given.push_back(cell.text);
-        }
-        const bool semicolons = cells.size() == 1 && cells[0].text.find(';') != std::string::npos;
-        return records_.errorAtCell({"the first line is neither a step nor a header with 't'",
-                                     fmt::format("JSON, a step a line, or a header of {}", headers),
-                                     semicolons ? "columns are separated by commas"
-                                                : "the column of the time is called 't'"},
-                                    0);
-    }
+    std::vector<std::string_view> header;
+    std::vector<std::string_view> unknown;
     for (std::size_t i = 0; i < cells.size(); ++i) {
+        header.push_back(cells[i].text);
+        const bool passedOver = i != timeColumn_ && isPassedOver(cells[i].text);
         const auto [first, isNew] = seen.emplace(cells[i].text, i);
-        if (!isNew) {
+        if (!isNew && !passedOver) {
             return records_.errorAtCell(
                 {fmt::format("column {} is there twice", text::quoted(cells[i].text)),
                  "each column once",
@@ -58,13 +134,35 @@ CsvSteps::Problem CsvSteps::readColumns()
                 i);
         }
         Column& column = columns_.emplace_back();
-        if (cells[i].text == "t") {
-            timeColumn_ = i;
-        } else if (auto problem = find(cells[i].text, i, column)) {
-            return problem;
+        if (passedOver) {
+            unknown.push_back(cells[i].text);
+        } else if (i != timeColumn_) {
+            if (auto problem = find(cells[i].text, i, column)) return problem;
         }
     }
+    if (!unknown.empty() && unknown.size() + 1 == cells.size()) {
+        return records_.errorAtCell({"the model knows no column of this header",
+                                     "names of channels, or COMPONENT.VARIABLE",
+                                     text::didYouMean(unknown.front(), builder_.names().texts())},
+                                    timeColumn_ == 0 ? 1 : 0);
+    }
+    builder_.notes().passOverColumns(unknown, header, builder_.names());
     return std::nullopt;
+}
+
+bool CsvSteps::isPassedOver(const std::string& name) const
+{
+    return !settings_.knownNamesOnly && builder_.names().find(name) == Names::none;
+}
+
+// With a decimal comma, a text with a point is no number.
+Reading CsvSteps::reading(const std::string& text)
+{
+    if (settings_.decimal == '.') return {Reading::Kind::cell, 0, text};
+    if (!parseNumber(text, settings_.decimal)) return {Reading::Kind::text, 0, text};
+    pointed_ = text;
+    std::replace(pointed_.begin(), pointed_.end(), settings_.decimal, '.');
+    return {Reading::Kind::cell, 0, pointed_};
 }
 
 CsvSteps::Problem CsvSteps::find(const std::string& name, std::size_t cell, Column& column) const
@@ -80,7 +178,7 @@ CsvSteps::Problem CsvSteps::find(const std::string& name, std::size_t cell, Colu
     const Name& meant = builder_.names()[column.name];
     if (!meant.observed.empty() && !meant.commanded.empty())
         return records_.errorAtCell(builder_.names().unknown(name), cell);
-    column.side = meant.observed.empty() ? Side::command : Side::observation;
+    column.side = meant.commanded.empty() ? Side::observation : Side::command;
     return std::nullopt;
 }
 
@@ -108,7 +206,7 @@ std::variant<Step, text::Diagnostic, CsvSteps::None> CsvSteps::next()
 
 CsvSteps::Result CsvSteps::atEnd()
 {
-    if (draftTime_ && mayGrow_) {
+    if (draftTime_ && settings_.mayGrow) {
         isCut_ = true;
         return None{};
     }
@@ -127,17 +225,19 @@ text::Diagnostic CsvSteps::noted(text::Diagnostic mistake)
     return mistake;
 }
 
-CsvSteps::Problem CsvSteps::readTime(std::size_t cell, double& t) const
+CsvSteps::Problem CsvSteps::readTime(std::size_t cell, double& t)
 {
     const std::string& text = records_.cells()[cell].text;
-    const auto number = parseNumber(text);
-    if (number && std::isfinite(*number)) {
-        t = *number;
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    const double time = text.empty() ? none : time_.read(text, settings_.decimal).value_or(none);
+    if (auto finding = time_.takeFinding()) builder_.notes().say(std::move(*finding));
+    if (std::isfinite(time)) {
+        t = time;
         return std::nullopt;
     }
     return records_.errorAtCell(
         {text.empty() ? "the time is missing" : fmt::format("the time is {}", text::quoted(text)),
-         "a finite number of seconds", ""},
+         time_.expected(), time_.hint(text)},
         cell);
 }
 
@@ -167,9 +267,9 @@ CsvSteps::Result CsvSteps::wideRow()
     builder_.begin();
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const Column& column = columns_[i];
-        if (i == timeColumn_ || cells[i].text.empty()) continue;
-        const Reading reading{Reading::Kind::cell, 0, cells[i].text};
-        if (const auto mistake = builder_.add(column.name, column.text, column.side, reading)) {
+        if (column.name == Names::none || cells[i].text.empty()) continue;
+        if (const auto mistake =
+                builder_.add(column.name, column.text, column.side, reading(cells[i].text))) {
             builder_.begin();
             return records_.errorAtCell(*mistake, i);
         }
@@ -195,13 +295,18 @@ CsvSteps::Problem CsvSteps::longRow(std::optional<Step>& step)
             return problem;
     }
     Column column;
-    if (auto problem = find(cells[1].text, 1, column)) return problem;
-    const Reading reading{Reading::Kind::cell, 0, cells[2].text};
-    const bool isGiven = !reading.text.empty();
+    const bool passedOver = isPassedOver(cells[1].text);
+    if (passedOver) {
+        builder_.notes().passOverKey(cells[1].text, builder_.names());
+    } else if (auto problem = find(cells[1].text, 1, column)) {
+        return problem;
+    }
+    const Reading given = reading(cells[2].text);
+    const bool isGiven = !passedOver && !cells[2].text.empty();
     if (isGiven) {
         const auto mistake = isOfDraft
-                                 ? builder_.add(column.name, column.text, column.side, reading)
-                                 : builder_.check(column.name, column.text, column.side, reading);
+                                 ? builder_.add(column.name, column.text, column.side, given)
+                                 : builder_.check(column.name, column.text, column.side, given);
         if (mistake) return records_.errorAtCell(*mistake, 2);
     }
     if (isOfDraft) return std::nullopt;
@@ -209,7 +314,7 @@ CsvSteps::Problem CsvSteps::longRow(std::optional<Step>& step)
     linesDone_ = records_.firstLine() - 1;
     mistakesAhead_ = 0;
     draftTime_ = t;
-    if (isGiven) builder_.add(column.name, column.text, column.side, reading);
+    if (isGiven) builder_.add(column.name, column.text, column.side, given);
     return std::nullopt;
 }
 

@@ -6,11 +6,13 @@
 //                                1,FT-101,0.06
 //
 // Wide: each row is a step. Long: the rows of one time are a step. The name of a command gives a command, any other name is
-// observed; an empty cell counts for nothing. A row with a mistake is left out; in the long shape the other rows of its time stay.
+// observed, and one that the model does not have is passed over; an empty cell counts for nothing. A row with a mistake is left out; in the long shape the other rows of its time stay.
 #pragma once
 
 #include "telemetry/CsvRecords.h"
+#include "telemetry/ReadSettings.h"
 #include "telemetry/StepBuilder.h"
+#include "telemetry/TimeFormat.h"
 
 #include <optional>
 #include <string>
@@ -24,12 +26,8 @@ public:
     /// `line` is the last one that the source gave, and the first one of the header. Where the input may grow, the last rows of
     /// a long table are no step yet.
     /// Requires: `lines` and the builder outlive this.
-    CsvSteps(LineSource& lines, StepBuilder& builder, std::size_t mostBytes, bool mayGrow,
-             std::string_view line)
-        : records_(lines, mostBytes, mayGrow), builder_(builder), mayGrow_(mayGrow)
-    {
-        records_.takeBack(line);
-    }
+    CsvSteps(LineSource& lines, StepBuilder& builder, const ReadSettings& settings,
+             std::string_view line);
 
     /// There is nothing more, or with `interrupted`, nothing yet.
     struct None {
@@ -53,14 +51,18 @@ public:
 private:
     struct Column {
         std::string text;
-        std::uint32_t name = Names::none; ///< none: the time
+        std::uint32_t name = Names::none; ///< none: the time, or passed over
         Side side = Side::observation;
     };
     using Result = std::variant<Step, text::Diagnostic, None>;
     using Problem = std::optional<text::Diagnostic>;
 
+    Problem findTime();
     Problem readColumns();
-    Problem readTime(std::size_t cell, double& t) const;
+    Problem readColumn(std::size_t cell);
+    Problem readTime(std::size_t cell, double& t);
+    Reading reading(const std::string& text);
+    bool isPassedOver(const std::string& name) const;
     Problem find(const std::string& name, std::size_t cell, Column& column) const;
     Problem checkTime(std::size_t cell, double t, std::optional<double> before) const;
     Result atEnd();
@@ -70,10 +72,13 @@ private:
 
     CsvRecords records_;
     StepBuilder& builder_;
-    bool mayGrow_;
+    const ReadSettings settings_;
+    TimeFormat time_;
+    char separator_;
     bool isLong_ = false;
-    std::vector<Column> columns_;     // of the wide shape
-    std::size_t timeColumn_ = 0;      // of the wide shape
+    std::vector<Column> columns_; // of the wide shape
+    std::size_t timeColumn_ = 0;
+    std::string pointed_;             // a number with a point for its comma
     std::optional<double> draftTime_; // of the long shape, while there is a draft
     std::size_t linesDone_ = 0;
     std::size_t mistakesAhead_ = 0;

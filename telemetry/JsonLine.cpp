@@ -21,21 +21,29 @@ enum class Key { none, time, commands, observations };
 // Takes the parser's events of one line.
 class Handler : public nlohmann::json_sax<Json> {
 public:
-    Handler(StepBuilder& builder, std::vector<std::size_t>* seen, std::size_t stamp,
+    /// What stays the same from line to line.
+    struct Reader {
+        StepBuilder& builder;
+        TimeFormat& time;
+        std::string_view timeKey;
+        bool knownNamesOnly;
+    };
+
+    Handler(const Reader& reader, std::vector<std::size_t>* seen, std::size_t stamp,
             std::string_view line, std::size_t lineNumber, const std::size_t& taken)
-        : builder_(builder), seen_(seen), stamp_(stamp), line_(line), lineNumber_(lineNumber),
-          taken_(taken)
+        : builder_(reader.builder), reader_(reader), seen_(seen), stamp_(stamp), line_(line),
+          lineNumber_(lineNumber), taken_(taken)
     {
     }
 
     bool null() override
     {
-        return depth_ == 2 || (depth_ == 1 && key_ != Key::time) || misplaced("null");
+        return depth_ >= 2 || (depth_ == 1 && key_ != Key::time) || misplaced("null");
     }
     bool boolean(bool given) override
     {
         const std::string_view text = given ? "true" : "false";
-        return depth_ == 2 ? reading({Reading::Kind::text, 0, text}) : misplaced(text);
+        return depth_ >= 2 ? reading({Reading::Kind::text, 0, text}) : misplaced(text);
     }
     bool number_integer(number_integer_t given) override
     {
@@ -51,15 +59,30 @@ public:
     }
     bool string(string_t& text) override
     {
-        return depth_ == 2 ? reading({Reading::Kind::text, 0, text})
+        if (depth_ == 1 && key_ == Key::time) {
+            return timeOf(text) ||
+                   refuseValue({fmt::format("the time is the text {}", text::quoted(text)),
+                                reader_.time.expected(), reader_.time.hint(text)});
+        }
+        return depth_ >= 2 ? reading({Reading::Kind::text, 0, text})
                            : misplaced("the text " + text::quoted(text));
     }
     bool binary(binary_t& /*value*/) override { return misplaced("binary data"); }
-    bool start_array(std::size_t /*size*/) override { return misplaced("an array"); }
-    bool end_array() override { return true; }
+    bool start_array(std::size_t /*size*/) override
+    {
+        if (!isPassedOver()) return misplaced("an array");
+        ++depth_;
+        return true;
+    }
+    bool end_array() override
+    {
+        --depth_;
+        return true;
+    }
     bool start_object(std::size_t /*size*/) override
     {
-        if (depth_ == 2 || (depth_ == 1 && key_ == Key::time)) return misplaced("an object");
+        if ((depth_ >= 2 && !isPassedOver()) || (depth_ == 1 && key_ == Key::time))
+            return misplaced("an object");
         ++depth_;
         return true;
     }
@@ -70,6 +93,7 @@ public:
     }
     bool key(string_t& name) override
     {
+        if (depth_ > 2) return true;
         keyEnd_ = taken_;
         return depth_ == 1 ? outerKey(name) : innerKey(name);
     }
@@ -79,6 +103,9 @@ public:
     std::variant<Step, text::Diagnostic> result();
 
 private:
+    /// Within the value of a name that is not known.
+    bool isPassedOver() const { return depth_ >= 2 && nameIndex_ == Names::none; }
+    bool timeOf(std::string_view text);
     bool outerKey(const std::string& name);
     bool innerKey(const std::string& name);
     bool number(double number, std::string_view text);
@@ -104,6 +131,7 @@ private:
     }
 
     StepBuilder& builder_;
+    const Reader& reader_;
     std::vector<std::size_t>* seen_;
     std::size_t stamp_;
     std::string_view line_;
@@ -122,21 +150,21 @@ private:
 
 bool Handler::outerKey(const std::string& name)
 {
-    key_ = name == "t"              ? Key::time
+    key_ = name == reader_.timeKey  ? Key::time
            : name == "commands"     ? Key::commands
            : name == "observations" ? Key::observations
                                     : Key::none;
     if (key_ == Key::none) {
         // A name that is not near to any of the three may be a name of the plant.
-        std::string hint = text::didYouMean(name, {"t", "commands", "observations"});
+        std::string hint = text::didYouMean(name, {reader_.timeKey, "commands", "observations"});
         const std::uint32_t index = builder_.names().find(name);
         if (hint.empty() && index != Names::none) {
-            hint =
-                fmt::format("it belongs in '{}'",
-                            builder_.names()[index].observed.empty() ? "commands" : "observations");
+            hint = fmt::format(
+                "it belongs in '{}'",
+                builder_.names().isUnknown(index, Side::observation) ? "commands" : "observations");
         }
         return refuseKey({fmt::format("{} is no key of a step", text::quoted(name)),
-                          "'t', 'commands' or 'observations'", hint});
+                          fmt::format("'{}', 'commands' or 'observations'", reader_.timeKey), hint});
     }
     bool& before = has_[static_cast<std::size_t>(key_)];
     if (before) return repeated(name);
@@ -148,7 +176,11 @@ bool Handler::innerKey(const std::string& name)
 {
     const Side side = key_ == Key::commands ? Side::command : Side::observation;
     nameIndex_ = builder_.names().find(name);
-    if (nameIndex_ == Names::none || builder_.names()[nameIndex_].on(side).empty())
+    if (nameIndex_ == Names::none && !reader_.knownNamesOnly) {
+        builder_.notes().passOverKey(name, builder_.names());
+        return true;
+    }
+    if (builder_.names().isUnknown(nameIndex_, side))
         return refuseKey(builder_.names().unknown(name, side));
     std::size_t& before = seen_[static_cast<std::size_t>(side)][nameIndex_];
     if (before == stamp_) return repeated(name);
@@ -159,15 +191,27 @@ bool Handler::innerKey(const std::string& name)
 
 bool Handler::number(double number, std::string_view text)
 {
-    if (depth_ == 2) return reading({Reading::Kind::number, number, text});
+    if (depth_ >= 2) return reading({Reading::Kind::number, number, text});
     if (depth_ != 1 || key_ != Key::time) return misplaced(text);
-    time_ = number;
+    time_ = reader_.time.read(number);
+    if (!time_) return misplaced(text);
     timeKeyEnd_ = keyEnd_;
     return true;
 }
 
+// A number in quotes is no time, unless the times are said to be dates.
+bool Handler::timeOf(std::string_view text)
+{
+    if (!reader_.time.readsDates() || (parseNumber(text) && !reader_.time.isKnown())) return false;
+    time_ = reader_.time.read(text);
+    timeKeyEnd_ = keyEnd_;
+    if (auto finding = reader_.time.takeFinding()) builder_.notes().say(std::move(*finding));
+    return time_.has_value();
+}
+
 bool Handler::reading(const Reading& reading)
 {
+    if (isPassedOver()) return true;
     const Side side = key_ == Key::commands ? Side::command : Side::observation;
     const auto mistake = builder_.add(nameIndex_, name_, side, reading);
     return !mistake || refuseValue(*mistake);
@@ -181,12 +225,12 @@ bool Handler::misplaced(std::string_view found)
         return refuse({fmt::format("found {} where a step begins", found), wholeStep, ""},
                       {begin, 1});
     }
-    if (depth_ == 2) {
+    if (depth_ >= 2) {
         return refuseValue({fmt::format("the value of {} is {}", text::quoted(name_), found),
                             "a number or a text", "leave out what was not observed, or write null"});
     }
     if (key_ == Key::time)
-        return refuseValue({fmt::format("the time is {}", found), "a number of seconds", ""});
+        return refuseValue({fmt::format("the time is {}", found), reader_.time.expected(), ""});
     return refuseValue({fmt::format("the value of '{}' is {}",
                                     key_ == Key::commands ? "commands" : "observations", found),
                         R"(an object of names and values, such as {"FT-101": 0.02})", ""});
@@ -230,7 +274,10 @@ std::variant<Step, text::Diagnostic> Handler::result()
 
 } // namespace
 
-JsonLineParser::JsonLineParser(StepBuilder& builder) : builder_(builder)
+JsonLineParser::JsonLineParser(StepBuilder& builder, TimeFormat& time, const ReadSettings& settings)
+    : builder_(builder), time_(time),
+      timeKey_(settings.timeColumn.empty() ? "t" : settings.timeColumn),
+      knownNamesOnly_(settings.knownNamesOnly)
 {
     for (auto& seen : seen_) {
         seen.resize(builder.names().size());
@@ -244,7 +291,8 @@ std::variant<Step, text::Diagnostic> JsonLineParser::parse(std::string_view line
     if (const std::size_t zero = text::zeroByte(line); zero != std::string_view::npos)
         return text::errorAt(text::zeroByteMistake(), {}, {lineNumber, zero + 1}, line, 1);
     std::size_t taken = 0;
-    Handler handler(builder_, seen_, ++lines_, line, lineNumber, taken);
+    const Handler::Reader reader{builder_, time_, timeKey_, knownNamesOnly_};
+    Handler handler(reader, seen_, ++lines_, line, lineNumber, taken);
     Json::sax_parse(text::CountingIterator(line.data(), &taken),
                     text::CountingIterator(line.data() + line.size(), &taken), &handler);
     auto result = handler.result();

@@ -31,6 +31,7 @@ LineReader::LineReader(const std::string& path, std::size_t mostBytes)
       mostBytes_(mostBytes), buffer_(chunkBytes)
 {
     if (file_ < 0) fail(name_);
+    packed_ = PackedFile::of(file_, name_);
     struct stat status = {};
     if (fstat(file_, &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0)
         fileBytes_ = static_cast<std::uint64_t>(status.st_size);
@@ -51,7 +52,9 @@ LineReader::Filled LineReader::fill()
         begin_ = 0;
     }
     if (buffer_.size() - end_ < chunkBytes) buffer_.resize(2 * buffer_.size());
-    const ssize_t count = read(file_, buffer_.data() + end_, buffer_.size() - end_);
+    char* const to = buffer_.data() + end_;
+    const std::size_t most = buffer_.size() - end_;
+    const ssize_t count = packed_ ? packed_->read(to, most) : read(file_, to, most);
     if (count < 0) {
         if (errno != EINTR) fail(name_);
         interrupted_ = true;
@@ -66,7 +69,7 @@ LineReader::Filled LineReader::fill()
 double LineReader::doneShare() const
 {
     if (fileBytes_ == 0) return 0.0;
-    const std::uint64_t returned = bytesRead_ - (end_ - begin_);
+    const std::uint64_t returned = packed_ ? packed_->taken() : bytesRead_ - (end_ - begin_);
     return std::min(1.0, static_cast<double>(returned) / static_cast<double>(fileBytes_));
 }
 

@@ -2,10 +2,12 @@
 #pragma once
 
 #include "telemetry/LineSource.h"
+#include "telemetry/PackedFile.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,7 +19,7 @@ class LineReader : public LineSource {
 public:
     static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
-    /// `-` is standard input. A line may have `mostBytes` bytes; a longer one is cut. Throws ReadFailure when the
+    /// `-` is standard input. A file that gzip or zstd packed is unpacked (PackedFile.h). A line may have `mostBytes` bytes; a longer one is cut. Throws ReadFailure when the
     /// file cannot be opened.
     explicit LineReader(const std::string& path, std::size_t mostBytes = unlimited);
     ~LineReader() override;
@@ -41,6 +43,7 @@ private:
 
     std::string name_;
     int file_;
+    std::unique_ptr<PackedFile> packed_; // null: the file is read as it is
     std::size_t mostBytes_;
     std::vector<char> buffer_;
     std::size_t begin_ = 0; // of the bytes in the buffer that were not returned

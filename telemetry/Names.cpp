@@ -36,19 +36,57 @@ Names::Names(const plant::Model& model, const plant::Bindings& bindings)
         addVariable(variable, found == bound.end() ? nullptr : found->second);
     }
     for (std::uint32_t i = 0; i < variables_.size(); ++i) {
-        if (variables_[i].binding) addName(variables_[i].binding->channel, i, true);
+        if (variables_[i].binding && !variables_[i].binding->computed)
+            addName(variables_[i].binding->channel, i, true);
     }
     for (std::uint32_t i = 0; i < variables_.size(); ++i) {
+        if (variables_[i].bindingNumber > 0) continue;
         addName(variables_[i].name, i, false);
         std::string dotted = variables_[i].name;
         std::replace(dotted.begin(), dotted.end(), '/', '.');
         if (dotted != variables_[i].name) addName(dotted, i, false);
     }
+    addOperands(bindings);
+}
+
+void Names::addOperands(const plant::Bindings& bindings)
+{
+    const auto addAll = [this](const std::optional<plant::ChannelExpression>& expression) {
+        if (!expression) return;
+        plant::forEach(*expression, [this](const plant::ChannelExpression& part) {
+            if (part.kind == plant::ChannelExpression::Kind::channel) addOperand(part.channel);
+        });
+    };
+    for (const plant::ChannelBinding& binding : bindings.channels) {
+        addAll(binding.computed);
+        if (const auto* table = std::get_if<plant::ThresholdTable>(&binding.translation)) {
+            for (const plant::ThresholdTable::Limit& limit : table->limits) {
+                addAll(limit.computed);
+            }
+        }
+        if (!binding.settling) continue;
+        for (const std::string& channel : binding.settling->channels) {
+            addOperand(channel);
+        }
+    }
+}
+
+void Names::addOperand(const std::string& channel)
+{
+    const auto [entry, isNew] = indices_.emplace(channel, static_cast<std::uint32_t>(names_.size()));
+    if (isNew) {
+        names_.emplace_back().isChannel = true;
+        texts_.push_back(entry->first);
+    }
+    std::optional<std::uint32_t>& operand = names_[entry->second].operand;
+    if (operand) return;
+    operand = static_cast<std::uint32_t>(operands_.size());
+    operands_.push_back(channel);
 }
 
 void Names::addVariable(StateVar* variable, const plant::ChannelBinding* binding)
 {
-    variables_.push_back({variable, plant::nameOf(*variable), binding});
+    variables_.push_back({variable, plant::nameOf(*variable), binding, bindingNumbers_[variable]++});
 }
 
 void Names::addName(const std::string& name, std::uint32_t variable, bool isChannel)
@@ -73,7 +111,8 @@ std::string Names::hint(std::string_view name, bool observed, bool commanded) co
 {
     std::vector<std::string_view> known;
     for (std::size_t i = 0; i < names_.size(); ++i) {
-        if ((observed && !names_[i].observed.empty()) || (commanded && !names_[i].commanded.empty()))
+        if ((observed && !names_[i].observed.empty()) ||
+            (commanded && !names_[i].commanded.empty()) || names_[i].operand)
             known.push_back(texts_[i]);
     }
     return text::didYouMean(name, known);
@@ -82,7 +121,12 @@ std::string Names::hint(std::string_view name, bool observed, bool commanded) co
 text::Message Names::unknown(std::string_view name, Side side) const
 {
     const bool command = side == Side::command;
-    if (find(name) != none) {
+    const std::uint32_t index = find(name);
+    if (index != none && names_[index].observed.empty() && names_[index].commanded.empty()) {
+        return {text::quoted(name) + " is a channel of no variable: others are computed from it",
+                "a channel of a variable, or COMPONENT.VARIABLE", ""};
+    }
+    if (index != none) {
         return {text::quoted(name) + (command ? " is observed, it is not a command"
                                               : " is a command, it is not observed"),
                 "", fmt::format("it belongs in '{}'", command ? "observations" : "commands")};

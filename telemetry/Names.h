@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -21,6 +22,7 @@ struct Variable {
     StateVar* variable = nullptr;
     std::string name; ///< COMPONENT.VARIABLE
     const plant::ChannelBinding* binding = nullptr;
+    std::size_t bindingNumber = 0; ///< which of the variable's channels, from 0
 };
 
 /// What a name stands for. One channel may be bound to several variables.
@@ -28,6 +30,7 @@ struct Name {
     std::vector<std::uint32_t> observed; ///< indices of variables
     std::vector<std::uint32_t> commanded;
     bool isChannel = false;
+    std::optional<std::uint32_t> operand = {}; ///< of what is computed: its number among the operands
 
     const std::vector<std::uint32_t>& on(Side side) const
     {
@@ -43,7 +46,7 @@ public:
     /// Requires: the model and the bindings outlive this, and the bindings are not changed.
     Names(const plant::Model& model, const plant::Bindings& bindings);
 
-    /// First those that are observed, the bound ones in the order of the bindings and then the others in the model's order; then the
+    /// A variable with several channels is there once for each of them. First those that are observed, the bound ones in the order of the bindings and then the others in the model's order; then the
     /// commands in the model's order.
     const std::vector<Variable>& variables() const { return variables_; }
     /// How many of them are not commands.
@@ -52,7 +55,21 @@ public:
     /// The index of a name, or `none`. Constant time.
     std::uint32_t find(std::string_view name) const;
     const Name& operator[](std::uint32_t index) const { return names_[index]; }
+    /// Whether the name stands for nothing on that side, and for no operand.
+    bool isUnknown(std::uint32_t index, Side side) const
+    {
+        return index == none || (names_[index].on(side).empty() && !names_[index].operand);
+    }
+    /// The channels from which something is computed, or for which something waits, by their numbers.
+    const std::vector<std::string>& operands() const { return operands_; }
+    /// The number of one of them.
+    std::uint32_t operandNumber(const std::string& channel) const
+    {
+        return *names_[indices_.find(channel)->second].operand;
+    }
     std::size_t size() const { return names_.size(); }
+    /// The names themselves, by index.
+    const std::vector<std::string_view>& texts() const { return texts_; }
     static constexpr std::uint32_t none = UINT32_MAX;
 
     /// Why a name stands for nothing on that side. Linear in the names.
@@ -72,11 +89,15 @@ private:
 
     void addVariable(StateVar* variable, const plant::ChannelBinding* binding);
     void addName(const std::string& name, std::uint32_t variable, bool isChannel);
+    void addOperands(const plant::Bindings& bindings);
+    void addOperand(const std::string& channel);
     std::string hint(std::string_view name, bool observed, bool commanded) const;
 
     std::vector<Variable> variables_;
     std::size_t observedCount_ = 0;
+    std::unordered_map<const StateVar*, std::size_t> bindingNumbers_; // how many there are so far
     std::vector<Name> names_;
+    std::vector<std::string> operands_;
     std::vector<std::string_view> texts_; // of the names
     std::unordered_map<std::string, std::uint32_t, Hash, std::equal_to<>> indices_;
 };

@@ -3,6 +3,7 @@
 #include "text/NearestName.h"
 #include "text/Wording.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
@@ -92,8 +93,14 @@ std::string hintFor(const Variable& variable, const Reading& reading)
 
 } // namespace
 
-std::optional<double> parseNumber(std::string_view text)
+std::optional<double> parseNumber(std::string_view text, char decimal)
 {
+    if (decimal != '.') {
+        if (text.find('.') != std::string_view::npos) return std::nullopt;
+        std::string pointed(text);
+        std::replace(pointed.begin(), pointed.end(), decimal, '.');
+        return parseNumber(pointed);
+    }
     if (text.size() > 1 && text.front() == '+' && text[1] != '-') text.remove_prefix(1);
     double number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -103,6 +110,24 @@ std::optional<double> parseNumber(std::string_view text)
     if (error == std::errc::result_out_of_range)
         number = std::strtod(std::string(text).c_str(), nullptr);
     return number;
+}
+
+bool wantsNumber(const Variable& variable)
+{
+    if (hasThresholds(variable)) return true;
+    const ReadingTable* table = tableOf(variable);
+    return table && !table->otherwise && !table->readings.empty() &&
+           std::all_of(table->readings.begin(), table->readings.end(), [](const auto& reading) {
+               return std::holds_alternative<double>(reading.first);
+           });
+}
+
+bool isNumber(const Reading& reading)
+{
+    if (reading.kind == Reading::Kind::text) return false;
+    const auto number =
+        reading.kind == Reading::Kind::number ? reading.number : parseNumber(reading.text);
+    return number && std::isfinite(*number);
 }
 
 Atom* valueOf(const Variable& variable, bool byChannel, const Reading& reading, const Atom* last)

@@ -19,8 +19,13 @@ struct Reading {
 };
 
 /// The decimal number, such as `-1.5e-3`, that the whole text is. One that is too large is infinite; `inf` and `nan` are read,
-/// hexadecimal numbers are not.
-std::optional<double> parseNumber(std::string_view text);
+/// hexadecimal numbers are not. With the decimal sign `,` there is no point in it.
+std::optional<double> parseNumber(std::string_view text, char decimal = '.');
+
+/// Whether a reading of the variable is a number or nothing: it has thresholds, or readings all of which are numbers.
+bool wantsNumber(const Variable& variable);
+/// Whether the reading is a finite number, or a text that is one where cells of a table are.
+bool isNumber(const Reading& reading);
 
 /// The value, or null where the reading has no meaning. `last` is the value before, for the hysteresis; `byChannel`: the variable was
 /// named by its channel, so a text that the channel maps is not the name of a value. Linear in the values.

@@ -27,7 +27,7 @@ struct Step {
     std::vector<Atom*> givenCommands; ///< those that the input gave in this step, in the same order
     /// At most one for each variable: first those bound to a channel, in the order of the bindings, then others in the model's order.
     std::vector<Observation> observations;
-    /// The seconds since the step before, when they are more than 1.5 of the model's step lengths.
+    /// The seconds since the step before, when they are more than 1.5 of the model's step lengths, or as many as ReadSettings says.
     std::optional<double> gap;
 };
 

@@ -7,7 +7,10 @@
 // Nothing is remembered of a draft that is not finished.
 #pragma once
 
+#include "telemetry/LateReadings.h"
 #include "telemetry/Names.h"
+#include "telemetry/ReadNotes.h"
+#include "telemetry/ReadSettings.h"
 #include "telemetry/ReaderState.h"
 #include "telemetry/Reading.h"
 #include "telemetry/Step.h"
@@ -23,13 +26,17 @@ text::Message gapTooLong(double t, double before);
 class StepBuilder {
 public:
     /// Requires: the model and the bindings outlive this, and the bindings are not changed.
-    StepBuilder(const plant::Model& model, const plant::Bindings& bindings);
+    StepBuilder(const plant::Model& model, const plant::Bindings& bindings,
+                const ReadSettings& settings = {});
 
     const Names& names() const { return names_; }
+    /// What was passed over.
+    ReadNotes& notes() { return notes_; }
+    const ReadNotes& notes() const { return notes_; }
     /// Begins a draft without readings. Linear in those of the one before.
     void begin();
     /// Adds a reading of what the name stands for on that side, all of it or, when something is wrong, nothing. `text` is the name
-    /// as the input has it.
+    /// as the input has it. What is no number where one is wanted is noted, and not added, unless the settings make it a mistake.
     std::optional<text::Message> add(std::uint32_t name, std::string_view text, Side side,
                                      const Reading& reading);
     /// What would be wrong with a reading in a draft without readings.
@@ -55,10 +62,23 @@ private:
         double t = 0;
     };
 
+    using Observed = std::vector<std::pair<std::uint32_t, Observation>>; // with their variables
+
+    std::optional<text::Message> addOperand(const Name& meant, std::uint32_t name,
+                                            std::string_view text, Side side,
+                                            const Reading& reading);
+    bool isUnreadable(const Variable& variable, const Reading& reading) const;
     bool stillHolds(std::uint32_t variable, double t) const;
+    void finishLate(double t);
+    Observed observed(double t, Step& step);
+    void join(Observed& observed);
 
     Names names_;
+    LateReadings late_;
+    ReadNotes notes_;
+    bool readableOnly_;
     double stepSeconds_;
+    double gapSeconds_;
     std::vector<Atom*> defaults_;     // of the commands
     std::vector<std::uint32_t> held_; // variables whose channel is held
     std::vector<Last> last_;          // by variable; of those without a channel it is not used
@@ -69,6 +89,9 @@ private:
     std::vector<std::uint32_t> drafted_;         // the variables with a reading
     std::vector<std::optional<double>> numbers_; // of these readings, by variable
     std::vector<Atom*> values_;                  // of the reading that is being added
+    std::vector<std::optional<double>> given_;   // of these, for what is late
+    std::vector<bool> waits_;                    // by variable: nothing stands in for its reading
+    bool hasSeveral_ = false;                    // a variable with several channels
 };
 
 } // namespace telemetry

@@ -20,7 +20,8 @@ bool isBlank(std::string_view line)
 
 StepReader::StepReader(std::unique_ptr<LineSource> lines, const plant::Model& model,
                        const plant::Bindings& bindings, const ReadSettings& settings)
-    : settings_(settings), lines_(std::move(lines)), builder_(model, bindings), json_(builder_)
+    : settings_(settings), lines_(std::move(lines)), builder_(model, bindings, settings),
+      time_(settings.timeFormat), json_(builder_, time_, settings)
 {
 }
 
@@ -62,7 +63,7 @@ std::optional<StepReader::Next> StepReader::begin()
             "write each step on a line of its own, without brackets around them"};
         return mistake(text::errorAt(array, {}, {lines_->lineNumber(), bracket + 1}, line, 1), true);
     }
-    table_.emplace(*lines_, builder_, settings_.mostBytes, settings_.mayGrow, line);
+    table_.emplace(*lines_, builder_, settings_, line);
     return readHeader();
 }
 
@@ -167,6 +168,24 @@ ReaderState StepReader::state() const
         state.lines = lines_->lineNumber() - ((firstLine_ > 0 || cut_) ? 1 : 0);
     }
     return state;
+}
+
+std::vector<text::Diagnostic> StepReader::named(std::vector<text::Diagnostic> notes) const
+{
+    for (text::Diagnostic& note : notes) {
+        note.file = lines_->name();
+    }
+    return notes;
+}
+
+std::vector<text::Diagnostic> StepReader::takeNotes()
+{
+    return named(builder_.notes().take());
+}
+
+std::vector<text::Diagnostic> StepReader::noteSummary() const
+{
+    return named(builder_.notes().summary());
 }
 
 std::optional<std::size_t> StepReader::cutAt() const

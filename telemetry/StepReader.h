@@ -18,27 +18,20 @@
 #include "telemetry/CsvSteps.h"
 #include "telemetry/JsonLine.h"
 #include "telemetry/LineSource.h"
+#include "telemetry/ReadSettings.h"
 #include "telemetry/ReaderState.h"
 #include "telemetry/StepBuilder.h"
 #include "telemetry/StepSource.h"
+#include "telemetry/TimeFormat.h"
 #include "text/Diagnostic.h"
 
 #include <memory>
 #include <optional>
 #include <string>
 #include <variant>
+#include <vector>
 
 namespace telemetry {
-
-struct ReadSettings {
-    /// Go on after a line with a mistake, as if it were not there. Otherwise the first mistake ends the reading.
-    bool skipBad = false;
-    /// Of a line, or of a row of a table. A longer one is a mistake.
-    std::size_t mostBytes = std::size_t{16} << 20;
-    /// More may be written to the input later: what is not complete at its end is not taken, so that another reader can go on from
-    /// state() when it is. That is a last line without its end, and in a long table the step of the last rows.
-    bool mayGrow = false;
-};
 
 class StepReader : public StepSource {
 public:
@@ -62,6 +55,10 @@ public:
     /// How many of the mistakes that next() gave are of lines that state() does not count as done.
     std::size_t mistakesAhead() const { return table_ ? table_->mistakesAhead() : 0; }
 
+    /// What was found out of the input or passed over since the last call, and the counts of all that was passed over.
+    std::vector<text::Diagnostic> takeNotes();
+    std::vector<text::Diagnostic> noteSummary() const;
+
     double doneShare() const override { return lines_->doneShare(); }
     const std::string& name() const override { return lines_->name(); }
 
@@ -74,6 +71,7 @@ private:
     bool isCut();
     bool isTooLong(std::string_view line) const;
     Next tooLong(std::string_view line, bool endsReading);
+    std::vector<text::Diagnostic> named(std::vector<text::Diagnostic> notes) const;
     Next mistake(text::Diagnostic error, bool endsReading);
     Next nextLine();
     Next parseLine(std::string_view line);
@@ -81,6 +79,7 @@ private:
     ReadSettings settings_;
     std::unique_ptr<LineSource> lines_;
     StepBuilder builder_;
+    TimeFormat time_;
     JsonLineParser json_;
     std::optional<CsvSteps> table_;
     std::string first_; // the first line of JSON, until it is read

@@ -37,7 +37,7 @@ void addNumber(double number, std::vector<Candidate>& candidates)
 void addNumbers(const ThresholdTable& table, std::vector<Candidate>& candidates)
 {
     const std::vector<ThresholdTable::Limit>& limits = table.limits;
-    if (limits.empty()) return;
+    if (limits.empty() || table.isComputed()) return;
     const auto distance = [&](double limit, double toNeighbour) {
         const double margin = toNeighbour > 0 ? toNeighbour / 2 : std::abs(limit) / 2;
         return table.hysteresis + (margin > 0 ? margin : 1);
@@ -89,9 +89,11 @@ StepWriter::StepWriter(const plant::Bindings& bindings)
 {
     std::map<std::pair<std::string, Binding::Kind>, std::size_t> known;
     for (const Binding& binding : bindings.channels) {
-        const auto [entry, isNew] =
-            known.try_emplace({binding.channel, binding.kind}, channels_.size());
-        if (isNew) channels_.push_back({binding.channel, {}});
+        // Nothing is written that something is computed from: the variable itself has its value.
+        const std::string name =
+            binding.computed ? plant::nameOf(*binding.variable) : binding.channel;
+        const auto [entry, isNew] = known.try_emplace({name, binding.kind}, channels_.size());
+        if (isNew) channels_.push_back({name, {}});
         channels_[entry->second].bindings.push_back(&binding);
         bound_.try_emplace(binding.variable, entry->second, &binding);
     }

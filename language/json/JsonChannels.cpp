@@ -1,18 +1,19 @@
 #include "language/json/JsonChannels.h"
 
+#include "language/json/JsonExpressions.h"
 #include "plant/BindingRules.h"
 
 namespace language {
 
 void JsonChannels::add(const JsonNode& node)
 {
-    if (!node.isObject({"kind", "variable"}, {"channel", "thresholds", "readings", "otherwise",
-                                              "holdSeconds", "input", "varies"})) {
+    if (!node.isObject({"kind", "variable"},
+                       {"channel", "thresholds", "readings", "otherwise", "holdSeconds", "input",
+                        "varies", "from", "forSeconds", "settled"})) {
         return;
     }
     StateVar* variable = names_.variable(node["variable"]);
     if (!variable) return;
-    if (!builder_.bind(variable, node.at())) return;
     plant::ChannelBinding made;
     made.variable = variable;
     const auto kind = kindOf(node["kind"], *variable);
@@ -24,14 +25,60 @@ void JsonChannels::add(const JsonNode& node)
         if (!channel) return;
         made.channel = *channel;
     }
-    if (!readTranslation(node, made)) return;
-    if (node.has("holdSeconds")) {
-        made.holdSeconds = node["holdSeconds"].number();
-        if (!made.holdSeconds) return;
-        if (!plant::checkSeconds(*made.holdSeconds, node["holdSeconds"].at())) return;
-    }
-    if (!readChances(node, made)) return;
+    if (!readComputed(node, made) || !readTranslation(node, made)) return;
+    if (!readSeconds(node, "holdSeconds", made.holdSeconds)) return;
+    if (!readTimes(node, made) || !readChances(node, made)) return;
+    if (!builder_.bind(variable, made.kind, made.input, node.at())) return;
     builder_.channel(std::move(made));
+}
+
+bool JsonChannels::readComputed(const JsonNode& node, plant::ChannelBinding& made) const
+{
+    if (!node.has("from")) return true;
+    const JsonNode from = node["from"];
+    if (node.has("channel")) {
+        node.error("a channel with 'channel' and 'from'", "one of them");
+        return false;
+    }
+    if (!plant::checkObserved(made.kind, "a computed channel", from.at())) return false;
+    made.computed = channelExpression(from, stepSeconds_);
+    if (!made.computed) return false;
+    bool reads = false;
+    plant::forEach(*made.computed, [&reads](const plant::ChannelExpression& part) {
+        reads = reads || part.kind == plant::ChannelExpression::Kind::channel;
+    });
+    if (!reads) from.error("nothing is read here", "an expression with a channel");
+    made.channel = plant::textOf(*made.computed);
+    return reads;
+}
+
+bool JsonChannels::readSeconds(const JsonNode& node, const char* key, std::optional<double>& seconds)
+{
+    if (!node.has(key)) return true;
+    seconds = node[key].number();
+    return seconds && plant::checkSeconds(*seconds, node[key].at());
+}
+
+bool JsonChannels::readTimes(const JsonNode& node, plant::ChannelBinding& made)
+{
+    if (!readSeconds(node, "forSeconds", made.persistSeconds)) return false;
+    if (made.persistSeconds && !plant::checkObserved(made.kind, "'for'", node["forSeconds"].at()))
+        return false;
+    if (!node.has("settled")) return true;
+    const JsonNode settled = node["settled"];
+    if (!plant::checkObserved(made.kind, "'settled'", settled.at())) return false;
+    if (!settled.isObject({"seconds", "after"}, {})) return false;
+    std::optional<double> seconds;
+    if (!readSeconds(settled, "seconds", seconds) || !seconds) return false;
+    const JsonNode after = settled["after"];
+    if (!after.isArray()) return false;
+    made.settling = plant::Settling{*seconds, {}};
+    for (std::size_t i = 0; i < after.size(); ++i) {
+        const auto channel = after[i].text();
+        if (!channel) return false;
+        made.settling->channels.push_back(*channel);
+    }
+    return true;
 }
 
 // What is known of the readings before they come.
@@ -68,7 +115,7 @@ std::optional<plant::ChannelBinding::Kind> JsonChannels::kindOf(const JsonNode& 
     return kind;
 }
 
-bool JsonChannels::readTranslation(const JsonNode& node, plant::ChannelBinding& made)
+bool JsonChannels::readTranslation(const JsonNode& node, plant::ChannelBinding& made) const
 {
     if (node.has("thresholds") && (node.has("readings") || node.has("otherwise"))) {
         node.error("a channel with thresholds and readings", "one of them");
@@ -88,7 +135,7 @@ bool JsonChannels::readTranslation(const JsonNode& node, plant::ChannelBinding& 
 }
 
 std::optional<plant::ThresholdTable> JsonChannels::thresholds(const JsonNode& node,
-                                                              const StateVar& variable)
+                                                              const StateVar& variable) const
 {
     if (!node.isObject({"values", "limits"}, {"hysteresis"})) return std::nullopt;
     plant::ThresholdTable table;
@@ -112,18 +159,24 @@ std::optional<plant::ThresholdTable> JsonChannels::thresholds(const JsonNode& no
     return table;
 }
 
-bool JsonChannels::readLimits(const JsonNode& node, plant::ThresholdTable& table)
+bool JsonChannels::readLimits(const JsonNode& node, plant::ThresholdTable& table) const
 {
     if (!node.isArray()) return false;
     for (std::size_t i = 0; i < node.size(); ++i) {
         const JsonNode limit = node[i];
-        if (!limit.isObject({"number"}, {"belongsAbove"})) return false;
-        const auto number = limit["number"].number();
+        const bool isComputed = limit.has("from");
+        if (!limit.isObject({isComputed ? "from" : "number"}, {"belongsAbove"})) return false;
+        std::optional<plant::ChannelExpression> computed;
+        if (isComputed) {
+            computed = channelExpression(limit["from"], stepSeconds_);
+            if (!computed) return false;
+        }
+        const auto number = isComputed ? std::optional(0.0) : limit["number"].number();
         std::optional<bool> above = true;
         if (limit.has("belongsAbove")) above = limit["belongsAbove"].flag();
         if (!number || !above) return false;
-        table.limits.push_back({*number, *above});
-        if (!plant::checkLimit(table, i, limit["number"].at())) return false;
+        table.limits.push_back({*number, *above, std::move(computed)});
+        if (!isComputed && !plant::checkLimit(table, i, limit["number"].at())) return false;
     }
     if (table.limits.size() + 1 == table.values.size()) return true;
     node.error("the number of limits is " + std::to_string(table.limits.size()) +

@@ -10,8 +10,9 @@ namespace language {
 
 class JsonChannels {
 public:
-    JsonChannels(plant::CheckedBuilder& builder, const JsonNames& names)
-        : builder_(builder), names_(names)
+    /// `stepSeconds` is the length of a step.
+    JsonChannels(plant::CheckedBuilder& builder, const JsonNames& names, double stepSeconds)
+        : builder_(builder), names_(names), stepSeconds_(stepSeconds)
     {
     }
 
@@ -21,16 +22,20 @@ public:
 private:
     static std::optional<plant::ChannelBinding::Kind> kindOf(const JsonNode& node,
                                                              const StateVar& variable);
-    static std::optional<plant::ThresholdTable> thresholds(const JsonNode& node,
-                                                           const StateVar& variable);
-    static bool readLimits(const JsonNode& node, plant::ThresholdTable& table);
+    std::optional<plant::ThresholdTable> thresholds(const JsonNode& node,
+                                                    const StateVar& variable) const;
+    bool readLimits(const JsonNode& node, plant::ThresholdTable& table) const;
+    bool readComputed(const JsonNode& node, plant::ChannelBinding& made) const;
+    static bool readSeconds(const JsonNode& node, const char* key, std::optional<double>& seconds);
+    static bool readTimes(const JsonNode& node, plant::ChannelBinding& made);
     static std::optional<plant::ReadingTable> readings(const JsonNode& channel,
                                                        const StateVar& variable);
     static bool readChances(const JsonNode& node, plant::ChannelBinding& made);
-    static bool readTranslation(const JsonNode& node, plant::ChannelBinding& made);
+    bool readTranslation(const JsonNode& node, plant::ChannelBinding& made) const;
 
     plant::CheckedBuilder& builder_;
     const JsonNames& names_;
+    double stepSeconds_;
 };
 
 } // namespace language

@@ -86,6 +86,11 @@ bool JsonNode::isText() const
     return value_.is_string();
 }
 
+bool JsonNode::isObjectAtAll() const
+{
+    return value_.is_object();
+}
+
 bool JsonNode::isNull() const
 {
     return value_.is_null();

@@ -61,6 +61,7 @@ public:
     std::optional<std::size_t> oneOf(const Keys& words) const;
 
     bool isText() const;
+    bool isObjectAtAll() const; ///< whatever its keys are
     bool isNull() const;
 
 private:

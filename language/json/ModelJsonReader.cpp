@@ -48,7 +48,7 @@ public:
         JsonTransitions transitions(builder_, names_);
         list("transitions", [&](const JsonNode& node) { transitions.add(node); });
         transitions.finish();
-        JsonChannels channels(builder_, names_);
+        JsonChannels channels(builder_, names_, stepSeconds_);
         list("channels", [&](const JsonNode& node) { channels.add(node); });
         result_.bindings = builder_.takeBindings();
         result_.model = builder_.build();
@@ -74,7 +74,10 @@ private:
         if (root.has("stepSeconds")) {
             const JsonNode step = root["stepSeconds"];
             const double seconds = step.number().value_or(1);
-            if (plant::checkStepLength(seconds, step.at())) builder_.step(seconds);
+            if (plant::checkStepLength(seconds, step.at())) {
+                builder_.step(seconds);
+                stepSeconds_ = seconds;
+            }
         }
         if (!root.has("files")) return;
         result_.files.clear();
@@ -175,6 +178,7 @@ private:
     ReadResult& result_;
     plant::CheckedBuilder builder_;
     JsonNames names_;
+    double stepSeconds_ = 1;
     std::vector<Comp*> made_;
     std::vector<std::size_t> laws_; ///< for each law of the model, its number in the list
     std::size_t lawIndex_ = 0;

@@ -1,5 +1,6 @@
 #include "language/json/ModelJson.h"
 
+#include "language/json/JsonExpressions.h"
 #include "plant/Names.h"
 
 #include <nlohmann/json.hpp>
@@ -93,7 +94,10 @@ ordered_json jsonOf(const plant::ThresholdTable& table)
     }
     ordered_json limits = ordered_json::array();
     for (const plant::ThresholdTable::Limit& limit : table.limits) {
-        limits.push_back({{"number", limit.number}, {"belongsAbove", limit.belongsAbove}});
+        ordered_json made = limit.computed ? ordered_json{{"from", expressionJson(*limit.computed)}}
+                                           : ordered_json{{"number", limit.number}};
+        made["belongsAbove"] = limit.belongsAbove;
+        limits.push_back(std::move(made));
     }
     return {{"values", std::move(values)},
             {"limits", std::move(limits)},
@@ -117,7 +121,8 @@ ordered_json jsonOf(const plant::ChannelBinding& channel)
 {
     ordered_json made{
         {"kind", channel.kind == plant::ChannelBinding::Kind::command ? "command" : "observe"},
-        {"channel", channel.channel},
+        {channel.computed ? "from" : "channel",
+         channel.computed ? expressionJson(*channel.computed) : ordered_json(channel.channel)},
         {"variable", plant::nameOf(*channel.variable)}};
     if (const auto* thresholds = std::get_if<plant::ThresholdTable>(&channel.translation)) {
         made["thresholds"] = jsonOf(*thresholds);
@@ -125,6 +130,11 @@ ordered_json jsonOf(const plant::ChannelBinding& channel)
         addReadings(*readings, made);
     }
     if (channel.holdSeconds) made["holdSeconds"] = *channel.holdSeconds;
+    if (channel.persistSeconds) made["forSeconds"] = *channel.persistSeconds;
+    if (channel.settling) {
+        made["settled"] = {{"seconds", channel.settling->seconds},
+                           {"after", channel.settling->channels}};
+    }
     if (channel.input) made["input"] = true;
     if (channel.varies) made["varies"] = *channel.varies;
     return made;

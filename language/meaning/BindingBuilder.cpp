@@ -1,13 +1,8 @@
 #include "language/meaning/BindingBuilder.h"
 
-#include "language/syntax/Parser.h"
-#include "language/syntax/Words.h"
 #include "plant/BindingRules.h"
 #include "plant/Names.h"
-#include "text/NearestName.h"
 #include "text/Wording.h"
-
-#include <cmath>
 
 namespace language {
 
@@ -23,15 +18,11 @@ void BindingBuilder::build(const syntax::Binding& binding, Instance& within,
     plant::ChannelBinding made;
     made.variable = plant_.find(within, binding.variable, environment);
     if (!made.variable) return;
-    if (!builder_.bind(made.variable, report_.at(binding.range))) return;
     made.kind = kindOf(binding);
     made.input = binding.kind == syntax::Binding::Kind::input;
+    if (!builder_.bind(made.variable, made.kind, made.input, report_.at(binding.range))) return;
     made.channel = plant::nameOf(*made.variable);
-    if (binding.channel) {
-        const auto channel = channelName(*binding.channel, environment);
-        if (!channel) return;
-        made.channel = *channel;
-    }
+    if (binding.channel && !readChannel(*binding.channel, made, environment)) return;
     if (const auto* row = std::get_if<syntax::Thresholds>(&binding.translation)) {
         auto table = thresholds(*row, made.variable, environment);
         if (!table) return;
@@ -41,16 +32,52 @@ void BindingBuilder::build(const syntax::Binding& binding, Instance& within,
         if (!table) return;
         made.translation = std::move(*table);
     }
-    if (binding.hold) {
-        made.holdSeconds = seconds(*binding.hold, environment);
-        if (!made.holdSeconds) return;
-    }
+    if (!readTimes(binding, made, environment)) return;
     if (binding.varies) {
         made.varies = probabilityPerStep(*binding.varies, environment, stepSeconds_, report_);
         if (!made.varies) return;
         if (!plant::checkVaries(*made.varies, report_.at(binding.varies->range))) return;
     }
     builder_.channel(std::move(made));
+}
+
+bool BindingBuilder::readChannel(const syntax::Expression& written, plant::ChannelBinding& made,
+                                 const Environment& environment)
+{
+    if (written.kind == syntax::Expression::Kind::channel) {
+        const auto name = channels_.channelName(written.name, written.range, environment);
+        if (name) made.channel = *name;
+        return name.has_value();
+    }
+    made.computed = channels_.translate(written, environment);
+    if (made.computed) made.channel = plant::textOf(*made.computed);
+    return made.computed.has_value();
+}
+
+bool BindingBuilder::readTimes(const syntax::Binding& written, plant::ChannelBinding& made,
+                               const Environment& environment)
+{
+    const auto seconds = [&](const syntax::Duration& duration) {
+        return channels_.seconds(duration.amount, duration.unit, environment);
+    };
+    if (written.hold) {
+        made.holdSeconds = seconds(*written.hold);
+        if (!made.holdSeconds) return false;
+    }
+    if (written.persistence) {
+        made.persistSeconds = seconds(*written.persistence);
+        if (!made.persistSeconds) return false;
+    }
+    if (!written.settling) return true;
+    const auto time = seconds(written.settling->duration);
+    if (!time) return false;
+    made.settling = plant::Settling{*time, {}};
+    for (const syntax::Text& channel : written.settling->channels) {
+        const auto name = channels_.channelName(channel.text, channel.range, environment);
+        if (!name) return false;
+        made.settling->channels.push_back(*name);
+    }
+    return true;
 }
 
 std::optional<plant::ThresholdTable> BindingBuilder::thresholds(const syntax::Thresholds& written,
@@ -62,9 +89,11 @@ std::optional<plant::ThresholdTable> BindingBuilder::thresholds(const syntax::Th
         table.values.push_back(plant::value(variable, name.text));
     }
     for (const syntax::Thresholds::Limit& limit : written.limits) {
-        const auto number = evaluate(limit.number, environment, report_);
+        auto number = channels_.translate(limit.number, environment);
         if (!number) return std::nullopt;
-        table.limits.push_back({*number, limit.above == syntax::Order::lessOrEqual});
+        table.limits.push_back({number->number, limit.above == syntax::Order::lessOrEqual});
+        if (number->kind != plant::ChannelExpression::Kind::constant)
+            table.limits.back().computed = std::move(number);
     }
     if (written.hysteresis) {
         const auto hysteresis = evaluate(*written.hysteresis, environment, report_);
@@ -108,59 +137,6 @@ std::optional<plant::ReadingTable> BindingBuilder::readings(const syntax::Readin
         }
     }
     return table;
-}
-
-// Outside of loops braces are part of the name. In a loop, what stands in them is read as the value of a constant.
-std::optional<std::string> BindingBuilder::channelName(const syntax::Text& text,
-                                                       const Environment& environment)
-{
-    if (environment.local.empty()) return text.text;
-    std::string name;
-    std::size_t at = 0;
-    for (std::size_t open = text.text.find('{'); open != std::string::npos;
-         open = text.text.find('{', at)) {
-        const std::size_t close = text.text.find('}', open);
-        if (close == std::string::npos) break;
-        name += text.text.substr(at, open - at);
-        const std::string written = text.text.substr(open + 1, close - open - 1);
-        const ParsedFile parsed = parse(text::SourceText("", "const x = " + written + "\n"));
-        const syntax::Constant* constant =
-            parsed.file.declarations.size() == 1
-                ? std::get_if<syntax::Constant>(&parsed.file.declarations.front())
-                : nullptr;
-        std::optional<double> number;
-        if (constant && parsed.errors.empty()) {
-            // Its places are those of another text.
-            Report unheard(files_.texts, 0);
-            number = evaluate(constant->value, environment, unheard);
-        }
-        if (!number) {
-            std::vector<std::string_view> known;
-            for (const auto& [index, value] : environment.local) {
-                known.push_back(index);
-            }
-            report_.error(text.range, "{" + written + "} is not a number",
-                          "an index or a computation with it: {" +
-                              std::string(environment.local.back().first) + "}",
-                          text::didYouMean(written, known));
-            return std::nullopt;
-        }
-        name += *number == std::floor(*number) && std::abs(*number) < 1e15
-                    ? std::to_string(static_cast<long long>(*number))
-                    : text::shown(*number);
-        at = close + 1;
-    }
-    return name + text.text.substr(at);
-}
-
-std::optional<double> BindingBuilder::seconds(const syntax::Duration& duration,
-                                              const Environment& environment)
-{
-    const auto amount = evaluate(duration.amount, environment, report_);
-    if (!amount) return std::nullopt;
-    const double seconds = *amount * secondsOf(duration.unit.text).value_or(1);
-    if (!plant::checkSeconds(seconds, report_.at(duration.amount.range))) return std::nullopt;
-    return seconds;
 }
 
 } // namespace language

@@ -1,6 +1,7 @@
 // Bindings of the syntax tree as bindings of a plant's variables.
 #pragma once
 
+#include "language/meaning/ChannelTranslator.h"
 #include "language/meaning/Elaboration.h"
 #include "plant/Bindings.h"
 
@@ -15,7 +16,8 @@ class BindingBuilder {
 public:
     BindingBuilder(Elaboration& plant, plant::CheckedBuilder& builder, const SourceFiles& files,
                    Report& report, double stepSeconds)
-        : plant_(plant), builder_(builder), files_(files), report_(report), stepSeconds_(stepSeconds)
+        : plant_(plant), builder_(builder), report_(report), channels_(files, report, stepSeconds),
+          stepSeconds_(stepSeconds)
     {
     }
 
@@ -23,6 +25,10 @@ public:
     void build(const syntax::Binding& binding, Instance& within, const Environment& environment);
 
 private:
+    bool readChannel(const syntax::Expression& written, plant::ChannelBinding& made,
+                     const Environment& environment);
+    bool readTimes(const syntax::Binding& written, plant::ChannelBinding& made,
+                   const Environment& environment);
     std::optional<plant::ThresholdTable> thresholds(const syntax::Thresholds& written,
                                                     const StateVar* variable,
                                                     const Environment& environment);
@@ -30,13 +36,11 @@ private:
     std::optional<plant::ReadingTable> readings(const syntax::Readings& written,
                                                 const StateVar* variable,
                                                 const Environment& environment);
-    std::optional<std::string> channelName(const syntax::Text& text, const Environment& environment);
-    std::optional<double> seconds(const syntax::Duration& duration, const Environment& environment);
 
     Elaboration& plant_;
     plant::CheckedBuilder& builder_;
-    const SourceFiles& files_;
     Report& report_;
+    ChannelTranslator channels_;
     double stepSeconds_;
 };
 

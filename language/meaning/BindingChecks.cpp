@@ -19,6 +19,16 @@ bool TypeChecks::checkBinding(const Binding& binding)
             plant::checkVaryingKind(kindOf(binding), isInput, report_.at(binding.varies->range)) &&
             sound;
     }
+    if (binding.channel && !isComputed(*binding.channel)) {
+        report_.error(binding.channel->range, "nothing is read here",
+                      "a channel in double quotes, or a computation with one",
+                      binding.channel->kind == Expression::Kind::name
+                          ? "the name of a channel is written \"" + binding.channel->name + "\""
+                          : "");
+        return false;
+    }
+    if (binding.channel) sound = checkNumbers(*binding.channel) && sound;
+    sound = checkTimes(binding) && sound;
     const Resolved found = resolve(*type_, binding.variable);
     if (!found) return false;
     const bool isCommand = found.variable->syntax->kind == syntax::VariableKind::command;
@@ -30,6 +40,27 @@ bool TypeChecks::checkBinding(const Binding& binding)
         sound = checkThresholds(*thresholds, *found.variable) && sound;
     } else if (const auto* readings = std::get_if<Readings>(&binding.translation)) {
         sound = checkReadings(*readings, *found.variable) && sound;
+    }
+    return sound;
+}
+
+// What a value needs of time, and what only an observation can have.
+bool TypeChecks::checkTimes(const Binding& binding)
+{
+    const auto kind = kindOf(binding);
+    bool sound = true;
+    if (binding.channel && isComputed(*binding.channel) &&
+        binding.channel->kind != Expression::Kind::channel) {
+        sound = plant::checkObserved(kind, "a computed channel", report_.at(binding.channel->range));
+    }
+    if (binding.persistence) {
+        sound = checkNumbers(binding.persistence->amount) && sound;
+        sound = plant::checkObserved(kind, "'for'", report_.at(binding.persistence->range)) && sound;
+    }
+    if (binding.settling) {
+        sound = checkNumbers(binding.settling->duration.amount) && sound;
+        sound =
+            plant::checkObserved(kind, "'settled'", report_.at(binding.settling->range)) && sound;
     }
     return sound;
 }

@@ -28,11 +28,11 @@ std::optional<double> evaluate(const Expression& expression, const Environment& 
         const double* value = environment.find(expression.name);
         return value ? std::optional<double>(*value) : std::nullopt;
     }
-    double operands[2] = {0, 0};
-    for (std::size_t i = 0; i < expression.operands.size(); ++i) {
-        const std::optional<double> value = evaluate(expression.operands[i], environment, report);
+    std::vector<double> operands;
+    for (const Expression& operand : expression.operands) {
+        const std::optional<double> value = evaluate(operand, environment, report);
         if (!value) return std::nullopt;
-        operands[i] = *value;
+        operands.push_back(*value);
     }
     double result = 0;
     switch (expression.kind) {
@@ -48,8 +48,14 @@ std::optional<double> evaluate(const Expression& expression, const Environment& 
         }
         result = operands[0] / operands[1];
         break;
-    case Expression::Kind::number:
-    case Expression::Kind::name: break;
+    case Expression::Kind::absolute: result = std::abs(operands[0]); break;
+    case Expression::Kind::least:
+        result = *std::min_element(operands.begin(), operands.end());
+        break;
+    case Expression::Kind::greatest:
+        result = *std::max_element(operands.begin(), operands.end());
+        break;
+    default: return std::nullopt; // of channels, which ChannelTranslator reads
     }
     if (!std::isfinite(result)) {
         report.error(expression.range, "the result is too large for a number");

@@ -43,6 +43,7 @@ private:
     bool checkRepetition(const syntax::Transition& transition, const VariableType& mode);
 
     bool checkBinding(const syntax::Binding& binding);
+    bool checkTimes(const syntax::Binding& binding);
     bool checkThresholds(const syntax::Thresholds& thresholds, const VariableType& variable);
     bool checkReadings(const syntax::Readings& readings, const VariableType& variable);
 

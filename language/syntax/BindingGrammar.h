@@ -1,15 +1,15 @@
 // What only a system says: which channels observe and command its variables, and how long a step is.
 #pragma once
 
-#include "language/syntax/StatementGrammar.h"
+#include "language/syntax/ChannelGrammar.h"
 
 namespace language::grammar {
 
 struct bound_variable : path {
     using action = makes_member<Path, &Binding::variable>;
 };
-struct channel : text {
-    using action = sets_text<&Binding::channel>;
+struct channel : channel_sum {
+    using action = makes_expression<&Binding::channel>;
 };
 struct below_less : token<TokenKind::less> {
     using action = sets<&Thresholds::Limit::below, Order::less>;
@@ -23,7 +23,7 @@ struct above_less : token<TokenKind::less> {
 struct above_less_or_equal : token<TokenKind::lessOrEqual> {
     using action = sets<&Thresholds::Limit::above, Order::lessOrEqual>;
 };
-struct limit_number : sum {
+struct limit_number : channel_sum {
     using action = makes_expression<&Thresholds::Limit::number>;
 };
 struct limit : seq<sor<below_less, below_less_or_equal>,
@@ -68,19 +68,32 @@ struct reading
 struct readings : comma_list<reading> {
     using action = makes_member<Readings, &Binding::translation>;
 };
-struct unit : named<"a unit of time (ms, s, min, h, d)", time_unit> {
-    using action = sets_name<&Duration::unit>;
+struct hold_duration : duration {
+    using action = makes_member<Duration, &Binding::hold>;
 };
-struct duration : seq<amount, must<unit>> {
-    using action = makes<Duration>;
+struct hold : if_must<token<TokenKind::holdWord>, hold_duration> {};
+struct persistence_duration : duration {
+    using action = makes_member<Duration, &Binding::persistence>;
 };
-struct hold : if_must<token<TokenKind::holdWord>, duration> {};
+/// Not `for i in`, which begins a loop.
+struct persistence : seq<persists, must<persistence_duration>> {};
+struct settling_duration : duration {
+    using action = makes_member<Duration, &Settling::duration>;
+};
+struct settling_channel : named<"a channel in double quotes", text> {
+    using action = sets_text<&Settling::channels>;
+};
+struct settling
+    : seq<named<"", soft_word<"settled">>, must<settling_duration>,
+          must<named<"'after'", soft_word<"after">>>, must<comma_list<settling_channel>>> {
+    using action = makes_member<Settling, &Binding::settling>;
+};
 struct variation : seq<named<"'varies'", soft_word<"varies">>, must<amount>, opt<per>> {
     using action = makes_member<Probability, &Binding::varies>;
 };
-struct binding_rest
-    : seq<must<bound_variable>, opt<if_must<token<TokenKind::fromWord>, channel>>,
-          opt<if_must<token<TokenKind::colon>, sor<thresholds, readings>>>, opt<hold>> {};
+struct binding_rest : seq<must<bound_variable>, opt<if_must<token<TokenKind::fromWord>, channel>>,
+                          opt<if_must<token<TokenKind::colon>, sor<thresholds, readings>>>,
+                          opt<hold>, opt<persistence>, opt<settling>> {};
 struct varies : opt<variation> {};
 // Where it has no place it is read all the same, for a message that says why.
 struct varies_in_vain : named<"", varies> {};

@@ -105,8 +105,6 @@ template <typename Rule> struct comma_list : list_must<Rule, token<TokenKind::co
 
 // ---- expressions
 
-struct sum;
-struct negated_factor;
 struct constant_name : token<TokenKind::name> {
     struct action {
         static void apply(const TokenInput::Span& span, Operand& operand)
@@ -114,34 +112,6 @@ struct constant_name : token<TokenKind::name> {
             operand.expression.kind = Expression::Kind::name;
             operand.expression.name = span.text();
             operand.expression.range = span.range();
-        }
-    };
-};
-struct negative : if_must<token<TokenKind::minus>, nested<negated_factor>> {
-    using action = sets_operand_range;
-};
-struct grouped
-    : if_must<token<TokenKind::openParenthesis>, nested<sum>, token<TokenKind::closeParenthesis>> {
-    using action = sets_operand_range;
-};
-struct factor : named<"a number", sor<number, constant_name, negative, grouped>> {
-    struct action : with_node<action, Operand> {
-        static Operand start(const TokenInput&) { return {}; }
-        static void finish(const TokenInput& in, const Token*, Operand& operand, Chain& chain)
-        {
-            chain.append(std::move(operand.expression), operand.depth, in);
-        }
-    };
-};
-struct negated_factor : factor {
-    struct action : with_node<action, Operand> {
-        static Operand start(const TokenInput&) { return {}; }
-        static void finish(const TokenInput& in, const Token*, Operand& operand, Operand& outer)
-        {
-            if (operand.depth + 1 > in.limits().depth) throw tooDeep(in);
-            outer.depth = operand.depth + 1;
-            outer.expression.kind = Expression::Kind::negation;
-            outer.expression.operands.push_back(std::move(operand.expression));
         }
     };
 };
@@ -157,11 +127,55 @@ struct add : token<TokenKind::plus> {
 struct subtract : token<TokenKind::minus> {
     using action = sets_operation<Expression::Kind::difference>;
 };
-struct product : seq<factor, star<named<"", sor<times, over>>, must<factor>>> {
+
+/// The action of a factor, in a product.
+struct gives_operand : with_node<gives_operand, Operand> {
+    static Operand start(const TokenInput&) { return {}; }
+    static void finish(const TokenInput& in, const Token*, Operand& operand, Chain& chain)
+    {
+        chain.append(std::move(operand.expression), operand.depth, in);
+    }
+};
+
+// What numbers and what is computed from channels (ChannelGrammar.h) have in common, over their own factors.
+
+template <typename Factor> struct negated : Factor {
+    struct action : with_node<action, Operand> {
+        static Operand start(const TokenInput&) { return {}; }
+        static void finish(const TokenInput& in, const Token*, Operand& operand, Operand& outer)
+        {
+            if (operand.depth + 1 > in.limits().depth) throw tooDeep(in);
+            outer.depth = operand.depth + 1;
+            outer.expression.kind = Expression::Kind::negation;
+            outer.expression.operands.push_back(std::move(operand.expression));
+        }
+    };
+};
+template <typename Factor>
+struct negative_of : if_must<token<TokenKind::minus>, nested<negated<Factor>>> {
+    using action = sets_operand_range;
+};
+template <typename Sum>
+struct grouped_in_parentheses
+    : if_must<token<TokenKind::openParenthesis>, nested<Sum>, token<TokenKind::closeParenthesis>> {
+    using action = sets_operand_range;
+};
+template <typename Factor>
+struct product_of : seq<Factor, star<named<"", sor<times, over>>, must<Factor>>> {
     using action = makes_chain;
 };
-struct sum : seq<product, star<named<"", sor<add, subtract>>, must<product>>> {
+template <typename Product>
+struct sum_of : seq<Product, star<named<"", sor<add, subtract>>, must<Product>>> {
     using action = makes_chain;
 };
+
+struct sum;
+struct factor;
+struct any_factor : sor<number, constant_name, negative_of<factor>, grouped_in_parentheses<sum>> {};
+struct factor : named<"a number", any_factor> {
+    using action = gives_operand;
+};
+struct product : product_of<factor> {};
+struct sum : sum_of<product> {};
 
 } // namespace language::grammar

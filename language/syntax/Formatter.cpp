@@ -273,15 +273,15 @@ private:
             }
             const bool breaks = next.firstOnLine && index > span.begin &&
                                 next.kind != TokenKind::openBrace && !fresh;
-            const bool blank = spacing.before(next.kind);
+            const std::string_view written =
+                std::string_view(source_.text()).substr(next.offset, next.length);
+            const bool blank = spacing.before(next.kind, written);
             if (breaks) {
                 whole += fold;
                 folded = true;
             } else if (blank && !fresh) {
                 whole += ' ';
             }
-            const std::string_view written =
-                std::string_view(source_.text()).substr(next.offset, next.length);
             if (starts.contains(index)) {
                 made.cells.emplace_back();
             } else if (blank && index > span.begin) {

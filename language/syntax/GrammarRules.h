@@ -135,7 +135,7 @@ struct time_unit : Leaf {
     }
 };
 
-/// A name that is a word of the language where a statement begins or a binding may go on: `input`, `repair`, `varies`. Before `:`
+/// A name that is a word of the language where a statement begins or a binding may go on: `input`, `repair`, `varies`, `over`. Before `:`
 /// and `[` it is the name of a part.
 template <Literal Word> struct soft_word : Leaf {
     using rule_t = soft_word;
@@ -147,6 +147,19 @@ template <Literal Word> struct soft_word : Leaf {
             in.expect(TokenKind::end, Word.view());
             return false;
         }
+        in.bump();
+        return true;
+    }
+};
+
+/// `for` that does not begin a loop: `for 2 min`, and not `for i in`.
+struct persists : Leaf {
+    using rule_t = persists;
+    static bool match(TokenInput& in)
+    {
+        if (in.front().kind != TokenKind::forWord ||
+            (in.peek(1).kind == TokenKind::name && in.peek(2).kind == TokenKind::inWord))
+            return false;
         in.bump();
         return true;
     }

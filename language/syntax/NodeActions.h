@@ -39,6 +39,7 @@ using syntax::Probability;
 using syntax::Reading;
 using syntax::Readings;
 using syntax::Segment;
+using syntax::Settling;
 using syntax::StepLength;
 using syntax::System;
 using syntax::Text;
@@ -96,10 +97,6 @@ inline void give(Value&& value, Variable& variable)
 inline void give(InitialValue&& initial, Part& part)
 {
     part.initials.push_back(std::move(initial));
-}
-inline void give(Duration&& duration, Binding& binding)
-{
-    binding.hold = std::move(duration);
 }
 inline void give(Duration&& duration, StepLength& step)
 {

@@ -1,18 +1,20 @@
 #include "language/syntax/Spacing.h"
 
+#include "language/syntax/Words.h"
+
 namespace language {
 
 namespace {
 
 bool endsOperand(TokenKind kind)
 {
-    return kind == TokenKind::name || kind == TokenKind::number ||
+    return kind == TokenKind::name || kind == TokenKind::number || kind == TokenKind::text ||
            kind == TokenKind::closeParenthesis || kind == TokenKind::closeBracket;
 }
 
 } // namespace
 
-bool Spacing::before(TokenKind kind)
+bool Spacing::before(TokenKind kind, std::string_view text)
 {
     const bool blank = last_ != TokenKind::end && wants(kind);
     unary_ = kind == TokenKind::minus && !endsOperand(last_);
@@ -21,6 +23,7 @@ bool Spacing::before(TokenKind kind)
     if (kind == TokenKind::colon && tightColons > 0) --tightColons;
     if (kind == TokenKind::openBracket) ++brackets_;
     if (kind == TokenKind::closeBracket && brackets_ > 0) --brackets_;
+    function_ = kind == TokenKind::name && channelFunction(text);
     last_ = kind;
     return blank;
 }
@@ -48,7 +51,8 @@ bool Spacing::wants(TokenKind kind) const
     case TokenKind::dots: return false;
     case TokenKind::closeBrace: return !inSet_;
     case TokenKind::colon: return colonStandsFree && tightColons == 0;
-    case TokenKind::openParenthesis: return parenthesisStandsFree || last_ != TokenKind::name;
+    case TokenKind::openParenthesis:
+        return last_ != TokenKind::name || (parenthesisStandsFree && !function_);
     case TokenKind::plus:
     case TokenKind::minus:
     case TokenKind::star:

@@ -4,6 +4,7 @@
 #include "language/syntax/Token.h"
 
 #include <cstddef>
+#include <string_view>
 
 namespace language {
 
@@ -14,8 +15,8 @@ public:
     bool parenthesisStandsFree = false; ///< also behind a name: `varies (a + b)`
     std::size_t tightColons = 0;        ///< so many first ones do not: those of loops
 
-    /// Whether a blank stands before the token; notes the token.
-    bool before(TokenKind kind);
+    /// Whether a blank stands before the token; notes the token. `text` is what it is.
+    bool before(TokenKind kind, std::string_view text);
 
 private:
     bool wants(TokenKind kind) const;
@@ -23,6 +24,7 @@ private:
     std::size_t brackets_ = 0; ///< open `[`
     bool inSet_ = false;       ///< within the braces of `in {...}`
     bool unary_ = false;       ///< the last token was a sign of a number
+    bool function_ = false;    ///< the last token was the name of a function
     TokenKind last_ = TokenKind::end;
 };
 

@@ -93,8 +93,8 @@ struct target_value : value_name {
     using action = sets_name<&Transition::target>;
 };
 struct guard : if_must<token<TokenKind::whenWord>, formula> {};
-struct per_unit
-    : named<"a unit of time (ms, s, min, h, d) or 'step'", sor<token<TokenKind::stepWord>, time_unit>> {
+struct per_unit : named<"a unit of time (ms, s, min, h, d, week, month, year) or 'step'",
+                        sor<token<TokenKind::stepWord>, time_unit>> {
     using action = sets_name<&Probability::per>;
 };
 struct amount : sum {

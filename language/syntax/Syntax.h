@@ -35,15 +35,37 @@ struct Text {
     text::Range range;
 };
 
-/// A number computed from literals, constants, parameters and the indices of loops.
+/// A number computed from literals, constants, parameters and the indices of loops; in bindings also from channels: "FT-1" - 2,
+/// mean("FT-1") over 5 min.
 struct Expression {
-    enum class Kind { number, name, negation, sum, difference, product, quotient };
+    enum class Kind {
+        number,
+        name,
+        channel,
+        negation,
+        sum,
+        difference,
+        product,
+        quotient,
+        absolute,
+        least,
+        greatest,
+        mean, ///< over a time, as the next ones: it is the second operand, in `unit`
+        minimum,
+        maximum,
+        spread,
+        rate,
+        ago
+    };
 
     Kind kind = Kind::number;
     double number = 0; ///< of a number
-    std::string name;  ///< of a name: a constant, a parameter, or the index of a loop
-    std::vector<Expression> operands; ///< one of a negation, two of the others
-    text::Range range;                ///< of the whole expression, parentheses around it included
+    /// Of a name: a constant, a parameter, or the index of a loop. Of a channel: the text, in a loop with its indices in braces.
+    std::string name;
+    std::vector<Expression>
+        operands; ///< one of a negation and of `absolute`, two or more of least and greatest, two of the others
+    std::optional<Name> unit = {}; ///< of the time of mean to ago
+    text::Range range;             ///< of the whole expression, parentheses around it included
 };
 
 /// A step of a path: `valveA`, or `cell[i+1]`.
@@ -198,6 +220,13 @@ struct Readings {
     text::Range range;
 };
 
+/// `settled 15 min after "CMD-1", "CMD-2"`: nothing is observed until these have not changed for so long.
+struct Settling {
+    Duration duration;
+    std::vector<Text> channels; ///< not empty
+    text::Range range;
+};
+
 /// `observe tank.pressure from "PT-100" : low < 1.2 <= nominal hold 5 s varies 2 per hour`, `input tank.inflow from "FT-1"` and
 /// `command valveA.request from "XV-A" : open = 1`.
 /// Without a translation the channel has the names of values. In a loop the name of the channel may have indices in
@@ -207,9 +236,11 @@ struct Binding {
 
     Kind kind = Kind::observation;
     Path variable;
-    std::optional<Text> channel; ///< missing: the channel has the variable's own name
+    std::optional<Expression> channel; ///< or what is computed from some; missing: the variable's own name
     std::variant<std::monostate, Thresholds, Readings> translation;
-    std::optional<Duration> hold; ///< how long the last reading stands for a missing one
+    std::optional<Duration> hold;        ///< how long the last reading stands for a missing one
+    std::optional<Duration> persistence; ///< `for`: how long a new value has to be read to count
+    std::optional<Settling> settling;
     std::optional<Probability> varies; ///< how often an open reading changes; its range begins at the word
     text::Range range;
 };

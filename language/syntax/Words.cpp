@@ -15,7 +15,7 @@ struct Unit {
     double seconds;
 };
 
-constexpr std::array<Unit, 13> units{{{"ms", 0.001},
+constexpr std::array<Unit, 19> units{{{"ms", 0.001},
                                       {"s", 1},
                                       {"second", 1},
                                       {"seconds", 1},
@@ -27,7 +27,13 @@ constexpr std::array<Unit, 13> units{{{"ms", 0.001},
                                       {"hours", 3600},
                                       {"d", 86400},
                                       {"day", 86400},
-                                      {"days", 86400}}};
+                                      {"days", 86400},
+                                      {"week", 7 * 86400},
+                                      {"weeks", 7 * 86400},
+                                      {"month", 30 * 86400},
+                                      {"months", 30 * 86400},
+                                      {"year", 365 * 86400},
+                                      {"years", 365 * 86400}}};
 
 // In the order of TokenKind.
 constexpr std::array<std::string_view, static_cast<std::size_t>(TokenKind::count_)> spellings{
@@ -75,8 +81,26 @@ const std::vector<std::string_view>& reservedWords()
 
 const std::vector<std::string_view>& softWords()
 {
-    static const std::vector<std::string_view> words{"input", "repair", "varies"};
+    static const std::vector<std::string_view> words{"input", "repair",  "varies", "over",
+                                                     "ago",   "settled", "after"};
     return words;
+}
+
+const std::vector<ChannelFunction>& channelFunctions()
+{
+    using Over = ChannelFunction::Over;
+    static const std::vector<ChannelFunction> functions{
+        {"abs", Over::never},   {"min", Over::may},       {"max", Over::may},
+        {"mean", Over::always}, {"spread", Over::always}, {"rate", Over::always}};
+    return functions;
+}
+
+const ChannelFunction* channelFunction(std::string_view name)
+{
+    for (const ChannelFunction& function : channelFunctions()) {
+        if (function.name == name) return &function;
+    }
+    return nullptr;
 }
 
 const std::vector<std::string_view>& timeUnits()

@@ -119,6 +119,43 @@ TEST_P(CheckpointFormats, GoOnWithTheSameBytes)
 
 INSTANTIATE_TEST_SUITE_P(, CheckpointFormats, testing::Values("table", "jsonl", "json"));
 
+TEST_F(Checkpoints, OfComputedChannelsGoOnWhereverTheyAreCut)
+{
+    const std::vector<std::string> lines = projectLines("tests/app/models/coil.csv");
+    const std::string plant = "tests/app/models/coil.itms";
+    const ProgramRun whole =
+        runProgram({"run", plant, "tests/app/models/coil.csv", "--format", "jsonl"});
+    EXPECT_EQ(whole.status, 0) << whole.err;
+    for (const std::size_t cut : {2U, 13U, 18U, 27U, 44U}) {
+        const auto write = [&](std::size_t count) {
+            std::ofstream file(path("log.csv"));
+            for (std::size_t i = 0; i < count; ++i) {
+                file << lines[i] << "\n";
+            }
+        };
+        const std::vector<std::string> arguments{
+            "run", plant,          path("log.csv"), "--format",     "jsonl",
+            "-o",  path("answer"), "--checkpoint",  path("memory"), "--resume"};
+        fs::remove(path("memory"));
+        fs::remove(path("answer"));
+        write(cut);
+        runProgram(arguments);
+        write(lines.size());
+        const ProgramRun rest = runProgram(arguments);
+        EXPECT_EQ(rest.status, 0) << rest.err;
+        EXPECT_EQ(content(path("answer")), whole.out) << cut;
+    }
+}
+
+TEST_F(Checkpoints, OfAnotherWayOfReadingAreRefused)
+{
+    writeTelemetry(3);
+    runProgram(withCheckpoint());
+    const ProgramRun run = runProgram(withCheckpoint({"--gap", "3"}));
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err, HasSubstr("was made with --gap \"1.5\""));
+}
+
 TEST_F(Checkpoints, OnStandardOutputGoOnWithTheNextStep)
 {
     writeTelemetry(17);

@@ -83,7 +83,8 @@ TEST_F(GrowingTelemetry, AllIsTakenWhereNothingGoesOn)
 TEST_F(GrowingTelemetry, ABadLineCountsOnce)
 {
     const std::string run =
-        "itms run pipe.itms log --format table --skip-bad --checkpoint memory --resume";
+        "itms run pipe.itms log --format table --skip-bad --bad-readings error --checkpoint memory "
+        "--resume";
     write("log", longLog + "1,FT-2,oh\n");
     EXPECT_THAT(shell(run), HasSubstr("log:6:8: "));
     EXPECT_THAT(shell(run + " --final"), HasSubstr("itms run: 1 bad line left out\n"));

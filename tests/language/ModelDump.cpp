@@ -121,12 +121,26 @@ private:
         if (channel.input) out_ << " input";
         if (channel.varies) out_ << " varies " << *channel.varies;
         if (channel.holdSeconds) out_ << " hold " << *channel.holdSeconds;
+        if (channel.computed) out_ << " from " << plant::textOf(*channel.computed);
+        if (channel.persistSeconds) out_ << " for " << *channel.persistSeconds;
+        if (channel.settling) {
+            out_ << " settled " << channel.settling->seconds;
+            for (const std::string& name : channel.settling->channels) {
+                out_ << " after " << name;
+            }
+        }
         if (const auto* row = std::get_if<plant::ThresholdTable>(&channel.translation)) {
             for (const Atom* value : row->values) {
                 out_ << " " << value->id;
             }
             for (const auto& limit : row->limits) {
-                out_ << " " << limit.number << (limit.belongsAbove ? "+" : "-");
+                out_ << " ";
+                if (limit.computed) {
+                    out_ << plant::textOf(*limit.computed);
+                } else {
+                    out_ << limit.number;
+                }
+                out_ << (limit.belongsAbove ? "+" : "-");
             }
             out_ << " within " << row->hysteresis;
         } else if (const auto* table = std::get_if<plant::ReadingTable>(&channel.translation)) {

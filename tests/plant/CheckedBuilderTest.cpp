@@ -88,10 +88,22 @@ TEST_F(CheckedBuilderTest, MakesARepairThatIsNeitherNominalNorAFault)
     }
 }
 
-TEST_F(CheckedBuilderTest, BindsAVariableOnce)
+TEST_F(CheckedBuilderTest, BindsAVariableToSeveralChannelsOfOneKind)
 {
-    EXPECT_TRUE(builder.bind(flow, places.at(4)));
-    EXPECT_FALSE(builder.bind(flow, places.at(5)));
+    using Kind = ChannelBinding::Kind;
+    EXPECT_TRUE(builder.bind(flow, Kind::observation, false, places.at(4)));
+    EXPECT_TRUE(builder.bind(flow, Kind::observation, false, places.at(5)));
+    EXPECT_FALSE(builder.bind(flow, Kind::observation, true, places.at(6)));
+    EXPECT_EQ(places.take(), "6: 'pump.flow' is observed and an input\n"
+                             "  expected: the same for all of its channels\n"
+                             "  hint: the first is #4\n");
+}
+
+TEST_F(CheckedBuilderTest, BindsACommandOnce)
+{
+    using Kind = ChannelBinding::Kind;
+    EXPECT_TRUE(builder.bind(flow, Kind::command, false, places.at(4)));
+    EXPECT_FALSE(builder.bind(flow, Kind::command, false, places.at(5)));
     EXPECT_EQ(places.take(), "5: 'pump.flow' is bound twice\n"
                              "  expected: one channel for it\n"
                              "  hint: the first is #4\n");

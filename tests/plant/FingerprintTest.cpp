@@ -97,6 +97,32 @@ TEST(Fingerprint, OfAModelKnowsInputsAndHowOftenReadingsChange)
     EXPECT_EQ(seen.size(), 4U);
 }
 
+TEST(Fingerprint, OfAModelKnowsWhatIsComputedAndWhatWaits)
+{
+    const language::ReadResult read = language::readModelText("room.itms", room);
+    const plant::Plant plant(*read.model);
+    plant::Bindings bindings = read.bindings;
+    plant::ChannelBinding& channel = bindings.channels.front();
+    std::set<std::string> seen{plant::fingerprint(plant, bindings)};
+    using Expression = plant::ChannelExpression;
+    const Expression input{Expression::Kind::channel, 0, "A", {}};
+    for (const double seconds : {60.0, 61.0}) {
+        channel.computed = Expression{Expression::Kind::mean, seconds, {}, {input}};
+        seen.insert(plant::fingerprint(plant, bindings));
+    }
+    channel.computed.reset();
+    for (const double seconds : {60.0, 61.0}) {
+        channel.persistSeconds = seconds;
+        seen.insert(plant::fingerprint(plant, bindings));
+    }
+    channel.persistSeconds.reset();
+    for (const char* name : {"A", "B"}) {
+        channel.settling = plant::Settling{60, {name}};
+        seen.insert(plant::fingerprint(plant, bindings));
+    }
+    EXPECT_EQ(seen.size(), 7U);
+}
+
 TEST(Fingerprint, OfTextsTellsThemApart)
 {
     EXPECT_NE(plant::fingerprint("a"), plant::fingerprint("b"));

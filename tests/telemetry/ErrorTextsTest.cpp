@@ -42,9 +42,7 @@ TEST_P(TelemetryErrorTexts, AreAsExpected)
 {
     const fs::path path = GetParam();
     const language::ReadResult plant = readPlant();
-    telemetry::ReadSettings settings;
-    settings.skipBad = true;
-    telemetry::StepReader reader(path.string(), *plant.model, plant.bindings, settings);
+    telemetry::StepReader reader(path.string(), *plant.model, plant.bindings, skipping);
     std::string reported;
     while (true) {
         auto next = reader.next();

@@ -145,7 +145,7 @@ TEST(Seams, AReaderGoesOnWhereASourceOfLinesWasInterrupted)
     const language::ReadResult plant = readPlant();
     auto owned = std::make_unique<Feed>();
     Feed& feed = *owned;
-    StepReader reader(std::move(owned), *plant.model, plant.bindings, {.skipBad = true});
+    StepReader reader(std::move(owned), *plant.model, plant.bindings, skipping);
     std::vector<std::string> mistakes;
     SoundSteps steps(reader,
                      [&](const text::Diagnostic& error) { mistakes.push_back(error.format()); });
@@ -157,8 +157,7 @@ TEST(Seams, AReaderGoesOnWhereASourceOfLinesWasInterrupted)
     }
     feed.close();
     EXPECT_FALSE(steps.next());
-    std::vector<std::string> expected =
-        readText(writtenAs(jsonLines), telemetry::ReadSettings{.skipBad = true});
+    std::vector<std::string> expected = readText(writtenAs(jsonLines), skipping);
     expected.erase(expected.begin() + 2);
     EXPECT_EQ(all, expected);
     EXPECT_THAT(mistakes, ElementsAre(StartsWith("feed:4:")));
@@ -228,7 +227,7 @@ std::vector<telemetry::Step> stepsOf(const language::ReadResult& plant,
                                      const std::vector<std::string>& lines)
 {
     StepReader reader(std::make_unique<telemetry::LineVector>(lines), *plant.model, plant.bindings,
-                      {.skipBad = true});
+                      skipping);
     SoundSteps sound(reader, [](const text::Diagnostic&) {});
     std::vector<telemetry::Step> steps;
     while (auto step = sound.next()) {
@@ -242,7 +241,7 @@ TEST(StepVector, GivesItsSteps)
     const language::ReadResult plant = readPlant();
     telemetry::StepVector source(stepsOf(plant, tableLines));
     StepReader reader(std::make_unique<telemetry::LineVector>(tableLines), *plant.model,
-                      plant.bindings, {.skipBad = true});
+                      plant.bindings, skipping);
     EXPECT_EQ(source.doneShare(), 0.0);
     SoundSteps good(reader, [](const text::Diagnostic&) {});
     const std::vector<std::string> given = shownOf(source);

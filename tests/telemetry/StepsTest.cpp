@@ -170,7 +170,7 @@ TEST(Steps, GiveAChannelOfSeveralVariablesToAllOfThem)
         "component C {\n cond v: a, b\n cond w: c, d\n}\nsystem S {\n c: C\n"
         " observe c.v from \"X\" : a < 1 <= b\n observe c.w from \"X\" : c < 2 <= d\n}\n");
     const TemporaryFile table("t,X\n0,1.5\n1,oops\n");
-    telemetry::StepReader reader(table.path(), *plant.model, plant.bindings);
+    telemetry::StepReader reader(table.path(), *plant.model, plant.bindings, strict);
     const std::vector<std::string> all = readAll(reader);
     ASSERT_EQ(all.size(), 2U);
     EXPECT_THAT(all[0], HasSubstr("saw [c.v=b c.w=c]"));

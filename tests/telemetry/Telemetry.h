@@ -15,7 +15,10 @@ extern const std::string plantText;
 language::ReadResult readPlant(const std::string& text = plantText);
 
 /// Mistakes are reported, and reading goes on.
-inline const telemetry::ReadSettings skipping{.skipBad = true};
+inline const telemetry::ReadSettings skipping{
+    .skipBad = true, .knownNamesOnly = true, .readableOnly = true};
+/// Nothing that the model does not know is passed over.
+inline const telemetry::ReadSettings strict{.knownNamesOnly = true, .readableOnly = true};
 
 /// A file that is there as long as this.
 class TemporaryFile {
@@ -37,6 +40,6 @@ std::string shown(const telemetry::Step& step);
 std::vector<std::string> readAll(telemetry::StepReader& reader);
 /// The same of a text about the plant.
 std::vector<std::string> readText(const std::string& text,
-                                  const telemetry::ReadSettings& settings = {});
+                                  const telemetry::ReadSettings& settings = strict);
 /// Of the steps only what was observed, `main.flow=zero main.heat=cold`; held ones with ` held`.
 std::vector<std::string> observed(const std::string& text);

@@ -8,13 +8,15 @@ syntax keyword itmsVariable mode cond command
 syntax keyword itmsStatement law nominal fault idle initially observe for step
 syntax keyword itmsWord initial any when in per from within hold otherwise lost
 syntax keyword itmsOperator not and or
-" Words only where a statement begins or a binding goes on; names elsewhere.
+" Words only where a statement begins or a binding goes on, and functions; names elsewhere.
 syntax match itmsStatement "\v<(input|repair)>(\s+(initial|fault)>)@!(\s+\h)@="
-syntax match itmsWord "\v<(varies)>(\s+[0-9A-Za-z_(])@="
+syntax match itmsWord "\v<(varies|over|ago|settled)>(\s+[0-9A-Za-z_(])@="
+syntax match itmsWord "\v<(after)>(\s+\")@="
+syntax match itmsOperator "\v<(abs|min|max|mean|spread|rate)>(\()@="
 syntax match itmsOperator "<->\|->\|!=\|<=\|[=!&|<]"
 syntax match itmsNumber "\<\d\+\(\.\d\+\)\?\([eE][+-]\?\d\+\)\?"
-syntax keyword itmsUnit ms s second seconds min minute minutes h hour hours d day days contained
-syntax match itmsQuantity "\(\d\|\<per\)\s*\(ms\|s\|seconds\?\|min\|minutes\?\|h\|hours\?\|d\|days\?\)\>" contains=itmsNumber,itmsUnit,itmsWord
+syntax keyword itmsUnit ms s second seconds min minute minutes h hour hours d day days week weeks month months year years contained
+syntax match itmsQuantity "\(\d\|\<per\)\s*\(ms\|s\|seconds\?\|min\|minutes\?\|h\|hours\?\|d\|days\?\|weeks\?\|months\?\|years\?\)\>" contains=itmsNumber,itmsUnit,itmsWord
 syntax region itmsString start=+"+ skip=+\\\\\|\\"+ end=+"+ oneline
 syntax match itmsType "\(:\s*\)\@<=\u\w*"
 syntax keyword itmsTodo TODO FIXME contained

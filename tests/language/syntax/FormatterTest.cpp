@@ -81,6 +81,20 @@ TEST(Formatter, AlignsInputsWithObservationsAndRepairsWithFaults)
               "}\n");
 }
 
+TEST(Formatter, SeparatesWhatIsComputedFromChannels)
+{
+    EXPECT_EQ(
+        checked(
+            "system S{observe a.b from(\"A\"-\"B\")/-\"C\":low<mean ( \"D\" )over 5 min+1<=high "
+            "within(1+1) for 2 min settled 3 min after\"E\" , \"F\"\n"
+            "observe c from \"A\"ago 5 s:x<max(\"D\",2)<=y varies(0.1)}"),
+        "system S {\n"
+        "    observe a.b from (\"A\" - \"B\") / -\"C\" : low < mean(\"D\") over 5 min + 1 <= high "
+        "within (1 + 1) for 2 min settled 3 min after \"E\", \"F\"\n"
+        "    observe c   from \"A\" ago 5 s        : x < max(\"D\", 2) <= y varies (0.1)\n"
+        "}\n");
+}
+
 TEST(Formatter, KeepsABlockOfOneLineOnOneLine)
 {
     EXPECT_EQ(checked("component C {\nmode m { a initial b fault }\nmode n {\na b fault }\nt: T { "

@@ -84,6 +84,14 @@ public:
         if (const auto* readings = std::get_if<Readings>(&binding.translation))
             written += text(*readings);
         if (binding.hold) written += " (hold " + text(*binding.hold) + ")";
+        if (binding.persistence) written += " (for " + text(*binding.persistence) + ")";
+        if (binding.settling) {
+            written += " (settled " + text(binding.settling->duration);
+            for (const Text& channel : binding.settling->channels) {
+                written += " " + text(channel);
+            }
+            written += ")";
+        }
         if (binding.varies) written += " (varies " + text(*binding.varies) + ")";
         line(written + ")");
     }
@@ -134,7 +142,10 @@ private:
     }
     static std::string text(const Expression& expression)
     {
-        static constexpr std::array<std::string_view, 7> signs{"", "", "-", "+", "-", "*", "/"};
+        static constexpr std::array<std::string_view, 17> signs{
+            "",    "",    "",     "-",   "+",   "-",      "*",    "/",  "abs",
+            "min", "max", "mean", "min", "max", "spread", "rate", "ago"};
+        if (expression.kind == Expression::Kind::channel) return "\"" + expression.name + "\"";
         if (expression.kind == Expression::Kind::name) return expression.name;
         if (expression.kind == Expression::Kind::number) {
             std::array<char, 32> digits{};
@@ -146,6 +157,7 @@ private:
         for (const Expression& operand : expression.operands) {
             written += " " + text(operand);
         }
+        if (expression.unit) written += " " + expression.unit->text;
         return written + ")";
     }
     static std::string text(const Formula& formula)

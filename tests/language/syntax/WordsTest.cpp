@@ -53,6 +53,20 @@ TEST(Words, ThatAreSoftAreKnownToTheEditorsAndReadAsNames)
     }
 }
 
+TEST(Words, ThatAreUnitsAndFunctionsAreKnownToTheEditors)
+{
+    const std::string vim = contents("editors/vim/syntax/itms.vim");
+    const std::string code = contents("editors/vscode/syntaxes/itms.tmLanguage.json");
+    for (const std::string_view word : {"week", "month", "year"}) {
+        EXPECT_NE(vim.find(word), std::string::npos) << word;
+        EXPECT_NE(code.find(word), std::string::npos) << word;
+    }
+    for (const language::ChannelFunction& function : language::channelFunctions()) {
+        EXPECT_TRUE(hasWord(vim, function.name)) << function.name;
+        EXPECT_TRUE(hasWord(code, function.name)) << function.name;
+    }
+}
+
 TEST(Words, ThatAreReservedAreNotUnits)
 {
     EXPECT_EQ(language::wordKind("mode"), language::TokenKind::modeWord);
@@ -69,7 +83,10 @@ TEST(Words, UnitsHaveTheirSeconds)
     EXPECT_EQ(language::secondsOf("minutes"), 60.0);
     EXPECT_EQ(language::secondsOf("h"), 3600.0);
     EXPECT_EQ(language::secondsOf("day"), 86400.0);
-    EXPECT_FALSE(language::secondsOf("week").has_value());
+    EXPECT_EQ(language::secondsOf("week"), 7 * 86400.0);
+    EXPECT_EQ(language::secondsOf("months"), 30 * 86400.0);
+    EXPECT_EQ(language::secondsOf("year"), 365 * 86400.0);
+    EXPECT_FALSE(language::secondsOf("fortnight").has_value());
 }
 
 } // namespace
