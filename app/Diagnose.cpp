@@ -238,16 +238,6 @@ private:
     bool faultFound_ = false;
 };
 
-// The process ends with the run, and taking the model of a large circuit apart would be a quarter of its time.
-ExitStatus finished(std::unique_ptr<DiagnoseRun> run)
-{
-    static const DiagnoseRun* kept = nullptr;
-    const ExitStatus status = run->finish();
-    kept = run.release();
-    static_cast<void>(kept);
-    return status;
-}
-
 ExitStatus diagnose(const DiagnoseOptions& options)
 {
     checkUsage(options);
@@ -260,14 +250,14 @@ ExitStatus diagnose(const DiagnoseOptions& options)
     catchInterruptions();
     if (options.problems) {
         telemetry::LineReader reader(*options.problems);
-        auto run = std::make_unique<DiagnoseRun>(options, circuit);
-        run->solveAll(reader, circuit);
-        return finished(std::move(run));
+        DiagnoseRun run(options, circuit);
+        run.solveAll(reader, circuit);
+        return run.finish();
     }
     const session::CircuitProblem problem = problemOfOptions(options, circuit);
-    auto run = std::make_unique<DiagnoseRun>(options, circuit);
-    run->solve(problem);
-    return finished(std::move(run));
+    DiagnoseRun run(options, circuit);
+    run.solve(problem);
+    return run.finish();
 }
 
 std::vector<Section> sections(DiagnoseOptions& options)

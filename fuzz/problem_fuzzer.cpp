@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(problem.inputs.size() == 3, "a problem has every input");
     require(!problem.outputs.empty(), "and an output");
     const session::CircuitAnswer answer = session.solve(problem, {.upTo = 2}, [](int) {});
-    require(answer.step.complete, "a small circuit is searched to the end");
-    require(!answer.step.candidates.empty(), "two faults explain any output of an adder");
+    require(answer.complete, "a small circuit is searched to the end");
+    require(!answer.explanations.empty(), "two faults explain any output of an adder");
     return 0;
 }

@@ -6,12 +6,11 @@ namespace report {
 
 namespace {
 
-Explanation explanation(const plant::Plant& plant, const monitor::Candidate& candidate)
+Explanation explanation(const netlist::Circuit& circuit, const session::CircuitExplanation& found)
 {
-    Explanation result{candidate.probability, candidate.faults, {}};
-    for (const plant::AtomIndex index : candidate.modes) {
-        const Atom& mode = *plant.atom(index);
-        result.modes.push_back({mode.stateVar->comp->name, mode.stateVar->name, mode.value});
+    Explanation result{found.probability, static_cast<int>(found.gates.size()), {}};
+    for (const std::size_t gate : found.gates) {
+        result.modes.push_back({circuit.signals[circuit.gates[gate].output], "mode", "faulty"});
     }
     return result;
 }
@@ -23,18 +22,17 @@ Diagnosis diagnosis(const session::CircuitSession& session, const session::Circu
 {
     Diagnosis made;
     made.id = problem.id;
-    made.status = answer.step.status;
-    made.complete = answer.step.complete;
-    made.limit = answer.step.limit;
+    made.status = answer.status;
+    made.complete = answer.complete;
+    made.limit = answer.limit;
     made.faultBound = answer.faultBound;
     made.work = answer.work;
-    for (const monitor::Candidate& candidate : answer.step.candidates) {
-        made.explanations.push_back(explanation(session.plant(), candidate));
+    for (const session::CircuitExplanation& found : answer.explanations) {
+        made.explanations.push_back(explanation(session.circuit(), found));
     }
-    const std::vector<plant::AtomIndex>& contradicted = answer.step.discrepancies;
     for (const auto& [signal, value] : problem.outputs) {
-        const bool differs = std::find(contradicted.begin(), contradicted.end(),
-                                       session.atom(signal, value)) != contradicted.end();
+        const bool differs = std::find(answer.differing.begin(), answer.differing.end(), signal) !=
+                             answer.differing.end();
         made.outputs.push_back({session.circuit().signals[signal], value != differs, value});
     }
     made.outputCount = session.circuit().outputs.size();

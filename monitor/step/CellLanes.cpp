@@ -10,8 +10,11 @@ namespace {
 
 std::uint32_t literalsOf(const CellNetwork& network, const Cell& cell, int side)
 {
-    if (cell.begin[side] == cell.end[side]) return 0;
-    return network.term(cell.end[side] - 1).end - network.term(cell.begin[side]).begin;
+    std::uint32_t sum = 0;
+    for (std::uint32_t i = cell.begin[side]; i < cell.end[side]; ++i) {
+        sum += network.term(i).end - network.term(i).begin;
+    }
+    return sum;
 }
 
 } // namespace

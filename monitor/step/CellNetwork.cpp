@@ -160,7 +160,7 @@ private:
     // Numbers the signals: sources, then outputs, each after the cell's inputs. False when cells depend on one another in a circle.
     bool order()
     {
-        network_.signalOf_.assign(drafts_.size(), CellNetwork::none);
+        network_.signalOf_.assign(drafts_.size(), none);
         std::vector<VariableIndex> outputs;
         for (std::size_t i = 0; i < drafts_.size(); ++i) {
             const auto variable = static_cast<VariableIndex>(i);
@@ -168,7 +168,7 @@ private:
             if (drafts_[i].any()) {
                 outputs.push_back(variable);
             } else {
-                number(variable);
+                number(variable, network_.addSource());
             }
         }
         std::vector<bool> begun(drafts_.size(), false);
@@ -198,53 +198,32 @@ private:
         return true;
     }
 
-    bool numbered(VariableIndex variable) const
+    bool numbered(VariableIndex variable) const { return signal(variable) != none; }
+    SignalNumber signal(VariableIndex variable) const
     {
-        return network_.signalOf_[static_cast<std::size_t>(variable)] != CellNetwork::none;
+        return network_.signalOf_[static_cast<std::size_t>(variable)];
     }
-
-    void number(VariableIndex variable)
+    void number(VariableIndex variable, SignalNumber signal)
     {
-        network_.signalOf_[static_cast<std::size_t>(variable)] =
-            static_cast<SignalNumber>(network_.variables_.size());
-        network_.variables_.push_back(variable);
+        network_.signalOf_[static_cast<std::size_t>(variable)] = signal;
     }
 
     void addCell(VariableIndex output)
     {
-        DraftCell& made = draft(output);
-        Cell cell{made.mode, made.fault, {}, {}};
+        const DraftCell& made = draft(output);
+        CellTerms terms[2];
         for (int side = 0; side < 2; ++side) {
-            cell.begin[side] = static_cast<std::uint32_t>(network_.terms_.size());
             for (const DraftTerm& term : made.terms[side]) {
-                const auto begin = static_cast<std::uint32_t>(network_.literals_.size());
+                std::vector<SignalValue>& literals = terms[side].emplace_back();
                 for (const auto& [input, value] : term.literals) {
-                    network_.literals_.push_back(
-                        {network_.signalOf_[static_cast<std::size_t>(input)], value});
+                    literals.push_back({signal(input), value});
                 }
-                network_.terms_.push_back(
-                    {begin, static_cast<std::uint32_t>(network_.literals_.size())});
             }
-            cell.end[side] = static_cast<std::uint32_t>(network_.terms_.size());
-            preferEarlyInputs(cell.begin[side], cell.end[side]);
         }
-        network_.cells_.push_back(cell);
-        number(output);
+        number(output, network_.addCell(made.mode, made.fault, terms[0], terms[1]));
     }
 
-    // Of two terms that give the same value, the one with the earlier inputs rests on fewer cells.
-    void preferEarlyInputs(std::uint32_t begin, std::uint32_t end)
-    {
-        const auto latest = [this](const CellTerm& term) {
-            SignalNumber last = 0;
-            for (std::uint32_t i = term.begin; i < term.end; ++i) {
-                last = std::max(last, network_.literals_[i].signal);
-            }
-            return last;
-        };
-        std::stable_sort(network_.terms_.begin() + begin, network_.terms_.begin() + end,
-                         [&](const CellTerm& a, const CellTerm& b) { return latest(a) < latest(b); });
-    }
+    static constexpr SignalNumber none = ~SignalNumber{0};
 
     const Plant& plant_;
     std::vector<DraftCell> drafts_;     ///< by variable
@@ -255,6 +234,33 @@ private:
 std::optional<CellNetwork> CellNetwork::of(const Plant& plant)
 {
     return CellRecognition(plant).network();
+}
+
+SignalNumber CellNetwork::addCell(std::int32_t mode, AtomIndex fault, const CellTerms& zero,
+                                  const CellTerms& one)
+{
+    // Of two terms that give the same value, the one with the earlier inputs rests on fewer cells.
+    const auto latest = [this](const CellTerm& term) {
+        SignalNumber last = 0;
+        for (std::uint32_t i = term.begin; i < term.end; ++i) {
+            last = std::max(last, literals_[i].signal);
+        }
+        return last;
+    };
+    Cell cell{mode, fault, {}, {}};
+    for (int side = 0; side < 2; ++side) {
+        cell.begin[side] = static_cast<std::uint32_t>(terms_.size());
+        for (const std::vector<SignalValue>& term : side == 1 ? one : zero) {
+            const auto begin = static_cast<std::uint32_t>(literals_.size());
+            literals_.insert(literals_.end(), term.begin(), term.end());
+            terms_.push_back({begin, static_cast<std::uint32_t>(literals_.size())});
+        }
+        cell.end[side] = static_cast<std::uint32_t>(terms_.size());
+        std::stable_sort(terms_.begin() + cell.begin[side], terms_.end(),
+                         [&](const CellTerm& a, const CellTerm& b) { return latest(a) < latest(b); });
+    }
+    cells_.push_back(cell);
+    return outputOf(static_cast<CellNumber>(cells_.size() - 1));
 }
 
 SignalValue CellNetwork::valueOf(const Plant& plant, AtomIndex value) const

@@ -33,16 +33,28 @@ struct CellTerm {
 };
 
 struct Cell {
-    VariableIndex mode; ///< -1: none, the cell is never faulty
-    AtomIndex fault;    ///< the mode's value that leaves the output open
+    /// What makes it faulty: the mode variable, in the network that a plant is; else whatever number its maker gave it. -1: nothing.
+    std::int32_t mode;
+    AtomIndex fault; ///< in the network that a plant is, the mode's value that leaves the output open
     /// The terms that give 0, and those that give 1: from `begin` up to `end`. For all values of the inputs, some term of exactly one
     /// of these two holds.
     std::uint32_t begin[2];
     std::uint32_t end[2];
 };
 
+/// Terms that give a cell's output one value.
+using CellTerms = std::vector<std::vector<SignalValue>>;
+
 class CellNetwork {
 public:
+    /// Nothing yet: for whoever makes a network without a plant. All sources are added before the first cell.
+    CellNetwork() = default;
+    SignalNumber addSource() { return sources_++; }
+    /// Adds a cell; its output is the next signal. Requires: of the terms for 0 and those for 1, some of exactly one hold, whatever
+    /// the inputs are, and these are there already.
+    SignalNumber addCell(std::int32_t mode, AtomIndex fault, const CellTerms& zero,
+                         const CellTerms& one);
+
     /// The network that a plant is, or nothing. Linear in the plant, but for cells whose laws need many cases to be seen to leave
     /// nothing open; these are not taken for cells when there are too many cases.
     static std::optional<CellNetwork> of(const Plant& plant);
@@ -52,32 +64,20 @@ public:
     const CellTerm& term(std::uint32_t index) const { return terms_[index]; }
     const SignalValue& literal(std::uint32_t index) const { return literals_[index]; }
 
-    std::size_t signals() const { return variables_.size(); }
-    std::size_t sources() const { return variables_.size() - cells_.size(); }
-    SignalNumber outputOf(CellNumber cell) const
-    {
-        return static_cast<SignalNumber>(sources()) + cell;
-    }
-    /// The signal of a variable; nothing for a mode.
-    std::optional<SignalNumber> signalOf(VariableIndex variable) const
-    {
-        const SignalNumber signal = signalOf_[static_cast<std::size_t>(variable)];
-        return signal == none ? std::nullopt : std::optional(signal);
-    }
-    /// The signal of a value's variable, having that value. Requires: no mode.
+    std::size_t signals() const { return sources_ + cells_.size(); }
+    std::size_t sources() const { return sources_; }
+    SignalNumber outputOf(CellNumber cell) const { return sources_ + cell; }
+    /// The signal of a value's variable, having that value. Requires: the network that the plant is; no mode.
     SignalValue valueOf(const Plant& plant, AtomIndex value) const;
 
 private:
     friend class CellRecognition;
-    CellNetwork() = default;
-
-    static constexpr SignalNumber none = ~SignalNumber{0};
 
     std::vector<Cell> cells_;
     std::vector<CellTerm> terms_;
     std::vector<SignalValue> literals_;
-    std::vector<VariableIndex> variables_; ///< by signal
-    std::vector<SignalNumber> signalOf_;   ///< by variable
+    SignalNumber sources_ = 0;
+    std::vector<SignalNumber> signalOf_; ///< by variable of the plant
 };
 
 } // namespace monitor

@@ -63,65 +63,31 @@ std::optional<NetworkQuestion> questionOf(const CellNetwork& network, const Step
     return modes == frame.modes.size() ? std::optional(std::move(question)) : std::nullopt;
 }
 
-class Answer {
-public:
-    Answer(const CellNetwork& network, const NetworkQuestion& question)
-        : network_(network), question_(question)
-    {
-    }
+Deviations deviations(const CellNetwork& network, const FaultyCells& cells)
+{
+    Deviations modes;
+    for (const CellNumber cell : cells) modes.push_back(network.cells()[cell].fault);
+    std::sort(modes.begin(), modes.end());
+    return modes;
+}
 
-    Explanations made(const FlipSearch& search, SearchLimit cut)
-    {
-        Explanations answer;
-        for (const FaultyCells& cells : search.found()) answer.found.insert(deviations(cells));
-        answer.limit = cut != SearchLimit::none ? cut : search.limit();
-        answer.complete = search.complete() && cut == SearchLimit::none;
-        answer.work = search.work();
-        try {
-            addLikelihoods(search.found(), answer);
-        } catch (const Meter::Cut&) {
-            // The judgement has a part of the limits for itself, and does the rest.
-        }
-        return answer;
+Explanations explanations(const CellNetwork& network, const NetworkQuestion& question,
+                          const FlipSearch& search)
+{
+    Explanations answer;
+    for (const FaultyCells& cells : search.found()) answer.found.insert(deviations(network, cells));
+    answer.complete = search.complete();
+    answer.limit = search.limit();
+    answer.work = search.work();
+    try {
+        countOutcomes(network, question, search.found(), [&](const FaultyCells& cells, int number) {
+            answer.logLikelihoods.emplace(deviations(network, cells), -std::log(number));
+        });
+    } catch (const Meter::Cut&) {
+        // The judgement has a part of the limits for itself, and does the rest.
     }
-
-private:
-    Deviations deviations(const FaultyCells& cells) const
-    {
-        Deviations modes;
-        for (const CellNumber cell : cells) modes.push_back(network_.cells()[cell].fault);
-        std::sort(modes.begin(), modes.end());
-        return modes;
-    }
-
-    // Sets of one size share the lanes. Those of more than 6 cells need more than there are.
-    void addLikelihoods(const std::set<FaultyCells>& found, Explanations& answer)
-    {
-        constexpr std::size_t mostCells = 6;
-        CellLanes lanes(network_, question_.sources);
-        std::vector<std::vector<const FaultyCells*>> waiting(mostCells + 1);
-        const auto count = [&](std::vector<const FaultyCells*>& sets) {
-            const std::vector<int> numbers = outcomes(lanes, question_.seen, sets);
-            for (std::size_t i = 0; i < sets.size(); ++i) {
-                answer.logLikelihoods.emplace(deviations(*sets[i]), -std::log(numbers[i]));
-            }
-            sets.clear();
-        };
-        for (const FaultyCells& cells : found) {
-            if (cells.size() > mostCells) continue;
-            waiting[cells.size()].push_back(&cells);
-            if (waiting[cells.size()].size() == laneCount >> cells.size()) {
-                count(waiting[cells.size()]);
-            }
-        }
-        for (auto& sets : waiting) {
-            if (!sets.empty()) count(sets);
-        }
-    }
-
-    const CellNetwork& network_;
-    const NetworkQuestion& question_;
-};
+    return answer;
+}
 
 } // namespace
 
@@ -137,13 +103,8 @@ Explanations ConflictSearch::search(const StepFrame& frame, int faultBudget,
         network_ ? questionOf(*network_, frame) : std::nullopt;
     if (!question) return otherwise_->search(frame, faultBudget, limits);
     FlipSearch search(*network_, *question, limits);
-    SearchLimit cut = SearchLimit::none;
-    try {
-        search.run(faultBudget);
-    } catch (const Meter::Cut& met) {
-        cut = met.limit;
-    }
-    return Answer(*network_, *question).made(search, cut);
+    search.run(faultBudget);
+    return explanations(*network_, *question, search);
 }
 
 } // namespace monitor

@@ -21,7 +21,7 @@ class FaultSearch {
 public:
     /// Records after which an engine search is taken apart. A search of the usual size stays below; of one that
     /// does not, this much is lost.
-    static constexpr std::uint64_t usualRecordsBeforeSplit = 5000;
+    static constexpr std::uint64_t usualRecordsBeforeSplit = 100;
 
     /// Engine and frame outlive the search. The limits are for all that run() does: what the engine expands, and
     /// every conflict that is taken apart here, is a record.

@@ -16,6 +16,16 @@ FlipSearch::FlipSearch(const CellNetwork& network, const NetworkQuestion& questi
 
 void FlipSearch::run(int faultBudget)
 {
+    try {
+        runSizeBySize(faultBudget);
+    } catch (const Meter::Cut& cut) {
+        budget_.meet(cut.limit);
+        complete_ = false;
+    }
+}
+
+void FlipSearch::runSizeBySize(int faultBudget)
+{
     if (exhausted()) return;
     if (conflicts().count == 0) {
         found_.insert(FaultyCells());
@@ -31,6 +41,17 @@ void FlipSearch::run(int faultBudget)
         }
         smaller_ = found_.size();
     }
+}
+
+std::vector<std::size_t> FlipSearch::differing() const
+{
+    const CellLanes working(network_, question_.sources);
+    std::vector<std::size_t> places;
+    for (std::size_t i = 0; i < question_.seen.size(); ++i) {
+        const SignalValue& seen = question_.seen[i];
+        if ((working.ones(seen.signal) != 0) != seen.value) places.push_back(i);
+    }
+    return places;
 }
 
 // Looks for the sets of these cells and exactly so many more that may join them.
@@ -270,8 +291,7 @@ Lanes exchanged(Lanes word, unsigned distance)
     return word;
 }
 
-} // namespace
-
+// For sets of equal size, no more than there are groups of 2^size lanes.
 std::vector<int> outcomes(CellLanes& lanes, const std::vector<SignalValue>& seen,
                           const std::vector<const FaultyCells*>& sets)
 {
@@ -303,6 +323,30 @@ std::vector<int> outcomes(CellLanes& lanes, const std::vector<SignalValue>& seen
         counts[i / group] += first ? 1 : 0;
     }
     return counts;
+}
+
+} // namespace
+
+void countOutcomes(const CellNetwork& network, const NetworkQuestion& question,
+                   const std::set<FaultyCells>& sets,
+                   const std::function<void(const FaultyCells&, int)>& counted)
+{
+    CellLanes lanes(network, question.sources);
+    std::vector<std::vector<const FaultyCells*>> waiting(mostCountedCells + 1);
+    const auto count = [&](std::vector<const FaultyCells*>& some) {
+        const std::vector<int> numbers = outcomes(lanes, question.seen, some);
+        for (std::size_t i = 0; i < some.size(); ++i) counted(*some[i], numbers[i]);
+        some.clear();
+    };
+    for (const FaultyCells& cells : sets) {
+        if (cells.size() > mostCountedCells) continue;
+        std::vector<const FaultyCells*>& some = waiting[cells.size()];
+        some.push_back(&cells);
+        if (some.size() == laneCount >> cells.size()) count(some);
+    }
+    for (auto& some : waiting) {
+        if (!some.empty()) count(some);
+    }
 }
 
 } // namespace monitor

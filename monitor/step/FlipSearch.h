@@ -9,6 +9,7 @@
 #include "monitor/step/Budget.h"
 #include "monitor/step/CellLanes.h"
 
+#include <functional>
 #include <set>
 
 namespace monitor {
@@ -29,14 +30,16 @@ public:
     FlipSearch(const CellNetwork& network, const NetworkQuestion& question,
                const SearchLimits& limits);
 
-    /// Looks for the sets of at most `faultBudget` cells. What was found when a Meter cuts it stands.
+    /// Looks for the sets of at most `faultBudget` cells.
     void run(int faultBudget);
 
+    /// Which of the values that were seen are not what cells that all work show: their places in the question, rising.
+    std::vector<std::size_t> differing() const;
     /// The sets that explain what was seen and contain no other one that does. The empty set: every cell works.
     const std::set<FaultyCells>& found() const { return found_; }
     /// Every set within the bound that explains what was seen contains one of those found.
     bool complete() const { return complete_; }
-    /// The limit that cut the search, if one did; not one that a Meter met.
+    /// The limit that cut the search, if one did.
     SearchLimit limit() const { return budget_.limit(); }
     const SearchWork& work() const { return budget_.work(); }
 
@@ -48,6 +51,7 @@ private:
         Lanes all() const { return count == laneCount ? allLanes : (Lanes{1} << count) - 1; }
     };
 
+    void runSizeBySize(int faultBudget);
     void extend(FaultyCells& flipped, int left);
     void flipInAllLanes(const FaultyCells& flipped);
     Conflicts conflicts();
@@ -75,9 +79,13 @@ private:
     bool complete_ = true;
 };
 
-/// How many different values the observed signals can have together, whatever the faulty cells show, for several sets of equal size.
-/// Requires: at most 6 cells each, and no more sets than groups of 2^size lanes in 64.
-std::vector<int> outcomes(CellLanes& lanes, const std::vector<SignalValue>& seen,
-                          const std::vector<const FaultyCells*>& sets);
+/// Sets of more cells have more outcomes than there are lanes.
+constexpr std::size_t mostCountedCells = 6;
+
+/// Hands out, for each of the sets with at most mostCountedCells, how many different values the observed signals can have together,
+/// whatever its cells show. What was handed out when a Meter cuts it stands.
+void countOutcomes(const CellNetwork& network, const NetworkQuestion& question,
+                   const std::set<FaultyCells>& sets,
+                   const std::function<void(const FaultyCells&, int)>& counted);
 
 } // namespace monitor

@@ -75,32 +75,33 @@ void normalise(std::vector<Candidate>& candidates)
     }
 }
 
+using IdOf = std::function<std::string(AtomIndex)>;
+
 // For each mode that deviates in a candidate, its place among them by identifier.
-std::unordered_map<AtomIndex, std::size_t> placesById(const Plant& plant,
-                                                      const std::vector<Candidate>& candidates)
+std::unordered_map<AtomIndex, std::size_t> placesById(const std::vector<Candidate>& candidates,
+                                                      const IdOf& idOf)
 {
     std::unordered_map<AtomIndex, std::size_t> places;
-    std::vector<AtomIndex> modes;
+    std::vector<std::pair<std::string, AtomIndex>> modes;
     for (const Candidate& candidate : candidates) {
         for (const AtomIndex mode : candidate.modes) {
             if (places.emplace(mode, 0).second) {
-                modes.push_back(mode);
+                modes.emplace_back(idOf(mode), mode);
             }
         }
     }
-    std::sort(modes.begin(), modes.end(),
-              [&](AtomIndex a, AtomIndex b) { return plant.atom(a)->id < plant.atom(b)->id; });
+    std::sort(modes.begin(), modes.end());
     for (std::size_t i = 0; i < modes.size(); ++i) {
-        places[modes[i]] = i;
+        places[modes[i].second] = i;
     }
     return places;
 }
 
 // Most probable first. Equal products of the same factors in another order differ in their last bits: they are
 // ties, which the identifiers of the modes decide.
-void rank(const Plant& plant, std::vector<Candidate>& candidates)
+void rank(std::vector<Candidate>& candidates, const IdOf& idOf)
 {
-    const std::unordered_map<AtomIndex, std::size_t> places = placesById(plant, candidates);
+    const std::unordered_map<AtomIndex, std::size_t> places = placesById(candidates, idOf);
     const auto byId = [&](AtomIndex a, AtomIndex b) { return places.at(a) < places.at(b); };
     struct Ranked {
         double rounded;
@@ -127,6 +128,12 @@ void rank(const Plant& plant, std::vector<Candidate>& candidates)
 }
 
 } // namespace
+
+void normaliseAndRank(std::vector<Candidate>& candidates, const IdOf& idOf)
+{
+    normalise(candidates);
+    rank(candidates, idOf);
+}
 
 std::optional<Candidate> weigh(const StepFrame& frame, const Deviations& modes, double logLikelihood)
 {
@@ -256,8 +263,8 @@ Judgement judge(const StepFrame& frame, const std::set<Deviations>& found,
         judgement.limit = cut.limit;
     }
     keepMinimal(judgement.candidates);
-    normalise(judgement.candidates);
-    rank(frame.plant, judgement.candidates);
+    normaliseAndRank(judgement.candidates,
+                     [&](AtomIndex mode) { return frame.plant.atom(mode)->id; });
     return judgement;
 }
 

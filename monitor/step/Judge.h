@@ -3,9 +3,11 @@
 
 #include "monitor/step/Step.h"
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
+#include <string>
 
 namespace monitor {
 
@@ -22,6 +24,11 @@ struct Judgement {
 /// share a mode.
 Judgement judge(const StepFrame& frame, const std::set<Deviations>& found,
                 const std::map<Deviations, double>& logLikelihoods = {});
+
+/// Divides by the sum of their probabilities, and puts the most probable first. Equal ones are ordered as `idOf` their modes. Ensures:
+/// the modes of each are in this order, too.
+void normaliseAndRank(std::vector<Candidate>& candidates,
+                      const std::function<std::string(AtomIndex)>& idOf);
 
 /// What a step assumes under some deviations: its commands, then one value of each mode variable in the frame's order.
 std::vector<AtomIndex> assumptionsOf(const StepFrame& frame, const Deviations& deviations);

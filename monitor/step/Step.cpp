@@ -9,8 +9,6 @@
 
 namespace monitor {
 
-namespace {
-
 StepStatus statusOf(const std::vector<Candidate>& candidates)
 {
     if (candidates.empty()) {
@@ -22,8 +20,6 @@ StepStatus statusOf(const std::vector<Candidate>& candidates)
     // Two of equal probability are ambiguous, whatever the last bit of their sum.
     return candidates.front().probability > 0.5 + 1e-9 ? StepStatus::faulty : StepStatus::ambiguous;
 }
-
-} // namespace
 
 StepSolver::StepSolver(itms& engine, const Plant& plant,
                        std::optional<std::uint64_t> recordsBeforeSplit)

@@ -91,6 +91,8 @@ private:
 /// that, and others what follows; the rest is unknown. Where these contradict the laws, nothing follows.
 Prediction initialLabels(const Plant& plant);
 
+/// The status of a step that these explain, the most probable first.
+StepStatus statusOf(const std::vector<Candidate>& candidates);
 /// The name of a status: "nominal", "faulty", "ambiguous", "inconsistent".
 const char* name(StepStatus status);
 /// What a limit bounds: "records", "candidates", "seconds", "interrupted", "work", "memory", or "" for none.

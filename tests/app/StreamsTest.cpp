@@ -181,14 +181,14 @@ TEST_P(Signals, LeaveAReportThatSaysSo)
 }
 
 // The first problem is one without a fault, and answered at once. The second one takes for ever by itself: all
-// explanations of up to four faults, without a limit.
+// explanations of up to seven faults, without a limit.
 TEST_P(Signals, EndALongSearchAndSaySo)
 {
     const std::vector<std::string> lines = projectLines("examples/circuits/c432.jsonl");
     nlohmann::json nominal = nlohmann::json::parse(lines.at(0));
     nominal["observed"] = {{"G329gat", 0}};
     const ProgramRun run = runUntilSignal({"diagnose", "examples/circuits/c432.bench", "--problems",
-                                           "-", "--max-rank", "4", "--max-seconds", "0"},
+                                           "-", "--max-rank", "7", "--max-seconds", "0"},
                                           nominal.dump() + "\n" + lines.at(5) + "\n", GetParam());
     EXPECT_EQ(run.status, 130);
     EXPECT_THAT(run.out, HasSubstr("\"status\":\"nominal\""));
