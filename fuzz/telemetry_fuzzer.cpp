@@ -37,6 +37,7 @@ system Plant {
     observe b.valve.flow from "G" : zero < 1 <= low < 5 <= high hold 3 s
     observe v.heat from "H" : cold = "C", warm = 1
     observe b.valve.heat from "H" : cold = "C", warm otherwise
+    observe b.level from mean("F" - "K") over 3 s : empty < "L" / 2 <= full
     command v.request from "X" : open = 1, close = 0, none otherwise
     command b.valve.request hold 2 s
 })");

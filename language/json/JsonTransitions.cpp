@@ -8,8 +8,8 @@ namespace language {
 
 namespace {
 
-constexpr std::array kinds{plant::ChangeKind::nominal, plant::ChangeKind::fault,
-                           plant::ChangeKind::repair, plant::ChangeKind::idle};
+constexpr std::array changeKinds{plant::ChangeKind::nominal, plant::ChangeKind::fault,
+                                 plant::ChangeKind::repair, plant::ChangeKind::idle};
 
 std::string nameOf(plant::ChangeKind kind, const Atom* to)
 {
@@ -30,15 +30,15 @@ void JsonTransitions::add(const JsonNode& node)
 {
     const std::size_t index = index_++;
     if (!node.isObject({"kind", "from", "to", "probability"}, {"name", "guard"})) return;
-    const auto word = node["kind"].oneOf({plant::word(kinds[0]), plant::word(kinds[1]),
-                                          plant::word(kinds[2]), plant::word(kinds[3])});
+    const auto word = node["kind"].oneOf({plant::word(changeKinds[0]), plant::word(changeKinds[1]),
+                                          plant::word(changeKinds[2]), plant::word(changeKinds[3])});
     Atom* from = names_.atom(node["from"]);
     Atom* to = names_.atom(node["to"]);
     const auto probability = node["probability"].probability();
     std::optional<plant::Conjunction> guard{std::in_place};
     if (node.has("guard")) guard = guardOf(node["guard"]);
     if (!word || !from || !to || !probability || !guard) return;
-    const plant::ChangeKind kind = kinds[*word];
+    const plant::ChangeKind kind = changeKinds[*word];
     if (!fits(node, kind, from, to)) return;
     const bool again = !changes_.empty() && last_ + 1 == index && changes_.back().kind == kind &&
                        changes_.back().from == from && changes_.back().to == to &&

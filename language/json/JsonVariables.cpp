@@ -63,10 +63,10 @@ bool JsonVariables::addOne(const JsonNode& node, Comp* component)
 
 std::optional<plant::VariableKind> JsonVariables::kindOf(const JsonNode& node)
 {
-    constexpr std::array kinds{plant::VariableKind::mode, plant::VariableKind::condition,
-                               plant::VariableKind::command};
+    constexpr std::array variableKinds{plant::VariableKind::mode, plant::VariableKind::condition,
+                                       plant::VariableKind::command};
     const auto word = node.oneOf({"mode", "cond", "command"});
-    return word ? std::optional(kinds[*word]) : std::nullopt;
+    return word ? std::optional(variableKinds[*word]) : std::nullopt;
 }
 
 std::optional<std::vector<plant::ValueDeclaration>> JsonVariables::valuesOf(const JsonNode& node)
