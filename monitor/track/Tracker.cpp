@@ -403,7 +403,7 @@ private:
         for (const PastStep& step : memory.past) {
             calm += step.logCalm;
         }
-        answer_.silent = triesEverything() ? 0.0 : -std::expm1(calm);
+        answer_.silent = triesEverything() ? 0.0 : 0.0 - std::expm1(calm);
     }
 
     // By the rates, no fault began at this step but those of the hypotheses.

@@ -401,4 +401,12 @@ TEST_F(TrackerSays, ThatNothingIsSilentWhereEverythingIsFollowed)
     EXPECT_EQ(tracker_->answer().silent, 0.0);
 }
 
+TEST_F(TrackerTest, SaysThatNothingIsSilentWhereNothingCanBreak)
+{
+    model_.mode("lamp.state", {"off", "on"});
+    step({});
+    EXPECT_EQ(tracker_->answer().silent, 0.0);
+    EXPECT_FALSE(std::signbit(tracker_->answer().silent)); // or it is printed as -0.0
+}
+
 } // namespace
