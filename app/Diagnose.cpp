@@ -285,9 +285,8 @@ std::vector<Section> sections(DiagnoseOptions& options)
           {"--up-to", "N", "... but of no more than N faults (default 3)", &options.upTo,
            wholeNumber(1, mostFaults)},
           {"--search", "HOW",
-           "conflicts: take apart what contradicts the outputs, the default;\nengine: let the "
-           "engine "
-           "search, as the other verbs do",
+           "conflicts: take apart what contradicts the outputs, the default;\nengine: let "
+           "the engine search, as the other verbs do",
            &options.search, oneOf({"conflicts", "engine"})},
           {"--max-records", "N",
            "stop after so many search records a problem (default {default}: no limit)",

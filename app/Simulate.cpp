@@ -62,7 +62,8 @@ std::unique_ptr<SimulationSource> makeSource(const SimulateOptions& options,
                                              const session::Session& session)
 {
     if (options.telemetry)
-        return std::make_unique<TelemetrySteps>(session, *options.telemetry, options.skipBad);
+        return std::make_unique<TelemetrySteps>(session, *options.telemetry, options.skipBad,
+                                                !options.quiet);
     std::optional<std::uint64_t> seed;
     if (options.commands != "none") seed = options.seed.value_or(1);
     return std::make_unique<DrawnSteps>(session, options.steps.value_or(20), seed);

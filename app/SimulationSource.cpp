@@ -25,9 +25,9 @@ std::optional<SourceStep> DrawnSteps::next()
 }
 
 TelemetrySteps::TelemetrySteps(const session::Session& session, const std::string& path,
-                               bool skipBad)
+                               bool skipBad, bool tells)
     : plant_(session.plant()),
-      feed_({path}, session.model(), session.bindings(), {.skipBad = skipBad}, true)
+      feed_({path}, session.model(), session.bindings(), {.skipBad = skipBad}, tells)
 {
 }
 

@@ -53,9 +53,11 @@ private:
 /// Commands and observations of a file, or of standard input as they come.
 class TelemetrySteps : public SimulationSource {
 public:
-    /// The session outlives this. With `skipBad`, lines in error are reported on standard error and left out. Throws
+    /// The session outlives this. With `skipBad`, lines in error are reported on standard error and left out. What the reader passes
+    /// over is told there where `tells`. Throws
     /// telemetry::ReadFailure when the file cannot be opened.
-    TelemetrySteps(const session::Session& session, const std::string& path, bool skipBad);
+    TelemetrySteps(const session::Session& session, const std::string& path, bool skipBad,
+                   bool tells);
 
     std::optional<SourceStep> next() override;
     void reportLeftOut() const override { feed_.reportPassedOver("simulate"); }
