@@ -5,20 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
-#include <limits>
 #include <stdexcept>
 
 namespace telemetry {
-
-namespace {
-
-// The difference of two times is as inexact as the times are.
-double slack(double t, double seconds)
-{
-    return 4 * std::numeric_limits<double>::epsilon() * std::max(std::abs(t), seconds);
-}
-
-} // namespace
 
 LateReadings::LateReadings(const Names& names, double gapSeconds)
     : names_(names), gapSeconds_(gapSeconds), operands_(names.operands().size())
@@ -63,14 +52,12 @@ LateReadings::Late LateReadings::made(std::uint32_t variable, const plant::Chann
 
 void LateReadings::read(std::uint32_t operand, const Reading& reading)
 {
-    constexpr double none = std::numeric_limits<double>::quiet_NaN();
-    double number = none;
-    if (reading.kind == Reading::Kind::number) number = reading.number;
-    if (reading.kind == Reading::Kind::cell) number = parseNumber(reading.text).value_or(none);
+    std::optional<double> number = numberOf(reading);
+    if (number && !std::isfinite(*number)) number.reset();
     Operand& known = operands_[operand];
-    if (known.isComputedFrom && std::isfinite(number)) computed_.read(operand, number);
+    if (known.isComputedFrom && number) computed_.read(operand, *number);
     if (known.isWaitedFor)
-        known.draft = std::isfinite(number) ? fmt::format("{}", number) : std::string(reading.text);
+        known.draft = number ? fmt::format("{}", *number) : std::string(reading.text);
 }
 
 void LateReadings::give(std::uint32_t variable, const Given& given)
@@ -108,7 +95,7 @@ bool LateReadings::isSettled(const Late& late, double t) const
     for (const std::uint32_t operand : late.settling) {
         since = std::max(since, operands_[operand].since.value_or(since));
     }
-    return t - since >= wanted - slack(t, wanted);
+    return t - since >= wanted - timeSlack(t, wanted);
 }
 
 // False where one is missing, or where they do not rise.
@@ -126,7 +113,7 @@ bool LateReadings::findLimits(Late& late) const
     return true;
 }
 
-// Whether a value that was read counts. One that does not has to be read again, without a hole in between (Window.h has the same).
+// Whether a value that was read counts. One that does not has to be read again, without a hole in between.
 bool LateReadings::lasts(Late& late, Atom* value, double t, const Atom* last) const
 {
     if (!late.binding->persistSeconds) return true;
@@ -136,10 +123,11 @@ bool LateReadings::lasts(Late& late, Atom* value, double t, const Atom* last) co
         return true;
     }
     const double wanted = *late.binding->persistSeconds;
-    const double hole = std::max(gapSeconds_, wanted / 4);
-    if (pending.value != value || t - pending.t > hole + slack(t, hole)) pending = {value, t, t};
+    const double hole = holeSeconds(gapSeconds_, wanted);
+    if (pending.value != value || t - pending.t > hole + timeSlack(t, hole))
+        pending = {value, t, t};
     pending.t = t;
-    if (t - pending.since < wanted - slack(t, wanted)) return false;
+    if (t - pending.since < wanted - timeSlack(t, wanted)) return false;
     pending = {};
     return true;
 }

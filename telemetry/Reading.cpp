@@ -122,11 +122,19 @@ bool wantsNumber(const Variable& variable)
            });
 }
 
+std::optional<double> numberOf(const Reading& reading)
+{
+    switch (reading.kind) {
+    case Reading::Kind::number: return reading.number;
+    case Reading::Kind::cell: return parseNumber(reading.text);
+    case Reading::Kind::text: break;
+    }
+    return std::nullopt;
+}
+
 bool isNumber(const Reading& reading)
 {
-    if (reading.kind == Reading::Kind::text) return false;
-    const auto number =
-        reading.kind == Reading::Kind::number ? reading.number : parseNumber(reading.text);
+    const auto number = numberOf(reading);
     return number && std::isfinite(*number);
 }
 

@@ -22,9 +22,11 @@ struct Reading {
 /// hexadecimal numbers are not. With the decimal sign `,` there is no point in it.
 std::optional<double> parseNumber(std::string_view text, char decimal = '.');
 
+/// The number that a reading is, or that its text is where cells of a table are.
+std::optional<double> numberOf(const Reading& reading);
 /// Whether a reading of the variable is a number or nothing: it has thresholds, or readings all of which are numbers.
 bool wantsNumber(const Variable& variable);
-/// Whether the reading is a finite number, or a text that is one where cells of a table are.
+/// Whether numberOf() gives a finite number.
 bool isNumber(const Reading& reading);
 
 /// The value, or null where the reading has no meaning. `last` is the value before, for the hysteresis; `byChannel`: the variable was

@@ -12,11 +12,10 @@ namespace telemetry {
 namespace {
 
 // Without a translation a number is but the name of a value.
-std::optional<double> numberOf(const Variable& variable, const Reading& reading)
+std::optional<double> translatedNumber(const Variable& variable, const Reading& reading)
 {
     if (!variable.binding || variable.binding->translation.index() == 0) return {};
-    if (reading.kind == Reading::Kind::number) return reading.number;
-    return reading.kind == Reading::Kind::cell ? parseNumber(reading.text) : std::nullopt;
+    return numberOf(reading);
 }
 
 // The number itself is what a late variable is read as, where its limits may be computed.
@@ -25,7 +24,7 @@ std::optional<double> lateNumber(const Variable& variable, const Reading& readin
     if (!isNumber(reading) ||
         !std::holds_alternative<plant::ThresholdTable>(variable.binding->translation))
         return std::nullopt;
-    return reading.kind == Reading::Kind::number ? reading.number : parseNumber(reading.text);
+    return numberOf(reading);
 }
 
 } // namespace
@@ -132,7 +131,7 @@ std::optional<text::Message> StepBuilder::add(std::uint32_t name, std::string_vi
         }
         if (!draft_[meant[i]]) drafted_.push_back(meant[i]);
         draft_[meant[i]] = values_[i];
-        numbers_[meant[i]] = numberOf(names_.variables()[meant[i]], reading);
+        numbers_[meant[i]] = translatedNumber(names_.variables()[meant[i]], reading);
     }
     return std::nullopt;
 }

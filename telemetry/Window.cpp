@@ -9,8 +9,18 @@ namespace telemetry {
 
 using Kind = plant::ChannelExpression::Kind;
 
+double holeSeconds(double gapSeconds, double seconds)
+{
+    return std::max(gapSeconds, seconds / 4);
+}
+
+double timeSlack(double t, double seconds)
+{
+    return 4 * std::numeric_limits<double>::epsilon() * std::max(std::abs(t), seconds);
+}
+
 Window::Window(Kind kind, double seconds, double gapSeconds)
-    : kind_(kind), seconds_(seconds), hole_(std::max(gapSeconds, seconds / 4))
+    : kind_(kind), seconds_(seconds), hole_(holeSeconds(gapSeconds, seconds))
 {
 }
 
@@ -80,9 +90,7 @@ void Window::slide(double begin, double slack)
 
 std::optional<double> Window::next(double t, std::optional<double> reading)
 {
-    // The difference of two times is as inexact as the times are.
-    const double slack =
-        4 * std::numeric_limits<double>::epsilon() * std::max(std::abs(t), seconds_);
+    const double slack = timeSlack(t, seconds_);
     if (reading) {
         if (kind_ != Kind::ago && lastTime_ && t - *lastTime_ > hole_ + slack) clear();
         push({t, *reading});

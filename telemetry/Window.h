@@ -18,6 +18,11 @@
 
 namespace telemetry {
 
+/// The seconds beyond which two neighbouring readings have a hole between them, for what looks back over so many seconds.
+double holeSeconds(double gapSeconds, double seconds);
+/// By how much a difference between `t` and another time may be wrong: it is as inexact as the times are.
+double timeSlack(double t, double seconds);
+
 class Window {
 public:
     /// Requires: plant::isWindow(kind), and more than 0 seconds.
