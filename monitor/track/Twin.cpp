@@ -4,6 +4,7 @@
 #include "monitor/track/Twin.h"
 
 #include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -50,7 +51,10 @@ Pairs contradictingPairs(const StepLabels& labels)
     });
     Pairs pairs;
     for (const AtomIndex out : readings) {
-        for (const AtomIndex other : wasRuledOut(out) ? readings : std::vector<AtomIndex>()) {
+        if (!wasRuledOut(out)) {
+            continue;
+        }
+        for (const AtomIndex other : readings) {
             if (other != out && contradicted({out, other})) {
                 pairs.insert(std::minmax(out, other));
             }
