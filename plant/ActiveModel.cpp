@@ -10,17 +10,22 @@ ActiveModel::OwnRegistry::OwnRegistry(const Model& model)
     enter(model);
 }
 
-ActiveModel::ActiveModel(Model& model)
-    : model_(model), registry_(model), implicates_(checkImplicates(model))
+ActiveModel::ActiveModel(Model& model, SetUp setUp)
+    : model_(model), implicates_(checkImplicates(model))
 {
-    engine_.rtInit();
-    if (implicates_.found && implicates_.errors.empty()) engine_.readPI();
+    if (setUp == SetUp::now || implicates_.found) engine();
 }
 
 itms& ActiveModel::engine()
 {
-    registry_.use();
-    return engine_;
+    if (work_) {
+        work_->registry.use();
+        return work_->engine;
+    }
+    work_ = std::make_unique<Work>(model_);
+    work_->engine.rtInit();
+    if (implicates_.found && implicates_.errors.empty()) work_->engine.readPI();
+    return work_->engine;
 }
 
 } // namespace plant

@@ -19,6 +19,14 @@ bool checkDirection(bool isCommand, ChannelBinding::Kind kind, const std::string
     return false;
 }
 
+bool checkMeasurable(bool isCommand, const std::string& name, const PlaceHandle& at)
+{
+    if (isCommand)
+        at.report(text::quoted(name) + " is a command: it is given, not measured",
+                  "a condition, or a mode");
+    return !isCommand;
+}
+
 bool ThresholdRow::add(std::string_view value, const PlaceHandle& at)
 {
     const bool isNew = std::find(seen_.begin(), seen_.end(), value) == seen_.end();
@@ -89,7 +97,8 @@ bool ReadingSet::add(std::variant<double, std::string> reading, const std::strin
 bool checkObserved(ChannelBinding::Kind kind, const std::string& what, const PlaceHandle& at)
 {
     if (kind == ChannelBinding::Kind::observation) return true;
-    at.report("a command with " + what, {}, "only what is observed is computed, or waits");
+    at.report("a command with " + what, {},
+              "only what is observed is computed, waits, or is misread");
     return false;
 }
 
@@ -126,6 +135,14 @@ bool checkVaries(double probability, const PlaceHandle& at)
 {
     if (probability > 0 && probability < 1) return true;
     at.report("the reading changes with probability " + text::shown(probability) + " per step",
+              "more than 0 and less than 1");
+    return false;
+}
+
+bool checkMisread(double probability, const PlaceHandle& at)
+{
+    if (probability > 0 && probability < 1) return true;
+    at.report("a reading is wrong with probability " + text::shown(probability),
               "more than 0 and less than 1");
     return false;
 }

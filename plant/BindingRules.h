@@ -21,6 +21,9 @@ namespace plant {
 bool checkDirection(bool isCommand, ChannelBinding::Kind kind, const std::string& name,
                     const PlaceHandle& at, bool input = false);
 
+/// Reports a command that is to be measured.
+bool checkMeasurable(bool isCommand, const std::string& name, const PlaceHandle& at);
+
 /// The values of a row of thresholds, from the lowest to the highest.
 class ThresholdRow {
 public:
@@ -56,10 +59,13 @@ private:
     std::set<std::variant<double, std::string>> seen_;
 };
 
-/// Reports what only an observation or an input can say: `what` is "a computed channel", "'for'" or "'settled'".
+/// Reports what only an observation or an input can say: `what` is "a computed channel", "'for'", "'settled'" or "'misread'".
 bool checkObserved(ChannelBinding::Kind kind, const std::string& what, const PlaceHandle& at);
 /// Reports a window of no length, or of more than 1,000,000 steps: its readings are kept.
 bool checkWindow(double seconds, double stepSeconds, const PlaceHandle& at);
+/// Reports a probability of misreadings that is none, or with which nothing would be read.
+bool checkMisread(double probability, const PlaceHandle& at);
+
 /// Reports 'varies' where no reading is scored: for an input and for a command.
 bool checkVaryingKind(ChannelBinding::Kind kind, bool input, const PlaceHandle& at);
 /// Reports a reading that changes never or always: a probability per step that is not between 0 and 1.

@@ -45,6 +45,19 @@ struct Settling {
     std::vector<std::string> channels;
 };
 
+/// From one number to another, both included.
+struct NumberRange {
+    double from = 0;
+    double to = 0;
+};
+
+/// How readings scatter in a simulated plant: around the middle of their value's range with a standard deviation, or evenly within a
+/// range of the value's own.
+struct Noise {
+    double deviation = 0;
+    std::vector<std::pair<Atom*, NumberRange>> ranges; ///< in place of the deviation
+};
+
 /// One channel of an observed or commanded variable. A variable that is observed may have several, a command has one.
 struct ChannelBinding {
     enum class Kind { observation, command };
@@ -66,6 +79,11 @@ struct ChannelBinding {
     /// Of an observation: a new value counts only when it has been read for so many seconds.
     std::optional<double> persistSeconds = {};
     std::optional<Settling> settling = {}; ///< of an observation
+    /// Of an observation: how probable it is that a reading has nothing to do with the plant, above 0 and below 1.
+    std::optional<double> misread = {};
+    /// Of an observation with limits, not computed: what its readings can be at all, and how a simulated plant spreads them.
+    std::optional<NumberRange> physical = {};
+    std::optional<Noise> noise = {};
 
     /// Whether its value is known only when all of a step was read.
     bool isLate() const;
@@ -80,6 +98,8 @@ struct Bindings {
     double stepSeconds = 1; ///< the length of a step
     std::vector<ChannelBinding> channels;
     std::unordered_map<const StateVar*, double> lost; ///< that a command does not arrive
+    /// What somebody can go and look at, though no channel reads it; each once, in the order of their declarations.
+    std::vector<StateVar*> measurable = {};
 };
 
 } // namespace plant

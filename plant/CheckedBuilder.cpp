@@ -91,4 +91,15 @@ bool CheckedBuilder::bind(const StateVar* variable, ChannelBinding::Kind kind, b
     return false;
 }
 
+void CheckedBuilder::measurable(StateVar* variable, const PlaceHandle& at)
+{
+    const auto [entry, isNew] = measurable_.try_emplace(variable, at);
+    if (isNew) {
+        bindings_.measurable.push_back(variable);
+        return;
+    }
+    reportTwice(at, entry->second,
+                text::quoted(nameOf(*variable)) + " is declared measurable twice", "it once");
+}
+
 } // namespace plant

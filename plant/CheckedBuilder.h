@@ -66,6 +66,9 @@ public:
               const PlaceHandle& at);
     /// Requires: bind() of its variable succeeded.
     void channel(ChannelBinding binding) { bindings_.channels.push_back(std::move(binding)); }
+    /// Notes what can be measured, and reports what was noted before.
+    /// Requires: it is no command.
+    void measurable(StateVar* variable, const PlaceHandle& at);
     /// Requires: more than 0.
     void step(double seconds) { bindings_.stepSeconds = seconds; }
 
@@ -92,6 +95,7 @@ private:
         bool input = false;
     };
     std::unordered_map<const StateVar*, Bound> bound_;
+    std::unordered_map<const StateVar*, PlaceHandle> measurable_;
 };
 
 } // namespace plant

@@ -13,6 +13,8 @@ namespace {
 
 class Hash {
 public:
+    explicit Hash(bool withProbabilities = true) : withProbabilities_(withProbabilities) {}
+
     void add(std::string_view text)
     {
         digest_.add(text);
@@ -26,10 +28,22 @@ public:
         }
     }
     void add(double number) { add(std::bit_cast<std::uint64_t>(number)); }
+    void addProbability(double probability)
+    {
+        if (withProbabilities_) add(probability);
+    }
+    /// Where it is given.
+    void addProbability(std::string_view name, const std::optional<double>& probability)
+    {
+        if (!withProbabilities_ || !probability) return;
+        add(name);
+        add(*probability);
+    }
 
     std::string text() const { return digest_.hex(); }
 
 private:
+    bool withProbabilities_;
     text::Digest digest_;
 };
 
@@ -57,7 +71,7 @@ void add(Hash& hash, const Transition& transition)
     if (transition.type == "Repair") hash.add(std::string_view("repair"));
     hash.add(number(transition.idle ? 1 : 0));
     hash.add(transition.atom->id);
-    hash.add(transition.proba);
+    hash.addProbability(transition.proba);
     if (transition.guard && transition.guard->atoms) {
         for (const auto& [polarity, atom] : *transition.guard->atoms) {
             hash.add(number(polarity ? 1 : 0));
@@ -108,10 +122,8 @@ void add(Hash& hash, const ChannelBinding& channel)
     hash.add(channel.variable->name);
     hash.add(channel.holdSeconds.value_or(-1.0));
     if (channel.input) hash.add(std::string_view("input"));
-    if (channel.varies) {
-        hash.add(std::string_view("varies"));
-        hash.add(*channel.varies);
-    }
+    hash.addProbability("varies", channel.varies);
+    hash.addProbability("misread", channel.misread);
     add(hash, channel.computed);
     if (channel.persistSeconds) {
         hash.add(std::string_view("for"));
@@ -131,17 +143,14 @@ void add(Hash& hash, const ChannelBinding& channel)
     }
 }
 
-} // namespace
-
-std::string fingerprint(const Plant& plant, const Bindings& bindings)
+std::string hashed(Hash hash, const Plant& plant, const Bindings& bindings)
 {
-    Hash hash;
     hash.add(bindings.stepSeconds);
     const Comp* comp = nullptr;
     for (const PlantVariable& variable : plant.variables()) {
         add(hash, plant, variable);
         const auto lost = bindings.lost.find(variable.variable);
-        hash.add(lost == bindings.lost.end() ? 0.0 : lost->second);
+        hash.addProbability(lost == bindings.lost.end() ? 0.0 : lost->second);
         if (variable.variable->comp != comp) {
             comp = variable.variable->comp;
             for (const Transition* transition : *comp->transitions) {
@@ -160,6 +169,18 @@ std::string fingerprint(const Plant& plant, const Bindings& bindings)
         add(hash, channel);
     }
     return hash.text();
+}
+
+} // namespace
+
+std::string fingerprint(const Plant& plant, const Bindings& bindings)
+{
+    return hashed(Hash(), plant, bindings);
+}
+
+std::string structure(const Plant& plant, const Bindings& bindings)
+{
+    return hashed(Hash(false), plant, bindings);
 }
 
 std::string fingerprint(std::string_view text)

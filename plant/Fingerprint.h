@@ -13,6 +13,10 @@ namespace plant {
 /// The hash is FNV-1a with 64 bits: it finds mistakes, not forgeries.
 std::string fingerprint(const Plant& plant, const Bindings& bindings);
 
+/// The same without probabilities and rates: those of transitions, of lost commands, of readings that change or are wrong. Models
+/// that share it number everything alike.
+std::string structure(const Plant& plant, const Bindings& bindings);
+
 /// The same of any text.
 std::string fingerprint(std::string_view text);
 

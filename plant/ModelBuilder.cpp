@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cstdint>
+#include <utility>
 
 namespace plant {
 
@@ -65,6 +66,8 @@ StateVar* ModelBuilder::variable(Comp* component, const std::string& name, Varia
     std::vector<Literal> someValue;
     for (const ValueDeclaration& declared : values) {
         Atom* atom = model_->atoms_.emplace_back(std::make_unique<Atom>()).get();
+        // Set-up enters one component. A hundred buckets for it would be half of what a large plant takes.
+        delete std::exchange(atom->comps, new CompMap(1));
         atom->stateVar = made;
         atom->value = declared.name;
         atom->fail = declared.fault;

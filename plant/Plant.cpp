@@ -28,6 +28,7 @@ Plant::Plant(const Model& model)
     }
     changesFrom_.resize(atoms_.size());
     addChanges(model);
+    addModes();
 }
 
 // A transition is an alternative of the change before it, or begins a new one.
@@ -63,6 +64,36 @@ void Plant::addChanges(const Model& model)
                                {}});
         }
         changes[place->second].alternatives.push_back({std::move(guard), transition});
+    }
+}
+
+void Plant::addModes()
+{
+    std::vector<std::vector<VariableIndex>> readers(atoms_.size());
+    modePlaces_.resize(variables_.size());
+    for (std::size_t i = 0; i < variables_.size(); ++i) {
+        const PlantVariable& variable = variables_[i];
+        if (!variable.isMode || variable.values.empty()) {
+            continue;
+        }
+        const auto mode = static_cast<VariableIndex>(i);
+        modePlaces_[i] = modes_.size();
+        modes_.push_back(mode);
+        for (const AtomIndex value : variable.values) {
+            for (const PlantChange& change : changesFrom(value)) {
+                for (const PlantChange::Alternative& alternative : change.alternatives) {
+                    for (const PlantLiteral& literal : alternative.literals) {
+                        auto& of = readers[static_cast<std::size_t>(literal.atom)];
+                        if (of.empty() || of.back() != mode) {
+                            of.push_back(mode);
+                        }
+                    }
+                }
+            }
+        }
+    }
+    for (const std::vector<VariableIndex>& of : readers) {
+        modesReading_.add(of);
     }
 }
 

@@ -10,6 +10,7 @@
 #include "plant/Model.h"
 
 #include <cstdint>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -96,8 +97,22 @@ public:
         return changesFrom_[static_cast<std::size_t>(value)];
     }
 
+    /// The mode variables that have values, by rising index.
+    const std::vector<VariableIndex>& modes() const { return modes_; }
+    /// The place of a mode variable among them. Requires: it has values.
+    std::size_t modePlace(VariableIndex mode) const
+    {
+        return modePlaces_[static_cast<std::size_t>(mode)];
+    }
+    /// The modes of which a guard mentions the atom, by rising index, each once.
+    std::span<const VariableIndex> modesReading(AtomIndex atom) const
+    {
+        return modesReading_[static_cast<std::size_t>(atom)];
+    }
+
 private:
     void addChanges(const Model& model);
+    void addModes();
     void addVariable(StateVar* variable);
     void addClause(const Clause* clause);
 
@@ -112,6 +127,9 @@ private:
     std::vector<std::vector<ClauseIndex>> clausesOf_;
     std::vector<ClauseIndex> unitClauses_;
     std::vector<std::vector<PlantChange>> changesFrom_; ///< by the value that is left
+    std::vector<VariableIndex> modes_;
+    std::vector<std::size_t> modePlaces_;      ///< by variable
+    ListSequence<VariableIndex> modesReading_; ///< by atom
 };
 
 } // namespace plant

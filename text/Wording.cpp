@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <limits>
 
 namespace text {
@@ -38,6 +39,10 @@ std::string shownTo(int digits, double number)
 
 std::string shown(double number)
 {
+    // 1,000,001 is not to read like its bound, 1e+06.
+    constexpr double mostWhole = 1e9;
+    if (number == std::trunc(number) && std::abs(number) < mostWhole)
+        return std::to_string(static_cast<long>(number));
     return shownTo(6, number);
 }
 
