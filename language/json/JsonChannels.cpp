@@ -2,14 +2,24 @@
 
 #include "language/json/JsonExpressions.h"
 #include "plant/BindingRules.h"
+#include "plant/SimulatedReadings.h"
 
 namespace language {
+
+void JsonChannels::addMeasurable(const JsonNode& node)
+{
+    StateVar* variable = names_.variable(node);
+    if (!variable) return;
+    if (!plant::checkMeasurable(variable->type == "Command", plant::nameOf(*variable), node.at()))
+        return;
+    builder_.measurable(variable, node.at());
+}
 
 void JsonChannels::add(const JsonNode& node)
 {
     if (!node.isObject({"kind", "variable"},
                        {"channel", "thresholds", "readings", "otherwise", "holdSeconds", "input",
-                        "varies", "from", "forSeconds", "settled"})) {
+                        "varies", "from", "forSeconds", "settled", "misread", "within", "noise"})) {
         return;
     }
     StateVar* variable = names_.variable(node["variable"]);
@@ -27,7 +37,7 @@ void JsonChannels::add(const JsonNode& node)
     }
     if (!readComputed(node, made) || !readTranslation(node, made)) return;
     if (!readSeconds(node, "holdSeconds", made.holdSeconds)) return;
-    if (!readTimes(node, made) || !readChances(node, made)) return;
+    if (!readTimes(node, made) || !readSpread(node, made) || !readChances(node, made)) return;
     if (!builder_.bind(variable, made.kind, made.input, node.at())) return;
     builder_.channel(std::move(made));
 }
@@ -78,6 +88,69 @@ bool JsonChannels::readTimes(const JsonNode& node, plant::ChannelBinding& made)
         if (!channel) return false;
         made.settling->channels.push_back(*channel);
     }
+    return true;
+}
+
+std::optional<plant::NumberRange> JsonChannels::range(const JsonNode& node)
+{
+    if (!node.isArray()) return std::nullopt;
+    if (node.size() != 2) {
+        node.error("a range of " + std::to_string(node.size()) + " numbers", "[from, to]");
+        return std::nullopt;
+    }
+    const auto from = node[0].number();
+    const auto to = node[1].number();
+    if (!from || !to) return std::nullopt;
+    return plant::NumberRange{*from, *to};
+}
+
+bool JsonChannels::readSpread(const JsonNode& node, plant::ChannelBinding& made)
+{
+    if (node.has("within")) {
+        const JsonNode within = node["within"];
+        const auto physical = range(within);
+        if (!physical || !plant::checkHasReadings(made, "'within'", within.at()) ||
+            !plant::checkPhysical(made, *physical, within.at())) {
+            return false;
+        }
+        made.physical = physical;
+    }
+    if (node.has("noise") && !readNoise(node["noise"], made)) return false;
+    if (!node.has("misread")) return true;
+    const JsonNode misread = node["misread"];
+    if (!plant::checkObserved(made.kind, "'misread'", misread.at())) return false;
+    made.misread = misread.number();
+    return made.misread && plant::checkMisread(*made.misread, misread.at());
+}
+
+bool JsonChannels::readNoise(const JsonNode& node, plant::ChannelBinding& made)
+{
+    if (!plant::checkHasReadings(made, "'noise'", node.at())) return false;
+    plant::Noise noise;
+    if (!node.isObjectAtAll()) {
+        const auto deviation = node.number();
+        if (!deviation || !plant::checkDeviation(*deviation, node.at())) return false;
+        noise.deviation = *deviation;
+        made.noise = std::move(noise);
+        return true;
+    }
+    JsonNode::Keys values;
+    for (const Atom* value : *made.variable->atomLinks) {
+        values.push_back(value->value);
+    }
+    if (!node.isObject({}, values)) return false;
+    for (Atom* value : *made.variable->atomLinks) {
+        if (!node.has(value->value)) continue;
+        const JsonNode written = node[value->value];
+        const auto readings = range(written);
+        if (!readings || !plant::checkNoise(made, value, *readings, written.at())) return false;
+        noise.ranges.emplace_back(value, *readings);
+    }
+    if (noise.ranges.empty()) {
+        node.error("noise of no value", "a standard deviation, or a range for a value");
+        return false;
+    }
+    made.noise = std::move(noise);
     return true;
 }
 

@@ -18,6 +18,8 @@ public:
 
     /// Adds one of them to the bindings.
     void add(const JsonNode& node);
+    /// Adds the name of a variable that can be measured.
+    void addMeasurable(const JsonNode& node);
 
 private:
     static std::optional<plant::ChannelBinding::Kind> kindOf(const JsonNode& node,
@@ -30,6 +32,9 @@ private:
     static bool readTimes(const JsonNode& node, plant::ChannelBinding& made);
     static std::optional<plant::ReadingTable> readings(const JsonNode& channel,
                                                        const StateVar& variable);
+    static std::optional<plant::NumberRange> range(const JsonNode& node);
+    static bool readSpread(const JsonNode& node, plant::ChannelBinding& made);
+    static bool readNoise(const JsonNode& node, plant::ChannelBinding& made);
     static bool readChances(const JsonNode& node, plant::ChannelBinding& made);
     bool readTranslation(const JsonNode& node, plant::ChannelBinding& made) const;
 

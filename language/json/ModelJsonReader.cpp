@@ -50,6 +50,7 @@ public:
         transitions.finish();
         JsonChannels channels(builder_, names_, stepSeconds_);
         list("channels", [&](const JsonNode& node) { channels.add(node); });
+        list("measurable", [&](const JsonNode& node) { channels.addMeasurable(node); });
         result_.bindings = builder_.takeBindings();
         result_.model = builder_.build();
         if (!report.failed() && result_.model->atoms().empty()) {
@@ -188,8 +189,8 @@ private:
 bool isModel(const JsonNode& root)
 {
     const bool complete =
-        root.isObject({"format", "v", "components"},
-                      {"name", "stepSeconds", "files", "laws", "transitions", "channels"});
+        root.isObject({"format", "v", "components"}, {"name", "stepSeconds", "files", "laws",
+                                                      "transitions", "channels", "measurable"});
     if (!complete) return false;
     const auto format = root["format"].text();
     if (format && *format != "itms-model") {

@@ -117,6 +117,21 @@ void addReadings(const plant::ReadingTable& table, ordered_json& channel)
     if (table.otherwise) channel["otherwise"] = table.otherwise->value;
 }
 
+ordered_json jsonOf(const plant::NumberRange& range)
+{
+    return {range.from, range.to};
+}
+
+ordered_json jsonOf(const plant::Noise& noise)
+{
+    if (noise.ranges.empty()) return noise.deviation;
+    ordered_json ranges = ordered_json::object();
+    for (const auto& [value, range] : noise.ranges) {
+        ranges[value->value] = jsonOf(range);
+    }
+    return ranges;
+}
+
 ordered_json jsonOf(const plant::ChannelBinding& channel)
 {
     ordered_json made{
@@ -137,6 +152,9 @@ ordered_json jsonOf(const plant::ChannelBinding& channel)
     }
     if (channel.input) made["input"] = true;
     if (channel.varies) made["varies"] = *channel.varies;
+    if (channel.misread) made["misread"] = *channel.misread;
+    if (channel.physical) made["within"] = jsonOf(*channel.physical);
+    if (channel.noise) made["noise"] = jsonOf(*channel.noise);
     return made;
 }
 
@@ -169,6 +187,10 @@ std::string modelJson(const ReadResult& read)
             [&](std::size_t i) { return transitionJson(model, i); });
     addList(text, "channels", bindings.channels.size(),
             [&](std::size_t i) { return jsonOf(bindings.channels[i]); });
+    if (!bindings.measurable.empty()) {
+        addList(text, "measurable", bindings.measurable.size(),
+                [&](std::size_t i) { return ordered_json(plant::nameOf(*bindings.measurable[i])); });
+    }
     return text + "\n}\n";
 }
 

@@ -2,7 +2,10 @@
 
 #include "plant/BindingRules.h"
 #include "plant/Names.h"
+#include "plant/SimulatedReadings.h"
 #include "text/Wording.h"
+
+#include <algorithm>
 
 namespace language {
 
@@ -18,6 +21,10 @@ void BindingBuilder::build(const syntax::Binding& binding, Instance& within,
     plant::ChannelBinding made;
     made.variable = plant_.find(within, binding.variable, environment);
     if (!made.variable) return;
+    if (binding.kind == syntax::Binding::Kind::measurable) {
+        builder_.measurable(made.variable, report_.at(binding.range));
+        return;
+    }
     made.kind = kindOf(binding);
     made.input = binding.kind == syntax::Binding::Kind::input;
     if (!builder_.bind(made.variable, made.kind, made.input, report_.at(binding.range))) return;
@@ -32,7 +39,7 @@ void BindingBuilder::build(const syntax::Binding& binding, Instance& within,
         if (!table) return;
         made.translation = std::move(*table);
     }
-    if (!readTimes(binding, made, environment)) return;
+    if (!readTimes(binding, made, environment) || !readSpread(binding, made, environment)) return;
     if (binding.varies) {
         made.varies = probabilityPerStep(*binding.varies, environment, stepSeconds_, report_);
         if (!made.varies) return;
@@ -77,6 +84,61 @@ bool BindingBuilder::readTimes(const syntax::Binding& written, plant::ChannelBin
         if (!name) return false;
         made.settling->channels.push_back(*name);
     }
+    return true;
+}
+
+std::optional<plant::NumberRange> BindingBuilder::range(const syntax::NumberRange& written,
+                                                        const Environment& environment)
+{
+    const auto from = evaluate(written.from, environment, report_);
+    const auto to = evaluate(written.to, environment, report_);
+    if (!from || !to) return std::nullopt;
+    return plant::NumberRange{*from, *to};
+}
+
+bool BindingBuilder::readSpread(const syntax::Binding& written, plant::ChannelBinding& made,
+                                const Environment& environment)
+{
+    if (written.physical) {
+        const plant::PlaceHandle at = report_.at(written.physical->range);
+        const auto physical = range(*written.physical, environment);
+        if (!physical || !plant::checkHasReadings(made, "'within'", at) ||
+            !plant::checkPhysical(made, *physical, at)) {
+            return false;
+        }
+        made.physical = physical;
+    }
+    if (written.noise && !readNoise(*written.noise, made, environment)) return false;
+    if (!written.misread) return true;
+    made.misread = evaluate(*written.misread, environment, report_);
+    return made.misread && plant::checkMisread(*made.misread, report_.at(written.misread->range));
+}
+
+bool BindingBuilder::readNoise(const syntax::Noise& written, plant::ChannelBinding& made,
+                               const Environment& environment)
+{
+    if (!plant::checkHasReadings(made, "'noise'", report_.at(written.range))) return false;
+    plant::Noise noise;
+    if (written.deviation) {
+        const auto deviation = evaluate(*written.deviation, environment, report_);
+        if (!deviation || !plant::checkDeviation(*deviation, report_.at(written.deviation->range)))
+            return false;
+        noise.deviation = *deviation;
+    }
+    for (const syntax::Noise::Value& one : written.values) {
+        Atom* value = plant::value(made.variable, one.value.text);
+        const auto readings = range(one.readings, environment);
+        if (!readings || !plant::checkNoise(made, value, *readings, report_.at(one.readings.range))) {
+            return false;
+        }
+        noise.ranges.emplace_back(value, *readings);
+    }
+    const std::vector<Atom*>& order = *made.variable->atomLinks;
+    std::sort(noise.ranges.begin(), noise.ranges.end(), [&](const auto& a, const auto& b) {
+        return std::find(order.begin(), order.end(), a.first) <
+               std::find(order.begin(), order.end(), b.first);
+    });
+    made.noise = std::move(noise);
     return true;
 }
 

@@ -29,6 +29,12 @@ private:
                      const Environment& environment);
     bool readTimes(const syntax::Binding& written, plant::ChannelBinding& made,
                    const Environment& environment);
+    std::optional<plant::NumberRange> range(const syntax::NumberRange& written,
+                                            const Environment& environment);
+    bool readSpread(const syntax::Binding& written, plant::ChannelBinding& made,
+                    const Environment& environment);
+    bool readNoise(const syntax::Noise& written, plant::ChannelBinding& made,
+                   const Environment& environment);
     std::optional<plant::ThresholdTable> thresholds(const syntax::Thresholds& written,
                                                     const StateVar* variable,
                                                     const Environment& environment);

@@ -29,9 +29,14 @@ bool TypeChecks::checkBinding(const Binding& binding)
     }
     if (binding.channel) sound = checkNumbers(*binding.channel) && sound;
     sound = checkTimes(binding) && sound;
+    sound = checkSpread(binding) && sound;
     const Resolved found = resolve(*type_, binding.variable);
     if (!found) return false;
     const bool isCommand = found.variable->syntax->kind == syntax::VariableKind::command;
+    if (binding.kind == Binding::Kind::measurable) {
+        return plant::checkMeasurable(isCommand, found.variable->syntax->name.text,
+                                      report_.at(binding.variable.range));
+    }
     if (!plant::checkDirection(isCommand, kindOf(binding), found.variable->syntax->name.text,
                                report_.at(binding.variable.range), isInput)) {
         return false;
@@ -40,6 +45,38 @@ bool TypeChecks::checkBinding(const Binding& binding)
         sound = checkThresholds(*thresholds, *found.variable) && sound;
     } else if (const auto* readings = std::get_if<Readings>(&binding.translation)) {
         sound = checkReadings(*readings, *found.variable) && sound;
+    }
+    if (binding.noise) {
+        for (const Noise::Value& one : binding.noise->values) {
+            sound = checkValue(*found.variable, one.value) && sound;
+        }
+    }
+    return sound;
+}
+
+// What readings can be, and how they scatter or mislead.
+bool TypeChecks::checkSpread(const Binding& binding)
+{
+    bool sound = true;
+    const auto checkRange = [&](const NumberRange& range) {
+        sound = checkNumbers(range.from) && sound;
+        sound = checkNumbers(range.to) && sound;
+    };
+    if (binding.physical) checkRange(*binding.physical);
+    if (binding.noise && binding.noise->deviation) {
+        sound = checkNumbers(*binding.noise->deviation) && sound;
+    } else if (binding.noise) {
+        plant::ThresholdRow seen;
+        for (const Noise::Value& one : binding.noise->values) {
+            checkRange(one.readings);
+            sound = seen.add(one.value.text, report_.at(one.value.range)) && sound;
+        }
+    }
+    if (binding.misread) {
+        sound = checkNumbers(*binding.misread) && sound;
+        sound = plant::checkObserved(kindOf(binding), "'misread'",
+                                     report_.at(binding.misread->range)) &&
+                sound;
     }
     return sound;
 }

@@ -3,6 +3,7 @@
 // and bindings are made by others, who come through forEachMember().
 #include "language/meaning/Elaboration.h"
 
+#include "language/meaning/PlantMemory.h"
 #include "language/syntax/Words.h"
 #include "plant/BindingRules.h"
 #include "plant/TransitionRules.h"
@@ -115,6 +116,21 @@ bool Elaboration::makeParts(Instance& instance)
     return true;
 }
 
+// Small plants are not worth a look at the system.
+bool Elaboration::fitsMemory(const PartType& part, std::uint64_t count)
+{
+    constexpr std::uint64_t small = std::uint64_t{64} << 20U;
+    bytes_ += count * bytesOf(*part.type);
+    if (bytes_ <= std::min(small, limits_.bytes.value_or(small))) return true;
+    if (!limits_.bytes) limits_.bytes = freeBytes();
+    if (bytes_ <= *limits_.bytes) return true;
+    report_.error(part.syntax->range,
+                  "not enough memory: " + text::counted(components_ + count, "part") +
+                      " need about " + inBytes(bytes_) + ", and " + inBytes(*limits_.bytes) +
+                      " are free");
+    return false;
+}
+
 bool Elaboration::makePart(Instance& parent, const PartType& part, std::size_t number)
 {
     if (!part.type || !types_.sound(part.syntax)) return true;
@@ -127,6 +143,7 @@ bool Elaboration::makePart(Instance& parent, const PartType& part, std::size_t n
         if (!wanted) return true;
         count = *wanted;
     }
+    if (!fitsMemory(part, static_cast<std::uint64_t>(count))) return false;
     const auto parameters = parametersOf(*part.syntax, *part.type, environment);
     if (!parameters) return true;
     for (long i = 0; i < count; ++i) {

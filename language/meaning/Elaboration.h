@@ -12,6 +12,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,8 @@ struct ExpansionLimits {
     std::size_t repetitions = 10'000'000;    ///< of the bodies of all loops together
     std::size_t domainClauses = 100'000'000; ///< of all variables together
     std::uint64_t lawClauses = 1000;         ///< that distribution makes of one law
+    /// Of memory, for all parts together. None: as many as this process may still take.
+    std::optional<std::uint64_t> bytes = std::nullopt;
 };
 
 /// A part of the plant, or the plant itself.
@@ -73,6 +76,7 @@ private:
     };
 
     bool makeParts(Instance& instance);
+    bool fitsMemory(const PartType& part, std::uint64_t count);
     bool makePart(Instance& parent, const PartType& part, std::size_t number);
     std::optional<std::vector<double>> parametersOf(const syntax::Part& part,
                                                     const ComponentType& type,
@@ -97,6 +101,7 @@ private:
     std::unique_ptr<Instance> root_;
     std::size_t components_ = 0;
     std::size_t repetitions_ = 0;
+    std::uint64_t bytes_ = 0; ///< that the parts take which are made
 };
 
 /// Reports a probability that is none.

@@ -44,6 +44,7 @@ private:
 
     bool checkBinding(const syntax::Binding& binding);
     bool checkTimes(const syntax::Binding& binding);
+    bool checkSpread(const syntax::Binding& binding);
     bool checkThresholds(const syntax::Thresholds& thresholds, const VariableType& variable);
     bool checkReadings(const syntax::Readings& readings, const VariableType& variable);
 

@@ -47,7 +47,7 @@ struct hysteresis : sum {
     using action = makes_expression<&Thresholds::hysteresis>;
 };
 struct thresholds : seq<begins_thresholds, threshold_value, plus<limit, must<threshold_value>>,
-                        opt<if_must<token<TokenKind::withinWord>, hysteresis>>> {
+                        opt<if_must<within_word<false>, hysteresis>>> {
     using action = makes_member<Thresholds, &Binding::translation>;
 };
 struct read_value : value_name {
@@ -88,12 +88,40 @@ struct settling
           must<named<"'after'", soft_word<"after">>>, must<comma_list<settling_channel>>> {
     using action = makes_member<Settling, &Binding::settling>;
 };
+template <auto Member> struct range_bound : sum {
+    using action = makes_expression<Member>;
+};
+template <auto Member>
+struct number_range : seq<range_bound<&NumberRange::from>, must<token<TokenKind::dots>>,
+                          must<range_bound<&NumberRange::to>>> {
+    using action = makes_member<NumberRange, Member>;
+};
+struct physical_range : if_must<within_word<true>, number_range<&Binding::physical>> {};
+struct noisy_value : value_name {
+    using action = sets_name<&Noise::Value::value>;
+};
+struct noise_of_value
+    : seq<noisy_value, must<token<TokenKind::equals>>, must<number_range<&Noise::Value::readings>>> {
+    using action = makes_member<Noise::Value, &Noise::values>;
+};
+struct noise_deviation : sum {
+    using action = makes_expression<&Noise::deviation>;
+};
+struct noise : seq<named<"", soft_word<"noise">>,
+                   must<sor<seq<begins_value_range, comma_list<noise_of_value>>, noise_deviation>>> {
+    using action = makes_member<Noise, &Binding::noise>;
+};
+struct misread_probability : sum {
+    using action = makes_expression<&Binding::misread>;
+};
+struct misread : seq<named<"", soft_word<"misread">>, must<misread_probability>> {};
 struct variation : seq<named<"'varies'", soft_word<"varies">>, must<amount>, opt<per>> {
     using action = makes_member<Probability, &Binding::varies>;
 };
-struct binding_rest : seq<must<bound_variable>, opt<if_must<token<TokenKind::fromWord>, channel>>,
-                          opt<if_must<token<TokenKind::colon>, sor<thresholds, readings>>>,
-                          opt<hold>, opt<persistence>, opt<settling>> {};
+struct binding_rest
+    : seq<must<bound_variable>, opt<if_must<token<TokenKind::fromWord>, channel>>,
+          opt<if_must<token<TokenKind::colon>, sor<thresholds, readings>>>, opt<physical_range>,
+          opt<hold>, opt<persistence>, opt<settling>, opt<noise>, opt<misread>> {};
 struct varies : opt<variation> {};
 // Where it has no place it is read all the same, for a message that says why.
 struct varies_in_vain : named<"", varies> {};
@@ -111,7 +139,12 @@ struct bind_command_word : token<TokenKind::commandWord> {
 struct command_binding
     : in_context<"a command", seq<command_is_bound, bind_command_word, binding_rest, varies_in_vain>> {
 };
-struct binding : sor<observation, input, command_binding> {
+struct measurable_word : soft_word<"measurable"> {
+    using action = sets<&Binding::kind, Binding::Kind::measurable>;
+};
+struct measurable : in_context<"what can be measured", seq<measurable_word, must<bound_variable>>> {
+};
+struct binding : sor<observation, input, measurable, command_binding> {
     using action = makes<Binding>;
 };
 struct step_length

@@ -121,6 +121,50 @@ struct begins_thresholds : Leaf {
     }
 };
 
+/// `within` before a distance: no `..` follows the expression. Before a range the other way round.
+template <bool Range> struct within_word : Leaf {
+    using rule_t = within_word;
+    static bool match(TokenInput& in)
+    {
+        if (in.front().kind != TokenKind::withinWord) {
+            if constexpr (!Range) in.expect(TokenKind::withinWord, spelling(TokenKind::withinWord));
+            return false;
+        }
+        std::size_t next = 1;
+        while (isOfAnExpression(in.peek(next).kind)) {
+            ++next;
+        }
+        if ((in.peek(next).kind == TokenKind::dots) != Range) return false;
+        in.bump();
+        return true;
+    }
+
+private:
+    static bool isOfAnExpression(TokenKind kind)
+    {
+        switch (kind) {
+        case TokenKind::number:
+        case TokenKind::name:
+        case TokenKind::plus:
+        case TokenKind::minus:
+        case TokenKind::star:
+        case TokenKind::slash:
+        case TokenKind::openParenthesis:
+        case TokenKind::closeParenthesis: return true;
+        default: return false;
+        }
+    }
+};
+
+/// A value and `=`. Reads nothing.
+struct begins_value_range : Leaf {
+    using rule_t = begins_value_range;
+    static bool match(TokenInput& in)
+    {
+        return canBeValue(in.front().kind) && in.peek(1).kind == TokenKind::equals;
+    }
+};
+
 /// A name that is a unit of time.
 struct time_unit : Leaf {
     using rule_t = time_unit;

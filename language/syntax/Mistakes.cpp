@@ -32,7 +32,7 @@ bool isSoftStatement(const text::SourceText& source, const Token* token)
     if (token->kind != TokenKind::name || !token->firstOnLine || token[1].firstOnLine) return false;
     const std::string_view word =
         std::string_view(source.text()).substr(token->offset, token->length);
-    return (word == "input" && token[1].kind == TokenKind::name) ||
+    return ((word == "input" || word == "measurable") && token[1].kind == TokenKind::name) ||
            (word == "repair" && (canBeValue(token[1].kind) || token[1].kind == TokenKind::anyWord));
 }
 
@@ -147,12 +147,15 @@ std::vector<std::string_view> expectedWords(const Expectations& expectations)
         words.push_back("repair");
     }
     if (isExpected(expectations, "a statement of a system")) {
-        words.insert(words.end(), {"step", "input"});
+        words.insert(words.end(), {"step", "input", "measurable"});
     }
     if (isExpected(expectations, "a law, ")) {
-        words.insert(words.end(), {"law", "initially", "for", "observe", "command", "input"});
+        words.insert(words.end(),
+                     {"law", "initially", "for", "observe", "command", "input", "measurable"});
     }
-    if (isExpected(expectations, "'varies'")) words.push_back("varies");
+    if (isExpected(expectations, "'varies'")) {
+        words.insert(words.end(), {"varies", "noise", "misread"});
+    }
     if (isExpected(expectations, "unit of time")) {
         words.insert(words.end(), timeUnits().begin(), timeUnits().end());
     }

@@ -31,6 +31,8 @@ using syntax::InitialValue;
 using syntax::Law;
 using syntax::Loop;
 using syntax::Member;
+using syntax::Noise;
+using syntax::NumberRange;
 using syntax::Order;
 using syntax::Parameter;
 using syntax::Part;

@@ -227,20 +227,43 @@ struct Settling {
     text::Range range;
 };
 
+/// `0 .. 100`: both bounds are included.
+struct NumberRange {
+    Expression from;
+    Expression to;
+    text::Range range;
+};
+
+/// `noise 0.02`, or `noise zero = 0 .. 0.04, low = 1 .. 4`: how a simulated plant spreads the readings of a value.
+struct Noise {
+    struct Value {
+        Name value;
+        NumberRange readings;
+        text::Range range;
+    };
+
+    std::optional<Expression> deviation; ///< or else
+    std::vector<Value> values;
+    text::Range range;
+};
+
 /// `observe tank.pressure from "PT-100" : low < 1.2 <= nominal hold 5 s varies 2 per hour`, `input tank.inflow from "FT-1"` and
 /// `command valveA.request from "XV-A" : open = 1`.
 /// Without a translation the channel has the names of values. In a loop the name of the channel may have indices in
 /// braces: `"T-{i}"`, `"T-{i+1}"`; they are left in the text here.
 struct Binding {
-    enum class Kind { observation, input, command };
+    enum class Kind { observation, input, command, measurable };
 
     Kind kind = Kind::observation;
-    Path variable;
+    Path variable;                     ///< of what is measurable, nothing else is said
     std::optional<Expression> channel; ///< or what is computed from some; missing: the variable's own name
     std::variant<std::monostate, Thresholds, Readings> translation;
     std::optional<Duration> hold;        ///< how long the last reading stands for a missing one
     std::optional<Duration> persistence; ///< `for`: how long a new value has to be read to count
     std::optional<Settling> settling;
+    std::optional<NumberRange> physical; ///< `within 0 .. 100`: what can be read at all
+    std::optional<Noise> noise;
+    std::optional<Expression> misread; ///< how probable it is that a reading is wrong
     std::optional<Probability> varies; ///< how often an open reading changes; its range begins at the word
     text::Range range;
 };

@@ -81,8 +81,9 @@ const std::vector<std::string_view>& reservedWords()
 
 const std::vector<std::string_view>& softWords()
 {
-    static const std::vector<std::string_view> words{"input", "repair",  "varies", "over",
-                                                     "ago",   "settled", "after"};
+    static const std::vector<std::string_view> words{"input", "measurable", "repair",  "varies",
+                                                     "over",  "ago",        "settled", "after",
+                                                     "noise", "misread"};
     return words;
 }
 

@@ -9,8 +9,8 @@ syntax keyword itmsStatement law nominal fault idle initially observe for step
 syntax keyword itmsWord initial any when in per from within hold otherwise lost
 syntax keyword itmsOperator not and or
 " Words only where a statement begins or a binding goes on, and functions; names elsewhere.
-syntax match itmsStatement "\v<(input|repair)>(\s+(initial|fault)>)@!(\s+\h)@="
-syntax match itmsWord "\v<(varies|over|ago|settled)>(\s+[0-9A-Za-z_(])@="
+syntax match itmsStatement "\v<(input|measurable|repair)>(\s+(initial|fault)>)@!(\s+\h)@="
+syntax match itmsWord "\v<(varies|over|ago|settled|noise|misread)>(\s+[0-9A-Za-z_(])@="
 syntax match itmsWord "\v<(after)>(\s+\")@="
 syntax match itmsOperator "\v<(abs|min|max|mean|spread|rate)>(\()@="
 syntax match itmsOperator "<->\|->\|!=\|<=\|[=!&|<]"
