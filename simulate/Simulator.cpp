@@ -119,8 +119,8 @@ struct Simulator::Trial {
 
 Simulator::Simulator(const plant::Plant& plant, const plant::Bindings& bindings,
                      const SimulatorSettings& settings)
-    : plant_(plant), lost_(plant.variables().size(), 0.0),
-      isInput_(plant.variables().size(), false), varies_(plant.variables().size()),
+    : plant_(plant), lost_(plant.variables().size(), 0.0), isInput_(plant.variables().size(), false),
+      varies_(plant.variables().size()), misread_(plant.variables().size(), 0.0),
       wasOpen_(plant.variables().size(), false), labels_(monitor::initialLabels(plant))
 {
     if (settings.seed) {
@@ -128,6 +128,10 @@ Simulator::Simulator(const plant::Plant& plant, const plant::Bindings& bindings,
     }
     std::unordered_set<const StateVar*> bound; // of several channels of a variable the first
     for (const plant::ChannelBinding& binding : bindings.channels) {
+        if (binding.misread) {
+            double& most = misread_[static_cast<std::size_t>(indexOf(plant, binding.variable))];
+            most = std::max(most, *binding.misread);
+        }
         if (binding.kind == plant::ChannelBinding::Kind::observation &&
             bound.insert(binding.variable).second) {
             observed_.push_back(indexOf(plant, binding.variable));
@@ -358,14 +362,27 @@ std::vector<plant::AtomIndex> Simulator::valuesToTry(plant::VariableIndex variab
     return values;
 }
 
+void Simulator::read(Trial& trial)
+{
+    for (const plant::VariableIndex variable : observed_) {
+        const auto index = static_cast<std::size_t>(variable);
+        plant::AtomIndex value = trial.step.values[index];
+        if (chance_ && misread_[index] > 0.0 && chance_->happens(misread_[index])) {
+            const std::vector<plant::AtomIndex>& values = plant_.variable(variable).values;
+            value = values[chance_->below(values.size())];
+            trial.step.misread.push_back(variable);
+        }
+        trial.step.observations.push_back(value);
+    }
+    std::sort(trial.step.misread.begin(), trial.step.misread.end());
+}
+
 SimulatedStep Simulator::accept(Trial& trial)
 {
     for (const plant::PlantVariable& variable : plant_.variables()) {
         trial.step.values.push_back(trial.labels.valueOf(variable).value_or(-1));
     }
-    for (const plant::VariableIndex variable : observed_) {
-        trial.step.observations.push_back(trial.step.values[static_cast<std::size_t>(variable)]);
-    }
+    read(trial);
     labels_.emplace(std::move(trial.labels));
     wasOpen_ = std::move(trial.open);
     return std::move(trial.step);

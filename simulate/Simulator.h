@@ -10,7 +10,7 @@
 // its first possible one.
 //
 // With a seed the plant lives by the model's probabilities: modes take transitions as probable as they are, commands
-// are lost, and what is open is drawn from the values that it can have, one as probable as the other. Modes that
+// are lost, readings are wrong (then any value is read, one as probable as the other), and what is open is drawn from the values that it can have, one as probable as the other. Modes that
 // contradict one another by a law are drawn anew, so that they have their probability among those that can be
 // together. Inputs keep their value: variables that the bindings declare to be inputs, and those that are open while nothing is
 // broken, and measured, which means that they are bound to a channel or determine one that is. What varies by its binding keeps
@@ -62,6 +62,8 @@ struct SimulatedStep {
     std::vector<plant::VariableIndex> lost; ///< commands that did not arrive: their variable has the default
     std::vector<ModeChange> changes;            ///< by rising index of the variable
     std::vector<plant::AtomIndex> observations; ///< of the observed variables, in the order of their bindings
+    std::vector<plant::VariableIndex>
+        misread; ///< of which another value was read than there is, perhaps; sorted
     std::vector<plant::AtomIndex> ignored; ///< given observations that do not hold: something else follows
 
     friend bool operator==(const SimulatedStep&, const SimulatedStep&) = default;
@@ -115,6 +117,7 @@ private:
     std::optional<SimulationProblem> fill(const SimulationInput& input, Trial& trial);
     std::vector<plant::AtomIndex> valuesToTry(plant::VariableIndex variable,
                                               std::optional<plant::AtomIndex> wanted);
+    void read(Trial& trial);
     SimulatedStep accept(Trial& trial);
     void findOrder();
     void findInputs();
@@ -126,7 +129,8 @@ private:
     std::vector<plant::VariableIndex> order_;   ///< in which open variables get values
     std::vector<bool> isInput_;                 ///< by variable
     std::vector<std::optional<double>> varies_; ///< by variable, as the bindings say
-    std::vector<bool> wasOpen_; ///< by variable: nothing determined it in the last step
+    std::vector<double> misread_; ///< the same, of several channels of a variable the most
+    std::vector<bool> wasOpen_;   ///< by variable: nothing determined it in the last step
     std::optional<monitor::Prediction> labels_; ///< always there
 };
 

@@ -65,6 +65,9 @@ std::variant<std::monostate, text::Diagnostic, CsvSteps::None> CsvSteps::readHea
     linesDone_ = records_.linesDone();
     const std::vector<CsvRecords::Cell>& cells = records_.cells();
     if (auto problem = findTime()) return std::move(*problem);
+    for (const CsvRecords::Cell& cell : cells) {
+        header_.push_back(cell.text);
+    }
     isLong_ = cells.size() == 3 && timeColumn_ == 0 && cells[1].text == "name" &&
               cells[2].text == "value";
     if (!isLong_) {
@@ -197,11 +200,23 @@ std::variant<Step, text::Diagnostic, CsvSteps::None> CsvSteps::next()
         if (got == CsvRecords::Got::end) return atEnd();
         if (!draftTime_) linesDone_ = records_.linesDone();
         if (got == CsvRecords::Got::mistake) return noted(records_.mistake());
+        if (isHeaderAgain()) {
+            builder_.notes().passOverHeader(records_.firstLine());
+            continue;
+        }
         if (!isLong_) return wideRow();
         std::optional<Step> step;
         if (auto problem = longRow(step)) return noted(std::move(*problem));
         if (step) return std::move(*step);
     }
+}
+
+// A logger that was started anew writes it anew.
+bool CsvSteps::isHeaderAgain() const
+{
+    const std::vector<CsvRecords::Cell>& cells = records_.cells();
+    return std::equal(cells.begin(), cells.end(), header_.begin(), header_.end(),
+                      [](const auto& cell, const std::string& name) { return cell.text == name; });
 }
 
 CsvSteps::Result CsvSteps::atEnd()

@@ -29,6 +29,9 @@ public:
     CsvSteps(LineSource& lines, StepBuilder& builder, const ReadSettings& settings,
              std::string_view line);
 
+    /// Whether times are seconds since the beginning of 1970. Known with the first step.
+    bool isWallClock() const { return time_.isWallClock(); }
+
     /// There is nothing more, or with `interrupted`, nothing yet.
     struct None {
         bool interrupted = false;
@@ -65,6 +68,7 @@ private:
     bool isPassedOver(const std::string& name) const;
     Problem find(const std::string& name, std::size_t cell, Column& column) const;
     Problem checkTime(std::size_t cell, double t, std::optional<double> before) const;
+    bool isHeaderAgain() const;
     Result atEnd();
     text::Diagnostic noted(text::Diagnostic mistake);
     Result wideRow();
@@ -77,6 +81,7 @@ private:
     char separator_;
     bool isLong_ = false;
     std::vector<Column> columns_; // of the wide shape
+    std::vector<std::string> header_;
     std::size_t timeColumn_ = 0;
     std::string pointed_;             // a number with a point for its comma
     std::optional<double> draftTime_; // of the long shape, while there is a draft

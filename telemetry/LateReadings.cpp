@@ -143,6 +143,7 @@ LateReadings::Outcome LateReadings::outcome(Late& late, double t, const Atom* la
     if (const double* number = std::get_if<double>(&*given)) made.number = *number;
     if (!isSettled(late, t)) {
         late.pending = {};
+        made.number.reset();
         made.waits = true;
         return made;
     }

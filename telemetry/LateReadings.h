@@ -45,7 +45,7 @@ public:
     /// What became of a late variable.
     struct Outcome {
         Atom* value = nullptr;        ///< null: it is not observed
-        std::optional<double> number; ///< that was read or computed
+        std::optional<double> number; ///< that was read or computed, once everything has settled
         bool waits = false; ///< it was read, and does not count yet: nothing stands in for it
     };
     /// Takes the step. `last` gives the last value of a variable, null if none; `take` is called for each late variable, in

@@ -9,7 +9,8 @@
 
 namespace telemetry {
 
-Names::Names(const plant::Model& model, const plant::Bindings& bindings)
+Names::Names(const plant::Model& model, const plant::Bindings& bindings,
+             const std::map<std::string, std::string>& renamed)
 {
     std::unordered_map<const StateVar*, const plant::ChannelBinding*> bound;
     for (const plant::ChannelBinding& binding : bindings.channels) {
@@ -47,6 +48,14 @@ Names::Names(const plant::Model& model, const plant::Bindings& bindings)
         if (dotted != variables_[i].name) addName(dotted, i, false);
     }
     addOperands(bindings);
+    std::vector<std::pair<std::string, std::uint32_t>> others;
+    for (const auto& [other, name] : renamed) {
+        if (const std::uint32_t index = find(name); index != none)
+            others.emplace_back(other, index);
+    }
+    for (const auto& [other, index] : others) {
+        indices_[other] = index;
+    }
 }
 
 void Names::addOperands(const plant::Bindings& bindings)

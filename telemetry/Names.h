@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -42,9 +43,11 @@ struct Name {
 /// part of a part has two names, `branch/valve.position` and `branch.valve.position`.
 class Names {
 public:
-    /// Linear in the variables.
+    /// `renamed` has further names, and those of the model for which they stand; they take precedence. What stands for nothing there is
+    /// left out. Linear in the variables.
     /// Requires: the model and the bindings outlive this, and the bindings are not changed.
-    Names(const plant::Model& model, const plant::Bindings& bindings);
+    Names(const plant::Model& model, const plant::Bindings& bindings,
+          const std::map<std::string, std::string>& renamed = {});
 
     /// A variable with several channels is there once for each of them. First those that are observed, the bound ones in the order of the bindings and then the others in the model's order; then the
     /// commands in the model's order.

@@ -3,6 +3,7 @@
 #include "telemetry/LineSource.h"
 #include "text/Diagnostic.h"
 
+#include <cerrno>
 #include <fmt/format.h>
 #include <string_view>
 #include <unistd.h>
@@ -126,7 +127,11 @@ std::unique_ptr<PackedFile> PackedFile::of(int file, const std::string& name)
 {
     using namespace std::string_view_literals;
     char head[4] = {};
-    const ssize_t count = pread(file, head, sizeof head, 0);
+    ssize_t count = -1;
+    do {
+        count = pread(file, head, sizeof head, 0);
+    } while (count < 0 && errno == EINTR);
+    // A pipe cannot be looked into, nor a folder; reading will tell of anything else.
     if (count <= 0) return nullptr;
     const std::string_view begins(head, static_cast<std::size_t>(count));
     if (begins.starts_with("\x1f\x8b"sv)) return std::make_unique<Gzip>(file, name);

@@ -79,6 +79,11 @@ void ReadNotes::passOverReading(std::uint32_t name, std::string_view called,
     ++unreadable_[known->second].count;
 }
 
+void ReadNotes::passOverHeader(std::size_t line)
+{
+    if (headers_++ == 0) firstHeader_ = line;
+}
+
 void ReadNotes::contradict(const std::string& variable, const std::string& first,
                            const std::string& second)
 {
@@ -111,6 +116,12 @@ std::vector<text::Diagnostic> ReadNotes::summary() const
                              one.count == 1 ? "is" : "are", one.count == 1 ? "counts" : "count",
                              text::quoted(one.first)),
                  comma ? "with --decimal , it is one" : ""));
+    }
+    if (headers_ > 0) {
+        all.push_back(note(fmt::format("the header is there {} more, and is passed over; first in "
+                                       "line {}",
+                                       headers_ == 1 ? "once" : fmt::format("{} times", headers_),
+                                       firstHeader_)));
     }
     for (const auto& [variable, one] : contradictions_) {
         all.push_back(note(fmt::format("the channels of {} say different things in {}, and it "

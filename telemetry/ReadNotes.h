@@ -28,6 +28,8 @@ public:
     /// A reading that is no number where one is wanted.
     void passOverReading(std::uint32_t name, std::string_view called, std::string_view reading);
 
+    /// The header of a table, once more.
+    void passOverHeader(std::size_t line);
     /// Two channels of a variable said different things in a step.
     void contradict(const std::string& variable, const std::string& first,
                     const std::string& second);
@@ -53,6 +55,8 @@ private:
     static constexpr std::size_t mostKeys = 1000;
 
     std::vector<text::Diagnostic> found_;
+    std::size_t firstHeader_ = 0; // the line of the first one that was there again
+    std::size_t headers_ = 0;
     std::map<std::string, Contradiction> contradictions_; // by variable
     std::set<std::string, std::less<>> keys_;
     bool moreKeys_ = false;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <string>
 
 namespace telemetry {
@@ -29,7 +30,9 @@ struct ReadSettings {
     /// In the numbers of a table, `.` or `,`. Requires: it is not the separator.
     char decimal = '.';
     /// More than so many step lengths of the model after the step before, a step has a gap. Requires: 1 or more.
-    double gapSteps = 1.5;
+    double gapSteps = 3;
+    /// Names of columns and keys, and the names of the model that they stand for. Names that the model does not know are passed over.
+    std::map<std::string, std::string> renamed = {};
 };
 
 } // namespace telemetry

@@ -19,6 +19,9 @@ std::optional<Step> SoundSteps::next()
     while (!interrupted_ || !interrupted_()) {
         auto next = source_.next();
         if (auto* step = std::get_if<Step>(&next)) return std::move(*step);
+        // What interrupted the waiting need not be what this is to end for.
+        const auto* end = std::get_if<End>(&next);
+        if (end && end->interrupted && interrupted_) continue;
         auto* mistake = std::get_if<Mistake>(&next);
         if (!mistake) break;
         if (mistake->endsReading || !passOver_) throw BadInput(std::move(mistake->error));

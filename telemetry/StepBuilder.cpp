@@ -31,11 +31,11 @@ std::optional<double> lateNumber(const Variable& variable, const Reading& readin
 
 StepBuilder::StepBuilder(const plant::Model& model, const plant::Bindings& bindings,
                          const ReadSettings& settings)
-    : names_(model, bindings), late_(names_, settings.gapSteps * bindings.stepSeconds),
-      readableOnly_(settings.readableOnly), stepSeconds_(bindings.stepSeconds),
-      gapSeconds_(settings.gapSteps * bindings.stepSeconds), last_(names_.variables().size()),
-      draft_(names_.variables().size()), numbers_(names_.variables().size()),
-      waits_(names_.variables().size())
+    : names_(model, bindings, settings.renamed),
+      late_(names_, settings.gapSteps * bindings.stepSeconds), readableOnly_(settings.readableOnly),
+      stepSeconds_(bindings.stepSeconds), gapSeconds_(settings.gapSteps * bindings.stepSeconds),
+      last_(names_.variables().size()), draft_(names_.variables().size()),
+      numbers_(names_.variables().size()), waits_(names_.variables().size())
 {
     const std::vector<Variable>& variables = names_.variables();
     for (std::uint32_t i = 0; i < variables.size(); ++i) {
@@ -161,11 +161,13 @@ bool StepBuilder::stillHolds(std::uint32_t variable, double t) const
     return t - last.t <= most + slack;
 }
 
-void StepBuilder::finishLate(double t)
+void StepBuilder::finishLate(double t, Step& step)
 {
     const auto last = [this](std::uint32_t variable) { return last_[variable].value; };
-    late_.finish(t, last, [this](std::uint32_t variable, const LateReadings::Outcome& outcome) {
+    late_.finish(t, last, [&](std::uint32_t variable, const LateReadings::Outcome& outcome) {
         waits_[variable] = outcome.waits;
+        if (outcome.number)
+            step.numbers.push_back({names_.variables()[variable].binding, *outcome.number});
         if (!outcome.value) return;
         drafted_.push_back(variable);
         draft_[variable] = outcome.value;
@@ -184,7 +186,7 @@ StepBuilder::Observed StepBuilder::observed(double t, Step& step)
         if (variable < firstCommand) {
             all.emplace_back(variable, Observation{value, false, numbers_[variable]});
         } else {
-            step.commands[variable - firstCommand] = value;
+            step.commands.set(variable - firstCommand, value);
             step.givenCommands.push_back(value);
         }
         if (names_.variables()[variable].binding) last_[variable] = {value, t};
@@ -196,7 +198,7 @@ StepBuilder::Observed StepBuilder::observed(double t, Step& step)
         if (variable < firstCommand) {
             all.emplace_back(variable, Observation{value, true});
         } else {
-            step.commands[variable - firstCommand] = value;
+            step.commands.set(variable - firstCommand, value);
         }
     }
     const auto earlier = [](const auto& a, const auto& b) { return a.first < b.first; };
@@ -241,7 +243,11 @@ Step StepBuilder::finish(double t)
     step.t = t;
     if (time_ && t - *time_ > gapSeconds_) step.gap = t - *time_;
     step.commands = defaults_;
-    finishLate(t);
+    for (const std::uint32_t variable : drafted_) {
+        if (variable < names_.observedCount() && numbers_[variable])
+            step.numbers.push_back({names_.variables()[variable].binding, *numbers_[variable]});
+    }
+    finishLate(t, step);
     Observed all = observed(t, step);
     if (hasSeveral_) join(all);
     for (const auto& entry : all) {

@@ -44,7 +44,7 @@ public:
                                        const Reading& reading) const;
     /// Whether a step may have that time, finite and in seconds.
     bool timeIsLater(double t) const { return !time_ || t > *time_; }
-    /// Gives the step of the draft, and begins a new draft. Linear in the commands of the model, the channels that are held, and
+    /// Gives the step of the draft, and begins a new draft. Linear in the channels that are held, and in
     /// the readings (times their logarithm).
     Step finish(double t);
 
@@ -69,7 +69,7 @@ private:
                                             const Reading& reading);
     bool isUnreadable(const Variable& variable, const Reading& reading) const;
     bool stillHolds(std::uint32_t variable, double t) const;
-    void finishLate(double t);
+    void finishLate(double t, Step& step);
     Observed observed(double t, Step& step);
     void join(Observed& observed);
 
@@ -79,9 +79,9 @@ private:
     bool readableOnly_;
     double stepSeconds_;
     double gapSeconds_;
-    std::vector<Atom*> defaults_;     // of the commands
-    std::vector<std::uint32_t> held_; // variables whose channel is held
-    std::vector<Last> last_;          // by variable; of those without a channel it is not used
+    plant::SharedArray<Atom*> defaults_; // of the commands
+    std::vector<std::uint32_t> held_;    // variables whose channel is held
+    std::vector<Last> last_;             // by variable; of those without a channel it is not used
     std::optional<double> time_;
     std::size_t steps_ = 0;
 

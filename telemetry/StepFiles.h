@@ -22,6 +22,7 @@ public:
     ReaderState state() const override;
     void restore(const ReaderState& state, Input input = Input::same) override;
 
+    bool isWallClock() const { return reader_->isWallClock(); }
     /// As StepReader has them; of several files the notes of all.
     std::optional<std::size_t> cutAt() const { return reader_->cutAt(); }
     std::size_t mistakesAhead() const { return reader_->mistakesAhead(); }

@@ -129,7 +129,10 @@ StepReader::Next StepReader::next()
     }
     if (!table_) return nextLine();
     auto result = table_->next();
-    if (auto* step = std::get_if<Step>(&result)) return std::move(*step);
+    if (auto* step = std::get_if<Step>(&result)) {
+        step->wallClock = table_->isWallClock();
+        return std::move(*step);
+    }
     if (auto* error = std::get_if<text::Diagnostic>(&result))
         return mistake(std::move(*error), false);
     return End{std::get<CsvSteps::None>(result).interrupted};
@@ -153,7 +156,10 @@ StepReader::Next StepReader::parseLine(std::string_view line)
 {
     if (isTooLong(line)) return tooLong(line, false);
     auto result = json_.parse(line, lines_->lineNumber());
-    if (auto* step = std::get_if<Step>(&result)) return std::move(*step);
+    if (auto* step = std::get_if<Step>(&result)) {
+        step->wallClock = time_.isWallClock();
+        return std::move(*step);
+    }
     return mistake(std::move(std::get<text::Diagnostic>(result)), false);
 }
 

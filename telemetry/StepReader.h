@@ -44,12 +44,14 @@ public:
                const ReadSettings& settings = {});
 
     /// The next step, or what is wrong with a line; the plant's state as far as it is remembered here is the same after a mistake as
-    /// before. Linear in the line and in the commands of the model.
+    /// before. Linear in the line and in the channels that are held.
     std::variant<Step, Mistake, End> next() override;
 
     ReaderState state() const override;
     void restore(const ReaderState& state, Input input = Input::same) override;
 
+    /// Whether the times read so far are seconds since the beginning of 1970.
+    bool isWallClock() const { return table_ ? table_->isWallClock() : time_.isWallClock(); }
     /// At the end of an input that may grow: the line from which on it was not taken.
     std::optional<std::size_t> cutAt() const;
     /// How many of the mistakes that next() gave are of lines that state() does not count as done.

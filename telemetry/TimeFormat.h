@@ -27,6 +27,8 @@ public:
     std::optional<double> read(double number);
     /// Whether the format is known, or was found out.
     bool isKnown() const { return kind_ != Kind::unknown; }
+    /// Whether the seconds are those since the beginning of 1970.
+    bool isWallClock() const { return isKnown() && kind_ != Kind::seconds; }
     /// Whether dates may be read: a text may be a time where numbers are not texts.
     bool readsDates() const { return kind_ != Kind::seconds && kind_ != Kind::milliseconds; }
 
