@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <unordered_set>
 
 namespace monitor {
 
@@ -66,6 +67,49 @@ Completion complete(const Plant& plant, Prediction& labels, const std::vector<Va
         next = choices.back().place;
     }
     return Completion::possible;
+}
+
+std::vector<VariableIndex> variablesAround(const Plant& plant, const Prediction& labels,
+                                           const Prediction& others)
+{
+    std::vector<VariableIndex> reached;
+    std::unordered_set<VariableIndex> seen;
+    const auto reach = [&](AtomIndex atom) {
+        const VariableIndex variable = plant.variableOf(atom);
+        if (!labels.isKnown(atom) && seen.insert(variable).second) {
+            reached.push_back(variable);
+        }
+    };
+    const auto reachAround = [&](AtomIndex atom, bool openOnly) {
+        for (const ClauseIndex clause : plant.clausesOf(atom)) {
+            Meter::spend(plant.clause(clause).size());
+            if (openOnly && labels.satisfies(clause)) {
+                continue;
+            }
+            for (const PlantLiteral& literal : plant.clause(clause)) {
+                reach(literal.atom);
+            }
+        }
+    };
+    forEachDifference(labels, others, [&](AtomIndex atom) {
+        reach(atom);
+        reachAround(atom, false);
+    });
+    for (std::size_t next = 0; next < reached.size(); ++next) {
+        for (const AtomIndex value : plant.variable(reached[next]).values) {
+            if (!labels.isKnown(value)) {
+                reachAround(value, true);
+            }
+        }
+    }
+    std::sort(reached.begin(), reached.end());
+    return reached;
+}
+
+bool fillsInTurn(const Plant& plant, Prediction labels, const std::vector<VariableIndex>& variables)
+{
+    const auto values = [&](VariableIndex variable) { return plant.variable(variable).values; };
+    return complete(plant, labels, variables, values, 0) == Completion::possible;
 }
 
 Completion completionOf(const Plant& plant, Prediction labels, std::uint64_t mostRetreats)

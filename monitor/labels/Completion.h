@@ -25,6 +25,16 @@ constexpr std::uint64_t completionRetreats = 10000;
 Completion completionOf(const Plant& plant, Prediction labels,
                         std::uint64_t mostRetreats = completionRetreats);
 
+/// The variables that the labels leave open, and of which it may not be as in other labels whether they can have values: those that
+/// open clauses connect with a label that is different. By rising index. Linear in the clauses around them, where both share the rest.
+std::vector<VariableIndex> variablesAround(const Plant& plant, const Prediction& labels,
+                                           const Prediction& others);
+
+/// Whether these variables can have values without one being taken back that its laws allowed when it came to it: so it makes no
+/// difference whether variables that no open clause connects with them are completed before, after or between them.
+/// Requires: sorted, and with each variable those that open clauses connect with it.
+bool fillsInTurn(const Plant& plant, Prediction labels, const std::vector<VariableIndex>& variables);
+
 /// The values of a variable in the order in which a completion tries them. Called again whenever the completion comes to the
 /// variable.
 using ValueOrder = std::function<std::vector<AtomIndex>(VariableIndex)>;

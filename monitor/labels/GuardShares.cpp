@@ -15,43 +15,43 @@ using Alternatives = std::vector<const PlantChange::Alternative*>;
 // Combinations of the variables of the guards of a step, at most, before the rest are estimated.
 constexpr std::size_t mostTriedCombinations = 1000;
 
-std::vector<VariableIndex> openVariables(const Plant& plant, const Alternatives& alternatives,
-                                         const std::vector<Label>& labels)
+} // namespace
+
+GuardShares::GuardShares(const Plant& plant, const Prediction& before, CommandValues commands)
+    : plant_(plant), known_(before), commands_(std::move(commands))
+{
+}
+
+Label GuardShares::label(AtomIndex atom) const
+{
+    if (const auto tried = tryingLabels_.find(atom); tried != tryingLabels_.end()) {
+        return tried->second;
+    }
+    const auto whether = [](bool holds) { return holds ? Label::isTrue : Label::isFalse; };
+    const VariableIndex index = plant_.variableOf(atom);
+    if (const AtomIndex given = commands_.of(index); given != CommandValues::none) {
+        return whether(given == atom);
+    }
+    const PlantVariable& variable = plant_.variable(index);
+    if (variable.isCommand) {
+        return Label::unknown;
+    }
+    return variable.isMode ? whether(before(variable) == atom) : known_.label(atom);
+}
+
+std::vector<VariableIndex> GuardShares::openVariables(const Alternatives& alternatives) const
 {
     std::vector<VariableIndex> variables;
     for (const PlantChange::Alternative* alternative : alternatives) {
         for (const PlantLiteral& literal : alternative->literals) {
-            if (labels[static_cast<std::size_t>(literal.atom)] == Label::unknown) {
-                variables.push_back(plant.variableOf(literal.atom));
+            if (label(literal.atom) == Label::unknown) {
+                variables.push_back(plant_.variableOf(literal.atom));
             }
         }
     }
     std::sort(variables.begin(), variables.end());
     variables.erase(std::unique(variables.begin(), variables.end()), variables.end());
     return variables;
-}
-
-} // namespace
-
-GuardShares::GuardShares(const Plant& plant, const Prediction& before,
-                         const std::vector<AtomIndex>& commands)
-    : plant_(plant), known_(before), labels_(plant.atomCount(), Label::unknown)
-{
-    const auto give = [&](AtomIndex value) {
-        for (const AtomIndex atom : plant.variable(plant.variableOf(value)).values) {
-            labels_[static_cast<std::size_t>(atom)] = atom == value ? Label::isTrue : Label::isFalse;
-        }
-    };
-    for (const PlantVariable& variable : plant.variables()) {
-        if (variable.isMode && !variable.values.empty()) {
-            give(this->before(variable));
-        } else if (!variable.isCommand) {
-            for (const AtomIndex atom : variable.values) {
-                labels_[static_cast<std::size_t>(atom)] = before.label(atom);
-            }
-        }
-    }
-    std::for_each(commands.begin(), commands.end(), give);
 }
 
 AtomIndex GuardShares::before(const PlantVariable& mode) const
@@ -63,10 +63,10 @@ GuardShares::Holds GuardShares::holds(const PlantChange::Alternative& alternativ
 {
     Holds result = Holds::yes;
     for (const PlantLiteral& literal : alternative.literals) {
-        const Label label = labels_[static_cast<std::size_t>(literal.atom)];
-        if (label == Label::unknown) {
+        const Label known = label(literal.atom);
+        if (known == Label::unknown) {
             result = Holds::perhaps;
-        } else if ((label == Label::isTrue) == literal.negated) {
+        } else if ((known == Label::isTrue) == literal.negated) {
             return Holds::no;
         }
     }
@@ -93,7 +93,8 @@ GuardShare GuardShares::of(const PlantChange& change)
 
 double GuardShares::shareOf(const Alternatives& open, bool& exact)
 {
-    const std::vector<VariableIndex> variables = openVariables(plant_, open, labels_);
+    ++counted_;
+    const std::vector<VariableIndex> variables = openVariables(open);
     if (!trying_) {
         trying_.emplace(known_);
     }
@@ -141,7 +142,7 @@ bool GuardShares::count(const std::vector<VariableIndex>& variables, std::size_t
     const PlantVariable& variable = plant_.variable(variables[next]);
     std::vector<Label> before;
     for (const AtomIndex value : variable.values) {
-        before.push_back(labels_[static_cast<std::size_t>(value)]);
+        before.push_back(label(value));
     }
     const std::size_t mark = trying_->mark();
     bool within = true;
@@ -153,15 +154,14 @@ bool GuardShares::count(const std::vector<VariableIndex>& variables, std::size_t
         const AtomIndex value = variable.values[chosen];
         if (within && (variable.isCommand || (trying_->assume(value) && trying_->propagate()))) {
             for (const AtomIndex atom : variable.values) {
-                labels_[static_cast<std::size_t>(atom)] =
-                    atom == value ? Label::isTrue : Label::isFalse;
+                tryingLabels_[atom] = atom == value ? Label::isTrue : Label::isFalse;
             }
             within = count(variables, next + 1, open, connected, counts);
         }
         trying_->undo(mark);
     }
-    for (std::size_t i = 0; i < before.size(); ++i) {
-        labels_[static_cast<std::size_t>(variable.values[i])] = before[i];
+    for (const AtomIndex value : variable.values) {
+        tryingLabels_.erase(value);
     }
     return within;
 }
@@ -173,11 +173,11 @@ double GuardShares::shareWithoutLaws(const Alternatives& open) const
     for (const PlantChange::Alternative* alternative : open) {
         double all = 1.0;
         for (const PlantLiteral& literal : alternative->literals) {
-            if (labels_[static_cast<std::size_t>(literal.atom)] == Label::unknown) {
+            if (label(literal.atom) == Label::unknown) {
                 const auto& values = plant_.variable(plant_.variableOf(literal.atom)).values;
                 const auto possible =
                     std::count_if(values.begin(), values.end(), [this](AtomIndex value) {
-                        return labels_[static_cast<std::size_t>(value)] != Label::isFalse;
+                        return label(value) != Label::isFalse;
                     });
                 const double one = 1.0 / static_cast<double>(possible);
                 all *= literal.negated ? 1.0 - one : one;

@@ -5,9 +5,11 @@
 // unknown, `when a = x` has the share 1/3.
 #pragma once
 
+#include "monitor/labels/CommandValues.h"
 #include "monitor/labels/OpenGroups.h"
 
 #include <optional>
+#include <unordered_map>
 
 namespace monitor {
 
@@ -25,15 +27,17 @@ class GuardShares {
 public:
     /// From the modes and conditions before the step and the commands of this step. A command that is not given may have any value,
     /// whatever `before` says of it. A mode variable without a value in `before` has its first.
-    /// Requires: all conclusions are drawn from `before`, and there is no contradiction. Plant and labels outlive it. Linear in the plant.
-    GuardShares(const Plant& plant, const Prediction& before,
-                const std::vector<AtomIndex>& commands);
+    /// Requires: all conclusions are drawn from `before`, and there is no contradiction. Plant and labels outlive it. Constant time where
+    /// the labels are shared.
+    GuardShares(const Plant& plant, const Prediction& before, CommandValues commands);
 
     /// Linear in the guard where it follows or is excluded. Otherwise it costs a count of what is open together with it, for each
     /// combination of values that its variables can have.
     GuardShare of(const PlantChange& change);
     /// The value that the mode variable had before the step.
     AtomIndex before(const PlantVariable& mode) const;
+    /// How many open guards were counted, or estimated, until now.
+    std::size_t counted() const { return counted_; }
 
 private:
     enum class Holds { no, perhaps, yes };
@@ -42,6 +46,10 @@ private:
         double all = 0.0;
     };
 
+    /// In which guards are read.
+    Label label(AtomIndex atom) const;
+    std::vector<VariableIndex> openVariables(
+        const std::vector<const PlantChange::Alternative*>& alternatives) const;
     Holds holds(const PlantChange::Alternative& alternative) const;
     double shareOf(const std::vector<const PlantChange::Alternative*>& open, bool& exact);
     double shareWithoutLaws(const std::vector<const PlantChange::Alternative*>& open) const;
@@ -54,10 +62,12 @@ private:
 
     const Plant& plant_;
     const Prediction& known_;
-    std::vector<Label> labels_;         ///< in which guards are read
+    CommandValues commands_;
+    std::unordered_map<AtomIndex, Label> tryingLabels_; ///< of what has a value for a trial
     std::optional<Prediction> trying_;  ///< that of the labels before the step, with values tried
     std::optional<OpenVariables> open_; ///< of those labels
     std::size_t tried_ = 0;
+    std::size_t counted_ = 0;
 };
 
 } // namespace monitor

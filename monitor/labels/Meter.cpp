@@ -69,6 +69,15 @@ bool Meter::tooMuchMemory()
     return true;
 }
 
+bool Meter::isStopped()
+{
+    if (!limits_.stop || !*limits_.stop) return false;
+    if (!finishing_) return true;
+    const auto now = std::chrono::steady_clock::now();
+    if (!stopped_) stopped_ = now;
+    return now - *stopped_ >= patience;
+}
+
 SearchLimit Meter::look()
 {
     const std::uint64_t most = part(work_.maxWork, share());
@@ -79,7 +88,7 @@ SearchLimit Meter::look()
     SearchLimit met = SearchLimit::none;
     if (counted >= most && counting_) {
         met = SearchLimit::work;
-    } else if (limits_.stop && *limits_.stop && !finishing_) {
+    } else if (isStopped()) {
         met = SearchLimit::stopped;
     } else if (timed && elapsed.count() >= limits_.maxSeconds * share()) {
         met = SearchLimit::seconds;

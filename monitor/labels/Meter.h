@@ -18,6 +18,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
 namespace monitor {
 
@@ -76,7 +77,7 @@ public:
         Meter* before_;
     };
 
-    /// While it lives, what was kept back of the limits may be spent, too.
+    /// While it lives, what was kept back of the limits may be spent, too; of patience a second.
     class Finishing {
     public:
         Finishing() : meter_(current_)
@@ -122,6 +123,7 @@ private:
     SearchLimit look();
     void lookBeforeTheLimit();
     bool tooMuchMemory();
+    bool isStopped();
     void setFinishing(bool finishing)
     {
         finishing_ = finishing;
@@ -132,16 +134,20 @@ private:
     /// Of each limit, what may be spent before an answer is made.
     static constexpr double searchingShare = 0.85;
 
+    /// How long an answer may be made of what was found after somebody wants no further one.
+    static constexpr std::chrono::seconds patience{1};
+
     static thread_local Meter* current_;
 
     Meter* before_;
     SearchLimits limits_;
     WorkLimits work_;
     std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
-    std::uint64_t ticks_ = 0;      ///< all work
-    std::uint64_t uncounted_ = 0;  ///< of it
-    std::uint64_t next_ = 0;       ///< when to look again
-    std::uint64_t nextMemory_ = 0; ///< when to look at the memory
+    std::uint64_t ticks_ = 0;                                      ///< all work
+    std::uint64_t uncounted_ = 0;                                  ///< of it
+    std::uint64_t next_ = 0;                                       ///< when to look again
+    std::uint64_t nextMemory_ = 0;                                 ///< when to look at the memory
+    std::optional<std::chrono::steady_clock::time_point> stopped_; ///< when that was seen
     bool counting_ = true;
     bool finishing_ = false;
     SearchLimit met_ = SearchLimit::none;

@@ -35,10 +35,14 @@ AtomIndex mostProbable(const std::vector<ModeOption>& options)
         ->value;
 }
 
+std::uint64_t workOf(const Plant& plant, AtomIndex from)
+{
+    return 10 * (1 + plant.changesFrom(from).size());
+}
+
 ModeStep modeStep(const Plant& plant, VariableIndex index, GuardShares& guards)
 {
     const AtomIndex from = guards.before(plant.variable(index));
-    Meter::spend(10 * (1 + plant.changesFrom(from).size()));
     ModeStep step{index, from, from, {}, nullptr, true};
     double leaving = 0.0;
     double nominal = 0.0;
@@ -78,6 +82,24 @@ ModeStep modeStep(const Plant& plant, VariableIndex index, GuardShares& guards)
     return step;
 }
 
+double logPredictedOf(const ModeStep& step)
+{
+    return std::log(step.option(step.predicted)->probability);
+}
+
+bool isNotable(const ModeStep& step)
+{
+    double largest = 0.0;
+    for (const ModeOption& option : step.options) {
+        largest = std::max(largest, option.probability);
+    }
+    return std::any_of(step.options.begin(), step.options.end(), [&](const ModeOption& option) {
+        return option.value == step.predicted
+                   ? option.probability < largest
+                   : option.probability >= ModeSteps::notableRatio * largest;
+    });
+}
+
 } // namespace
 
 const ModeOption* ModeStep::option(AtomIndex value) const
@@ -95,18 +117,202 @@ bool ModeStep::deviatesFreely() const
     });
 }
 
-std::vector<ModeStep> modeSteps(const Plant& plant, const Prediction& before,
-                                const std::vector<AtomIndex>& commands)
+double logCalmOf(const ModeStep& step, const std::vector<AtomIndex>& others)
 {
-    GuardShares guards(plant, before, commands);
-    std::vector<ModeStep> steps;
-    for (std::size_t i = 0; i < plant.variables().size(); ++i) {
-        const PlantVariable& variable = plant.variables()[i];
-        if (variable.isMode && !variable.values.empty()) {
-            steps.push_back(modeStep(plant, static_cast<VariableIndex>(i), guards));
-        }
+    double fault = 0.0;
+    for (const ModeOption& option : step.options) {
+        const bool is = option.value == step.predicted ||
+                        std::binary_search(others.begin(), others.end(), option.value);
+        fault += option.fault && !is ? option.probability : 0.0;
     }
-    return steps;
+    return std::log1p(-std::min(fault, 1.0));
+}
+
+/// Enters what a mode may do, and keeps the sums and lists of all of them.
+class ModeStepsWriter {
+public:
+    explicit ModeStepsWriter(ModeSteps& steps) : steps_(steps) {}
+
+    void add(const ModeStep& step, bool faulty, bool open, std::uint64_t work)
+    {
+        const std::size_t place = steps_.size();
+        steps_.steps_.push_back(std::make_shared<const ModeStep>(step));
+        steps_.predicted_.push_back(step.predicted);
+        enter(place, faulty, open, work);
+    }
+
+    void replace(std::size_t place, const ModeStep& step, bool faulty, bool open,
+                 std::uint64_t work, std::uint64_t workBefore)
+    {
+        const ModeStep& before = steps_[place];
+        steps_.logPredicted_.remove(logPredictedOf(before));
+        steps_.logCalm_.remove(logCalmOf(before, {}));
+        steps_.inexact_ -= before.exact ? 0 : 1;
+        steps_.work_ -= workBefore;
+        if (!(before == step)) {
+            steps_.steps_.set(place, std::make_shared<const ModeStep>(step));
+        }
+        if (steps_.predicted_[place] != step.predicted) {
+            steps_.predicted_.set(place, step.predicted);
+        }
+        enter(place, faulty, open, work);
+    }
+
+    // Requires: what was entered was so by rising place.
+    void finish()
+    {
+        list(steps_.notable_, notable_);
+        list(steps_.faulty_, faulty_);
+        list(steps_.open_, open_);
+    }
+
+    const std::vector<std::size_t>& open() const { return ModeSteps::places(steps_.open_); }
+    std::uint64_t work() const { return steps_.work_; }
+
+private:
+    void enter(std::size_t place, bool faulty, bool open, std::uint64_t work)
+    {
+        const ModeStep& step = steps_[place];
+        steps_.logPredicted_.add(logPredictedOf(step));
+        steps_.logCalm_.add(logCalmOf(step, {}));
+        steps_.inexact_ += step.exact ? 0 : 1;
+        steps_.work_ += work;
+        notable_.emplace_back(place, isNotable(step));
+        faulty_.emplace_back(place, faulty);
+        open_.emplace_back(place, open);
+    }
+
+    using Entered =
+        std::vector<std::pair<std::size_t, bool>>; // by rising place: whether it is in the list
+
+    static void list(ModeSteps::Places& places, const Entered& entered)
+    {
+        const std::vector<std::size_t>& now = ModeSteps::places(places);
+        const bool same = std::all_of(entered.begin(), entered.end(), [&](const auto& one) {
+            return std::binary_search(now.begin(), now.end(), one.first) == one.second;
+        });
+        if (same) {
+            return;
+        }
+        std::vector<std::size_t> changed;
+        auto left = now.begin();
+        for (const auto& [place, wanted] : entered) {
+            while (left != now.end() && *left < place) {
+                changed.push_back(*left++);
+            }
+            if (left != now.end() && *left == place) {
+                ++left;
+            }
+            if (wanted) {
+                changed.push_back(place);
+            }
+        }
+        changed.insert(changed.end(), left, now.end());
+        places = std::make_shared<const std::vector<std::size_t>>(std::move(changed));
+    }
+
+    ModeSteps& steps_;
+    Entered notable_;
+    Entered faulty_;
+    Entered open_;
+};
+
+bool operator==(const ModeSteps& a, const ModeSteps& b)
+{
+    if (a.size() != b.size()) {
+        return false;
+    }
+    bool same = true;
+    forEachDifference(a.steps_, b.steps_,
+                      [&](std::size_t place) { same = same && a[place] == b[place]; });
+    return same;
+}
+
+ModeSteps modeSteps(const Plant& plant, const Prediction& before,
+                    const SharedArray<AtomIndex>& commands)
+{
+    return KnownModeSteps(plant, before, commands).steps();
+}
+
+KnownModeSteps::KnownModeSteps(const Plant& plant, const Prediction& before,
+                               const SharedArray<AtomIndex>& commands)
+    : before_(before), commands_(commands), given_(plant, commands), lookedAt_(plant.modes().size())
+{
+    GuardShares guards(plant, before_, given_);
+    ModeStepsWriter writer(steps_);
+    for (const VariableIndex mode : plant.modes()) {
+        const AtomIndex from = guards.before(plant.variable(mode));
+        Meter::spend(workOf(plant, from));
+        const std::size_t counted = guards.counted();
+        const ModeStep step = modeStep(plant, mode, guards);
+        writer.add(step, plant.atom(from)->fail, guards.counted() > counted, workOf(plant, from));
+    }
+    writer.finish();
+}
+
+KnownModeSteps::KnownModeSteps(const Plant& plant, const Prediction& before,
+                               const SharedArray<AtomIndex>& commands, const KnownModeSteps& last)
+    : before_(before), commands_(commands), given_(last.given_), steps_(last.steps_)
+{
+    std::vector<AtomIndex> changed;
+    if (!before.isShared() || !last.before_.isShared() ||
+        !giveChanged(plant, last.commands_, changed)) {
+        *this = KnownModeSteps(plant, before, commands);
+        return;
+    }
+    forEachDifference(before, last.before_, [&](AtomIndex atom) { changed.push_back(atom); });
+    ModeStepsWriter writer(steps_);
+    std::vector<VariableIndex> modes;
+    for (const std::size_t place : writer.open()) {
+        modes.push_back(plant.modes()[place]);
+    }
+    for (const AtomIndex atom : changed) {
+        const VariableIndex variable = plant.variableOf(atom);
+        if (plant.variable(variable).isMode) {
+            modes.push_back(variable);
+        }
+        const auto reading = plant.modesReading(atom);
+        modes.insert(modes.end(), reading.begin(), reading.end());
+    }
+    std::sort(modes.begin(), modes.end());
+    modes.erase(std::unique(modes.begin(), modes.end()), modes.end());
+    derive(plant, modes);
+}
+
+// The atoms of commands that are not given as before. False where other commands are.
+bool KnownModeSteps::giveChanged(const Plant& plant, const SharedArray<AtomIndex>& last,
+                                 std::vector<AtomIndex>& changed)
+{
+    if (last.size() != commands_.size()) {
+        return false;
+    }
+    bool sameVariables = true;
+    forEachDifference(last, commands_, [&](std::size_t place) {
+        const VariableIndex variable = plant.variableOf(commands_[place]);
+        sameVariables = sameVariables && plant.variableOf(last[place]) == variable;
+        given_.give(plant, commands_[place]);
+        changed.push_back(last[place]);
+        changed.push_back(commands_[place]);
+    });
+    return sameVariables;
+}
+
+// Looks at these modes again, in their order.
+void KnownModeSteps::derive(const Plant& plant, const std::vector<VariableIndex>& modes)
+{
+    lookedAt_ = modes.size();
+    GuardShares guards(plant, before_, given_);
+    ModeStepsWriter writer(steps_);
+    for (const VariableIndex mode : modes) {
+        const std::size_t place = plant.modePlace(mode);
+        const AtomIndex from = guards.before(plant.variable(mode));
+        const std::size_t counted = guards.counted();
+        const ModeStep step = modeStep(plant, mode, guards);
+        writer.replace(place, step, plant.atom(from)->fail, guards.counted() > counted,
+                       workOf(plant, from), workOf(plant, steps_[place].before));
+    }
+    writer.finish();
+    Meter::spend(writer.work()); // the same as where all are looked at
 }
 
 } // namespace monitor

@@ -1,6 +1,7 @@
 // Unit propagation with a trail. Labels are appended to the trail in the order in which they are found, so that reasons always
 // stand before what they give: taking back is cutting the trail, and the modes under a label are found in one pass from its end.
-// reassume() cuts out what rests on the changed assumptions, and visits the clauses around that.
+// reassume() cuts out what rests on the changed assumptions, and visits the clauses around that. Shared labels have no trail below
+// what can still be taken back: there the order is found from the reasons, where it is asked for.
 #include "monitor/labels/Prediction.h"
 
 #include "monitor/labels/Meter.h"
@@ -8,6 +9,8 @@
 #include <algorithm>
 #include <bit>
 #include <limits>
+#include <numeric>
+#include <unordered_set>
 
 namespace monitor {
 
@@ -40,8 +43,8 @@ bool Prediction::propagate()
     if (next_ == 0 && !visitAll(plant_->unitClauses())) {
         return false;
     }
-    for (; next_ < trail_.size(); ++next_) {
-        if (!visitAll(plant_->clausesOf(trail_[next_]))) {
+    for (; next_ < mark(); ++next_) {
+        if (!visitAll(plant_->clausesOf(trail_[next_ - settled_]))) {
             return false;
         }
     }
@@ -103,7 +106,13 @@ bool Prediction::reassume(const std::vector<AtomIndex>& values)
             return false;
         }
     }
-    return propagate();
+    if (!propagate()) {
+        return false;
+    }
+    if (shared_) {
+        settle();
+    }
+    return true;
 }
 
 // Takes back the labels of the values' variables, and all that rests on them. Reasons lead from earlier labels to
@@ -112,7 +121,7 @@ std::vector<AtomIndex> Prediction::retract(const std::vector<AtomIndex>& values)
 {
     std::vector<AtomIndex> retracted;
     const auto takeBack = [&](AtomIndex atom) {
-        labels_[static_cast<std::size_t>(atom)] = Label::unknown;
+        enter(atom, Label::unknown, assumed);
         retracted.push_back(atom);
     };
     for (const AtomIndex value : values) {
@@ -123,33 +132,79 @@ std::vector<AtomIndex> Prediction::retract(const std::vector<AtomIndex>& values)
         for (const ClauseIndex clause : plant_->clausesOf(retracted[i])) {
             Meter::spend(plant_->clause(clause).size());
             for (const PlantLiteral& literal : plant_->clause(clause)) {
-                if (isKnown(literal.atom) &&
-                    reasons_[static_cast<std::size_t>(literal.atom)] == clause) {
+                if (isKnown(literal.atom) && reason(literal.atom) == clause) {
                     takeBack(literal.atom);
                 }
             }
         }
     }
-    std::erase_if(trail_, [this](AtomIndex atom) { return !isKnown(atom); });
-    next_ = trail_.size();
+    if (shared_) {
+        settled_ -= retracted.size();
+    } else {
+        std::erase_if(trail_, [this](AtomIndex atom) { return !isKnown(atom); });
+    }
+    next_ = mark();
     return retracted;
 }
 
 void Prediction::set(AtomIndex atom, Label label, ClauseIndex reason)
 {
-    labels_[static_cast<std::size_t>(atom)] = label;
-    reasons_[static_cast<std::size_t>(atom)] = reason;
+    enter(atom, label, reason);
     trail_.push_back(atom);
+}
+
+void Prediction::enter(AtomIndex atom, Label label, ClauseIndex reason)
+{
+    const auto place = static_cast<std::size_t>(atom);
+    if (shared_) {
+        known_.set(place, Known::of(label, reason));
+    } else {
+        labels_[place] = label;
+        reasons_[place] = reason;
+    }
 }
 
 void Prediction::undo(std::size_t mark)
 {
-    while (trail_.size() > mark) {
-        labels_[static_cast<std::size_t>(trail_.back())] = Label::unknown;
+    if (mark < settled_) { // all of them
+        shared_ = false;
+        known_ = {};
+        settled_ = 0;
+        labels_.assign(plant_->atomCount(), Label::unknown);
+        reasons_.assign(plant_->atomCount(), assumed);
+        trail_.clear();
+    }
+    while (this->mark() > mark) {
+        enter(trail_.back(), Label::unknown, assumed);
         trail_.pop_back();
     }
     next_ = std::min(next_, mark);
     violated_ = -1;
+}
+
+void Prediction::share(std::size_t mark)
+{
+    if (!shared_) {
+        std::vector<Known> known(labels_.size());
+        for (std::size_t i = 0; i < known.size(); ++i) {
+            known[i] = Known::of(labels_[i], labels_[i] == Label::unknown ? assumed : reasons_[i]);
+        }
+        known_ = known;
+        shared_ = true;
+        labels_ = {};
+        reasons_ = {};
+    }
+    // What contradicts itself was not visited to its end, and has to stay on the trail.
+    const std::size_t settled = std::max(settled_, std::min(mark, next_));
+    trail_ = {trail_.begin() + static_cast<std::ptrdiff_t>(settled - settled_), trail_.end()};
+    settled_ = settled;
+}
+
+// Where nothing is on the trail but what was assumed anew, and what follows from it.
+void Prediction::settle()
+{
+    settled_ += trail_.size();
+    trail_.clear();
 }
 
 bool Prediction::satisfies(ClauseIndex clause) const
@@ -221,13 +276,13 @@ void Prediction::preferSmallEnvironments()
     if (modes > mostModes) {
         return;
     }
-    const std::size_t trial = labels_.size();
-    ModeSets environments(labels_.size() + 1, modes);
-    std::vector<bool> done(labels_.size(), false);
-    for (const AtomIndex atom : trail_) {
+    const std::size_t trial = plant_->atomCount();
+    ModeSets environments(plant_->atomCount() + 1, modes);
+    std::vector<bool> done(plant_->atomCount(), false);
+    for (const AtomIndex atom : inOrder()) {
         const auto own = static_cast<std::size_t>(atom);
         const VariableIndex variable = plant_->variableOf(atom);
-        if (reasons_[own] == assumed) {
+        if (reason(atom) == assumed) {
             if (plant_->variable(variable).isMode) {
                 environments.insert(own, modeNumber[static_cast<std::size_t>(variable)]);
             }
@@ -248,7 +303,7 @@ void Prediction::preferSmallEnvironments()
             }
             if (const int size = environments.size(trial); size < smallest) {
                 smallest = size;
-                reasons_[own] = clause;
+                enter(atom, label(atom), clause);
                 environments.copy(own, trial);
             }
         }
@@ -289,22 +344,32 @@ std::vector<AtomIndex> Prediction::grounds(const std::vector<AtomIndex>& atoms) 
     return reached;
 }
 
-std::vector<VariableIndex> Prediction::environment(const std::vector<AtomIndex>& atoms) const
+std::vector<VariableIndex> Prediction::assumptionsBehind(const std::vector<AtomIndex>& atoms) const
 {
-    std::vector<VariableIndex> modes;
+    std::vector<VariableIndex> variables;
     for (const AtomIndex atom : grounds(atoms)) {
         const VariableIndex variable = plant_->variableOf(atom);
-        if (reason(atom) == assumed && plant_->variable(variable).isMode) {
-            modes.push_back(variable);
+        if (reason(atom) == assumed && !plant_->variable(variable).isCommand) {
+            variables.push_back(variable);
         }
     }
-    std::sort(modes.begin(), modes.end());
-    modes.erase(std::unique(modes.begin(), modes.end()), modes.end());
+    std::sort(variables.begin(), variables.end());
+    variables.erase(std::unique(variables.begin(), variables.end()), variables.end());
+    return variables;
+}
+
+std::vector<VariableIndex> Prediction::environment(const std::vector<AtomIndex>& atoms) const
+{
+    std::vector<VariableIndex> modes = assumptionsBehind(atoms);
+    std::erase_if(modes, [&](VariableIndex variable) { return !plant_->variable(variable).isMode; });
     return modes;
 }
 
 std::vector<AtomIndex> Prediction::derivation(const std::vector<AtomIndex>& atoms) const
 {
+    if (shared_) {
+        return behindTheirReasons(atoms);
+    }
     std::vector<bool> needed(plant_->atomCount(), false);
     for (const AtomIndex atom : grounds(atoms)) {
         needed[static_cast<std::size_t>(atom)] = true;
@@ -316,11 +381,49 @@ std::vector<AtomIndex> Prediction::derivation(const std::vector<AtomIndex>& atom
     return ordered;
 }
 
+// Everything that is known, in an order in which reasons come before what they give.
+std::vector<AtomIndex> Prediction::inOrder() const
+{
+    if (!shared_) {
+        return trail_;
+    }
+    std::vector<AtomIndex> all(plant_->atomCount());
+    std::iota(all.begin(), all.end(), 0);
+    return behindTheirReasons(all);
+}
+
+// Those of the atoms that are known, with what their labels rest on: depth first, so that each comes after its reason.
+std::vector<AtomIndex> Prediction::behindTheirReasons(const std::vector<AtomIndex>& atoms) const
+{
+    std::vector<AtomIndex> ordered;
+    std::unordered_set<AtomIndex> seen;
+    std::vector<std::pair<AtomIndex, std::size_t>> stack; // and how many literals of the reason were looked at
+    for (const AtomIndex atom : atoms) {
+        if (isKnown(atom) && seen.insert(atom).second) {
+            stack.emplace_back(atom, 0);
+        }
+        while (!stack.empty()) {
+            auto& [top, looked] = stack.back();
+            if (reason(top) == assumed || looked == plant_->clause(reason(top)).size()) {
+                ordered.push_back(top);
+                stack.pop_back();
+                continue;
+            }
+            Meter::spend(1);
+            const AtomIndex needed = plant_->clause(reason(top))[looked++].atom;
+            if (seen.insert(needed).second) {
+                stack.emplace_back(needed, 0);
+            }
+        }
+    }
+    return ordered;
+}
+
 std::vector<bool> Prediction::dependents(const std::vector<bool>& markedVariables) const
 {
     std::vector<bool> dependent(plant_->atomCount(), false);
-    for (const AtomIndex atom : trail_) {
-        const ClauseIndex reason = reasons_[static_cast<std::size_t>(atom)];
+    for (const AtomIndex atom : inOrder()) {
+        const ClauseIndex reason = this->reason(atom);
         if (reason == assumed) {
             dependent[static_cast<std::size_t>(atom)] =
                 markedVariables[static_cast<std::size_t>(plant_->variableOf(atom))];

@@ -8,7 +8,7 @@ namespace monitor {
 
 namespace {
 
-bool isKnown(const ReadingMemory& before, const std::vector<AtomIndex>& given,
+bool isKnown(const ReadingMemory& before, const GivenValues& given,
              const std::vector<VariableIndex>& read)
 {
     return before.open && before.open->given == given && before.open->read == read &&
@@ -17,14 +17,14 @@ bool isKnown(const ReadingMemory& before, const std::vector<AtomIndex>& given,
 }
 
 // Also takes from `last` what a changed mode bears on.
-std::shared_ptr<const OpenReadings> whatIsOpen(const Plant& plant, std::vector<AtomIndex> given,
+std::shared_ptr<const OpenReadings> whatIsOpen(const Plant& plant, GivenValues given,
                                                const Prediction& labels,
                                                std::vector<VariableIndex> read,
                                                std::map<VariableIndex, AtomIndex>& last,
                                                const std::set<VariableIndex>& changedModes)
 {
     OpenVariables variables(plant, labels);
-    OpenReadings open;
+    OpenReadings open{std::move(given), {}, {}, {}, true};
     open.groups = variables.groups(read);
     for (const VariableIndex variable : read) {
         open.isOpen[variable] = variables.isOpen(variable);
@@ -39,7 +39,6 @@ std::shared_ptr<const OpenReadings> whatIsOpen(const Plant& plant, std::vector<A
                            [&](VariableIndex mode) { return changedModes.contains(mode); });
     });
     open.exact = variables.exact();
-    open.given = std::move(given);
     open.read = std::move(read);
     return std::make_shared<const OpenReadings>(std::move(open));
 }
@@ -109,7 +108,7 @@ private:
 
 } // namespace
 
-ReadingsInTime readingsInTime(const Plant& plant, std::vector<AtomIndex> given,
+ReadingsInTime readingsInTime(const Plant& plant, GivenValues given,
                               const std::function<Prediction()>& labels,
                               const std::vector<Reading>& readings, const ReadingMemory& before,
                               const std::set<VariableIndex>& changedModes)

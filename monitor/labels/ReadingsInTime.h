@@ -9,6 +9,7 @@
 #pragma once
 
 #include "monitor/labels/OpenGroups.h"
+#include "monitor/labels/StepAssumptions.h"
 
 #include <functional>
 #include <map>
@@ -19,7 +20,7 @@ namespace monitor {
 
 /// What is open under some modes, commands and inputs, as far as it was asked.
 struct OpenReadings {
-    std::vector<AtomIndex> given; ///< modes, commands and inputs
+    GivenValues given;
     std::vector<VariableIndex> read;
     OpenGroups groups; ///< of the variables that were read
     std::map<VariableIndex, bool> isOpen;
@@ -48,7 +49,7 @@ struct ReadingsInTime {
 /// `given` are modes, commands and inputs, and `labels` gives what follows from them; the readings agree with it, and no variable
 /// has two. `changedModes` are those that were not as they are before the step. Linear in the readings where what is given is
 /// what was given at the step before; else `labels` is called, and OpenVariables asked.
-ReadingsInTime readingsInTime(const Plant& plant, std::vector<AtomIndex> given,
+ReadingsInTime readingsInTime(const Plant& plant, GivenValues given,
                               const std::function<Prediction()>& labels,
                               const std::vector<Reading>& readings, const ReadingMemory& before,
                               const std::set<VariableIndex>& changedModes);

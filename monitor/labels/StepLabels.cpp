@@ -9,7 +9,7 @@
 
 namespace monitor {
 
-void StepLabels::take(const std::vector<AtomIndex>& assumptions,
+void StepLabels::take(const StepAssumptions& assumptions,
                       const std::vector<AtomIndex>& observations, std::size_t inputs)
 {
     inputs_ = inputs;
@@ -38,23 +38,39 @@ void StepLabels::take(const std::vector<AtomIndex>& assumptions,
     }
 }
 
-bool StepLabels::assume(const std::vector<AtomIndex>& assumptions)
+bool StepLabels::assume(const StepAssumptions& assumptions)
 {
-    if (consistent_ && sameVariables(assumptions)) {
-        return prediction_.reassume(assumptions);
+    if (consistent_) {
+        if (const auto values = changed(assumptions)) {
+            return prediction_.reassume(*values);
+        }
     }
     prediction_.undo(0);
-    return std::all_of(assumptions.begin(), assumptions.end(),
-                       [this](AtomIndex value) { return prediction_.assume(value); }) &&
+    const auto assumeOne = [this](AtomIndex value) { return prediction_.assume(value); };
+    return std::all_of(assumptions.commands.begin(), assumptions.commands.end(), assumeOne) &&
+           std::all_of(assumptions.modes.begin(), assumptions.modes.end(), assumeOne) &&
            prediction_.propagate();
 }
 
-bool StepLabels::sameVariables(const std::vector<AtomIndex>& assumptions) const
+// The values that are not assumed already. Nothing where the assumptions are of other variables.
+std::optional<std::vector<AtomIndex>> StepLabels::changed(const StepAssumptions& assumptions) const
 {
-    return std::equal(assumptions.begin(), assumptions.end(), assumptions_.begin(),
-                      assumptions_.end(), [this](AtomIndex a, AtomIndex b) {
-                          return plant_->variableOf(a) == plant_->variableOf(b);
-                      });
+    if (assumptions.commands.size() != assumptions_.commands.size() ||
+        assumptions.modes.size() != assumptions_.modes.size()) {
+        return std::nullopt;
+    }
+    std::vector<AtomIndex> values;
+    bool sameVariables = true;
+    const auto compare = [&](const SharedArray<AtomIndex>& now, const SharedArray<AtomIndex>& last) {
+        forEachDifference(now, last, [&](std::size_t place) {
+            sameVariables =
+                sameVariables && plant_->variableOf(now[place]) == plant_->variableOf(last[place]);
+            values.push_back(now[place]);
+        });
+    };
+    compare(assumptions.commands, assumptions_.commands);
+    compare(assumptions.modes, assumptions_.modes);
+    return sameVariables ? std::optional(std::move(values)) : std::nullopt;
 }
 
 void StepLabels::undoFrom(std::size_t observation)
@@ -120,9 +136,9 @@ ReadingsInTime StepLabels::inTime(const std::vector<double>& changing, const Rea
     if ((follow && before.last.empty()) || !consistent_) {
         return {};
     }
-    std::vector<AtomIndex> given = assumptions_;
+    GivenValues given(assumptions_);
     for (std::size_t i = 0; i < inputs_; ++i) {
-        given.push_back(taken_[i].value);
+        given.inputs.push_back(taken_[i].value);
     }
     const auto labels = [this] {
         Prediction alone = prediction_;

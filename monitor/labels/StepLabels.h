@@ -34,8 +34,10 @@ public:
     /// Goes over to other assumptions and observations, of which so many at the beginning are inputs: taken for what they are,
     /// and not scored. Requires: at most one value of each variable. Costs what changes where the assumptions are of the same
     /// variables in the same order as before, else what the whole plant costs.
-    void take(const std::vector<AtomIndex>& assumptions, const std::vector<AtomIndex>& observations,
+    void take(const StepAssumptions& assumptions, const std::vector<AtomIndex>& observations,
               std::size_t inputs = 0);
+    /// From now on copies share what does not change from one to the other (Prediction::share).
+    void share() { prediction_.share(taken_.empty() ? prediction_.mark() : taken_.front().mark); }
 
     /// False when the assumptions contradict the laws. Then the observations are not looked at.
     bool consistent() const { return consistent_; }
@@ -51,7 +53,7 @@ public:
                           const std::set<VariableIndex>& changedModes) const;
 
     /// What was taken last; empty for labels that came from elsewhere.
-    const std::vector<AtomIndex>& assumptions() const { return assumptions_; }
+    const StepAssumptions& assumptions() const { return assumptions_; }
     /// The observations that were taken last, in their order; so many at the beginning are inputs.
     std::vector<AtomIndex> observations() const;
     std::size_t inputs() const { return inputs_; }
@@ -67,15 +69,15 @@ private:
         bool ruledOut;
     };
 
-    bool assume(const std::vector<AtomIndex>& assumptions);
-    bool sameVariables(const std::vector<AtomIndex>& assumptions) const;
+    bool assume(const StepAssumptions& assumptions);
+    std::optional<std::vector<AtomIndex>> changed(const StepAssumptions& assumptions) const;
     void undoFrom(std::size_t observation);
     Taken takeOne(AtomIndex observed);
 
     const Plant* plant_;
     Prediction prediction_;
     bool consistent_ = false;
-    std::vector<AtomIndex> assumptions_;
+    StepAssumptions assumptions_{{}, {}};
     std::vector<Taken> taken_;
     std::size_t inputs_ = 0; ///< so many at the beginning of these are inputs
     std::vector<AtomIndex> contradicted_;

@@ -31,10 +31,10 @@ public:
 
 private:
     struct Asked {
-        std::vector<AtomIndex> commands;
+        SharedArray<AtomIndex> commands;
         std::vector<AtomIndex> observations;
         std::size_t inputs;
-        std::vector<ModeStep> modes;
+        ModeSteps modes;
         int faultBudget;
         Explanations answer;
         std::uint64_t cost; ///< by the meter

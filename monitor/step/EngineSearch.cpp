@@ -56,7 +56,7 @@ std::vector<int> makeLocks(const Scenario& scenario, const std::vector<bool>& su
             }
         }
     }
-    const auto lockValues = [&](const std::vector<AtomIndex>& values, auto lock) {
+    const auto lockValues = [&](const auto& values, auto lock) {
         for (const AtomIndex value : values) {
             for (const AtomIndex atom : plant.variable(plant.variableOf(value)).values) {
                 locks[static_cast<std::size_t>(atom)] = lock(atom == value);

@@ -135,47 +135,80 @@ void normaliseAndRank(std::vector<Candidate>& candidates, const IdOf& idOf)
     rank(candidates, idOf);
 }
 
+namespace {
+
+// Few terms are added one by one. That costs nothing, and where two sums are equal but for their last bits, which a threshold or the last
+// digit that is printed may bring out, it stays as it always was.
+constexpr std::size_t fewModes = 200;
+
+bool isFew(const ModeSteps& steps)
+{
+    return steps.size() <= fewModes;
+}
+
+} // namespace
+
 std::optional<Candidate> weigh(const StepFrame& frame, const Deviations& modes, double logLikelihood)
 {
     Candidate candidate;
     candidate.modes = modes;
-    candidate.logProbability = logLikelihood;
-    std::map<VariableIndex, AtomIndex> changed;
+    std::map<VariableIndex, const ModeOption*> changed;
+    LogSum sum = frame.modes.logPredicted();
     for (const AtomIndex mode : modes) {
-        changed.emplace(frame.plant.variableOf(mode), mode);
+        const VariableIndex variable = frame.plant.variableOf(mode);
+        const ModeStep& step = frame.stepOf(variable);
+        const ModeOption* option = step.option(mode);
+        if (!changed.emplace(variable, option).second) {
+            continue;
+        }
+        if (!option) {
+            return std::nullopt;
+        }
+        sum.remove(std::log(step.option(step.predicted)->probability));
+        sum.add(std::log(option->probability));
+        candidate.faults += option->fault ? 1 : 0;
+    }
+    candidate.logProbability = logLikelihood;
+    if (!isFew(frame.modes)) {
+        candidate.logProbability += sum.value();
+        return candidate;
     }
     for (const ModeStep& step : frame.modes) {
         const auto deviation = changed.find(step.variable);
         const ModeOption* option =
-            step.option(deviation == changed.end() ? step.predicted : deviation->second);
-        if (!option) {
-            return std::nullopt;
-        }
+            deviation == changed.end() ? step.option(step.predicted) : deviation->second;
         candidate.logProbability += std::log(option->probability);
-        if (deviation != changed.end() && option->fault) {
-            ++candidate.faults;
-        }
     }
     return candidate;
 }
 
 double logCalm(const StepFrame& frame, const Deviations& deviations)
 {
-    double sum = 0.0;
-    for (const ModeStep& step : frame.modes) {
-        double fault = 0.0;
-        for (const ModeOption& option : step.options) {
-            const bool is = option.value == step.predicted ||
-                            std::binary_search(deviations.begin(), deviations.end(), option.value);
-            fault += option.fault && !is ? option.probability : 0.0;
+    if (isFew(frame.modes)) {
+        double sum = 0.0;
+        for (const ModeStep& step : frame.modes) {
+            sum += logCalmOf(step, deviations);
         }
-        sum += std::log1p(-std::min(fault, 1.0));
+        return sum;
     }
-    return sum;
+    LogSum sum = frame.modes.logCalm();
+    std::set<VariableIndex> deviating;
+    for (const AtomIndex value : deviations) {
+        const VariableIndex variable = frame.plant.variableOf(value);
+        if (deviating.insert(variable).second) {
+            const ModeStep& step = frame.stepOf(variable);
+            sum.remove(logCalmOf(step, {}));
+            sum.add(logCalmOf(step, deviations));
+        }
+    }
+    return sum.value();
 }
 
 double logPredicted(const StepFrame& frame)
 {
+    if (!isFew(frame.modes)) {
+        return frame.modes.logPredicted().value();
+    }
     double sum = 0.0;
     for (const ModeStep& step : frame.modes) {
         sum += std::log(step.option(step.predicted)->probability);
@@ -183,17 +216,13 @@ double logPredicted(const StepFrame& frame)
     return sum;
 }
 
-std::vector<AtomIndex> assumptionsOf(const StepFrame& frame, const Deviations& deviations)
+StepAssumptions assumptionsOf(const StepFrame& frame, const Deviations& deviations)
 {
-    std::vector<AtomIndex> assumptions = frame.commands;
-    for (const ModeStep& step : frame.modes) {
-        const auto deviation =
-            std::find_if(deviations.begin(), deviations.end(), [&](AtomIndex value) {
-                return frame.plant.variableOf(value) == step.variable;
-            });
-        assumptions.push_back(deviation == deviations.end() ? step.predicted : *deviation);
+    SharedArray<AtomIndex> modes = frame.modes.predicted();
+    for (auto value = deviations.rbegin(); value != deviations.rend(); ++value) {
+        modes.set(frame.plant.modePlace(frame.plant.variableOf(*value)), *value);
     }
-    return assumptions;
+    return {frame.commands, std::move(modes)};
 }
 
 namespace {

@@ -1,6 +1,7 @@
 // Judging candidates: what their modes predict, and how probable they are.
 #pragma once
 
+#include "monitor/labels/StepAssumptions.h"
 #include "monitor/step/Step.h"
 
 #include <functional>
@@ -30,10 +31,12 @@ Judgement judge(const StepFrame& frame, const std::set<Deviations>& found,
 void normaliseAndRank(std::vector<Candidate>& candidates,
                       const std::function<std::string(AtomIndex)>& idOf);
 
-/// What a step assumes under some deviations: its commands, then one value of each mode variable in the frame's order.
-std::vector<AtomIndex> assumptionsOf(const StepFrame& frame, const Deviations& deviations);
+/// What a step assumes under some deviations: its commands, then one value of each mode variable in the frame's order. Costs the
+/// deviations.
+StepAssumptions assumptionsOf(const StepFrame& frame, const Deviations& deviations);
 
-/// Natural logarithm of the probability that no mode takes on a fault but those that deviate as given, whatever else they do.
+/// Natural logarithm of the probability that no mode takes on a fault but those that deviate as given, whatever else they do. Costs
+/// the deviations, as do the next two.
 double logCalm(const StepFrame& frame, const Deviations& deviations);
 
 /// That of the modes that are predicted: 0 where nothing else is possible.

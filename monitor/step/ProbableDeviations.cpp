@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace monitor {
 
@@ -40,6 +41,18 @@ std::vector<Choice> choicesOf(const ModeStep& step, double largest, double logLe
     return choices;
 }
 
+// Where only what is quite probable is wanted, those that may well do something else. Any others do what is predicted, which is the
+// most probable of theirs.
+std::vector<std::size_t> placesOf(const ModeSteps& steps, double leastRatio)
+{
+    if (leastRatio >= 2.0 * ModeSteps::notableRatio && leastRatio <= 1.0) {
+        return steps.notable();
+    }
+    std::vector<std::size_t> all(steps.size());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    return all;
+}
+
 // Two sums that differ by their last bits are equal.
 double rounded(double logRatio)
 {
@@ -48,15 +61,16 @@ double rounded(double logRatio)
 
 } // namespace
 
-ProbableDeviations probableDeviations(const std::vector<ModeStep>& steps, double leastRatio,
-                                      int mostFaults, std::size_t most)
+ProbableDeviations probableDeviations(const ModeSteps& steps, double leastRatio, int mostFaults,
+                                      std::size_t most)
 {
     // A sum of logarithms may miss the product by its last bits.
     const double logLeast = std::log(leastRatio) - 1e-9;
     ProbableDeviations result;
     std::vector<ProbableDeviation> all{{{}, 0.0, 0}};
     double logPredicted = 0.0; // compared with the most probable options
-    for (const ModeStep& step : steps) {
+    for (const std::size_t place : placesOf(steps, leastRatio)) {
+        const ModeStep& step = steps[place];
         const double largest = largestProbability(step);
         logPredicted += std::log(step.option(step.predicted)->probability / largest);
         const std::vector<Choice> choices = choicesOf(step, largest, logLeast);
@@ -96,13 +110,11 @@ ProbableDeviations probableDeviations(const std::vector<ModeStep>& steps, double
     return result;
 }
 
-std::vector<Deviations> recoveries(const Plant& plant, const std::vector<ModeStep>& steps)
+std::vector<Deviations> recoveries(const Plant& plant, const ModeSteps& steps)
 {
     std::vector<Deviations> result;
-    for (const ModeStep& step : steps) {
-        if (!plant.atom(step.before)->fail) {
-            continue;
-        }
+    for (const std::size_t place : steps.faulty()) {
+        const ModeStep& step = steps[place];
         for (const ModeOption& option : step.options) {
             if (option.value != step.predicted && !plant.atom(option.value)->fail) {
                 result.push_back({option.value});

@@ -19,13 +19,13 @@ struct ProbableDeviations {
 };
 
 /// The combinations of deviations that are at least so probable, compared with what is most probable, and have at most so many
-/// faults; `most` of them. 0 asks for all that are possible. Linear in the options of the step, and in variables with a probable
-/// one times what is found.
-ProbableDeviations probableDeviations(const std::vector<ModeStep>& steps, double leastRatio,
-                                      int mostFaults, std::size_t most);
+/// faults; `most` of them. 0 asks for all that are possible. Linear in the variables with a probable one times what is found;
+/// with less than ModeSteps::notableRatio, in the options of all variables.
+ProbableDeviations probableDeviations(const ModeSteps& steps, double leastRatio, int mostFaults,
+                                      std::size_t most);
 
 /// The ways in which faults may end, each by itself: other values than predicted, without a fault, of variables that had one. However
 /// improbable, they are not found by searching, since many a fault explains whatever is read.
-std::vector<Deviations> recoveries(const Plant& plant, const std::vector<ModeStep>& steps);
+std::vector<Deviations> recoveries(const Plant& plant, const ModeSteps& steps);
 
 } // namespace monitor

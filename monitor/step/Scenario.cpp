@@ -6,17 +6,14 @@
 
 namespace monitor {
 
-const ModeStep& StepFrame::stepOf(VariableIndex variable) const
+StepFrame makeFrame(const Plant& plant, const Prediction& before, const StepInput& input,
+                    const KnownModeStepsPointer& last)
 {
-    return *std::lower_bound(
-        modes.begin(), modes.end(), variable,
-        [](const ModeStep& step, VariableIndex wanted) { return step.variable < wanted; });
-}
-
-StepFrame makeFrame(const Plant& plant, const Prediction& before, const StepInput& input)
-{
-    return {plant, input.commands, input.observations, input.inputs,
-            modeSteps(plant, before, input.commands)};
+    auto known = last ? std::make_shared<const KnownModeSteps>(plant, before, input.commands, *last)
+                      : std::make_shared<const KnownModeSteps>(plant, before, input.commands);
+    const ModeSteps& steps = known->steps();
+    return {plant, input.commands,   input.observations, input.inputs,
+            steps, std::move(known), input.changing};
 }
 
 bool assumeStep(Prediction& labels, const StepFrame& frame, const Deviations& deviations)

@@ -12,7 +12,7 @@ namespace monitor {
 
 /// What is given for a step. Values are atoms of the plant, at most one of each variable.
 struct StepInput {
-    std::vector<AtomIndex> commands;
+    SharedArray<AtomIndex> commands;
     std::vector<AtomIndex> observations; ///< inputs first: they are adopted in this order
     std::size_t inputs =
         0; ///< so many at the beginning of these are inputs: not scored, whatever they are
@@ -27,17 +27,24 @@ using Deviations = std::vector<AtomIndex>;
 /// A step as far as it is known before anything is searched: what every scenario of it has in common.
 struct StepFrame {
     const Plant& plant;
-    std::vector<AtomIndex> commands;
+    SharedArray<AtomIndex> commands;
     std::vector<AtomIndex> observations;
-    std::size_t inputs;          ///< so many at the beginning of the observations
-    std::vector<ModeStep> modes; ///< by rising index of the variable
+    std::size_t inputs; ///< so many at the beginning of the observations
+    ModeSteps modes;    ///< by rising index of the variable
+    /// From what the modes follow; null: not known.
+    KnownModeStepsPointer known = {};
+    std::vector<double> changing = {}; ///< of the observations, as in StepInput
 
-    /// Requires: a mode variable. Logarithmic.
-    const ModeStep& stepOf(VariableIndex variable) const;
+    /// Requires: a mode variable. Constant time.
+    const ModeStep& stepOf(VariableIndex variable) const
+    {
+        return modes[plant.modePlace(variable)];
+    }
 };
 
-/// What a step can do, from the labels before it.
-StepFrame makeFrame(const Plant& plant, const Prediction& before, const StepInput& input);
+/// What a step can do, from the labels before it. With `last`, what another step could do, it costs what is different there.
+StepFrame makeFrame(const Plant& plant, const Prediction& before, const StepInput& input,
+                    const KnownModeStepsPointer& last = {});
 
 /// Assumes the step's commands, the deviations, and what is predicted of every other mode, and draws all
 /// conclusions. Requires: no label is known yet. Returns false when they contradict one another.

@@ -6,7 +6,7 @@ namespace monitor {
 
 namespace {
 
-// What does not depend on commands is the same whether they arrived or not.
+// What does not depend on commands is the same whether they arrived or not. So it is with readings.
 std::vector<AtomIndex> lostThatBear(const Plant& plant, const Hypothesis& hypothesis)
 {
     const auto isInALaw = [&](AtomIndex atom) {
@@ -25,6 +25,13 @@ std::vector<AtomIndex> lostThatBear(const Plant& plant, const Hypothesis& hypoth
 }
 
 } // namespace
+
+bool Hypothesis::differs(const Plant& plant) const
+{
+    return isFaulty() || std::any_of(lost.begin(), lost.end(), [&](AtomIndex value) {
+               return plant.variable(plant.variableOf(value)).isCommand;
+           });
+}
 
 bool haveSameFuture(const Plant& plant, const Hypothesis& a, const Hypothesis& b)
 {

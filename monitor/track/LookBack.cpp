@@ -20,9 +20,9 @@ namespace {
 struct Alternative {
     std::size_t step;       ///< index in the past
     std::size_t parent;     ///< place among what was believed before it
-    VariableIndex variable; ///< that deviates; -1: a lost command
+    VariableIndex variable; ///< that deviates; -1: something was lost
     Deviations deviations;  ///< all of them, sorted
-    std::vector<LossyCommand> lost;
+    Losses lost;
     /// What the parent's weight would be with the deviation in place of what is predicted; the rest of the steps is taken
     /// to be as probable.
     double estimate;
@@ -95,13 +95,13 @@ private:
         const Hypothesis& parent = *past_[step].before[place];
         const TrackInput& input = past_[step].input;
         for (const Deviated& base : deviatedAt(step)) {
-            const std::vector<LossyCommand> lost = lossesOf(base, input);
+            const Losses lost = lossesOf(base, input);
             const StepFrame frame = successors_.frame(parent, input, lost);
             Alternative start{step, place, -1, base.deviations, lost, parent.logWeight};
-            int budget = successors_.faultsLeft(parent, input, settings_.maxFaults) -
-                         static_cast<int>(lost.size());
-            for (const LossyCommand& command : lost) {
-                start.estimate += logOdds(command.probability);
+            int budget =
+                successors_.faultsLeft(parent, input, settings_.maxFaults) - lostCommands(lost);
+            for (const Loss& one : lost) {
+                start.estimate += logLoss(one);
             }
             bool possible = true;
             for (const AtomIndex value : base.deviations) {
@@ -140,23 +140,19 @@ private:
                 }
             }
         }
-        for (const LossyCommand& command : past_[start.step].input.lossy) {
-            const bool isLost =
-                std::any_of(start.lost.begin(), start.lost.end(),
-                            [&](const LossyCommand& lost) { return lost.given == command.given; });
+        for (const Loss& one : past_[start.step].input.lossy) {
             // What deviates is told from what is expected when the command arrives.
-            if (!isLost && budget >= 1 && start.deviations.empty()) {
+            const bool fits = one.isReading()
+                                  ? relevant[static_cast<std::size_t>(plant_.variableOf(one.given))]
+                                  : budget >= 1 && start.deviations.empty();
+            if (fits && !contains(start.lost, one)) {
                 Alternative& made = all.emplace_back(start);
-                made.lost.push_back(command);
-                made.estimate += logOdds(command.probability);
+                made.lost.push_back(one);
+                made.estimate += logLoss(one);
             }
         }
     }
 
-    static double logOdds(double probability)
-    {
-        return std::log(probability) - std::log(1.0 - probability);
-    }
     static double logChange(const ModeStep& mode, const ModeOption& option)
     {
         return std::log(option.probability) - std::log(mode.option(mode.predicted)->probability);
@@ -293,7 +289,7 @@ private:
             if (came == Deviated() || exhausted()) {
                 continue;
             }
-            const std::vector<LossyCommand> lost = lossesOf(came, past.input);
+            const Losses lost = lossesOf(came, past.input);
             budget_.spendRecord();
             auto made =
                 successors_.deviating(trail.replay.way.back(), past.input, came.deviations, lost);
@@ -357,7 +353,7 @@ private:
         const TrackInput& input = past_[step].input;
         const bool again = step == trail.step; // it deviates there already
         const Deviated there = again ? trail.deviated[place] : Deviated();
-        const std::vector<LossyCommand> lost = lossesOf(there, input);
+        const Losses lost = lossesOf(there, input);
         const auto begun = again ? way[place].faultCount() : 0;
         const int left = again ? settings_.maxFaults - begun
                                : successors_.faultsLeft(parent, input, settings_.maxFaults);
@@ -416,8 +412,10 @@ LookBackResult lookBackWithin(Successors& successors, const Plant& plant,
                               const std::vector<HypothesisPointer>& now, const TrackInput& present,
                               const LookBackSettings& settings)
 {
-    std::vector<bool> relevant(plant.variables().size(), true);
-    if (settings.otherwise != Otherwise::searched) {
+    std::vector<bool> relevant;
+    if (settings.otherwise == Otherwise::searched) {
+        relevant = thatMatterLater(plant);
+    } else {
         std::vector<const Hypothesis*> contradicted;
         std::vector<const Hypothesis*> earlier;
         for (const HypothesisPointer& hypothesis : now) {

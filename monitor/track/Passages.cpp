@@ -32,9 +32,9 @@ double logOfSum(double a, double b)
     return larger + std::log1p(std::exp(std::min(a, b) - larger));
 }
 
-std::vector<std::pair<std::vector<AtomIndex>, std::vector<AtomIndex>>> Way::steps() const
+std::vector<std::pair<SharedArray<AtomIndex>, std::vector<AtomIndex>>> Way::steps() const
 {
-    std::vector<std::pair<std::vector<AtomIndex>, std::vector<AtomIndex>>> all;
+    std::vector<std::pair<SharedArray<AtomIndex>, std::vector<AtomIndex>>> all;
     for (const Hypothesis& after : path) {
         all.emplace_back(after.modes, after.lost);
     }

@@ -44,11 +44,11 @@ struct Way {
         0; ///< index of the past step at which it leaves what was believed; their number: the present step
     std::size_t parent = 0;       ///< place of the hypothesis before that step
     std::vector<Hypothesis> path; ///< after that step and after each since, without the present one
-    std::vector<AtomIndex> modes; ///< after the present step
+    SharedArray<AtomIndex> modes; ///< after the present step
     std::vector<AtomIndex> lost;  ///< commands of the present step that did not arrive
 
     /// Modes and lost commands after each of its steps.
-    std::vector<std::pair<std::vector<AtomIndex>, std::vector<AtomIndex>>> steps() const;
+    std::vector<std::pair<SharedArray<AtomIndex>, std::vector<AtomIndex>>> steps() const;
 };
 
 /// log(exp(a) + exp(b)), without overflow; also of minus infinity, which stands for nothing.

@@ -1,6 +1,8 @@
 // A contradiction rests on modes, and these on what the guards of their transitions read at steps before.
 #include "monitor/track/Relevance.h"
 
+#include "monitor/track/ConnectedVariables.h"
+
 #include <algorithm>
 
 namespace monitor {
@@ -59,13 +61,33 @@ std::vector<bool> variablesAgainst(const Successors& successors, const Plant& pl
         }
         const auto reachThrough = [&](const Hypothesis* hypothesis) {
             const StepLabels labels = hypothesis->labels.afresh();
-            const auto modes = labels.prediction().environment(atoms);
-            std::for_each(modes.begin(), modes.end(), reach);
+            const auto grounds = labels.prediction().assumptionsBehind(atoms);
+            std::for_each(grounds.begin(), grounds.end(), reach);
         };
         std::for_each(contradicted.begin(), contradicted.end(), reachThrough);
         std::for_each(earlier.begin(), earlier.end(), reachThrough);
     }
     return relevant;
+}
+
+std::vector<bool> thatMatterLater(const Plant& plant)
+{
+    ConnectedVariables connected(plant);
+    std::vector<bool> read(plant.variables().size(), false); // by group
+    const auto count = static_cast<VariableIndex>(plant.variables().size());
+    for (VariableIndex i = 0; i < count; ++i) {
+        if (plant.variable(i).isMode) {
+            for (const AtomIndex atom : guardAtoms(plant, i)) {
+                read[static_cast<std::size_t>(connected.groupOf(plant.variableOf(atom)))] = true;
+            }
+        }
+    }
+    std::vector<bool> matter;
+    for (VariableIndex i = 0; i < count; ++i) {
+        matter.push_back(plant.variable(i).isMode ||
+                         read[static_cast<std::size_t>(connected.groupOf(i))]);
+    }
+    return matter;
 }
 
 } // namespace monitor

@@ -1,5 +1,5 @@
-// One search for each set of lost commands, the smaller sets first, all within one budget. An explanation is dropped when a
-// smaller one, with a part of its lost commands and of its deviations, was found before.
+// One search for each set of losses, the smaller sets first, all within one budget. An explanation is dropped when a smaller one, with
+// a part of its losses and of its deviations, was found before.
 #include "monitor/track/Successors.h"
 
 #include "monitor/labels/Completion.h"
@@ -18,58 +18,43 @@ namespace monitor {
 
 namespace {
 
-constexpr std::size_t mostLostAtOnce = 2;
-
-bool contains(const std::vector<LossyCommand>& commands, const LossyCommand& command)
-{
-    return std::any_of(commands.begin(), commands.end(),
-                       [&](const LossyCommand& other) { return other.given == command.given; });
-}
-
-double logArrivals(const TrackInput& input, const std::vector<LossyCommand>& lost)
-{
-    double sum = 0.0;
-    for (const LossyCommand& command : input.lossy) {
-        sum += std::log(contains(lost, command) ? command.probability : 1.0 - command.probability);
-    }
-    return sum;
-}
-
 // The natural logarithm of their likelihood; what is remembered of them goes into the hypothesis.
 double takeReadings(Hypothesis& made, const Hypothesis& parent, const StepFrame& frame,
-                    const TrackInput& input)
+                    const std::vector<double>& changing)
 {
-    if (input.values.changing.empty()) {
+    // Nothing that is remembered is forgotten where nothing is read.
+    if (changing.empty() && parent.readings.last.empty()) {
         const Likelihood likelihood = made.labels.likelihood();
         made.exact = likelihood.exact;
         return likelihood.log;
     }
     std::set<VariableIndex> changed;
-    for (std::size_t i = 0; i < made.modes.size(); ++i) {
-        if (made.modes[i] != parent.modes[i]) {
-            changed.insert(frame.modes[i].variable);
-        }
-    }
-    ReadingsInTime readings = made.labels.inTime(input.values.changing, parent.readings, changed);
+    forEachDifference(made.modes, parent.modes,
+                      [&](std::size_t place) { changed.insert(frame.plant.modes()[place]); });
+    ReadingsInTime readings = made.labels.inTime(changing, parent.readings, changed);
     made.exact = readings.exact;
     made.readings = std::move(readings.memory);
     return readings.log;
 }
 
-// It began to differ when it did, whatever values it had since.
-void updateSince(Hypothesis& made, const Plant& plant, const std::vector<ModeStep>& steps,
+// It began to differ when it did, whatever values it had since. Where neither it nor the twin has another value than before, nothing
+// is different.
+void updateSince(Hypothesis& made, const Hypothesis& parent, const Plant& plant,
                  const TrackInput& input)
 {
-    const std::vector<AtomIndex>& twin = made.twinModes();
-    for (std::size_t i = 0; i < steps.size(); ++i) {
-        const AtomIndex value = made.modes[i];
-        if (value == twin[i] && !plant.atom(value)->fail) {
-            made.since.erase(steps[i].variable);
-            continue;
+    const SharedArray<AtomIndex>& twin = made.twinModes();
+    const auto update = [&](std::size_t place) {
+        const AtomIndex value = made.modes[place];
+        const VariableIndex variable = plant.modes()[place];
+        if (value == twin[place] && !plant.atom(value)->fail) {
+            made.since.erase(variable);
+            return;
         }
-        made.since.try_emplace(steps[i].variable, Since{value, input.step, input.t})
-            .first->second.value = value;
-    }
+        made.since.try_emplace(variable, Since{value, input.step, input.t}).first->second.value =
+            value;
+    };
+    forEachDifference(made.modes, parent.modes, update);
+    forEachDifference(twin, parent.twinModes(), update);
 }
 
 // Whether a fault counts at the step: it began within so many steps, or is the last one of a mode that is still wrong.
@@ -85,7 +70,7 @@ bool stillCounts(const FaultBegun& fault, const Hypothesis& made, std::size_t st
 
 // Requires: `since` is that of the step.
 void updateFaults(Hypothesis& made, const StepFrame& frame, const Deviations& deviations,
-                  const std::vector<LossyCommand>& lost, const TrackInput& input, std::size_t window)
+                  const Losses& lost, const TrackInput& input, std::size_t window)
 {
     for (const AtomIndex value : deviations) {
         const VariableIndex variable = frame.plant.variableOf(value);
@@ -94,8 +79,10 @@ void updateFaults(Hypothesis& made, const StepFrame& frame, const Deviations& de
             made.faults.push_back({variable, input.step});
         }
     }
-    for (const LossyCommand& command : lost) {
-        made.faults.push_back({frame.plant.variableOf(command.given), input.step});
+    for (const Loss& one : lost) {
+        if (!one.isReading()) {
+            made.faults.push_back({frame.plant.variableOf(one.given), input.step});
+        }
     }
     std::vector<FaultBegun> kept;
     std::copy_if(
@@ -104,114 +91,28 @@ void updateFaults(Hypothesis& made, const StepFrame& frame, const Deviations& de
     made.faults = std::move(kept);
 }
 
-// All sets of lossy commands of a size, each in the order of the commands; those with an earlier last command first. One at a time:
-// there may be very many.
-class LostSets {
-public:
-    LostSets(const std::vector<LossyCommand>& lossy, std::size_t size) : lossy_(lossy)
-    {
-        for (std::size_t i = 0; i < size; ++i) {
-            places_.push_back(i);
-        }
-        atEnd_ = size > lossy.size();
-    }
-
-    // Null: no more.
-    const std::vector<LossyCommand>* next()
-    {
-        if (atEnd_) {
-            return nullptr;
-        }
-        set_.clear();
-        for (const std::size_t place : places_) {
-            set_.push_back(lossy_[place]);
-        }
-        advance();
-        return &set_;
-    }
-
-private:
-    // The first command that has room before the next one moves on, and those before it begin again.
-    void advance()
-    {
-        for (std::size_t i = 0; i < places_.size(); ++i) {
-            const std::size_t limit = i + 1 < places_.size() ? places_[i + 1] : lossy_.size();
-            if (places_[i] + 1 < limit) {
-                ++places_[i];
-                for (std::size_t before = 0; before < i; ++before) {
-                    places_[before] = before;
-                }
-                return;
-            }
-        }
-        atEnd_ = true;
-    }
-
-    const std::vector<LossyCommand>& lossy_;
-    std::vector<std::size_t> places_;
-    std::vector<LossyCommand> set_;
-    bool atEnd_ = false;
-};
-
 struct Explained {
-    std::vector<LossyCommand> lost;
+    Losses lost;
     Deviations deviations; ///< sorted
 };
 
-// Whether the one explains with less than the other: a part of its lost commands, and no further deviation.
+// Whether the one explains with less than the other: a part of its losses, and no further deviation.
 bool isSmaller(const Explained& one, const Explained& other)
 {
     return one.lost.size() < other.lost.size() &&
            std::all_of(one.lost.begin(), one.lost.end(),
-                       [&](const LossyCommand& lost) { return contains(other.lost, lost); }) &&
+                       [&](const Loss& lost) { return contains(other.lost, lost); }) &&
            std::includes(other.deviations.begin(), other.deviations.end(), one.deviations.begin(),
                          one.deviations.end());
-}
-
-// Commands of a step that do not arrive together.
-struct ProbableLoss {
-    std::vector<LossyCommand> lost;
-    double ratio; ///< how probable that is, compared with what is most probable
-};
-
-// Those that are probable enough, with at most so many commands; the first `most` of them, the smaller ones first.
-std::vector<ProbableLoss> probableLosses(const std::vector<LossyCommand>& lossy, double leastRatio,
-                                         int mostLost, std::size_t most)
-{
-    std::vector<ProbableLoss> all{{{}, 1.0}};
-    for (const LossyCommand& command : lossy) {
-        const double arrives = 1.0 - command.probability;
-        const double larger = std::max(arrives, command.probability);
-        const std::size_t known = all.size();
-        for (std::size_t i = 0; i < known; ++i) {
-            ProbableLoss longer = all[i];
-            longer.ratio *= command.probability / larger;
-            longer.lost.push_back(command);
-            all[i].ratio *= arrives / larger;
-            if (longer.ratio > 0.0 && longer.ratio >= leastRatio &&
-                longer.lost.size() <= static_cast<std::size_t>(std::max(0, mostLost)) &&
-                all.size() <= most) {
-                all.push_back(std::move(longer));
-            }
-        }
-    }
-    std::erase_if(all, [&](const ProbableLoss& loss) {
-        return loss.ratio <= 0.0 || loss.ratio < leastRatio;
-    });
-    return all;
 }
 
 } // namespace
 
 StepFrame frameAfter(const Plant& plant, const Hypothesis& parent, const TrackInput& input,
-                     const std::vector<LossyCommand>& lost)
+                     const Losses& lost)
 {
-    StepInput values = input.values;
-    for (const LossyCommand& command : lost) {
-        std::replace(values.commands.begin(), values.commands.end(), command.given,
-                     command.fallback);
-    }
-    return makeFrame(plant, parent.labels.prediction(), values);
+    return makeFrame(plant, parent.labels.prediction(), arriving(input, lost, parent.lost),
+                     parent.steps);
 }
 
 Successors::Successors(itms& engine, const Plant& plant, std::size_t window)
@@ -222,36 +123,34 @@ Successors::Successors(itms& engine, const Plant& plant, std::size_t window)
 // Nothing when a mode cannot be had at this step.
 std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const TrackInput& input,
                                            const StepFrame& frame, const Deviations& deviations,
-                                           const std::vector<LossyCommand>& lost,
-                                           Contradictions despite) const
+                                           const Losses& lost, Contradictions despite) const
 {
     // Labels and readings are kept from step to step, and so cost what is remembered of them.
     Meter::spend(4 * plant_.atomCount());
     const Meter::Uncounted uncounted;
     Hypothesis made{parent.labels, {}, 0.0, 0.0, parent.faults, nullptr, parent.since, {}, {}, {}};
-    const std::vector<AtomIndex> assumptions = assumptionsOf(frame, deviations);
+    const StepAssumptions assumptions = assumptionsOf(frame, deviations);
     made.labels.take(assumptions, frame.observations, frame.inputs);
-    made.modes.assign(assumptions.begin() + static_cast<std::ptrdiff_t>(frame.commands.size()),
-                      assumptions.end());
+    made.labels.share();
+    made.modes = assumptions.modes;
+    made.steps = frame.known;
+    made.filledBefore = parent.fillsInTurn;
     made.unexplained = made.labels.contradicted();
     const bool counts = made.explains() || despite == Contradictions::areWeighed;
     const auto weighed =
-        weigh(frame, deviations, counts ? takeReadings(made, parent, frame, input) : 0.0);
+        weigh(frame, deviations, counts ? takeReadings(made, parent, frame, frame.changing) : 0.0);
     if (!weighed) {
         return std::nullopt;
     }
     made.logStep = weighed->logProbability + logArrivals(input, lost);
     made.logWeight = parent.logWeight + made.logStep;
-    for (const LossyCommand& command : lost) {
-        made.lost.push_back(command.given);
-    }
-    made.twin = lost.empty()
+    made.lost = lostValues(input, lost, parent.lost);
+    made.twin = lostCommands(lost) == 0
                     ? twinAfter(plant_, parent, input, frame, frame, made)
                     : twinAfter(plant_, parent, input, frame, this->frame(parent, input, {}), made);
-    made.exact = made.exact && std::all_of(frame.modes.begin(), frame.modes.end(),
-                                           [](const ModeStep& step) { return step.exact; });
+    made.exact = made.exact && frame.modes.exact();
     made.logCalm = logCalm(frame, deviations);
-    updateSince(made, plant_, frame.modes, input);
+    updateSince(made, parent, plant_, input);
     updateFaults(made, frame, deviations, lost, input, window_);
     return made;
 }
@@ -267,18 +166,25 @@ double Successors::logOthers(const Prospect& prospect) const
     return std::log(-std::expm1(std::min(0.0, log)));
 }
 
-bool Successors::explains(const Hypothesis& predicted) const
+bool Successors::explains(Hypothesis& predicted) const
 {
     Meter::spend(plant_.atomCount());
     const Meter::Uncounted uncounted;
+    if (!predicted.explains() || !std::isfinite(predicted.logStep)) {
+        return false;
+    }
     const Prediction& labels = predicted.labels.prediction();
-    return predicted.explains() && std::isfinite(predicted.logStep) &&
-           (labels.complete() || completionOf(plant_, labels) == Completion::possible);
+    predicted.fillsInTurn =
+        labels.complete() ||
+        (predicted.filledBefore && predicted.steps &&
+         fillsInTurn(plant_, labels, variablesAround(plant_, labels, predicted.steps->before()))) ||
+        completionOf(plant_, labels, 0) == Completion::possible;
+    return predicted.fillsInTurn || completionOf(plant_, labels) == Completion::possible;
 }
 
 std::optional<Hypothesis> Successors::deviating(const Hypothesis& parent, const TrackInput& input,
                                                 const Deviations& deviations,
-                                                const std::vector<LossyCommand>& lost) const
+                                                const Losses& lost) const
 {
     auto made =
         make(parent, input, frame(parent, input, lost), deviations, lost, Contradictions::areNot);
@@ -298,7 +204,7 @@ SuccessorSearch Successors::probable(const Prospect& prospect, double leastRatio
     result.complete = losses.size() <= most;
     for (const ProbableLoss& loss : losses) {
         const StepFrame tried = frame(prospect, loss.lost);
-        const int left = faultBudget - static_cast<int>(loss.lost.size());
+        const int left = faultBudget - lostCommands(loss.lost);
         ProbableDeviations others =
             probableDeviations(tried.modes, leastRatio / loss.ratio, left, most);
         if (!loss.lost.empty()) {
@@ -354,11 +260,11 @@ SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
     Budget work(limits);
     SuccessorSearch result;
     std::vector<Explained> smallest;
-    const auto budget = static_cast<std::size_t>(std::max(0, faultBudget));
-    const auto searchWithout = [&](const std::vector<LossyCommand>& lost) {
+    const int budget = std::max(0, faultBudget);
+    const auto searchWithout = [&](const Losses& lost) {
         const StepFrame tried = frame(prospect, lost);
         const Explanations explanations =
-            search_->search(tried, static_cast<int>(budget - lost.size()), work.remaining());
+            search_->search(tried, budget - lostCommands(lost), work.remaining());
         const Judgement judgement = judge(tried, explanations.found, explanations.logLikelihoods);
         work.spend(explanations.work);
         work.meet(explanations.limit);
@@ -377,15 +283,20 @@ SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
         }
     };
     try {
-        for (std::size_t count = 0; count <= std::min(budget, mostLostAtOnce); ++count) {
-            LostSets sets(input.lossy, count);
-            while (const std::vector<LossyCommand>* lost = sets.next()) {
-                if (work.exhausted() && count > 0) {
+        Meter::spend(10 * input.lossy.size());
+        if (std::isfinite(logArrivals(input, {}))) {
+            searchWithout({});
+        }
+        const Losses lossy = lossesThatMatter(prospect.frame, input.lossy);
+        for (std::size_t count = 1; count <= mostLostAtOnce; ++count) {
+            LostSets sets(lossy, count);
+            while (const Losses* lost = sets.next()) {
+                if (work.exhausted()) {
                     result.complete = false;
                     break;
                 }
                 Meter::spend(10 * input.lossy.size());
-                if (std::isfinite(logArrivals(input, *lost))) {
+                if (lostCommands(*lost) <= budget && std::isfinite(logArrivals(input, *lost))) {
                     searchWithout(*lost);
                 }
             }
@@ -394,7 +305,7 @@ SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
         work.meet(cut.limit);
         result.complete = false;
     }
-    if (result.found.empty() && std::min(budget, input.lossy.size()) > mostLostAtOnce) {
+    if (result.found.empty() && mostLosses(input.lossy, budget) > mostLostAtOnce) {
         result.complete = false;
     }
     result.limit = work.limit();
@@ -402,36 +313,24 @@ SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
     return result;
 }
 
-std::vector<LossyCommand> lossyCommands(const Plant& plant, const plant::Bindings& bindings,
-                                        const std::vector<AtomIndex>& given)
-{
-    std::vector<LossyCommand> lossy;
-    for (const AtomIndex command : given) {
-        const PlantVariable& variable = plant.variable(plant.variableOf(command));
-        const auto lost = bindings.lost.find(variable.variable);
-        const AtomIndex fallback = variable.values.front();
-        if (lost != bindings.lost.end() && lost->second > 0.0 && command != fallback) {
-            lossy.push_back({command, fallback, lost->second});
-        }
-    }
-    return lossy;
-}
-
 Hypothesis initialHypothesis(const Plant& plant)
 {
     const Prediction labels = initialLabels(plant);
     Hypothesis made{StepLabels(plant, labels), {}, 0.0, 0.0, {}, nullptr, {}, {}, {}, {}};
+    made.labels.share();
+    std::vector<AtomIndex> modes;
     for (std::size_t i = 0; i < plant.variables().size(); ++i) {
         const PlantVariable& variable = plant.variables()[i];
         if (!variable.isMode || variable.values.empty()) {
             continue;
         }
         const AtomIndex value = *labels.valueOf(variable);
-        made.modes.push_back(value);
+        modes.push_back(value);
         if (plant.atom(value)->fail) {
             made.since[static_cast<VariableIndex>(i)] = {value, 0, 0.0};
         }
     }
+    made.modes = modes;
     return made;
 }
 

@@ -1,18 +1,17 @@
 // What may become of a hypothesis in one step.
 //
 // Without a contradiction it is what is predicted. Otherwise the step is searched for the smallest sets of deviating modes
-// that explain it, once with all commands and once for each set of commands that may have been lost.
+// that explain it, once with all commands and readings and once for each set of those that may have been lost.
 //
 // The probability of a step under a hypothesis is the product, over the mode variables, of the transition taken (of
-// staying: what the enabled transitions leave), times that of each lossy command to be lost or not, times the
+// staying: what the enabled transitions leave), times that of each command and reading to be lost or not, times the
 // likelihood of the observations (monitor/step/Step.h). Along time the products multiply: the probability of a trajectory of
 // a hidden Markov model whose states are the modes ("A tutorial on hidden Markov models and selected applications in speech
 // recognition", Proceedings of the IEEE 77, 1989).
 #pragma once
 
 #include "monitor/step/Step.h"
-#include "monitor/track/Hypothesis.h"
-#include "plant/Bindings.h"
+#include "monitor/track/Losses.h"
 
 #include <memory>
 #include <optional>
@@ -21,15 +20,15 @@ namespace monitor {
 
 /// The explanations of a step that one hypothesis leads to.
 struct SuccessorSearch {
-    std::vector<Hypothesis> found; ///< most probable first within the same lost commands
+    std::vector<Hypothesis> found; ///< most probable first within the same losses
     /// No other explanation within the bound is as small. False as well where nothing was found, and with more than two
-    /// lost commands something might have been: so many at once are not tried.
+    /// losses something might have been: so many at once are not tried.
     bool complete = true;
     SearchLimit limit = SearchLimit::none;
     SearchWork work;
 };
 
-/// A hypothesis before a step, and what the step can do after it when every command arrives: made once, and asked several times.
+/// A hypothesis before a step, and what the step can do after it when nothing is lost: made once, and asked several times.
 /// Hypothesis and input outlive it.
 struct Prospect {
     const Hypothesis& parent;
@@ -37,9 +36,9 @@ struct Prospect {
     StepFrame frame;
 };
 
-/// What the step can do after the parent, when these commands are lost.
+/// What the step can do after the parent, when these are lost.
 StepFrame frameAfter(const Plant& plant, const Hypothesis& parent, const TrackInput& input,
-                     const std::vector<LossyCommand>& lost);
+                     const Losses& lost);
 
 class Successors {
 public:
@@ -60,7 +59,7 @@ public:
     {
     }
 
-    /// The step as it is expected: every mode follows its nominal transition or stays, and every command arrives. What
+    /// The step as it is expected: every mode follows its nominal transition or stays, and nothing is lost. What
     /// contradicts that is listed as unexplained. The likelihood is that of the other observations; where something is
     /// unexplained it is left out, and so are the readings that it would remember, unless they are asked for.
     enum class Contradictions { areNot, areWeighed };
@@ -81,15 +80,15 @@ public:
 
     /// Whether what is predicted explains the step: nothing contradicts it, what it leaves open can have values, and it is
     /// not impossible (as where a command arrives that never does).
-    bool explains(const Hypothesis& predicted) const;
+    /// Costs what is open around what changed at the step, if that has values in turn; else what is open in the plant.
+    bool explains(Hypothesis& predicted) const;
 
     /// The step with other modes than expected. Nothing when they cannot be had, or do not explain the observations.
     std::optional<Hypothesis> deviating(const Hypothesis& parent, const TrackInput& input,
-                                        const Deviations& deviations,
-                                        const std::vector<LossyCommand>& lost) const;
+                                        const Deviations& deviations, const Losses& lost) const;
 
     /// Whatever else is at least so probable, compared with what is most probable, and explains the observations: other modes than
-    /// expected, and lost commands, with at most so many faults and losses. `most` are tried, each of which is a record.
+    /// expected, and losses, with at most so many faults and lost commands. `most` are tried, each of which is a record.
     SuccessorSearch probable(const Prospect& prospect, double leastRatio, int faultBudget,
                              std::size_t most, const SearchLimits& limits) const;
 
@@ -104,31 +103,25 @@ public:
     SuccessorSearch search(const Prospect& prospect, int faultBudget, const SearchLimits& limits);
 
     /// frameAfter() of this plant.
-    StepFrame frame(const Hypothesis& parent, const TrackInput& input,
-                    const std::vector<LossyCommand>& lost) const
+    StepFrame frame(const Hypothesis& parent, const TrackInput& input, const Losses& lost) const
     {
         return frameAfter(plant_, parent, input, lost);
     }
 
 private:
-    /// The prospect's frame, or, where commands are lost, that of the step without them.
-    StepFrame frame(const Prospect& prospect, const std::vector<LossyCommand>& lost) const
+    /// The prospect's frame, or, where something is lost, that of the step without it.
+    StepFrame frame(const Prospect& prospect, const Losses& lost) const
     {
         return lost.empty() ? prospect.frame : frame(prospect.parent, prospect.input, lost);
     }
     std::optional<Hypothesis> make(const Hypothesis& parent, const TrackInput& input,
                                    const StepFrame& frame, const Deviations& deviations,
-                                   const std::vector<LossyCommand>& lost,
-                                   Contradictions despite) const;
+                                   const Losses& lost, Contradictions despite) const;
 
     std::shared_ptr<ExplanationSearch> search_;
     const Plant& plant_;
     std::size_t window_;
 };
-
-/// Those among the given commands that may be lost, and are not what their variable has without a command anyway.
-std::vector<LossyCommand> lossyCommands(const Plant& plant, const plant::Bindings& bindings,
-                                        const std::vector<AtomIndex>& given);
 
 /// The hypothesis before the first step: initial modes, and initial conditions where there are any.
 Hypothesis initialHypothesis(const Plant& plant);

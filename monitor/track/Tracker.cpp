@@ -50,8 +50,9 @@ bool isBeforeByName(const Plant& plant, const Hypothesis& a, const Hypothesis& b
     };
     const auto namesOfA = differing(a);
     const auto namesOfB = differing(b);
-    return namesOfA != namesOfB ? namesOfA < namesOfB
-                                : names(plant, a.modes) < names(plant, b.modes);
+    return namesOfA != namesOfB
+               ? namesOfA < namesOfB
+               : names(plant, a.modes.toVector()) < names(plant, b.modes.toVector());
 }
 
 } // namespace
@@ -265,8 +266,8 @@ private:
                 hypothesis.logWeight = tracker_.memory_.hypotheses[i]->logWeight;
             }
             if (!hypothesis.labels.consistent()) {
-                hypothesis.labels =
-                    StepLabels(tracker_.plant_, concludedFrom(tracker_.plant_, hypothesis.modes));
+                hypothesis.labels = StepLabels(
+                    tracker_.plant_, concludedFrom(tracker_.plant_, hypothesis.modes.toVector()));
             }
             if (hypothesis.unexplained.empty()) {
                 hypothesis.unexplained = refutedByCases(hypothesis);
@@ -294,7 +295,7 @@ private:
     // the one in which the fault is youngest. It may be older, but nothing tells.
     void merge()
     {
-        std::map<std::vector<AtomIndex>, std::vector<std::size_t>> known; // by modes
+        std::map<SharedArray<AtomIndex>, std::vector<std::size_t>> known; // by modes
         std::vector<Found> merged;
         for (Found& found : found_) {
             std::vector<std::size_t>& places = known[found.hypothesis.modes];
@@ -365,7 +366,8 @@ private:
     TrackStatus status(bool explained) const
     {
         if (!explained) {
-            return TrackStatus::inconsistent;
+            // What a limit cut says nothing about what explains the step.
+            return isCut() ? TrackStatus::ambiguous : TrackStatus::inconsistent;
         }
         if (input_.values.observations.empty()) {
             return TrackStatus::stale;
@@ -373,7 +375,8 @@ private:
         if (answer_.probabilities.front() <= 0.5 + 1e-9) {
             return TrackStatus::ambiguous;
         }
-        return answer_.hypotheses.front()->differs() ? TrackStatus::faulty : TrackStatus::nominal;
+        return answer_.hypotheses.front()->differs(tracker_.plant_) ? TrackStatus::faulty
+                                                                    : TrackStatus::nominal;
     }
 
     // Remembers the step, and for the steps that were gone back to what is believed of them now.
@@ -441,7 +444,7 @@ private:
     double logGivenUp_ = minusInfinity; ///< a bound of the weight of what was given up at this step
     std::vector<Found> found_;
     std::map<std::tuple<std::size_t, std::size_t,
-                        std::vector<std::pair<std::vector<AtomIndex>, std::vector<AtomIndex>>>>,
+                        std::vector<std::pair<SharedArray<AtomIndex>, std::vector<AtomIndex>>>>,
              std::size_t>
         ways_;                 ///< places in `found_`
     std::vector<double> best_; ///< the weight of the most probable way of each of `found_`

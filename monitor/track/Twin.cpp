@@ -13,10 +13,10 @@ namespace monitor {
 namespace {
 
 // Inputs, then the others by variable: which one is taken first matters where two contradict one another.
-std::vector<AtomIndex> inFixedOrder(const StepInput& input)
+std::vector<AtomIndex> inFixedOrder(const StepFrame& happened)
 {
-    std::vector<AtomIndex> observations = input.observations;
-    const auto inputs = observations.begin() + static_cast<std::ptrdiff_t>(input.inputs);
+    std::vector<AtomIndex> observations = happened.observations;
+    const auto inputs = observations.begin() + static_cast<std::ptrdiff_t>(happened.inputs);
     std::sort(observations.begin(), inputs);
     std::sort(inputs, observations.end());
     return observations;
@@ -86,20 +86,20 @@ std::set<AtomIndex> leftOut(Pairs pairs)
 }
 
 StepLabels labelsOf(const Plant& plant, const StepLabels& before,
-                    const std::vector<AtomIndex>& modes, const StepInput& input)
+                    const SharedArray<AtomIndex>& modes, const SharedArray<AtomIndex>& commands,
+                    const StepFrame& happened)
 {
-    std::vector<AtomIndex> assumptions = input.commands;
-    assumptions.insert(assumptions.end(), modes.begin(), modes.end());
+    const StepAssumptions assumptions(commands, modes);
     StepLabels labels = before;
-    std::vector<AtomIndex> readings = inFixedOrder(input);
-    labels.take(assumptions, readings, input.inputs);
+    std::vector<AtomIndex> readings = inFixedOrder(happened);
+    labels.take(assumptions, readings, happened.inputs);
     if (!labels.consistent()) {
-        return StepLabels(plant, concludedFrom(plant, modes));
+        return StepLabels(plant, concludedFrom(plant, modes.toVector()));
     }
     const std::set<AtomIndex> left = leftOut(contradictingPairs(labels));
     if (!left.empty()) {
         std::erase_if(readings, [&](AtomIndex reading) { return left.contains(reading); });
-        labels.take(assumptions, readings, input.inputs);
+        labels.take(assumptions, readings, happened.inputs);
     }
     return labels;
 }
@@ -109,26 +109,30 @@ StepLabels labelsOf(const Plant& plant, const StepLabels& before,
 TwinPointer twinAfter(const Plant& plant, const Hypothesis& parent, const TrackInput& input,
                       const StepFrame& happened, const StepFrame& expected, const Hypothesis& made)
 {
-    const std::vector<ModeStep> own =
-        parent.twin ? modeSteps(plant, parent.twin->labels.prediction(), input.values.commands)
-                    : std::vector<ModeStep>();
-    const std::vector<ModeStep>& steps = parent.twin ? own : expected.modes;
-    std::vector<AtomIndex> modes;
-    for (std::size_t i = 0; i < steps.size(); ++i) {
+    const StepFrame frame = parent.twin ? makeFrame(plant, parent.twin->labels.prediction(),
+                                                    input.values, parent.twin->steps)
+                                        : expected;
+    const ModeSteps& steps = frame.modes;
+    SharedArray<AtomIndex> modes = steps.predicted();
+    // Where both do the same it makes no difference how they came to it.
+    forEachDifference(made.modes, steps.predicted(), [&](std::size_t i) {
         const AtomIndex value = made.modes[i];
         const ModeOption* taken = happened.modes[i].option(value);
         const bool nominal = happened.modes[i].followed && value == happened.modes[i].predicted;
         const bool repaired = taken && taken->repair && !nominal;
         const ModeOption* same = steps[i].option(value);
         const bool together = steps[i].before == happened.modes[i].before && same && same->nominal;
-        modes.push_back(repaired || together ? value : steps[i].predicted);
-    }
-    if (modes == made.modes && made.lost.empty()) {
+        if (repaired || together) {
+            modes.set(i, value);
+        }
+    });
+    if (modes == made.modes && happened.commands == input.values.commands) {
         return nullptr;
     }
-    StepLabels labels =
-        labelsOf(plant, parent.twin ? parent.twin->labels : parent.labels, modes, input.values);
-    return std::make_shared<const Twin>(Twin{std::move(modes), std::move(labels)});
+    StepLabels labels = labelsOf(plant, parent.twin ? parent.twin->labels : parent.labels, modes,
+                                 input.values.commands, happened);
+    labels.share();
+    return std::make_shared<const Twin>(Twin{std::move(modes), std::move(labels), frame.known});
 }
 
 } // namespace monitor

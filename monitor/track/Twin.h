@@ -10,8 +10,8 @@
 
 namespace monitor {
 
-/// What the twin of a hypothesis is after a step. `made` has the modes after the step and the commands that were lost, the twin is
-/// what is asked for. `happened` is what the step can do after the parent, `expected` the same when all commands arrive. Null
+/// What the twin of a hypothesis is after a step. `made` has the modes after the step, the twin is what is asked for. `happened` is what
+/// the step can do after the parent, with what was lost, `expected` the same when all commands arrive. Null
 /// where it is no other than the hypothesis itself. Ensures: the answer does not depend on the order of the observations.
 /// Constant time where the parent is its own twin and nothing deviates; else a prediction, and the propagation of every reading
 /// beside each one that contradicts the twin together with others.

@@ -37,7 +37,7 @@ public:
 
     void giveTo(DerivedConflict& conflict) const
     {
-        const std::vector<AtomIndex>& commands = frame_.commands;
+        const SharedArray<AtomIndex>& commands = frame_.commands;
         for (const auto& [variable, value] : values_) {
             if (frame_.plant.variable(variable).isMode) {
                 const ModeStep& step = frame_.stepOf(variable);

@@ -74,10 +74,10 @@ public:
 private:
     static Prediction unread(StepLabels labels)
     {
-        const std::vector<AtomIndex> assumptions = labels.assumptions();
+        const StepAssumptions assumptions = labels.assumptions();
         std::vector<AtomIndex> inputs = labels.observations();
         inputs.resize(labels.inputs());
-        if (labels.consistent() && !assumptions.empty()) {
+        if (labels.consistent() && !(assumptions.commands.empty() && assumptions.modes.empty())) {
             labels.take(assumptions, inputs, inputs.size());
         }
         return labels.prediction();
@@ -198,7 +198,13 @@ Advice advise(const Plant& plant, const TrackAnswer& answer,
         Advisor advisor(plant, answer);
         for (std::size_t i = 0; i < plant.variables().size(); ++i) {
             const PlantVariable& variable = plant.variables()[i];
-            if (observed[i] || variable.isCommand || (variable.isMode && !settings.modes)) {
+            const bool isDeclared = !settings.measurable.empty() && settings.measurable[i];
+            if (observed[i] || variable.isCommand ||
+                (variable.isMode && !settings.modes && !isDeclared)) {
+                continue;
+            }
+            if (!variable.isMode && !settings.measurable.empty() && !isDeclared) {
+                ++advice.unmeasurable;
                 continue;
             }
             if (auto rated = advisor.rate(static_cast<VariableIndex>(i))) {

@@ -40,12 +40,16 @@ struct Advice {
     std::vector<Measurement> measurements; ///< that tell something, best first, ties by the variable's name
     /// Other variables that are not observed: all hypotheses predict the same of them.
     std::size_t useless = 0;
+    /// Conditions that are not observed, and cannot be.
+    std::size_t unmeasurable = 0;
     /// What kept further variables from being rated, if a limit did (labels/Meter.h).
     SearchLimit limit = SearchLimit::none;
 };
 
 struct AdviceSettings {
     bool modes = false; ///< mode variables may be measured, too, and not conditions only
+    /// For each variable, whether it can be measured at all: a mode that can is rated in any case. Empty: every condition can.
+    std::vector<bool> measurable = {};
 };
 
 /// Rates every variable that the step did not observe. Commands are not measured. Linear in the variables and the hypotheses,
