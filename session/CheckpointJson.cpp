@@ -32,14 +32,22 @@ Json settingsJson(const Settings& settings)
 Json checkpointJson(const Session& session)
 {
     return {{"model", session.fingerprint()},
+            {"structure", session.structure()},
             {"settings", settingsJson(session.settings())},
             {"tracker", memoryJson(session.tracker().memory(), session.plant())},
             {"readings", readingsJson(session.readingChanges())}};
 }
 
-void checkSame(const Session& session, const CheckpointField& checkpoint)
+bool checkSame(const Session& session, const CheckpointField& checkpoint, Adopt adopt)
 {
-    if (checkpoint["model"].text() != session.fingerprint()) throw OtherModel();
+    const bool same = checkpoint["model"].text() == session.fingerprint();
+    // Checkpoints of earlier versions have no structure.
+    const std::string structure =
+        checkpoint.has("structure") ? checkpoint["structure"].text() : std::string();
+    if (!same) {
+        const bool onlyProbabilities = structure == session.structure();
+        if (!onlyProbabilities || adopt == Adopt::sameModel) throw OtherModel(onlyProbabilities);
+    }
     const Json now = settingsJson(session.settings());
     const CheckpointField settings = checkpoint["settings"];
     static_cast<void>(settings.members());
@@ -50,6 +58,7 @@ void checkSame(const Session& session, const CheckpointField& checkpoint)
         if (then != value.get<double>())
             throw OtherSetting(name, settings[name].json().dump(), value.dump());
     }
+    return same;
 }
 
 void restore(Session& session, const CheckpointField& checkpoint)

@@ -4,6 +4,7 @@
 // names, in it and in "settings", are left to the caller.
 #pragma once
 
+#include "session/Adopt.h"
 #include "session/CheckpointField.h"
 
 namespace session {
@@ -13,8 +14,10 @@ class Session;
 /// What Session::checkpoint() writes.
 nlohmann::json checkpointJson(const Session& session);
 
-/// The checks of Session::resume(), and no more. Throws OtherModel, OtherSetting, or DamagedCheckpoint where something is missing.
-void checkSame(const Session& session, const CheckpointField& checkpoint);
+/// The checks of Session::resume(), and no more. False where the model has other probabilities, and that is adopted. Throws OtherModel,
+/// OtherSetting, or DamagedCheckpoint where something is missing.
+bool checkSame(const Session& session, const CheckpointField& checkpoint,
+               Adopt adopt = Adopt::sameModel);
 
 /// Goes on from what is believed in the checkpoint, without those checks. Throws DamagedCheckpoint when that is damaged; the
 /// session is as before then.

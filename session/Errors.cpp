@@ -28,7 +28,12 @@ ModelErrors::ModelErrors(std::string file, std::vector<text::Diagnostic> errors,
 {
 }
 
-OtherModel::OtherModel() : CheckpointError("was made with another model") {}
+OtherModel::OtherModel(bool onlyProbabilities)
+    : CheckpointError(onlyProbabilities ? "was made with other probabilities in the model"
+                                        : "was made with another model"),
+      onlyProbabilities_(onlyProbabilities)
+{
+}
 
 OtherSetting::OtherSetting(std::string name, std::string then, std::string now)
     : CheckpointError("was made with " + name + " " + then + ", not " + now),

@@ -51,7 +51,13 @@ public:
 /// It was made with another model.
 class OtherModel : public CheckpointError {
 public:
-    OtherModel();
+    explicit OtherModel(bool onlyProbabilities);
+
+    /// The models differ in probabilities and rates only: a session may adopt the checkpoint.
+    bool onlyProbabilities() const { return onlyProbabilities_; }
+
+private:
+    bool onlyProbabilities_;
 };
 
 /// It was made with another setting.

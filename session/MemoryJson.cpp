@@ -32,7 +32,7 @@ std::vector<AtomIndex> valuesOf(const Plant& plant, const monitor::Prediction& l
 void addLabels(Json& json, const monitor::StepLabels& labels, const Plant& plant)
 {
     if (labels.consistent()) {
-        json["assumptions"] = labels.assumptions();
+        json["assumptions"] = labels.assumptions().all();
         json["observations"] = labels.observations();
     } else {
         json["values"] = valuesOf(plant, labels.prediction());
@@ -49,7 +49,7 @@ Json hypothesisJson(const Hypothesis& hypothesis, const Plant& plant)
     for (const monitor::FaultBegun& fault : hypothesis.faults) {
         faults.push_back({fault.variable, fault.step});
     }
-    Json json{{"modes", hypothesis.modes},
+    Json json{{"modes", hypothesis.modes.toVector()},
               {"weight", hypothesis.logWeight},
               {"step", hypothesis.logStep},
               {"faults", std::move(faults)},
@@ -62,7 +62,7 @@ Json hypothesisJson(const Hypothesis& hypothesis, const Plant& plant)
     }
     addLabels(json, hypothesis.labels, plant);
     if (hypothesis.twin) {
-        json["twin"] = {{"modes", hypothesis.twin->modes}};
+        json["twin"] = {{"modes", hypothesis.twin->modes.toVector()}};
         addLabels(json["twin"], hypothesis.twin->labels, plant);
     }
     return json;
@@ -156,7 +156,13 @@ monitor::StepLabels labelsFromJson(const Field& field, const std::vector<AtomInd
             return {plant, concluded(values)};
         }
         monitor::StepLabels labels(plant);
-        labels.take(numbers.values(field["assumptions"]), numbers.values(field["observations"]));
+        // Commands, then modes; as a step has them, so that the next one finds them.
+        const std::vector<AtomIndex> all = numbers.values(field["assumptions"]);
+        const std::size_t commands = all.size() - std::min(all.size(), modes.size());
+        const auto middle = all.begin() + static_cast<std::ptrdiff_t>(commands);
+        labels.take({std::vector<AtomIndex>(all.begin(), middle),
+                     std::vector<AtomIndex>(middle, all.end())},
+                    numbers.values(field["observations"]));
         return labels;
     }();
     // Labels that come from elsewhere are those of the beginning, or of modes that contradict the laws.
@@ -181,6 +187,7 @@ HypothesisPointer hypothesisFromJson(const Field& field, const Plant& plant)
                     numbers.values(field["lost"]),
                     numbers.values(field["unexplained"]),
                     {}};
+    made.labels.share();
     for (const AtomIndex value : numbers.values(field["readings"])) {
         made.readings.last.emplace(plant.variableOf(value), value);
     }
@@ -205,29 +212,50 @@ HypothesisPointer hypothesisFromJson(const Field& field, const Plant& plant)
 Json inputJson(const monitor::TrackInput& input)
 {
     Json lossy = Json::array();
-    for (const monitor::LossyCommand& command : input.lossy) {
-        lossy.push_back({command.given, command.fallback, command.probability});
+    Json misread = Json::array();
+    for (const monitor::Loss& one : input.lossy) {
+        if (one.isReading()) {
+            misread.push_back({one.given, one.probability, one.share});
+        } else {
+            lossy.push_back({one.given, one.fallback, one.probability});
+        }
     }
-    return {{"step", input.step},
-            {"t", input.t},
-            {"commands", input.values.commands},
-            {"observations", input.values.observations},
-            {"inputs", input.values.inputs},
-            {"changing", input.values.changing},
-            {"lossy", std::move(lossy)}};
+    Json json{{"step", input.step},
+              {"t", input.t},
+              {"commands", input.values.commands.toVector()},
+              {"observations", input.values.observations},
+              {"inputs", input.values.inputs},
+              {"changing", input.values.changing},
+              {"lossy", std::move(lossy)}};
+    if (!misread.empty()) json["misread"] = std::move(misread);
+    if (!input.held.empty()) json["held"] = input.held;
+    return json;
 }
 
 // A command that may be lost is one that was given, and falls back to another value of its variable.
-monitor::LossyCommand lossyFromJson(const Field& field, const std::vector<AtomIndex>& commands,
-                                    const Plant& plant)
+monitor::Loss lossyFromJson(const Field& field, const plant::SharedArray<AtomIndex>& commands,
+                            const Plant& plant)
 {
     const Numbers numbers(plant);
     const std::vector<Field> parts = field.items(3);
-    const monitor::LossyCommand made{numbers.atom(parts[0]), numbers.atom(parts[1]),
-                                     parts[2].number(0.0, 1.0)};
+    const monitor::Loss made{numbers.atom(parts[0]), numbers.atom(parts[1]),
+                             parts[2].number(0.0, 1.0)};
     const bool given = std::find(commands.begin(), commands.end(), made.given) != commands.end();
     if (!given || plant.variableOf(made.given) != plant.variableOf(made.fallback))
         field.refuse("is no command of the step and what takes its place");
+    return made;
+}
+
+// A reading that may be wrong is one of the step's observations.
+monitor::Loss misreadFromJson(const Field& field, const std::vector<AtomIndex>& observations,
+                              const Plant& plant)
+{
+    const Numbers numbers(plant);
+    const std::vector<Field> parts = field.items(3);
+    const monitor::Loss made{numbers.atom(parts[0]), monitor::Loss::nothing,
+                             parts[1].number(0.0, 1.0), parts[2].number(0.0, 1.0)};
+    if (std::find(observations.begin(), observations.end(), made.given) == observations.end())
+        field.refuse("is no reading of the step");
     return made;
 }
 
@@ -249,6 +277,15 @@ monitor::TrackInput inputFromJson(const Field& field, const Plant& plant)
     }
     for (const Field& command : field["lossy"].items()) {
         input.lossy.push_back(lossyFromJson(command, input.values.commands, plant));
+    }
+    if (field.has("misread")) {
+        for (const Field& one : field["misread"].items()) {
+            input.lossy.push_back(misreadFromJson(one, input.values.observations, plant));
+        }
+    }
+    if (field.has("held")) {
+        input.held = numbers.values(field["held"]);
+        std::sort(input.held.begin(), input.held.end());
     }
     return input;
 }

@@ -71,7 +71,7 @@ public:
 
     const monitor::TrackAnswer& advance(const telemetry::Step& step)
     {
-        input = trackInput(plant, read.bindings, changes, step);
+        input = inputs.of(changes, step);
         changes.add(plant, step);
         {
             const Quiet silence(quiet);
@@ -94,6 +94,7 @@ public:
     std::unique_ptr<plant::ActiveModel> active;
     plant::Plant plant;
     monitor::Tracker tracker;
+    StepInputs inputs{plant, read.bindings};
     monitor::TrackInput input;
     ReadingChanges changes;
     monitor::ConflictHistory history;
@@ -111,7 +112,8 @@ private:
     std::unique_ptr<plant::ActiveModel> activate()
     {
         const Quiet silence(quiet);
-        return std::make_unique<plant::ActiveModel>(*read.model);
+        return std::make_unique<plant::ActiveModel>(*read.model, quiet ? plant::SetUp::whenAsked
+                                                                       : plant::SetUp::now);
     }
 };
 
@@ -177,6 +179,27 @@ monitor::Advice Session::advise(const monitor::AdviceSettings& settings) const
     return monitor::advise(plant(), answer(), input().values.observations, settings);
 }
 
+std::vector<bool> Session::measurable() const
+{
+    std::vector<bool> found(plant().variables().size());
+    bool any = false;
+    const auto note = [&](const StateVar* variable) {
+        found[static_cast<std::size_t>(
+            plant().variableOf(plant().indexOf(variable->atomLinks->front())))] = true;
+        any = true;
+    };
+    for (const plant::ChannelBinding& binding : bindings().channels) {
+        if (binding.kind != plant::ChannelBinding::Kind::observation) continue;
+        const bool isMode = binding.variable->type == "Mode";
+        if (!isMode) note(binding.variable);
+        any = true;
+    }
+    for (const StateVar* variable : bindings().measurable) {
+        note(variable);
+    }
+    return any ? found : std::vector<bool>();
+}
+
 monitor::QueryAnswer Session::query(const std::string& formula) const
 {
     return this->formula(formula).evaluate(answer());
@@ -192,17 +215,24 @@ Checkpoint Session::checkpoint() const
     return {checkpointJson(*this).dump()};
 }
 
-void Session::resume(const Checkpoint& checkpoint)
+void Session::resume(const Checkpoint& checkpoint, Adopt adopt)
 {
     const auto json = nlohmann::json::parse(checkpoint.text, nullptr, false);
     if (json.is_discarded()) throw DamagedCheckpoint("it is not JSON");
-    checkSame(*this, CheckpointField(json));
+    checkSame(*this, CheckpointField(json), adopt);
     restore(*this, CheckpointField(json));
 }
 
 std::string Session::fingerprint() const
 {
     const std::string ofModel = plant::fingerprint(plant(), bindings());
+    const plant::ImplicateFile& implicates = work_->active->implicates();
+    return implicates.found ? plant::fingerprint(ofModel + implicates.digest) : ofModel;
+}
+
+std::string Session::structure() const
+{
+    const std::string ofModel = plant::structure(plant(), bindings());
     const plant::ImplicateFile& implicates = work_->active->implicates();
     return implicates.found ? plant::fingerprint(ofModel + implicates.digest) : ofModel;
 }
@@ -234,6 +264,7 @@ const plant::Plant& Session::plant() const
 
 itms& Session::engine()
 {
+    const Quiet silence(work_->quiet); // it may be set up only now
     return work_->active->engine();
 }
 

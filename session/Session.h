@@ -22,6 +22,7 @@
 #include "monitor/why/ConflictHistory.h"
 #include "monitor/why/Measurement.h"
 #include "monitor/why/StateQuery.h"
+#include "session/Adopt.h"
 #include "session/Errors.h"
 #include "session/ReadingChanges.h"
 #include "telemetry/Step.h"
@@ -123,6 +124,9 @@ public:
 
     /// What to measure next. Linear in the variables and the hypotheses.
     monitor::Advice advise(const monitor::AdviceSettings& settings = {}) const;
+    /// For AdviceSettings: the conditions that a channel reads, and what the model declares measurable. Empty where it has
+    /// neither. Linear in the variables.
+    std::vector<bool> measurable() const;
 
     /// Whether a formula holds after the latest step. Throws FormulaErrors. Linear in the model: to ask the same at many
     /// steps, read it once with formula().
@@ -136,10 +140,12 @@ public:
     Checkpoint checkpoint() const;
     /// Goes on from a checkpoint as if there had been no end. Throws OtherModel or OtherSetting when it was made with another
     /// model or other settings, and DamagedCheckpoint when it is not one. Ensures: the session is as before if it throws.
-    void resume(const Checkpoint& checkpoint);
+    void resume(const Checkpoint& checkpoint, Adopt adopt = Adopt::sameModel);
 
     /// A short text that differs for models, their channels or their implicates that differ. Linear in the model.
     std::string fingerprint() const;
+    /// The same without probabilities and rates (plant/Fingerprint.h).
+    std::string structure() const;
 
     /// What the session owns. The references stay valid until it dies, also when it is moved.
     const Settings& settings() const;
