@@ -51,7 +51,8 @@ OutcomeReport outcomeReport(const plant::Plant& plant, const monitor::Outcome& o
 AdviceReport adviceReport(const plant::Plant& plant, const plant::Bindings& bindings,
                           const monitor::TrackAnswer& answer, const monitor::Advice& advice)
 {
-    AdviceReport report{stepReport(plant, answer), bits(advice.entropy), {}, advice.useless};
+    AdviceReport report{
+        stepReport(plant, answer), bits(advice.entropy), {}, advice.useless, advice.unmeasurable};
     if (advice.limit != SearchLimit::none) {
         report.step.complete = false;
         report.step.limit = advice.limit;

@@ -33,6 +33,7 @@ struct AdviceReport {
     double bits = 0.0;                           ///< the entropy of the explanations now
     std::vector<MeasurementReport> measurements; ///< that tell the explanations apart, best first
     std::size_t useless = 0;                     ///< variables whose measurement would not
+    std::size_t unmeasurable = 0;                ///< conditions that cannot be measured
 };
 
 /// The report of an advice about an answer. Entropies become bits.

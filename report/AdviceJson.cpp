@@ -51,6 +51,7 @@ std::string adviceJson(const AdviceReport& report, std::size_t shown)
     record["v"] = 1;
     record["step"] = report.step.step;
     record["t"] = report.step.t;
+    if (report.step.time) record["time"] = *report.step.time;
     record["status"] = monitor::name(report.step.status);
     record["complete"] = report.step.complete;
     const std::string limit = monitor::name(report.step.limit);
@@ -62,6 +63,7 @@ std::string adviceJson(const AdviceReport& report, std::size_t shown)
     record["measurements"] = std::move(measurements);
     record["telling"] = all;
     record["useless"] = report.useless;
+    record["unmeasurable"] = report.unmeasurable;
     return record.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

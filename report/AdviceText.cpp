@@ -1,5 +1,6 @@
 // Advice as a person reads it: the explanations with their numbers, then what to measure and what each outcome would leave.
 #include "report/Advice.h"
+#include "report/WallClock.h"
 #include "text/Wording.h"
 
 #include <algorithm>
@@ -110,8 +111,9 @@ std::string measurement(const Group& group, double bitsNow, Colours colours)
 
 std::string heading(const AdviceReport& report)
 {
-    std::string text = fmt::format("Step {}, t = {:.10g}: {}.", report.step.step, report.step.t,
-                                   monitor::name(report.step.status));
+    std::string text =
+        fmt::format("Step {}, t = {}: {}.", report.step.step,
+                    shownTime(report.step.t, report.step.time), monitor::name(report.step.status));
     if (!report.step.complete) {
         text += " The search was not complete: there may be other explanations.";
     }
@@ -123,6 +125,17 @@ std::string heading(const AdviceReport& report)
     return wrapped("", text);
 }
 
+std::string unmeasurable(const AdviceReport& report)
+{
+    if (report.unmeasurable == 0) return "";
+    const bool one = report.unmeasurable == 1;
+    return "\n" +
+           wrapped("", fmt::format("{} {} no channel, and {} not declared measurable; --all "
+                                   "takes {} as well.",
+                                   text::counted(report.unmeasurable, "variable"),
+                                   one ? "has" : "have", one ? "is" : "are", one ? "it" : "them"));
+}
+
 } // namespace
 
 std::string adviceText(const AdviceReport& report, std::size_t shown, Colours colours)
@@ -132,9 +145,13 @@ std::string adviceText(const AdviceReport& report, std::size_t shown, Colours co
         return text + "There is one explanation: no measurement can tell it from others.\n";
     }
     if (report.measurements.empty()) {
-        return text + wrapped("", fmt::format("Nothing that is not observed would tell the "
-                                              "explanations apart; {} bits of doubt stay.",
-                                              bitsText(report.bits)));
+        return text +
+               wrapped("",
+                       fmt::format("Nothing that {} would tell the explanations apart; {} bits of "
+                                   "doubt stay.",
+                                   report.unmeasurable > 0 ? "can be measured" : "is not observed",
+                                   bitsText(report.bits))) +
+               unmeasurable(report);
     }
     const std::vector<Group> all = groups(report.measurements);
     const std::size_t count = shown == 0 ? all.size() : std::min(shown, all.size());
@@ -155,7 +172,7 @@ std::string adviceText(const AdviceReport& report, std::size_t shown, Colours co
         text += "\n" + wrapped("", fmt::format("{} would tell nothing.",
                                                text::counted(report.useless, "other variable")));
     }
-    return text;
+    return text + unmeasurable(report);
 }
 
 } // namespace report

@@ -21,9 +21,10 @@ using Candidates = std::map<std::string, std::vector<Member>>;
 
 std::string keyWithout(const TrackedExplanation& explanation, std::size_t left)
 {
-    std::string key = fmt::format("{} {} {}\n{}\n{}", *explanation.appearance, explanation.faults,
-                                  explanation.modes[left].since, fmt::join(explanation.lost, " "),
-                                  fmt::join(explanation.unexplained, " "));
+    std::string key =
+        fmt::format("{} {} {}\n{}\n{}\n{}", *explanation.appearance, explanation.faults,
+                    explanation.modes[left].since, fmt::join(explanation.lost, " "),
+                    fmt::join(explanation.misread, " "), fmt::join(explanation.unexplained, " "));
     for (std::size_t i = 0; i < explanation.modes.size(); ++i) {
         if (i != left) {
             const DeviatingMode& mode = explanation.modes[i];

@@ -24,6 +24,7 @@ Json candidateJson(const TrackedExplanation& explanation)
     Json candidate = {{"p", sixDigits(explanation.probability)}, {"rank", explanation.faults}};
     candidate.update(deviatingJson(explanation.modes));
     candidate["lost"] = explanation.lost;
+    if (!explanation.misread.empty()) candidate["misread"] = explanation.misread;
     candidate["unexplained"] = explanation.unexplained;
     return candidate;
 }

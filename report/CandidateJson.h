@@ -7,7 +7,7 @@
 
 namespace report {
 
-/// `p`, `rank`, `modes`, `since`, `lost`, `unexplained`.
+/// `p`, `rank`, `modes`, `since`, `lost`, `misread` where there is any, `unexplained`.
 nlohmann::ordered_json candidateJson(const TrackedExplanation& explanation);
 
 /// `modes`: the values by variable; `since`: the steps.

@@ -81,6 +81,7 @@ public:
         if (known != numbers_.end()) return known->second;
         Json json = deviatingJson(explanation->modes);
         json["lost"] = explanation->lost;
+        if (!explanation->misread.empty()) json["misread"] = explanation->misread;
         json["unexplained"] = explanation->unexplained;
         std::string text = dumped(json);
         const auto [same, isNew] = byText_.emplace(std::move(text), byText_.size());

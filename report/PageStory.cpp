@@ -26,7 +26,7 @@ bool sameExplanation(const TrackedExplanation& a, const TrackedExplanation& b)
     const auto sameMode = [](const DeviatingMode& x, const DeviatingMode& y) {
         return x.variable == y.variable && x.value == y.value && x.since == y.since;
     };
-    return a.lost == b.lost && a.unexplained == b.unexplained &&
+    return a.lost == b.lost && a.misread == b.misread && a.unexplained == b.unexplained &&
            std::equal(a.modes.begin(), a.modes.end(), b.modes.begin(), b.modes.end(), sameMode);
 }
 

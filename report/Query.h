@@ -16,6 +16,7 @@ struct QueryReport {
     monitor::TrackStatus status = monitor::TrackStatus::nominal;
     bool complete = true;
     SearchLimit limit = SearchLimit::none;
+    std::optional<std::string> time = {}; ///< by the clock, where the telemetry has dates (WallClock.h)
 };
 
 /// The report of a step.
@@ -42,6 +43,7 @@ private:
     Colours colours_;
     bool everyStep_;
     std::string last_; ///< what the last step said
+    std::string date_; ///< of the last step that has a line, by the clock
     std::size_t total_ = 0;
     std::size_t incomplete_ = 0;
     std::map<monitor::Truth, std::size_t> counts_;

@@ -12,6 +12,7 @@ std::string queryJson(const QueryReport& report)
     record["v"] = 1;
     record["step"] = report.step;
     record["t"] = report.t;
+    if (report.time) record["time"] = *report.time;
     record["best"] = monitor::name(report.answer.best);
     record["p"] = sixDigits(report.answer.probability);
     record["unknown"] = sixDigits(report.answer.openProbability);

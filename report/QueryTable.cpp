@@ -1,5 +1,6 @@
 // The steps at which a formula's truth changed, as a person reads them.
 #include "report/Query.h"
+#include "report/WallClock.h"
 #include "text/Wording.h"
 
 #include <fmt/format.h>
@@ -36,9 +37,15 @@ std::string QueryTable::rows(const QueryReport& report)
     if (!changed && !everyStep_) {
         return "";
     }
-    return right(std::to_string(report.step), stepColumns) +
-           right(fmt::format("{:.10g}", report.t), timeColumns) + "  " + truth(report.answer.best) +
-           probabilities + "  " + status +
+    std::string text;
+    if (report.time && dateOf(*report.time) != date_) {
+        date_ = dateOf(*report.time);
+        text = right("", stepColumns) + right(date_, timeColumns) + "\n";
+    }
+    return text + right(std::to_string(report.step), stepColumns) +
+           right(report.time ? timeOfDay(*report.time) : fmt::format("{:.10g}", report.t),
+                 timeColumns) +
+           "  " + truth(report.answer.best) + probabilities + "  " + status +
            (report.complete ? "" : colours_.yellow(", not complete")) + "\n";
 }
 

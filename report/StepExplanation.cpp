@@ -167,7 +167,7 @@ private:
         CandidateReasons result;
         result.explanation = explanation;
         std::map<std::string, std::vector<Resolution>> byName;
-        int visible = static_cast<int>(hypothesis.lost.size());
+        int visible = static_cast<int>(explanation.lost.size());
         for (const auto& [variable, since] : hypothesis.since) {
             byName[plant::nameOf(*run_.plant.variable(variable).variable)] =
                 resolutions(variable, since);
@@ -179,8 +179,10 @@ private:
             result.ofModes.push_back(byName[mode.variable]);
         }
         for (const plant::AtomIndex lost : hypothesis.lost) {
-            result.ofLost.push_back(
-                numbers([&](const Known& known) { return restsOnCommand(known, lost); }));
+            const bool isCommand = run_.plant.variable(run_.plant.variableOf(lost)).isCommand;
+            (isCommand ? result.ofLost : result.ofMisread).push_back(numbers([&](const Known& known) {
+                return isCommand ? restsOnCommand(known, lost) : restsOnReading(known, lost);
+            }));
         }
         for (const plant::AtomIndex observed : hypothesis.unexplained) {
             result.ofUnexplained.push_back(numbers([&](const Known& known) {
@@ -230,6 +232,15 @@ private:
     }
 
     // Of the step that is explained: the command itself counts, or a mode is what it is by it.
+    bool restsOnReading(const Known& known, plant::AtomIndex reading) const
+    {
+        const monitor::DerivedConflict& conflict = known.checked.conflict;
+        return known.contradiction->input.step == run_.answer.step &&
+               (conflict.observed == reading ||
+                std::find(conflict.readings.begin(), conflict.readings.end(), reading) !=
+                    conflict.readings.end());
+    }
+
     bool restsOnCommand(const Known& known, plant::AtomIndex command) const
     {
         const monitor::DerivedConflict& conflict = known.checked.conflict;

@@ -27,6 +27,7 @@ struct CandidateReasons {
     TrackedExplanation explanation;
     std::vector<std::vector<Resolution>> ofModes; ///< for each of the explanation's modes
     std::vector<std::vector<std::size_t>> ofLost; ///< for each lost command, the conflicts that rest on it
+    std::vector<std::vector<std::size_t>> ofMisread; ///< the same for each wrong reading
     std::vector<std::vector<std::size_t>>
         ofUnexplained;            ///< for each such observation, the conflicts that stay
     std::vector<Avoided> avoided; ///< conflicts that none of its modes resolves, as it does not come to them

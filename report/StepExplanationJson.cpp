@@ -31,6 +31,10 @@ Json candidate(const CandidateReasons& reasons)
     for (std::size_t i = 0; i < explanation.lost.size(); ++i) {
         lost[explanation.lost[i]] = reasons.ofLost[i];
     }
+    Json misread = Json::object();
+    for (std::size_t i = 0; i < explanation.misread.size(); ++i) {
+        misread[explanation.misread[i]] = reasons.ofMisread[i];
+    }
     Json unexplained = Json::object();
     for (std::size_t i = 0; i < explanation.unexplained.size(); ++i) {
         unexplained[explanation.unexplained[i]] = reasons.ofUnexplained[i];
@@ -46,6 +50,7 @@ Json candidate(const CandidateReasons& reasons)
                          {"lost", std::move(lost)},
                          {"without", std::move(avoided)},
                          {"unexplained", std::move(unexplained)}};
+    if (!misread.empty()) result["because"]["misread"] = std::move(misread);
     return result;
 }
 
@@ -62,18 +67,17 @@ std::string explanationJson(const StepExplanation& explanation)
     for (const ExplainedConflict& one : explanation.conflicts) {
         conflicts.push_back(conflictJson(one));
     }
-    const Json record = {{"v", 1},
-                         {"step", report.step},
-                         {"t", report.t},
-                         {"status", monitor::name(report.status)},
-                         {"complete", report.complete},
-                         {"limit", orNull(monitor::name(report.limit))},
-                         {"kept", report.explanations.size()},
-                         {"dropped", report.dropped},
-                         {"candidates", std::move(candidates)},
-                         {"conflicts", std::move(conflicts)},
-                         {"open", explanation.stepsOpen},
-                         {"earlier", explanation.stepsLeftOut}};
+    Json record = {{"v", 1}, {"step", report.step}, {"t", report.t}};
+    if (report.time) record["time"] = *report.time;
+    record.update(Json{{"status", monitor::name(report.status)},
+                       {"complete", report.complete},
+                       {"limit", orNull(monitor::name(report.limit))},
+                       {"kept", report.explanations.size()},
+                       {"dropped", report.dropped},
+                       {"candidates", std::move(candidates)},
+                       {"conflicts", std::move(conflicts)},
+                       {"open", explanation.stepsOpen},
+                       {"earlier", explanation.stepsLeftOut}});
     return record.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

@@ -15,6 +15,7 @@
 //                 gives valve.outflow = positive
 //       check     confirmed; nothing that is assumed or read can be left out
 #include "report/StepExplanation.h"
+#include "report/WallClock.h"
 #include "text/Wording.h"
 
 #include <algorithm>
@@ -101,11 +102,16 @@ std::vector<std::string> items(const CandidateReasons& reasons, bool explains)
             lines.push_back("  " + resolution(reasons.ofModes[i]));
         }
     }
+    const auto add = [&lines](const std::string& item, const std::vector<std::size_t>& conflicts) {
+        lines.push_back(item);
+        lines.push_back(
+            "  " + (conflicts.empty() ? noConflict : "resolves " + conflictNumbers(conflicts)));
+    };
     for (std::size_t i = 0; i < explanation.lost.size(); ++i) {
-        lines.push_back(equation(explanation.lost[i]) + " did not arrive");
-        lines.push_back("  " + (reasons.ofLost[i].empty()
-                                    ? noConflict
-                                    : "resolves " + conflictNumbers(reasons.ofLost[i])));
+        add(equation(explanation.lost[i]) + " did not arrive", reasons.ofLost[i]);
+    }
+    for (std::size_t i = 0; i < explanation.misread.size(); ++i) {
+        add(equation(explanation.misread[i]) + " was misread", reasons.ofMisread[i]);
     }
     if (lines.empty() && explains) lines.push_back("nothing is wrong");
     for (const Avoided& one : reasons.avoided) {
@@ -280,10 +286,11 @@ std::string explanationText(const StepExplanation& explanation, const Colours& c
 {
     const StepReport& report = explanation.report;
     const std::string limit = monitor::name(report.limit);
-    std::string text = colours.bold(fmt::format("Step {}, t = {:.10g}: ", report.step, report.t)) +
+    std::string text = colours.bold(fmt::format("Step {}, t = {}: ", report.step,
+                                                shownTime(report.t, report.time))) +
                        status(report.status, colours) + "\n\n";
     for (const CandidateReasons& one : explanation.candidates) {
-        text += candidateText(one, report.status != monitor::TrackStatus::inconsistent, colours);
+        text += candidateText(one, one.explanation.unexplained.empty(), colours);
     }
     const std::string indent(probabilityColumns + 2, ' ');
     const std::size_t more = report.explanations.size() - explanation.candidates.size();

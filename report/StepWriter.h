@@ -5,8 +5,10 @@
 #include <cstddef>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace report {
 
@@ -20,12 +22,33 @@ struct WriterMemory {
     /// Of a table; every other writer leaves it as it is.
     struct Table {
         std::string last; ///< what the last step's lines say, without numbers that may change a little
+        std::string date; ///< of the last step that has lines, by the clock
         std::size_t total = 0;
         std::size_t incomplete = 0;
         std::size_t dropped = 0;                   ///< steps at which hypotheses were dropped
         std::map<std::string, std::size_t> counts; ///< steps by the name of their status
     };
     Table table;
+
+    /// Of a writer of events (report/Events.h); every other one has none.
+    struct Events {
+        /// One that has begun, and not ended.
+        struct Open {
+            std::size_t number = 0; ///< of the event, from 1
+            std::string what;       ///< VARIABLE=VALUE, or a word
+            double most = 0.0;      ///< the greatest probability so far
+            std::size_t since = 0;  ///< the step at which it began, by what is believed
+            double t = 0.0;         ///< at which it began to show, in seconds
+        };
+        double threshold = 0.5;
+        std::size_t steps = 0;
+        std::size_t records = 0; ///< that were written
+        std::size_t events = 0;  ///< that began
+        double t = 0.0;          ///< of the last step, in seconds
+        double seconds = 0.0;    ///< during which something was wrong
+        std::vector<Open> open;  ///< in the order of their numbers
+    };
+    std::optional<Events> events;
 };
 
 /// Writes the reports of one run to a sink. Call `begin` once, or `resume` where an earlier run did; then `step` for each

@@ -28,7 +28,10 @@ TrackedExplanation explanation(const plant::Plant& plant, const monitor::Hypothe
     TrackedExplanation result;
     result.faults = hypothesis.faultCount();
     result.modes = deviatingModes(plant, hypothesis);
-    result.lost = identifiers(plant, hypothesis.lost);
+    for (const plant::AtomIndex lost : hypothesis.lost) {
+        const bool isCommand = plant.variable(plant.variableOf(lost)).isCommand;
+        (isCommand ? result.lost : result.misread).push_back(plant.atom(lost)->id);
+    }
     result.unexplained = identifiers(plant, hypothesis.unexplained);
     return result;
 }
@@ -103,6 +106,9 @@ std::string inWords(const TrackedExplanation& explanation, const std::string& fi
     }
     for (const std::string& command : explanation.lost) {
         items.push_back(command + " did not arrive");
+    }
+    for (const std::string& reading : explanation.misread) {
+        items.push_back(reading + " was misread");
     }
     std::string text =
         items.empty() ? "nothing is wrong" : fmt::format("{}", fmt::join(items, "; "));

@@ -26,7 +26,8 @@ struct TrackedExplanation {
     int faults = 0;
     std::vector<DeviatingMode> modes; ///< by name of the variable
     std::vector<std::string> lost;    ///< commands of this step that did not arrive, VARIABLE=VALUE
-    std::vector<std::string> unexplained; ///< observations of this step, VARIABLE=VALUE
+    std::vector<std::string> unexplained;  ///< observations of this step, VARIABLE=VALUE
+    std::vector<std::string> misread = {}; ///< readings of this step that are wrong, VARIABLE=VALUE
     /// The same number where what was read so far looks the same, if that was compared (report/Alike.h).
     std::optional<std::size_t> appearance = {};
 };
@@ -36,7 +37,9 @@ using Marginals = std::map<std::string, std::map<std::string, double>>;
 
 struct StepReport {
     std::size_t step = 0;
-    double t = 0.0;            ///< seconds
+    double t = 0.0; ///< seconds
+    std::optional<std::string> time =
+        {}; ///< the same by the clock, where the telemetry has dates (WallClock.h)
     std::optional<double> gap; ///< seconds since the step before, where that is longer than usual
     monitor::TrackStatus status = monitor::TrackStatus::nominal;
     bool complete = true;
@@ -64,7 +67,7 @@ struct Shown {
 std::vector<DeviatingMode> deviatingModes(const plant::Plant& plant,
                                           const monitor::Hypothesis& hypothesis);
 
-/// The report of an answer; gap and held readings, which the answer does not know, are left to the caller.
+/// The report of an answer; time by the clock, gap and held readings, which the answer does not know, are left to the caller.
 StepReport stepReport(const plant::Plant& plant, const monitor::TrackAnswer& answer);
 
 /// "valveB.position = stuckClosed since step 3; ...", or "nothing is wrong". Where no line is to be broken there are

@@ -34,6 +34,7 @@ std::string stepJson(const StepReport& report, const Shown& shown)
     record["v"] = 2;
     record["step"] = report.step;
     record["t"] = report.t;
+    if (report.time) record["time"] = *report.time;
     record["status"] = monitor::name(report.status);
     record["fault"] = sixDigits(report.fault);
     record["complete"] = report.complete;

@@ -1,5 +1,6 @@
 // The steps of a tracked plant as a person reads them, with what did not change left out.
 #include "report/Alike.h"
+#include "report/WallClock.h"
 #include "text/Wording.h"
 
 #include <algorithm>
@@ -57,12 +58,17 @@ std::string TrackingTable::rows(const StepReport& report)
     }
     const std::string indent(stepColumns + timeColumns + 2, ' ');
     std::string text;
+    if (report.time && dateOf(*report.time) != memory_.date) {
+        memory_.date = dateOf(*report.time);
+        text += right("", stepColumns) + right(memory_.date, timeColumns) + "\n";
+    }
     if (report.gap) {
         text +=
             indent + colours_.faint(fmt::format("{} s without a step", time(*report.gap))) + "\n";
     }
     std::string head = right(std::to_string(report.step), stepColumns) +
-                       right(time(report.t), timeColumns) + "  " + status(report.status);
+                       right(report.time ? timeOfDay(*report.time) : time(report.t), timeColumns) +
+                       "  " + status(report.status);
     std::size_t shown = 0;
     for (const ExplanationGroup& group : groups) {
         text += row(head, group.probability, inWords(group, report.explanations));

@@ -61,7 +61,7 @@ class TrackingTableWriter : public TableWriter<StepReport, TrackingTable> {
 public:
     using TableWriter::TableWriter;
 
-    WriterMemory memory() const override { return {table_.memory().total, table_.memory()}; }
+    WriterMemory memory() const override { return {table_.memory().total, table_.memory(), {}}; }
     void resume(const WriterMemory& memory) override { table_.restore(memory.table); }
 };
 
@@ -104,6 +104,36 @@ std::unique_ptr<StepWriter<AdviceReport>> Writers::advice(std::size_t shown) con
     return records<AdviceReport>(
         Format::lines, sink_, [shown, asText, colours = colours_](const AdviceReport& report) {
             return asText ? adviceText(report, shown, colours) : adviceJson(report, shown);
+        });
+}
+
+std::unique_ptr<StepWriter<StepReport>> Writers::events(double threshold,
+                                                        EventWriter::ClockOf clock) const
+{
+    std::unique_ptr<StepWriter<EventReport>> writer;
+    if (format_ == Format::people) {
+        writer = std::make_unique<TableWriter<EventReport, EventTable>>(sink_, EventTable(colours_));
+    } else {
+        writer = records<EventReport>(format_, sink_, eventJson);
+    }
+    return std::make_unique<EventWriter>(std::move(writer), threshold, std::move(clock));
+}
+
+std::unique_ptr<StepWriter<EvaluationReport>> Writers::evaluation() const
+{
+    const bool asTable = format_ == Format::people;
+    return records<EvaluationReport>(
+        Format::lines, sink_, [asTable, colours = colours_](const EvaluationReport& report) {
+            return asTable ? evaluationTable(report, colours) : evaluationJson(report);
+        });
+}
+
+std::unique_ptr<StepWriter<CalibrationReport>> Writers::calibration() const
+{
+    const bool asTable = format_ == Format::people;
+    return records<CalibrationReport>(
+        Format::lines, sink_, [asTable, colours = colours_](const CalibrationReport& report) {
+            return asTable ? calibrationTable(report, colours) : calibrationJson(report);
         });
 }
 

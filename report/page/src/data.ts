@@ -36,7 +36,7 @@ export interface Plant {
     sources: { file: string; text: string | null }[];
 }
 
-export type Explanation = Pick<Candidate, 'modes' | 'since' | 'lost' | 'unexplained'>;
+export type Explanation = Pick<Candidate, 'modes' | 'since' | 'lost' | 'misread' | 'unexplained'>;
 
 export interface Given {
     variable: string;
@@ -302,7 +302,14 @@ export function gist(explanation: Explanation): string {
 }
 function statements(explanation: Explanation): string[] {
     const modes = Object.entries(explanation.modes).map(([variable, value]) => `${variable} = ${value}`);
-    return [...modes, ...explanation.lost.map((command) => `${command} did not arrive`)];
+    return [...modes, ...losses(explanation)];
+}
+/** Commands that did not arrive, and readings that were wrong. */
+export function losses(explanation: Explanation): string[] {
+    return [
+        ...explanation.lost.map((command) => `${command} did not arrive`),
+        ...(explanation.misread ?? []).map((reading) => `${reading} was misread`),
+    ];
 }
 /** The same of a group: "one of fan.state = torn, damper.position = shut; meter.state = dead". */
 export function gistOfGroup(group: Group): string {

@@ -1,5 +1,5 @@
 // How probable each explanation was over time, and those at the cursor.
-import { gist, type Explanation, type Group, type Weighed } from './data';
+import { gist, losses, type Explanation, type Group, type Weighed } from './data';
 import { byId, cssColour, fill, h, onDemand, prepared, table } from './dom';
 import { percent, timeText, isWallClock } from './format';
 import type { State } from './state';
@@ -117,7 +117,7 @@ export function makeExplanations(state: State, palette: Palette): void {
     };
     const rows = (group: Group) => {
         if (group.either.length === 0) return row(group.members[0]!, inWords(data.explanations[group.members[0]!.id]!));
-        const rest = Object.keys(group.common.modes).length + group.common.lost.length + group.common.unexplained.length;
+        const rest = Object.keys(group.common.modes).length + losses(group.common).length + group.common.unexplained.length;
         return h(
             'li',
             { class: 'group' },
@@ -175,7 +175,7 @@ export function inWords(explanation: Explanation): (Node | string)[] {
         const since = explanation.since[variable] ?? 0;
         add(h('b', {}, variable), ` = ${value} `, h('span', { class: 'since' }, since === 0 ? 'from the beginning' : `since step ${since}`));
     }
-    for (const command of explanation.lost) add(`${command} did not arrive`);
+    for (const loss of losses(explanation)) add(loss);
     if (parts.length === 0) parts.push(nothing);
     if (explanation.unexplained.length > 0) add(`does not explain ${explanation.unexplained.join(', ')}`);
     return parts;

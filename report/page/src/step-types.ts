@@ -10,6 +10,7 @@ export type Candidate = {
     modes: Record<string, string>;
     since: Record<string, number>;
     lost: Values;
+    misread?: Values;
     unexplained: Values;
 };
 
@@ -17,6 +18,7 @@ export type StepRecord = {
     v: 2;
     step: number;
     t: number;
+    time?: string;
     status: "nominal" | "faulty" | "ambiguous" | "inconsistent" | "stale";
     fault: Probability;
     complete: boolean;

@@ -1,5 +1,5 @@
 // The first lines of the page: what is wrong, since when, and how sure that is.
-import { gist, type Data, type Group } from './data';
+import { gist, losses, type Data, type Group } from './data';
 import { byId, fill, h } from './dom';
 import { counted, isWallClock, percent, timeText } from './format';
 
@@ -19,7 +19,7 @@ function whatIsWrong(data: Data, { common, either, members, since }: Group): str
     if (names.length > 0) parts.push({ since, what: `${names.slice(0, -1).join(', ')} or ${names.at(-1)},` });
     parts.sort((a, b) => a.since - b.since);
     const modes = parts.map((part) => `${part.what} ${began(data, part.since)}`);
-    return [...modes, ...common.lost.map((command) => `${command} did not arrive`)].join('; ');
+    return [...modes, ...losses(common)].join('; ');
 }
 
 function verdict(data: Data): [string, Node[]] {

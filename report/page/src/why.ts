@@ -29,7 +29,13 @@ function lostIn(explanation: Explanation, conflict: Conflict, step: number): str
         ...conflict.commands.map((one) => `${one.variable}=${one.value}`),
         ...conflict.modes.flatMap((one) => one.commands),
     ]);
-    return explanation.lost.find((command) => rests.has(command)) ?? null;
+    const command = explanation.lost.find((one) => rests.has(one));
+    if (command) return `${command} did not arrive`;
+    const read = new Set(
+        [...conflict.readings, ...(conflict.observed ? [conflict.observed] : [])].map((one) => `${one.variable}=${one.value}`),
+    );
+    const reading = explanation.misread?.find((one) => read.has(one));
+    return reading ? `${reading} was misread` : null;
 }
 
 /** The conflicts that matter at the cursor, oldest first, and how many others there were before. */
@@ -98,7 +104,7 @@ export function makeWhy(state: State, palette: Palette): void {
             const how = instead
                 ? `${instead.variable} = ${explanation.modes[instead.variable]} instead of ${instead.value}`
                 : lost
-                  ? `${lost} did not arrive`
+                  ? lost
                   : without
                     ? `does not have ${without.variable} = ${without.value}`
                     : null;
