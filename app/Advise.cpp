@@ -13,6 +13,7 @@ struct AdviseOptions {
     AnswerOptions answer;
     std::optional<std::uint64_t> step;
     bool modes = false;
+    bool all = false;
     std::uint64_t shown = 5;
 };
 
@@ -23,10 +24,12 @@ ExitStatus advise(const AdviseOptions& options)
     track.takeUntil(options.step);
     if (interruption()) return ExitStatus::interrupted;
     const session::Session& session = track.session();
-    const monitor::Advice advice = session.advise({options.modes});
-    writersOf(options.answer, print)
-        .advice(options.shown)
-        ->step(report::adviceReport(session.plant(), session.bindings(), session.answer(), advice));
+    const monitor::Advice advice =
+        session.advise({options.modes, options.all ? std::vector<bool>() : session.measurable()});
+    report::AdviceReport report =
+        report::adviceReport(session.plant(), session.bindings(), session.answer(), advice);
+    report.step.time = timeOf(track.step());
+    writersOf(options.answer, print).advice(options.shown)->step(report);
     return advice.limit == SearchLimit::none ? track.status() : ExitStatus::unexplained;
 }
 
@@ -46,7 +49,12 @@ Verb adviseVerb()
          searchSection(options->track),
          {"What to ask",
           {stepRow(options->step, "after step N (default: the last one)"),
-           {"--modes", "", "modes can be looked at, too, not only conditions", &options->modes, {}}}},
+           {"--modes", "", "modes can be looked at, too, not only conditions", &options->modes, {}},
+           {"--all",
+            "",
+            "everything can be measured, not only what has a channel or\nis declared measurable",
+            &options->all,
+            {}}}},
          {"What to print",
           {shownRow(options->shown, "the N best measurements"),
            formatRow(options->answer, {"table", "jsonl", "json"},

@@ -114,7 +114,7 @@ void AnswerFile::write(std::string_view text)
     while (!text.empty()) {
         const ssize_t written = ::write(file_, text.data(), text.size());
         if (written < 0 && errno == EINTR) continue;
-        if (written < 0) fail("cannot be written");
+        if (written <= 0) fail("cannot be written");
         digest_.add(text.substr(0, static_cast<std::size_t>(written)));
         text.remove_prefix(static_cast<std::size_t>(written));
         bytes_ += static_cast<std::uint64_t>(written);
@@ -125,6 +125,12 @@ void AnswerFile::sync()
 {
     // A pipe or a device has nothing to sync.
     if (file_ >= 0 && fsync(file_) != 0 && errno != EINVAL && errno != EROFS)
+        fail("cannot be written");
+}
+
+void AnswerFile::end()
+{
+    if (file_ >= 0 && close(std::exchange(file_, -1)) != 0 && errno != EINTR)
         fail("cannot be written");
 }
 

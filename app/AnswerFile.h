@@ -37,6 +37,9 @@ public:
     void write(std::string_view text);
     /// Waits until all that was written is on the disk. Does nothing for standard output.
     void sync();
+    /// Closes the file, which may be when the system says that something could not be written. Throws FileFailure.
+    /// Ensures: nothing more can be written.
+    void end();
     /// To the file, with what the run that is continued had written.
     Written written() const { return {bytes_, digest_.hex()}; }
 

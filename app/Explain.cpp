@@ -39,11 +39,11 @@ ExitStatus explain(const ExplainOptions& options)
     if (interruption()) return ExitStatus::interrupted;
     const session::Session& session = track.session();
     monitor::Meter meter(session.settings().limits, session.settings().work);
-    writersOf(options.answer, print)
-        .explanation()
-        ->step(report::explainStep(
-            {session.plant(), session.read(), session.history(), session.answer()},
-            {options.shown, options.mass}));
+    report::StepExplanation explanation =
+        report::explainStep({session.plant(), session.read(), session.history(), session.answer()},
+                            {options.shown, options.mass});
+    explanation.report.time = timeOf(track.step());
+    writersOf(options.answer, print).explanation()->step(explanation);
     return track.status();
 }
 

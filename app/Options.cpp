@@ -91,6 +91,20 @@ Row colourRow(AnswerOptions& answer, const std::string& where)
             &answer.colour, oneOf({"always", "never", "auto"})};
 }
 
+Row maxSecondsRow(double& seconds, const std::string& help)
+{
+    return {"--max-seconds", "S", help + " after so many seconds (default {default}: no limit)",
+            &seconds, number(0.0, std::numeric_limits<double>::infinity())};
+}
+
+Row maxWorkRow(std::uint64_t& millions, const std::string& help)
+{
+    return {"--max-work", "N",
+            help + " after looking at N million literals of laws, or what\ncosts as much (default "
+                   "{default}; 0: no limit)",
+            &millions, wholeNumber(0, mostMillions)};
+}
+
 Row maxMemoryRow(std::uint64_t& mebibytes)
 {
     return {"--max-memory", "MIB",
@@ -141,7 +155,6 @@ std::vector<Row> trackRows(TrackOptions& track)
 
 Section searchSection(TrackOptions& track)
 {
-    constexpr double infinity = std::numeric_limits<double>::infinity();
     return {
         "How to search",
         {{"--max-rank", "N",
@@ -158,12 +171,8 @@ Section searchSection(TrackOptions& track)
          {"--max-records", "N",
           "stop searching a step after so many records\n(default {default}; 0: no limit)",
           &track.maxRecords, wholeNumber(0)},
-         {"--max-seconds", "S", "... after so many seconds (default {default}: no limit)",
-          &track.maxSeconds, number(0.0, infinity)},
-         {"--max-work", "N",
-          "... after looking at N million literals of laws, or what\ncosts as much (default "
-          "{default}; 0: no limit)",
-          &track.maxWork, wholeNumber(0, mostMillions)},
+         maxSecondsRow(track.maxSeconds, "..."),
+         maxWorkRow(track.maxWork, "..."),
          maxMemoryRow(track.maxMemory)}};
 }
 

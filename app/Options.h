@@ -78,6 +78,10 @@ Row massRow(double& mass);
 Row formatRow(AnswerOptions& answer, const std::vector<std::string>& words, const std::string& help);
 /// --color; `where` names what is coloured.
 Row colourRow(AnswerOptions& answer, const std::string& where = "table");
+/// --max-seconds, of a step.
+Row maxSecondsRow(double& seconds, const std::string& help);
+/// --max-work, of a step, in millions; `help` begins with what is done then.
+Row maxWorkRow(std::uint64_t& millions, const std::string& help);
 /// --max-memory.
 Row maxMemoryRow(std::uint64_t& mebibytes);
 /// What these options say.

@@ -34,10 +34,15 @@ void openStandardDescriptors()
 
 void print(std::string_view text)
 {
-    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-    if (!written || std::fflush(stdout) != 0) {
-        throw Failure(fmt::format("cannot write to standard output: {}\n",
-                                  std::generic_category().message(errno)));
+    // Not by the C stream, which gives up when a signal interrupts it.
+    while (!text.empty()) {
+        const ssize_t written = ::write(STDOUT_FILENO, text.data(), text.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) {
+            throw Failure(fmt::format("cannot write to standard output: {}\n",
+                                      std::generic_category().message(errno)));
+        }
+        text.remove_prefix(static_cast<std::size_t>(written));
     }
 }
 

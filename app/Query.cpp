@@ -37,7 +37,10 @@ ExitStatus query(const QueryOptions& options)
     ExitStatus status = ExitStatus::done;
     writer->begin();
     while (track.next()) {
-        writer->step(report::queryReport(track.answer(), formula.evaluate(track.answer())));
+        report::QueryReport report =
+            report::queryReport(track.answer(), formula.evaluate(track.answer()));
+        report.time = timeOf(track.step());
+        writer->step(report);
         if (track.status() != ExitStatus::done) status = track.status();
     }
     writer->end(track.feed().linesLeftOut());

@@ -25,10 +25,10 @@ Section readSection(ReadOptions& options)
     return {
         "How the telemetry is written",
         {{"--unknown-columns", "ignore|error",
-          "columns and names that the model does not know (default\n{default})",
+          "columns and names that the model does not know (default\nignore)",
           &options.unknownColumns, oneOf({"ignore", "error"})},
          {"--bad-readings", "missing|error",
-          "what is no number where one is wanted: not observed, or\nan error (default {default})",
+          "what is no number where one is wanted: not observed, or\nan error (default missing)",
           &options.badReadings, oneOf({"missing", "error"})},
          {"--time-column",
           "NAME",
@@ -41,39 +41,43 @@ Section readSection(ReadOptions& options)
           &options.timeFormat, checkTimeFormat},
          {"--separator", "SIGN", "between cells: , or ; or tab (default: as in the header)",
           &options.separator, oneOf({",", ";", "tab"})},
-         {"--decimal", "SIGN", "in numbers of a table: . or , (default {default})",
-          &options.decimal, oneOf({".", ","})},
-         {"--gap", "N", "a gap is more than N step lengths without a step\n(default {default})",
-          &options.gap, number(1.0, infinity)}}};
+         {"--decimal", "SIGN", "in numbers of a table: . or , (default .)", &options.decimal,
+          oneOf({".", ","})},
+         {"--gap", "N", "a gap is more than N step lengths without a step\n(default 3)",
+          &options.gap, number(1.0, infinity)},
+         {"--rename",
+          "FILE",
+          "what columns and keys are called in the model: a TOML file of\n\"COLUMN\" = \"CHANNEL\"",
+          &options.rename,
+          {}},
+         {"--plant-file",
+          "FILE",
+          "says all of this as well; the command line takes precedence\n(default: plant.toml "
+          "beside the model; none: no file)",
+          &options.plantFile,
+          {}}}};
 }
 
-telemetry::ReadSettings readSettings(const ReadOptions& options)
+Reading readingOf(const ReadOptions& options)
 {
-    if (options.decimal == "," && options.separator == ",") {
+    Reading reading;
+    telemetry::ReadSettings& settings = reading.settings;
+    const auto said = [&](const char* name, const std::optional<std::string>& value,
+                          const char* usual) { return reading.texts[name] = value.value_or(usual); };
+    settings.knownNamesOnly = said("unknown-columns", options.unknownColumns, "ignore") == "error";
+    settings.readableOnly = said("bad-readings", options.badReadings, "missing") == "error";
+    settings.timeColumn = said("time-column", options.timeColumn, "");
+    settings.timeFormat = said("time-format", options.timeFormat, "");
+    const std::string separator = said("separator", options.separator, "");
+    const std::string decimal = said("decimal", options.decimal, ".");
+    if (decimal == "," && separator == ",") {
         throw Failure("the comma is the decimal sign and the separator\n"
                       "  expected: --separator ';' or --separator tab with --decimal ,\n");
     }
-    telemetry::ReadSettings settings;
-    settings.knownNamesOnly = options.unknownColumns == "error";
-    settings.readableOnly = options.badReadings == "error";
-    settings.timeColumn = options.timeColumn;
-    settings.timeFormat = options.timeFormat;
-    if (!options.separator.empty())
-        settings.separator = options.separator == "tab" ? '\t' : options.separator.front();
-    settings.decimal = options.decimal.front();
-    settings.gapSteps = options.gap;
-    return settings;
-}
-
-std::map<std::string, std::string> textsOf(const ReadOptions& options)
-{
-    return {{"unknown-columns", options.unknownColumns},
-            {"bad-readings", options.badReadings},
-            {"time-column", options.timeColumn},
-            {"time-format", options.timeFormat},
-            {"separator", options.separator},
-            {"decimal", options.decimal},
-            {"gap", fmt::format("{}", options.gap)}};
+    if (!separator.empty()) settings.separator = separator == "tab" ? '\t' : separator.front();
+    settings.decimal = decimal.front();
+    settings.gapSteps = *parsedNumber<double>(said("gap", options.gap, "3"));
+    return reading;
 }
 
 } // namespace app

@@ -21,12 +21,15 @@ struct RunOptions {
     std::uint64_t shown = 5;
     double mass = 0.99;
     bool everyStep = false;
+    bool events = false;
+    double alarm = 0.5;
     std::optional<std::string> failOn;
     std::optional<std::string> report; ///< a page
 
     std::optional<std::string> checkpoint;
     std::uint64_t checkpointEvery = 1000; ///< steps
     bool resume = false;
+    bool adoptModel = false; ///< where its probabilities are others by now
     bool final = false;
 };
 
@@ -52,7 +55,7 @@ public:
           track_("run", options.track, settingsOf(options.track), filesOf(options)),
           pace_(options.track.quiet),
           writers_(writersOf(options.answer, [this](std::string_view text) { write(text); })),
-          writer_(writers_.tracking({options.shown, options.mass}, options.everyStep))
+          writer_(writer())
     {
     }
 
@@ -76,6 +79,7 @@ public:
         if (checkpoint_) save();
         if (report_) report_->write();
         writer_->end(track_.feed().linesLeftOut());
+        answer_->end();
         if (!options_.track.quiet) {
             track_.feed().reportPassedOver("run");
             reportCut();
@@ -84,6 +88,16 @@ public:
     }
 
 private:
+    std::unique_ptr<report::StepWriter<report::StepReport>> writer()
+    {
+        if (!options_.events)
+            return writers_.tracking({options_.shown, options_.mass}, options_.everyStep);
+        return writers_.events(options_.alarm, [this] {
+            return track_.feed().reader().isWallClock() ? report::Clock::wall
+                                                        : report::Clock::seconds;
+        });
+    }
+
     // Takes all files, and says where the run stood that is resumed.
     std::optional<RunState> open()
     {
@@ -98,11 +112,35 @@ private:
                             report::Shown{options_.shown, options_.mass});
         }
         if (!options_.resume) return {};
-        std::optional<RunState> before = checkpoint_->resume();
+        std::optional<RunState> before = checkpoint_->resume(options_.adoptModel);
         if (!before) return {};
+        checkSameAnswer(before->writer);
+        if (checkpoint_->adopted() && !options_.track.quiet) {
+            complain(fmt::format(
+                "{}: was made with other probabilities; the run goes on with those "
+                "of {}\n",
+                text::shownName(*options_.checkpoint), text::shownName(options_.track.model.path)));
+        }
         memory_ = before->memory;
         if (before->memory.steps > 0) answer_->resume(before->output);
         return before;
+    }
+
+    // What was printed before goes on as it began.
+    void checkSameAnswer(const report::WriterMemory& before) const
+    {
+        const auto refuse = [this](const std::string& then, const std::string& now) {
+            throw FileFailure(
+                fmt::format("{}: was made {}\n  expected: the options of the run that is "
+                            "resumed; here it is {}\n",
+                            text::shownName(*options_.checkpoint), then, now));
+        };
+        if (before.events.has_value() != options_.events)
+            refuse(options_.events ? "without --events" : "with --events",
+                   options_.events ? "with it" : "without it");
+        if (options_.events && before.events->threshold != options_.alarm)
+            refuse(fmt::format("with --alarm {}", before.events->threshold),
+                   fmt::format("{}", options_.alarm));
     }
 
     void write(std::string_view text)
@@ -117,10 +155,11 @@ private:
         ++memory_.steps;
         const bool forPeople = report_ || writers_.format() == report::Format::people;
         const report::StepReport report = forPeople ? reportForPeople(track_) : reportOf(track_);
-        const bool explained = report.status != monitor::TrackStatus::inconsistent;
+        const monitor::Hypothesis& first = *track_.answer().hypotheses.front();
+        const bool explained = first.unexplained.empty();
         memory_.unexplained = memory_.unexplained || !report.complete || !explained;
         memory_.faultFound =
-            memory_.faultFound || (explained && track_.answer().hypotheses.front()->differs());
+            memory_.faultFound || (explained && first.differs(track_.session().plant()));
         writer_->step(report);
         if (report_) report_->step(report);
         pace_.step(track_.feed().reader().doneShare());
@@ -168,9 +207,18 @@ ExitStatus run(const RunOptions& options)
         throw Failure("--resume needs the checkpoint\n  expected: --checkpoint FILE --resume\n"
                       "  hint: itms run --help shows an example\n");
     }
+    if (options.adoptModel && !options.resume) {
+        throw Failure("--adopt-model is about a run that is resumed\n"
+                      "  expected: --checkpoint FILE --resume --adopt-model\n");
+    }
     if (options.resume && options.report) {
         throw Failure("--report does not go with --resume: a report begins with the first step\n"
                       "  hint: itms report makes one of the whole telemetry\n");
+    }
+    if (options.events && options.everyStep) {
+        throw Failure(
+            "--every-step does not go with --events\n  hint: events are printed in place of "
+            "steps\n");
     }
     catchInterruptions();
     return Run(options).run();
@@ -206,6 +254,12 @@ Section checkpointSection(RunOptions& options)
               "checkpoint,\nand continued",
               &options.resume,
               {}},
+             {"--adopt-model",
+              "",
+              "... though probabilities or rates of the model are others\nthan they were; nothing "
+              "else may be",
+              &options.adoptModel,
+              {}},
              {"--final",
               "",
               "the telemetry is complete. Otherwise the file may grow:\na last line without its "
@@ -235,6 +289,15 @@ Verb runVerb()
                      "table: for people, the default on a terminal: the steps at which something "
                      "changed; jsonl: a JSON record a step, default otherwise; json: one array"),
            {"--every-step", "", "in the table, steps without a change as well", &options->everyStep, {}},
+           {"--events",
+            "",
+            "print what begins and what ends to be wrong, in place of\nsteps",
+            &options->events,
+            {}},
+           {"--alarm", "P",
+            "... once it is at least so probable, and until it is less\nthan half as probable "
+            "(default {default})",
+            &options->alarm, number(0.000001, 1.0)},
            {"-o,--output", "FILE", "print to a file", &options->answer.output, fileName(true)},
            {"--report", "FILE", "write the run as a page, too: see itms report", &options->report,
             fileName()},

@@ -40,7 +40,10 @@ public:
     void refuseOtherFile() const;
     /// Puts session and reader where the checkpoint has them, and says where the rest stood; nothing where there is no file.
     /// Throws FileFailure when the checkpoint is damaged, or was made with another model or other options.
-    std::optional<RunState> resume();
+    /// With `adopts`, a model that had other probabilities will do.
+    std::optional<RunState> resume(bool adopts);
+    /// Whether the model had other probabilities.
+    bool adopted() const { return adopted_; }
     /// Replaces the file. Throws FileFailure. Requires that what the state counts on is on the disk.
     void save(const RunState& state);
 
@@ -49,6 +52,7 @@ private:
     const TrackOptions& options_;
     TrackRun& run_;
     text::LockFile lock_;
+    bool adopted_ = false;
 };
 
 } // namespace app

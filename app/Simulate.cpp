@@ -7,6 +7,7 @@
 #include "app/Truth.h"
 #include "app/Verbs.h"
 #include "monitor/labels/Completion.h"
+#include "monitor/labels/Meter.h"
 #include "plant/Names.h"
 #include "telemetry/Writer.h"
 #include "text/Wording.h"
@@ -35,6 +36,10 @@ struct SimulateOptions {
 
     std::vector<std::string> observed;
     std::optional<std::string> truth; ///< file for what really happened
+
+    double maxSeconds = 0.0;   ///< of a step; 0: no limit
+    std::uint64_t maxWork = 0; ///< of a step; 0: no limit
+    std::uint64_t maxMemory = usualMaxMemory;
     bool quiet = false;
 };
 
@@ -102,17 +107,70 @@ std::unordered_set<const StateVar*> heldCommands(const plant::Bindings& bindings
     return held;
 }
 
+// Where the noise of readings comes from: not from where everything else is drawn, which stays as it is without noise. None where
+// nothing is drawn.
+telemetry::Draw noise(const SimulateOptions& options)
+{
+    if (!options.random) return {};
+    constexpr std::uint64_t another = 0x6e6f697365;
+    return [chance = simulate::Chance(*options.random ^ another)]() mutable {
+        return chance.fraction();
+    };
+}
+
+// A limit cut a step.
+struct CutShort {
+    SearchLimit limit;
+    std::size_t step; // 0: before the first one
+};
+
+// Counts what a step costs, and cuts it where that is too much. Nothing is kept back: half a step is of no use.
+class StepLimits {
+public:
+    explicit StepLimits(const SimulateOptions& options) : meter_(searches(options), work(options))
+    {
+    }
+
+private:
+    static SearchLimits searches(const SimulateOptions& options)
+    {
+        SearchLimits limits;
+        if (options.maxSeconds > 0.0) limits.maxSeconds = options.maxSeconds;
+        limits.stop = &interruption();
+        return limits;
+    }
+    static monitor::WorkLimits work(const SimulateOptions& options)
+    {
+        return workLimits(options.maxWork, options.maxMemory);
+    }
+
+    monitor::Meter meter_;
+    monitor::Meter::Finishing all_;
+};
+
+simulate::Simulator makeSimulator(const SimulateOptions& options, const session::Session& session,
+                                  const telemetry::Names& names)
+{
+    try {
+        const StepLimits limits(options);
+        return {session.plant(),
+                session.bindings(),
+                {options.random, alsoObserved(options, names, session.plant())}};
+    } catch (const monitor::Meter::Cut& cut) {
+        throw CutShort{cut.limit, 0};
+    }
+}
+
 // Takes step after step from the source to standard output.
 class SimulateRun {
 public:
     SimulateRun(const SimulateOptions& options, const session::Session& session)
-        : quiet_(options.quiet), plant_(session.plant()),
+        : options_(options), quiet_(options.quiet), plant_(session.plant()),
           names_(session.model(), session.bindings()), source_(makeSource(options, session)),
           faults_(readStepValues("--fault", Expected::mode, options.faults, names_)),
           inputs_(readStepValues("--input", Expected::input, options.inputs, names_)),
-          simulator_(plant_, session.bindings(),
-                     {options.random, alsoObserved(options, names_, plant_)}),
-          writer_(session.bindings()), held_(heldCommands(session.bindings()))
+          simulator_(makeSimulator(options, session, names_)),
+          writer_(session.bindings(), noise(options)), held_(heldCommands(session.bindings()))
     {
         if (source_->length()) refuseAfter(*source_->length());
         if (options.truth) truth_.emplace(*options.truth, plant_, session.model());
@@ -127,13 +185,14 @@ public:
     {
         while (const auto given = source_->next()) {
             ++step_;
-            const simulate::SimulatedStep simulated = simulate(given->input);
+            const simulate::SimulatedStep simulated = limited(given->input);
             if (truth_ && step_ == 1) truth_->begin();
             print(writer_.line(given->t, commandsToWrite(simulated), atoms(simulated.observations)));
             if (truth_) truth_->write(step_, given->t, simulated);
         }
         if (interruption()) return ExitStatus::interrupted;
         if (truth_ && step_ == 0) truth_->begin();
+        if (truth_) truth_->end();
         if (!quiet_) source_->reportLeftOut();
         refuseAfter(step_);
         return ExitStatus::done;
@@ -148,6 +207,16 @@ private:
             throw Failure(
                 fmt::format("{}: {} is after the last step\n  expected: a step from 1 to {}\n",
                             option, text::quoted(values->back().text), last));
+        }
+    }
+
+    simulate::SimulatedStep limited(const simulate::SimulationInput& input)
+    {
+        try {
+            const StepLimits limits(options_);
+            return simulate(input);
+        } catch (const monitor::Meter::Cut& cut) {
+            throw CutShort{cut.limit, step_};
         }
     }
 
@@ -246,6 +315,7 @@ private:
         return result;
     }
 
+    const SimulateOptions& options_;
     bool quiet_;
     const plant::Plant& plant_;
     telemetry::Names names_;
@@ -269,7 +339,17 @@ ExitStatus simulate(const SimulateOptions& options)
     if (options.telemetry) files.reads(*options.telemetry, "the telemetry");
     const session::Session session = openModel("simulate", options.model, files, options.quiet);
     catchInterruptions();
-    return SimulateRun(options, session).run();
+    try {
+        return SimulateRun(options, session).run();
+    } catch (const CutShort& cut) {
+        if (cut.limit == SearchLimit::stopped) return ExitStatus::interrupted;
+        const std::string where =
+            cut.step == 0 ? "before the first step" : fmt::format("step {}", cut.step);
+        complain(fmt::format("itms simulate: {}: cut short (limit: {})\n"
+                             "  hint: --max-{} sets the limit; 0 is none\n",
+                             where, monitor::name(cut.limit), monitor::name(cut.limit)));
+        return ExitStatus::unexplained;
+    }
 }
 
 std::vector<Section> sections(SimulateOptions& options)
@@ -309,6 +389,9 @@ std::vector<Section> sections(SimulateOptions& options)
            "draw faults, repairs, lost commands and what nothing\ndetermines by the model's "
            "probabilities. Otherwise\neverything goes as predicted, and nothing breaks by\nitself",
            &options.random, wholeNumber(0)}}},
+        {"How long it may take",
+         {maxSecondsRow(options.maxSeconds, "give a step up"), maxWorkRow(options.maxWork, "..."),
+          maxMemoryRow(options.maxMemory)}},
         {"What to print",
          {{"--observe",
            "VARIABLE",
@@ -338,7 +421,9 @@ Verb simulateVerb()
         sections(*options),
         "",
         "0 done; 2 an error in the command line, the model or the commands, a fault that cannot "
-        "happen when it is asked for, or modes that cannot be together; 130 interrupted.",
+        "happen when it is asked for, or modes that cannot be together; 3 a limit cut a step "
+        "short, "
+        "which is not printed; 130 interrupted.",
         "simulate examples/models/valve.itms --steps 8 --seed 22 \\\n"
         "    --input valve.inflow=positive --fault valve.position=stuckClosed@6",
         [options] { return simulate(*options); }};

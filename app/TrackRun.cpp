@@ -2,7 +2,9 @@
 
 #include "app/Interruption.h"
 #include "app/Output.h"
+#include "app/PlantFile.h"
 #include "report/Alike.h"
+#include "report/WallClock.h"
 #include "text/Wording.h"
 
 #include <algorithm>
@@ -38,12 +40,13 @@ std::vector<std::string> telemetryOf(const std::string& verb, const TrackOptions
     return files;
 }
 
-telemetry::ReadSettings readingOf(const TrackOptions& options)
+Reading readingOf(const TrackOptions& options, FileRoles& files, const session::Session& session)
 {
-    telemetry::ReadSettings settings = readSettings(options.reading);
-    settings.skipBad = options.skipBad;
-    settings.mayGrow = options.mayGrow;
-    return settings;
+    const PlantFiles plantFiles(options.model.path, options.reading, files);
+    Reading reading = plantFiles.reading(telemetry::Names(session.model(), session.bindings()));
+    reading.settings.skipBad = options.skipBad;
+    reading.settings.mayGrow = options.mayGrow;
+    return reading;
 }
 
 session::Session open(const std::string& verb, const TrackOptions& options,
@@ -68,7 +71,8 @@ FileRoles TrackRun::printing()
 TrackRun::TrackRun(const std::string& verb, const TrackOptions& options,
                    const session::Settings& settings, FileRoles files, bool trace)
     : session_(open(verb, options, settings, files, trace)),
-      feed_(telemetryOf(verb, options), session_.model(), session_.bindings(), readingOf(options),
+      reading_(readingOf(options, files, session_)),
+      feed_(telemetryOf(verb, options), session_.model(), session_.bindings(), reading_.settings,
             !options.quiet)
 {
 }
@@ -129,10 +133,16 @@ ExitStatus TrackRun::status() const
     return explained ? ExitStatus::done : ExitStatus::unexplained;
 }
 
+std::optional<std::string> timeOf(const telemetry::Step& step)
+{
+    return step.wallClock ? report::wallClock(step.t) : std::nullopt;
+}
+
 report::StepReport reportOf(const TrackRun& track)
 {
     report::StepReport report = report::stepReport(track.session().plant(), track.answer());
     report.gap = track.step().gap;
+    report.time = timeOf(track.step());
     for (const telemetry::Observation& observation : track.step().observations) {
         if (observation.held) report.held.push_back(observation.value->id);
     }

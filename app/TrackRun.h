@@ -54,11 +54,14 @@ public:
 
     session::Session& session() { return session_; }
     const session::Session& session() const { return session_; }
+    /// How the telemetry is read.
+    const Reading& reading() const { return reading_; }
     StepFeed& feed() { return feed_; }
     const StepFeed& feed() const { return feed_; }
 
 private:
     session::Session session_;
+    Reading reading_;
     StepFeed feed_;
     telemetry::Step step_;
 
@@ -74,7 +77,9 @@ private:
     std::optional<Whole> putBack_; ///< what there was before a step that was cut
 };
 
-/// The report of the step that was taken last, with its gap and its held readings.
+/// The time of a step by the clock, where the telemetry has dates.
+std::optional<std::string> timeOf(const telemetry::Step& step);
+/// The report of the step that was taken last, with time by the clock, its gap and its held readings.
 report::StepReport reportOf(const TrackRun& track);
 /// The same, with explanations compared that cannot be told apart (report/Alike.h).
 report::StepReport reportForPeople(const TrackRun& track);

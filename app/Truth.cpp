@@ -59,8 +59,13 @@ void TruthFile::write(std::size_t step, double t, const simulate::SimulatedStep&
     for (const plant::VariableIndex command : simulated.lost) {
         lost.push_back(nameAt(command));
     }
-    file_.write(fmt::format(R"({{"v":1,"step":{},"t":{},"modes":{{{}}},"changes":{},"lost":{}}})",
-                            step, ordered_json(t).dump(), modes, changes.dump(), lost.dump()) +
+    ordered_json misread = ordered_json::array();
+    for (const plant::VariableIndex variable : simulated.misread) {
+        misread.push_back(nameAt(variable));
+    }
+    file_.write(fmt::format(R"({{"v":1,"step":{},"t":{},"modes":{{{}}},"changes":{},"lost":{}{}}})",
+                            step, ordered_json(t).dump(), modes, changes.dump(), lost.dump(),
+                            misread.empty() ? "" : ",\"misread\":" + misread.dump()) +
                 "\n");
 }
 

@@ -20,6 +20,8 @@ public:
     void begin() { file_.begin(); }
     /// Throws FileFailure when it cannot be written. Linear in the modes. Requires: begin() was called.
     void write(std::size_t step, double t, const simulate::SimulatedStep& simulated);
+    /// Closes the file. Throws FileFailure when something of it could not be written.
+    void end() { file_.end(); }
 
 private:
     const plant::Plant& plant_;

@@ -7,8 +7,10 @@
 namespace app {
 
 Verb adviseVerb();
+Verb calibrateVerb();
 Verb checkVerb();
 Verb diagnoseVerb();
+Verb evaluateVerb();
 Verb explainVerb();
 Verb exportVerb();
 Verb fmtVerb();

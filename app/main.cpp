@@ -17,9 +17,10 @@ int main(int argc, char** argv)
     std::string name = "itms";
     try {
         const std::vector<app::Verb> verbs{
-            app::adviseVerb(), app::checkVerb(), app::diagnoseVerb(), app::explainVerb(),
-            app::exportVerb(), app::fmtVerb(),   app::graphVerb(),    app::queryVerb(),
-            app::reportVerb(), app::runVerb(),   app::simulateVerb(), app::traceVerb(),
+            app::adviseVerb(),   app::calibrateVerb(), app::checkVerb(),  app::diagnoseVerb(),
+            app::evaluateVerb(), app::explainVerb(),   app::exportVerb(), app::fmtVerb(),
+            app::graphVerb(),    app::queryVerb(),     app::reportVerb(), app::runVerb(),
+            app::simulateVerb(), app::traceVerb(),
         };
         return static_cast<int>(app::runCommandLine(verbs, argc, argv, name));
     } catch (const app::FileFailure& failure) {

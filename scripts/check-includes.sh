@@ -22,7 +22,7 @@ cd "$root"
 awk '
 BEGIN {
     count = split("text model engine plant language/syntax language/meaning language/json language netlist telemetry " \
-                  "monitor/labels monitor/step monitor/track monitor/why simulate session report app", folder, " ")
+                  "monitor/labels monitor/step monitor/track monitor/why simulate session assess report app", folder, " ")
     for (i = 1; i <= count; ++i) place[folder[i]] = i
     library["model"] = library["engine"] = 1
     public["engine/itms.h"] = public["engine/ItmsRes.h"] = 1

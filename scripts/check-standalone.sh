@@ -8,7 +8,7 @@ if [ ! -f build/lint/compile_commands.json ]; then
     exit 2
 fi
 root="$(pwd -P)"
-folders='(text|model|engine|plant|language|netlist|telemetry|monitor|simulate|session|report|app)'
+folders='(text|model|engine|plant|language|netlist|telemetry|monitor|simulate|session|assess|report|app)'
 cd build/lint
 grep -oE '"command": ".*"' compile_commands.json | cut -d'"' -f4- | sed 's/"$//; s/\\"/"/g; s/\\\\/\\/g' |
     grep -E " -c $root/$folders/" | sed -E 's/ -O[0-9] / /; s/ -o [^ ]+ / /; s/$/ -fsyntax-only/' |

@@ -10,7 +10,7 @@ set -euo pipefail
 
 build=(
     cmake g++ make ninja-build pkg-config
-    libcli11-dev libfmt-dev nlohmann-json3-dev tao-pegtl-dev zlib1g-dev libzstd-dev
+    libcli11-dev libfmt-dev nlohmann-json3-dev tao-pegtl-dev libtomlplusplus-dev zlib1g-dev libzstd-dev
     libbenchmark-dev libgmock-dev libgtest-dev
     python3-jsonschema
 )

@@ -14,7 +14,7 @@ fi
 
 log="$(mktemp)"
 trap 'rm -f "$log"' EXIT
-folders='(text|model|engine|plant|language|netlist|telemetry|monitor|simulate|session|report|app)'
+folders='(text|model|engine|plant|language|netlist|telemetry|monitor|simulate|session|assess|report|app)'
 root="$(pwd -P)"
 status=0
 units="$(grep -oE '"file": "[^"]*"' build/tidy/compile_commands.json | cut -d'"' -f4 |
