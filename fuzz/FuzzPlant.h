@@ -9,7 +9,15 @@
 /// Two valves in a row, of which one may be stuck. Follows their steps one by one.
 class FuzzPlant {
 public:
-    FuzzPlant() : session_(session::Session::open(language::readModelText("plant.itms", model))) {}
+    FuzzPlant() : FuzzPlant(language::readModelText("plant.itms", model)) {}
+    /// Of the same model, which may have been read under another name.
+    explicit FuzzPlant(language::ReadResult read)
+        : session_(session::Session::open(std::move(read)))
+    {
+    }
+
+    /// The model.
+    static std::string text() { return model; }
 
     session::Session& session() { return session_; }
     /// Takes the next `count` of the plant's steps, from the first on.
