@@ -151,9 +151,9 @@ TEST_F(Checkpoints, OfAnotherWayOfReadingAreRefused)
 {
     writeTelemetry(3);
     runProgram(withCheckpoint());
-    const ProgramRun run = runProgram(withCheckpoint({"--gap", "3"}));
+    const ProgramRun run = runProgram(withCheckpoint({"--gap", "4"}));
     EXPECT_EQ(run.status, 2);
-    EXPECT_THAT(run.err, HasSubstr("was made with --gap \"1.5\""));
+    EXPECT_THAT(run.err, HasSubstr("was made with --gap \"3\""));
 }
 
 TEST_F(Checkpoints, OnStandardOutputGoOnWithTheNextStep)
@@ -179,9 +179,10 @@ TEST_F(Checkpoints, OfAnotherModelAreRefusedAndLeftAsTheyAre)
     ASSERT_EQ(runProgram(withCheckpoint()).status, 0);
     const std::string before = content(path("memory"));
     std::string other = content(fs::path(ITMS_ROOT) / model);
-    const std::string probability = "ok -> seized  : 0.01";
-    ASSERT_NE(other.find(probability), std::string::npos);
-    other.replace(other.find(probability), probability.size(), "ok -> seized  : 0.02");
+    const std::string name = "seized";
+    for (std::size_t at = other.find(name); at != std::string::npos; at = other.find(name, at)) {
+        other.replace(at, name.size(), "jammed");
+    }
     std::ofstream(path("other.itms")) << other;
     std::vector<std::string> more = withCheckpoint();
     more[1] = path("other.itms");
@@ -189,6 +190,45 @@ TEST_F(Checkpoints, OfAnotherModelAreRefusedAndLeftAsTheyAre)
     EXPECT_EQ(run.status, 2);
     EXPECT_THAT(run.err, HasSubstr("was made with another model"));
     EXPECT_EQ(content(path("memory")), before);
+}
+
+TEST_F(Checkpoints, OfAModelWithOtherProbabilitiesAreAdoptedOnDemand)
+{
+    writeTelemetry(12);
+    ASSERT_EQ(runProgram(withCheckpoint()).status, 0);
+    std::string other = content(fs::path(ITMS_ROOT) / model);
+    const std::string probability = "ok -> seized  : 0.01";
+    other.replace(other.find(probability), probability.size(), "ok -> seized  : 0.02");
+    std::ofstream(path("other.itms")) << other;
+    writeTelemetry(15);
+    std::vector<std::string> more = withCheckpoint();
+    more[1] = path("other.itms");
+    const ProgramRun refused = runProgram(more);
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_THAT(refused.err, HasSubstr("was made with other probabilities in the model"));
+    EXPECT_THAT(refused.err, HasSubstr("hint: --adopt-model"));
+    more.emplace_back("--adopt-model");
+    const ProgramRun adopted = runProgram(more);
+    EXPECT_EQ(adopted.status, 0);
+    EXPECT_THAT(adopted.err, HasSubstr("the run goes on with those of"));
+    EXPECT_THAT(content(path("answer")), HasSubstr("\"step\":15"));
+}
+
+TEST_F(Checkpoints, OfAModelWithOtherLawsAreNotAdopted)
+{
+    writeTelemetry(12);
+    ASSERT_EQ(runProgram(withCheckpoint()).status, 0);
+    std::string other = content(fs::path(ITMS_ROOT) / model);
+    for (std::size_t at = other.find("seized"); at != std::string::npos;
+         at = other.find("seized", at)) {
+        other.replace(at, 6, "jammed");
+    }
+    std::ofstream(path("other.itms")) << other;
+    std::vector<std::string> more = withCheckpoint({"--adopt-model"});
+    more[1] = path("other.itms");
+    const ProgramRun run = runProgram(more);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err, HasSubstr("was made with another model"));
 }
 
 TEST_F(Checkpoints, OfOtherSettingsAreRefused)

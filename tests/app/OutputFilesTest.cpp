@@ -211,6 +211,14 @@ TEST_F(OutputFiles, AreWholeWhenTheTerminalGoesAway)
     EXPECT_THAT(read("memory"), HasSubstr("\"steps\":1,"));
 }
 
+TEST_F(OutputFiles, AReaderThatWaitsDoesNotMakeASignalAnError)
+{
+    EXPECT_EQ(shell("mkfifo slow; (sleep 0.6; cat >/dev/null) <slow & itms simulate pipe.itms "
+                    "--input pipe.inflow=high --steps 100000 >slow & sleep 0.3; kill -TERM $!; "
+                    "wait $!; echo $?"),
+              "130\n");
+}
+
 TEST_F(OutputFiles, AreWrittenOnUnderNohup)
 {
     EXPECT_EQ(beside("trap '' HUP; itms run pipe.itms - -o answer",

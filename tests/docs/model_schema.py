@@ -19,7 +19,7 @@ an-array another-format another-version command-that-is-an-input command-that-va
 components-are-missing components-are-no-array component-without-variables guard-missing-its-array
 input-that-is-a-text input-that-varies law-without-literals literal-is-a-number literal-without-value lost-condition
 mode-without-initial name-with-a-blank negative-hold no-format one-value place-of-line-zero probability-above-one
-probability-is-a-text step-of-zero thresholds-and-readings unknown-key unknown-kind unknown-kind-of-transition
+probability-is-a-text readings-that-cannot-be step-of-zero thresholds-and-readings unknown-key unknown-kind unknown-kind-of-transition
 values-are-texts varies-always varies-never
 """.split()
 

@@ -77,6 +77,8 @@ class Runs:
 def disagreements(record):
     """What of a record does not agree with the rest of it."""
     candidates = record["candidates"]
+    # A limit cut the search before anything was found.
+    cut = record["limit"] and record["status"] == "ambiguous" and candidates[0]["unexplained"]
     probabilities = [candidate["p"] for candidate in candidates]
     if len(candidates) > record["kept"]:
         yield "more candidates than are kept"
@@ -92,7 +94,7 @@ def disagreements(record):
         for variable, value in candidate["modes"].items():
             if record["marginals"].get(variable, {}).get(value, 0) < candidate["p"] - 1e-5:
                 yield f"the marginal of {variable} is less than the candidate's probability"
-        if candidate["unexplained"] and record["status"] != "inconsistent":
+        if candidate["unexplained"] and record["status"] != "inconsistent" and not cut:
             yield "something is unexplained, and the status is " + record["status"]
     if any(p > record["fault"] + 1e-5 for p in record["components"].values()):
         yield "a component is more probably at fault than the plant"
@@ -103,7 +105,7 @@ def disagreements(record):
         yield "nominal without reason"
     if record["status"] == "faulty" and (not differs or probabilities[0] < 0.5):
         yield "faulty without reason"
-    if record["status"] == "ambiguous" and probabilities[0] > 0.500001:
+    if record["status"] == "ambiguous" and probabilities[0] > 0.500001 and not cut:
         yield "ambiguous without reason"
     if record["limit"] and record["complete"]:
         yield "cut, and complete"

@@ -108,7 +108,7 @@ public:
 private:
     static std::vector<AtomIndex> given(const monitor::StepFrame& frame)
     {
-        std::vector<AtomIndex> all = frame.commands;
+        std::vector<AtomIndex> all = frame.commands.toVector();
         all.insert(all.end(), frame.observations.begin(), frame.observations.end());
         return all;
     }

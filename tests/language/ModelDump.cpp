@@ -49,6 +49,9 @@ public:
             out_ << "transition";
             dump(*transition);
         }
+        for (const StateVar* variable : read_.bindings.measurable) {
+            out_ << "measurable " << plant::nameOf(*variable) << "\n";
+        }
         for (const plant::ChannelBinding& channel : read_.bindings.channels) {
             dump(channel);
         }
@@ -120,6 +123,15 @@ private:
              << channel.variable->name;
         if (channel.input) out_ << " input";
         if (channel.varies) out_ << " varies " << *channel.varies;
+        if (channel.misread) out_ << " misread " << *channel.misread;
+        if (channel.physical) {
+            out_ << " within " << channel.physical->from << ".." << channel.physical->to;
+        }
+        if (channel.noise) out_ << " noise " << channel.noise->deviation;
+        for (const auto& [value, range] :
+             channel.noise ? channel.noise->ranges : decltype(plant::Noise::ranges)()) {
+            out_ << " " << value->value << "=" << range.from << ".." << range.to;
+        }
         if (channel.holdSeconds) out_ << " hold " << *channel.holdSeconds;
         if (channel.computed) out_ << " from " << plant::textOf(*channel.computed);
         if (channel.persistSeconds) out_ << " for " << *channel.persistSeconds;

@@ -62,6 +62,15 @@ protected:
     ReadResult read_;
 };
 
+TEST_F(ActiveModelTest, IsSetUpWhenItsEngineIsAskedForWhereThatIsWanted)
+{
+    ActiveModel active(*read_.model, plant::SetUp::whenAsked);
+    const Atom& atom = *read_.model->atoms().front();
+    EXPECT_TRUE(atom.comps->empty());
+    active.engine();
+    EXPECT_EQ(atom.comps->size(), 1U);
+}
+
 TEST_F(ActiveModelTest, IsSetUp)
 {
     ActiveModel active(*read_.model);

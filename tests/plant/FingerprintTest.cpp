@@ -56,21 +56,21 @@ TEST_P(EachChange, ChangesTheFingerprintOfAModel)
 
 INSTANTIATE_TEST_SUITE_P(
     Fingerprint, EachChange,
-    testing::Values(std::pair{": 0.01", ": 0.02"}, std::pair{": 0.9", ": 0.8"},
-                    std::pair{"state = on -> glow = yes", "state = on -> glow = no"},
-                    std::pair{"lamp: Lamp",
-                              "light: Lamp\n    law light.glow = no | light.glow = yes"
-                              "\n    lamp: Lamp"},
-                    std::pair{"\"L-1\"", "\"L-2\""}, std::pair{"< 0.5 <=", "<= 0.5 <"},
-                    std::pair{"< 0.5 <=", "< 0.6 <="}, std::pair{"light = 1", "light = 2"},
-                    std::pair{", none otherwise", ", none = 0"},
-                    std::pair{"observe lamp", "input lamp"}, std::pair{"<= yes", "<= yes varies 0.1"},
-                    std::pair{"fault any", "repair broken -> off : 0.01\n    fault any"},
-                    std::pair{"nominal off -> on when request = light",
-                              "repair off -> on when request = light"},
-                    std::pair{"request: none, light", "request: none, light lost 0.1"},
-                    std::pair{"<= yes", "<= yes hold 5 s"}, std::pair{"<= yes", "<= yes within 0.1"},
-                    std::pair{"lamp: Lamp", "step 5 s\n    lamp: Lamp"}));
+    testing::Values(
+        std::pair{": 0.01", ": 0.02"}, std::pair{": 0.9", ": 0.8"},
+        std::pair{"state = on -> glow = yes", "state = on -> glow = no"},
+        std::pair{"lamp: Lamp", "light: Lamp\n    law light.glow = no | light.glow = yes"
+                                "\n    lamp: Lamp"},
+        std::pair{"\"L-1\"", "\"L-2\""}, std::pair{"< 0.5 <=", "<= 0.5 <"},
+        std::pair{"< 0.5 <=", "< 0.6 <="}, std::pair{"light = 1", "light = 2"},
+        std::pair{", none otherwise", ", none = 0"}, std::pair{"observe lamp", "input lamp"},
+        std::pair{"<= yes", "<= yes varies 0.1"}, std::pair{"<= yes", "<= yes misread 0.1"},
+        std::pair{"fault any", "repair broken -> off : 0.01\n    fault any"},
+        std::pair{"nominal off -> on when request = light",
+                  "repair off -> on when request = light"},
+        std::pair{"request: none, light", "request: none, light lost 0.1"},
+        std::pair{"<= yes", "<= yes hold 5 s"}, std::pair{"<= yes", "<= yes within 0.1"},
+        std::pair{"lamp: Lamp", "step 5 s\n    lamp: Lamp"}));
 
 TEST(Fingerprint, OfAModelTellsARepairFromAFaultThatIsCalledSo)
 {
@@ -78,6 +78,25 @@ TEST(Fingerprint, OfAModelTellsARepairFromAFaultThatIsCalledSo)
         "component C {\n mode m { a initial Repair }\n fault a -> Repair : 0.1\n}\n"
         "system S { c: C }\n";
     EXPECT_NE(fingerprintOf(fault), fingerprintOf(fault, "fault", "repair"));
+}
+
+TEST(Fingerprint, WithoutProbabilitiesIsTheSameForOthers)
+{
+    const auto structureOf = [](const std::string& from, const std::string& to) {
+        std::string text = room;
+        text.replace(text.find(from), from.size(), to);
+        const language::ReadResult read = language::readModelText("room.itms", text);
+        read.model->activate();
+        return plant::structure(plant::Plant(*read.model), read.bindings);
+    };
+    const std::string own = structureOf("", "");
+    EXPECT_EQ(structureOf(": 0.01", ": 0.02"), own);
+    EXPECT_EQ(structureOf(": 0.9", ": 0.8"), own);
+    EXPECT_EQ(structureOf("<= yes", "<= yes varies 0.1"), own);
+    EXPECT_EQ(structureOf("<= yes", "<= yes misread 0.1"), own);
+    EXPECT_EQ(structureOf("request: none, light", "request: none, light lost 0.1"), own);
+    EXPECT_NE(structureOf("< 0.5 <=", "< 0.6 <="), own);
+    EXPECT_NE(structureOf("state = on -> glow = yes", "state = on -> glow = no"), own);
 }
 
 TEST(Fingerprint, OfAModelKnowsInputsAndHowOftenReadingsChange)

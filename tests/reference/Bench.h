@@ -38,6 +38,18 @@ template <class Engine> struct Bench {
         engine.addingPropositions = random.chance(30);
     }
 
+    void takeState(State* state) { state_.reset(state); }
+    /// Hands the state over; another one has to be taken before anything else is tried.
+    State* giveState() { return state_.release(); }
+    /// Puts a state, or null, into the trajectory for this step.
+    void commit(State* state)
+    {
+        const auto step = static_cast<std::size_t>(time);
+        if (traj->states.size() <= step) traj->states.resize(step + 1);
+        delete traj->states[step];
+        traj->states[step] = state;
+    }
+
     Clause* clause() { return random.pick(model.clauses); }
     Atom* atom() { return random.pick(model.atoms); }
     StateVar* variable() { return random.pick(model.variables); }

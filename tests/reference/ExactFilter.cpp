@@ -74,6 +74,30 @@ std::vector<std::pair<ExactFilter::Commands, ExactFraction>> ExactFilter::arriva
     return result;
 }
 
+std::vector<std::pair<Observations, ExactFraction>> ExactFilter::rightOnes(
+    const Observations& observed) const
+{
+    std::vector<std::pair<Observations, ExactFraction>> result{{{}, 1}};
+    for (const Atom* reading : observed) {
+        const auto found = settings_.misread.find(reading->stateVar);
+        const ExactFraction wrong =
+            found == settings_.misread.end() ? ExactFraction(0) : ExactFraction::of(found->second);
+        const auto values = settings_.inputs.contains(reading->stateVar)
+                                ? std::uint32_t{1}
+                                : static_cast<std::uint32_t>(reading->stateVar->atomLinks->size());
+        std::vector<std::pair<Observations, ExactFraction>> more;
+        for (const auto& [right, probability] : result) {
+            if (!wrong.isZero()) {
+                more.emplace_back(right, probability * wrong * ExactFraction(1, values));
+            }
+            more.emplace_back(right, probability * (ExactFraction(1) - wrong));
+            more.back().first.push_back(reading);
+        }
+        result = std::move(more);
+    }
+    return result;
+}
+
 std::vector<std::pair<ExactFilter::Modes, ExactFraction>> ExactFilter::successors(
     const Modes& before, const State& state, const Commands& arrived) const
 {
@@ -93,12 +117,12 @@ std::vector<std::pair<ExactFilter::Modes, ExactFraction>> ExactFilter::successor
 }
 
 void ExactFilter::reach(const Key& before, const Key& after, const ExactFraction& weight,
-                        const FilterStep& step, States& next) const
+                        States& next) const
 {
     std::vector<const Atom*> given = after.modes;
     given.insert(given.end(), after.arrived.begin(), after.arrived.end());
     Observations scored;
-    for (const Atom* observed : step.observations) {
+    for (const Atom* observed : after.read) {
         const bool isInput = settings_.inputs.contains(observed->stateVar);
         (isInput ? given : scored).push_back(observed);
     }
@@ -129,21 +153,24 @@ void ExactFilter::reach(const Key& before, const Key& after, const ExactFraction
 const FilterAnswer& ExactFilter::advance(const FilterStep& step)
 {
     const ExactFraction totalBefore = total();
-    // What comes to the same modes and commands from the same readings, first: the rest is the same for all of it.
+    // What comes to the same modes, commands and readings from the same readings, first: the rest is the same for all of it.
     std::map<std::pair<Key, Key>, ExactFraction> ways;
     for (const auto& [key, state] : states_) {
         for (const auto& [arrived, arriving] : arrivals(step.commands)) {
             for (const auto& [modes, changing] : successors(key.modes, state, arrived)) {
                 // Without readings in time nothing of what was before matters any more.
                 const Key before =
-                    settings_.readingsInTime ? Key{key.modes, {}, key.remembered} : Key{};
-                ways[{before, {modes, arrived, {}}}] += state.weight * (arriving * changing);
+                    settings_.readingsInTime ? Key{key.modes, {}, {}, key.remembered} : Key{};
+                for (const auto& [read, reading] : rightOnes(step.observations)) {
+                    ways[{before, {modes, arrived, read, {}}}] +=
+                        state.weight * (arriving * changing * reading);
+                }
             }
         }
     }
     States next;
     for (const auto& [way, weight] : ways) {
-        reach(way.first, way.second, weight, step, next);
+        reach(way.first, way.second, weight, next);
     }
     states_ = std::move(next);
     summarise(totalBefore);

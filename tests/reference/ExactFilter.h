@@ -15,8 +15,11 @@
 //   - Given modes, commands and inputs, each combination of values of the observed variables that the laws allow is as probable
 //     as any other (ExactReadings.h). Inputs count nothing.
 //
-// Besides the modes, the weights are kept apart by what the future depends on as well: which commands arrived, since laws may
-// mention them; and with readings in time the readings that are remembered.
+//   - A reading that may be wrong is any value of its variable then, one as probable as the other; the step is as if it had not been
+//     made. A wrong reading of an input counts nothing but that it is wrong.
+//
+// Besides the modes, the weights are kept apart by what the future depends on as well: which commands arrived and which readings were
+// wrong, since laws may mention them; and with readings in time the readings that are remembered.
 #pragma once
 
 #include "tests/reference/ExactReadings.h"
@@ -34,6 +37,7 @@ struct FilterSettings {
     std::set<const StateVar*> inputs = {}; ///< variables whose readings are given, not scored
     /// By command: that it does not arrive.
     std::unordered_map<const StateVar*, double> lost = {};
+    std::unordered_map<const StateVar*, double> misread = {}; ///< by variable: that a reading is wrong
     bool readingsInTime = false;
     std::map<const StateVar*, ExactFraction> changing = {}; ///< v of ExactReadings.h, by variable
 };
@@ -77,6 +81,7 @@ private:
     struct Key {
         Modes modes;
         Commands arrived;
+        Observations read; ///< those that are not wrong
         Remembered remembered;
         auto operator<=>(const Key&) const = default;
     };
@@ -88,12 +93,13 @@ private:
 
     /// Every way in which the commands may arrive, with its probability.
     std::vector<std::pair<Commands, ExactFraction>> arrivals(const Commands& given) const;
+    /// Every way in which readings may be right, with its probability and that of the others to be what they are.
+    std::vector<std::pair<Observations, ExactFraction>> rightOnes(const Observations& observed) const;
     /// Every combination of modes after the step, with its probability.
     std::vector<std::pair<Modes, ExactFraction>> successors(const Modes& before, const State& state,
                                                             const Commands& arrived) const;
     /// Adds what becomes of a state whose modes and commands are these.
-    void reach(const Key& before, const Key& after, const ExactFraction& weight,
-               const FilterStep& step, States& next) const;
+    void reach(const Key& before, const Key& after, const ExactFraction& weight, States& next) const;
     void summarise(const ExactFraction& totalBefore);
     ExactFraction total() const;
 

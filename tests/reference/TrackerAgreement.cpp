@@ -40,6 +40,15 @@ monitor::TrackInput trackInput(const plant::Plant& plant, const WatchedPlant& wa
         }
         input.values.inputs += isInput ? input.values.observations.size() : 0;
     }
+    for (const plant::AtomIndex observed : input.values.observations) {
+        const StateVar* variable = plant.atom(observed)->stateVar;
+        const auto misread = watched.misread.find(variable);
+        if (misread != watched.misread.end()) {
+            const double values = static_cast<double>(variable->atomLinks->size());
+            input.lossy.push_back({observed, monitor::Loss::nothing, misread->second,
+                                   watched.inputs.contains(variable) ? 1.0 : 1.0 / values});
+        }
+    }
     if (inTime) {
         input.values.changing.assign(input.values.observations.size(), changing);
     }
@@ -107,6 +116,7 @@ FilterSettings filterSettings(const WatchedPlant& watched, const WatchedOptions&
     FilterSettings settings;
     settings.inputs = watched.inputs;
     settings.lost = watched.lost;
+    settings.misread = watched.misread;
     settings.readingsInTime = options.readingsInTime;
     for (const StateVar* variable : watched.observed) {
         settings.changing.emplace(variable, ExactFraction::of(changing));

@@ -92,7 +92,7 @@ TEST(TrackerAgreement, IsExactWhereNothingTellsWhichCommandsWereLost)
     expectAgreement({.mostParts = 2, .observedPercent = 60, .lostPercent = 80}, 12000);
 }
 
-// Everything that there is.
+// Everything that there is, but for wrong readings.
 WatchedOptions everything(bool readingsInTime)
 {
     return {.mostParts = 2,
@@ -111,6 +111,19 @@ WatchedOptions everything(bool readingsInTime)
             .lawsByCases = true,
             .readingsInTime = readingsInTime,
             .supply = true};
+}
+
+TEST(TrackerAgreement, IsExactWhereReadingsMayBeWrong)
+{
+    expectAgreement({.mostParts = 2, .observedPercent = 80, .misreadPercent = 50}, 15000);
+}
+
+TEST(TrackerAgreement, IsExactWhereReadingsOfEveryKindOfPlantMayBeWrong)
+{
+    WatchedOptions options = everything(true);
+    options.mostParts = 1;
+    options.misreadPercent = 30;
+    expectAgreement(options, 16000);
 }
 
 TEST(TrackerAgreement, IsExactOnPlantsOfEveryKind)
@@ -142,11 +155,15 @@ TEST(TrackerAgreement, TheMostProbableModesAreFirstUnderUsualSettings)
     lossy.mostParts = 2;
     lossy.observedPercent = 90;
     lossy.lostPercent = 50;
+    WatchedOptions misread = plain;
+    misread.mostParts = 1;
+    misread.observedPercent = 60;
+    misread.misreadPercent = 30;
     int steps = 0;
     int faulty = 0;
     int differing = 0;
     std::string example;
-    for (const WatchedOptions& options : {plain, unseen, open, lossy}) {
+    for (const WatchedOptions& options : {plain, unseen, open, lossy, misread}) {
         const BestAgreement best = compareBest(options, 60000, fewerUnderSanitizers(300), 10);
         steps += best.steps;
         faulty += best.faulty;

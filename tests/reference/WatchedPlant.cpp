@@ -48,6 +48,12 @@ public:
         for (const WatchedPart& part : parts_) {
             addTransitions(part);
         }
+        for (const StateVar* variable : plant_.observed) {
+            if (options_.misreadPercent > 0 && random_.chance(options_.misreadPercent)) {
+                plant_.misread[variable] =
+                    sixtyFourths(random_.between(1, 16)) / (options_.rareFaults ? 16.0 : 1.0);
+            }
+        }
         plant_.model = builder_.build();
         return std::move(plant_);
     }
@@ -316,7 +322,10 @@ std::optional<WatchedStep> WatchedRun::next()
         if (plant_.alwaysObserved.contains(variable) ||
             (!unread && random_.chance(options_.observedPercent) &&
              (!plant_.gauges.contains(variable) || random_.chance(options_.gaugesPercent)))) {
-            step.observations.push_back(worlds_.value(world_, variable));
+            const bool wrong =
+                plant_.misread.contains(variable) && random_.chance(options_.rareFaults ? 3 : 20);
+            step.observations.push_back(wrong ? random_.pick(*variable->atomLinks)
+                                              : worlds_.value(world_, variable));
         }
     }
     if (options_.shuffled) {
@@ -339,6 +348,10 @@ std::string WatchedPlant::described() const
             const auto probability = lost.find(variable);
             if (probability != lost.end()) {
                 out << " lost " << probability->second;
+            }
+            const auto wrong = misread.find(variable);
+            if (wrong != misread.end()) {
+                out << " misread " << wrong->second;
             }
             out << (inputs.contains(variable) ? " (input)\n" : "\n");
         }

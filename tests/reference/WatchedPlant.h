@@ -21,6 +21,7 @@ struct WatchedOptions {
     int unreadPercent = 0;      ///< how many steps have no observation
     int givenPercent = 100;     ///< how many of the commands are given at a step
     int lostPercent = 0;        ///< how many of the commands may be lost
+    int misreadPercent = 0;     ///< how many of what is observed may be misread
     bool echoes = false;        ///< a condition, always observed, tells which command arrived
     bool initialValues = false; ///< outputs and flows have those that go with the initial modes
     bool shuffled = false;      ///< observations come in any order
@@ -48,6 +49,7 @@ struct WatchedPlant {
     std::set<const StateVar*> gauges;         ///< among these; and sums
     std::set<const StateVar*> inputs;         ///< among these
     std::unordered_map<const StateVar*, double> lost;
+    std::unordered_map<const StateVar*, double> misread;
 
     /// In words, for a failure.
     std::string described() const;

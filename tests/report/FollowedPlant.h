@@ -57,8 +57,8 @@ private:
     {
         const plant::VariableIndex variable = plant_->variableOf(given);
         const plant::AtomIndex fallback = plant_->variable(variable).values.front();
-        for (plant::AtomIndex& command : input.values.commands) {
-            if (command == fallback) command = given;
+        for (std::size_t i = 0; i < input.values.commands.size(); ++i) {
+            if (input.values.commands[i] == fallback) input.values.commands.set(i, given);
         }
         const auto lost = read_.bindings.lost.find(plant_->variable(variable).variable);
         if (lost != read_.bindings.lost.end()) {

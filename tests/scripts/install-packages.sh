@@ -28,7 +28,7 @@ END
 chmod +x "$tree"/bin/*
 export TREE="$tree" PATH="$tree/bin:$PATH"
 echo 0 >"$tree/user"
-everything='cmake g++ make ninja-build pkg-config libcli11-dev libfmt-dev nlohmann-json3-dev tao-pegtl-dev zlib1g-dev libzstd-dev
+everything='cmake g++ make ninja-build pkg-config libcli11-dev libfmt-dev nlohmann-json3-dev tao-pegtl-dev libtomlplusplus-dev zlib1g-dev libzstd-dev
 libbenchmark-dev libgmock-dev libgtest-dev python3-jsonschema clang-format clang-tidy'
 # shellcheck disable=SC2086
 printf 'installed %s\n' $everything >"$tree/packages"

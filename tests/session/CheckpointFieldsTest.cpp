@@ -127,6 +127,7 @@ TEST(CheckpointFields, ThatAreMissingAreNamed)
     const json whole = usualCheckpoint();
     ExampleRun run(waterModel, waterTelemetry);
     for (const auto& [key, value] : whole.items()) {
+        if (key == "structure") continue; // those of earlier versions have none
         json changed = whole;
         changed.erase(key);
         try {

@@ -77,9 +77,9 @@ report::StepReport DrawnFollower::advance(const DrawnStep& happened, std::size_t
 bool DrawnFollower::followTruth(const DrawnStep& happened)
 {
     const monitor::TrackInput& input = session_.input();
-    std::vector<monitor::LossyCommand> lost;
+    std::vector<monitor::Loss> lost;
     std::copy_if(input.lossy.begin(), input.lossy.end(), std::back_inserter(lost),
-                 [&](const monitor::LossyCommand& command) {
+                 [&](const monitor::Loss& command) {
                      return contains(happened.lost, session_.plant().variableOf(command.given));
                  });
     monitor::Deviations deviations;

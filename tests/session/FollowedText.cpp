@@ -62,6 +62,9 @@ Said said(const report::StepReport& report)
         for (const std::string& lost : explanation.lost) {
             hypothesis.insert("lost " + lost);
         }
+        for (const std::string& reading : explanation.misread) {
+            hypothesis.insert("misread " + reading);
+        }
         for (const std::string& reading : explanation.unexplained) {
             hypothesis.insert("unexplained " + reading);
         }

@@ -58,7 +58,7 @@ protected:
     }
     monitor::TrackInput taken(const std::vector<Read>& readings) const
     {
-        return session::trackInput(session_.plant(), session_.bindings(), changes_, step(readings));
+        return session::StepInputs(session_.plant(), session_.bindings()).of(changes_, step(readings));
     }
     std::vector<std::string> names(const std::vector<plant::AtomIndex>& atoms) const
     {

@@ -133,6 +133,29 @@ TEST(Session, AdvisesAsTheMonitorDoes)
     EXPECT_EQ(advice.measurements.size(), expected.measurements.size());
 }
 
+TEST(Session, KnowsWhatHasAChannelOrIsDeclaredMeasurable)
+{
+    const auto measurable = [](const std::string& declarations) {
+        const Session session = Session::open(language::readModelText(
+            "lamp.itms",
+            "component Lamp { cond light: off, on\n cond heat: low, high\n cond hum: no, yes\n"
+            "mode state { good initial burnt fault }\n law state = good -> light = on\n"
+            "fault good -> burnt : 0.1 }\nsystem Room { lamp: Lamp\n" +
+                declarations + "\n}\n"));
+        std::vector<std::string> names;
+        const std::vector<bool> found = session.measurable();
+        for (std::size_t i = 0; i < found.size(); ++i) {
+            if (found[i]) names.push_back(session.plant().variables()[i].variable->name);
+        }
+        return names;
+    };
+    EXPECT_THAT(measurable(""), testing::IsEmpty());
+    EXPECT_THAT(measurable("observe lamp.light\nmeasurable lamp.heat\nmeasurable lamp.state"),
+                testing::UnorderedElementsAre("light", "heat", "state"));
+    EXPECT_THAT(measurable("observe lamp.light\nobserve lamp.state"),
+                testing::ElementsAre("light"));
+}
+
 TEST(Session, CanBeMoved)
 {
     Session first = Session::open(readLamp());

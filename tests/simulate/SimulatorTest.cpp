@@ -183,6 +183,39 @@ TEST_F(SimulatorTest, CommandsAreLostByTheirProbability)
     EXPECT_NEAR(lost / 1000.0, 0.25, 0.055); // four standard deviations
 }
 
+// Half of the wrong readings are right by chance.
+TEST_F(SimulatorTest, ReadingsAreWrongByTheirProbability)
+{
+    model_.condition("a.flow", {"zero", "one"});
+    model_.law("a.flow=zero");
+    active_ = model_.activate();
+    observe("a.flow");
+    bindings_.channels.front().misread = 1.0 / 2;
+    simulator(11);
+    int marked = 0;
+    int wrong = 0;
+    for (int i = 0; i < 1000; ++i) {
+        const SimulatedStep drawn = step();
+        marked += drawn.misread.empty() ? 0 : 1;
+        wrong += ids(drawn.observations).front() == "a.flow=one" ? 1 : 0;
+        EXPECT_THAT(ids(drawn.values), Contains("a.flow=zero"));
+    }
+    EXPECT_NEAR(marked / 1000.0, 0.5, 0.064); // four standard deviations
+    EXPECT_NEAR(wrong / 1000.0, 0.25, 0.055);
+}
+
+TEST_F(SimulatorTest, NoReadingIsWrongWhereNothingIsDrawn)
+{
+    model_.condition("a.flow", {"zero", "one"});
+    model_.law("a.flow=zero");
+    active_ = model_.activate();
+    observe("a.flow");
+    bindings_.channels.front().misread = 0.999;
+    const SimulatedStep predicted = step();
+    EXPECT_THAT(predicted.misread, IsEmpty());
+    EXPECT_THAT(ids(predicted.observations), ElementsAre("a.flow=zero"));
+}
+
 TEST_F(SimulatorTest, NoCommandIsLostWhereNothingIsDrawn)
 {
     makeValve();

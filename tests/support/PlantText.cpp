@@ -110,7 +110,8 @@ bool readsCondition(const Body& body, const Formula& formula)
 std::string line(const Binding& binding)
 {
     const std::string varies = binding.varies.empty() ? "" : " varies " + binding.varies;
-    return binding.kind + ' ' + binding.variable + varies;
+    const std::string misread = binding.misread.empty() ? "" : " misread " + binding.misread;
+    return binding.kind + ' ' + binding.variable + misread + varies;
 }
 
 } // namespace

@@ -69,6 +69,7 @@ struct Binding {
     std::string kind; ///< observe or input
     std::string variable;
     std::string varies = {};
+    std::string misread = {};
 };
 
 /// A component, or the system.

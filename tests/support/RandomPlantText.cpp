@@ -105,7 +105,11 @@ private:
         const std::string varies = random_.chance(options_.variesPercent)
                                        ? fmt::format("{:.2f}", 0.01 * random_.between(2, 40))
                                        : "";
-        plant_.system.bindings.push_back({"observe", point.path, varies});
+        const std::string misread =
+            options_.misreadPercent > 0 && random_.chance(options_.misreadPercent)
+                ? probability(10, 500)
+                : "";
+        plant_.system.bindings.push_back({"observe", point.path, varies, misread});
     }
 
     Body machine(const Type& type)

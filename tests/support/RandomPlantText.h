@@ -14,6 +14,7 @@ struct PlantTextOptions {
     int observedPercent = 70;         ///< how many of the conditions are observed
     int inputPercent = 45;            ///< how many of what nothing feeds are declared inputs
     int variesPercent = 20;           ///< how many of what is observed says how often it varies
+    int misreadPercent = 0;           ///< how many of what is observed may be misread
     int lostPercent = 30;             ///< how many of the commands may be lost
     int repairPercent = 30;           ///< how many of the machines may be repaired
     /// The probabilities of faults, in units of 1/10000 per step.

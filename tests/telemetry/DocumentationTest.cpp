@@ -32,7 +32,8 @@ std::vector<Block> blocks()
 
 TEST(Documentation, OfTelemetryHasExamplesThatAreReadAsItSays)
 {
-    const std::vector<Block> all = blocks();
+    std::vector<Block> all = blocks();
+    std::erase_if(all, [](const Block& block) { return block.kind == "toml"; });
     ASSERT_FALSE(all.empty());
     ASSERT_EQ(all.front().kind, "itms");
     const language::ReadResult plant = readPlant(all.front().text);

@@ -42,6 +42,32 @@ std::vector<std::string> seenLate(const std::string& bindings, const std::string
     return readLate(bindings, text).seen;
 }
 
+// The numbers of each step's channels, "A 3, B 4".
+std::vector<std::string> numbers(const std::string& bindings, const std::string& text)
+{
+    const language::ReadResult plant = readPlant(tankText + bindings + "}\n");
+    const TemporaryFile file(text);
+    telemetry::StepReader reader(file.path(), *plant.model, plant.bindings);
+    std::vector<std::string> all;
+    for (auto next = reader.next(); std::holds_alternative<telemetry::Step>(next);
+         next = reader.next()) {
+        std::string& shown = all.emplace_back();
+        for (const telemetry::ChannelNumber& one : std::get<telemetry::Step>(next).numbers) {
+            shown += (shown.empty() ? "" : ", ") + one.channel->channel + " " +
+                     std::to_string(static_cast<int>(one.number));
+        }
+    }
+    return all;
+}
+
+TEST(LateReadings, AreAmongTheNumbersOfAStepOnceTheyHaveSettledWhetherOrNotTheyCountYet)
+{
+    EXPECT_THAT(numbers("observe t.level from \"A\" : low < 1 <= ok < 5 <= high for 2 s\n"
+                        "observe t.flow from \"B\" : no < 1 <= yes settled 1 s after \"C\"\n",
+                        "t,A,B,C\n0,3,4,1\n1,8,4,1\n2,,4,1\n3,3,4,2\n"),
+                ElementsAre("A 3", "A 8, B 4", "B 4", "A 3"));
+}
+
 TEST(LateReadings, AreComputedFromChannels)
 {
     const std::string binding =
@@ -120,14 +146,14 @@ TEST(LateReadings, CountOnlyWhenTheyLast)
 TEST(LateReadings, ThatDoNotLastAreNotHeld)
 {
     EXPECT_THAT(seenLate("observe t.flow from \"A\" : no < 2 <= yes hold 9 s for 1 s\n",
-                         "t,A\n0,1\n1,1\n2,5\n3,\n4,5\n5,5\n"),
+                         "t,A\n0,1\n1,1\n2,5\n3,\n6,5\n7,5\n"),
                 ElementsAre("", "t.flow=no", "", "t.flow=no held", "", "t.flow=yes"));
 }
 
 TEST(LateReadings, LastOnlyWithoutAHole)
 {
     EXPECT_THAT(seenLate("observe t.flow from \"A\" : no < 2 <= yes for 4 s\n",
-                         "t,A\n0,1\n1,1\n3,1\n4,1\n5,1\n6,1\n7,1\n"),
+                         "t,A\n0,1\n1,1\n5,1\n6,1\n7,1\n8,1\n9,1\n"),
                 ElementsAre("", "", "", "", "", "", "t.flow=no"));
 }
 

@@ -115,6 +115,32 @@ TEST(LoggerFiles, HaveRowsWithNamesThatAreOfNoUseHere)
                 ElementsAre("1 name is not known to the model, and is passed over: 'P'\n"));
 }
 
+TEST(LoggerFiles, HaveTheirHeaderAgainWhereTheLoggerWasStartedAnew)
+{
+    const LoggerRead wide = readLogger("t,FT-1,P\n0,0.5,1\nt,FT-1,P\n1,2,1\nt,FT-1,P\n2,0.5,1\n");
+    EXPECT_THAT(seenLogger(wide), ElementsAre("main.flow=zero", "main.flow=low", "main.flow=zero"));
+    EXPECT_THAT(wide.summary, ElementsAre("the header is there 2 times more, and is passed over; "
+                                          "first in line 3\n"));
+    const LoggerRead rows = readLogger("t,name,value\n0,FT-1,0.5\nt,name,value\n1,FT-1,2\n");
+    EXPECT_THAT(seenLogger(rows), ElementsAre("main.flow=zero", "main.flow=low"));
+    EXPECT_THAT(
+        rows.summary,
+        ElementsAre("the header is there once more, and is passed over; first in line 3\n"));
+}
+
+TEST(LoggerFiles, HaveColumnsThatAreCalledOtherwiseThanInTheModel)
+{
+    ReadSettings settings;
+    settings.renamed = {{"Main flow", "FT-1"}, {"FT-1", "FT-2"}, {"Level", "no channel"}};
+    const LoggerRead table = readLogger("t,Main flow,FT-1\n0,0.5,2\n", settings);
+    EXPECT_THAT(seenLogger(table), ElementsAre("main.flow=zero branch/valve.flow=low"));
+    const LoggerRead lines =
+        readLogger("{\"observations\": {\"Main flow\": 2, \"Level\": 1}}\n", settings);
+    EXPECT_THAT(seenLogger(lines), ElementsAre("main.flow=low"));
+    EXPECT_THAT(lines.summary,
+                ElementsAre("1 name is not known to the model, and is passed over: 'Level'\n"));
+}
+
 TEST(LoggerFiles, HaveCellsThatAreNoNumbers)
 {
     const LoggerRead result =
@@ -255,8 +281,9 @@ TEST(LoggerFiles, HavePatternsThatAreKnown)
 
 TEST(LoggerFiles, MayMissABeat)
 {
-    EXPECT_THAT(readLogger("{\"t\": 0}\n{\"t\": 2}\n").steps.back(), HasSubstr(" gap 2"));
-    EXPECT_THAT(readLogger("{\"t\": 0}\n{\"t\": 3}\n{\"t\": 6.5}\n", {.gapSteps = 3}).steps,
+    EXPECT_THAT(readLogger("{\"t\": 0}\n{\"t\": 2}\n", {.gapSteps = 1.5}).steps.back(),
+                HasSubstr(" gap 2"));
+    EXPECT_THAT(readLogger("{\"t\": 0}\n{\"t\": 3}\n{\"t\": 6.5}\n").steps,
                 ElementsAre(testing::_, testing::Not(HasSubstr("gap")), HasSubstr(" gap 3.5")));
 }
 

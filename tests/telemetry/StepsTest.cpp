@@ -93,15 +93,15 @@ TEST(Steps, WithoutATimeAreAStepLengthApart)
                             HasSubstr("4 t=3.5 ")));
 }
 
-TEST(Steps, TellOfAGapOfMoreThanOneAndAHalfStepLengths)
+TEST(Steps, TellOfAGapOfMoreThanThreeStepLengths)
 {
     EXPECT_THAT(observed("{}"), ElementsAre(""));
     const std::vector<std::string> steps =
-        readText("{\"t\": 10}\n{\"t\": 11.5}\n{\"t\": 13.25}\n{\"t\": 13.5}\n");
+        readText("{\"t\": 10}\n{\"t\": 13}\n{\"t\": 16.25}\n{\"t\": 16.5}\n");
     ASSERT_EQ(steps.size(), 4U);
     EXPECT_THAT(steps[0], testing::Not(HasSubstr("gap")));
     EXPECT_THAT(steps[1], testing::Not(HasSubstr("gap")));
-    EXPECT_THAT(steps[2], HasSubstr(" gap 1.75"));
+    EXPECT_THAT(steps[2], HasSubstr(" gap 3.25"));
     EXPECT_THAT(steps[3], testing::Not(HasSubstr("gap")));
 }
 

@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <gmock/gmock.h>
+#include <nlohmann/json.hpp>
+#include <numeric>
+#include <set>
 
 namespace {
 
@@ -75,6 +78,46 @@ TEST(Writer, FindsAReadingForWhatIsOtherwise)
                      " observe c.v from \"X\" : a = 3, a = \"b\", b otherwise\n}\n",
                      {}, {"c.v=b"}),
               "{\"t\": 12.5, \"commands\": {}, \"observations\": {\"X\": 4}}\n");
+}
+
+const std::string noisy =
+    "component C {\n cond v: low, ok, high\n cond w: no, yes\n}\nsystem S {\n c: C\n"
+    " observe c.v from \"X\" : low < 1 <= ok < 5 <= high within 0.5 within 0..8 noise 0.5\n"
+    " observe c.w from \"Y\" : no < 1 <= yes noise yes = 3..4\n}\n";
+
+TEST(Writer, KeepsToWhatCanBeReadAtAll)
+{
+    EXPECT_EQ(lineOf(noisy, {}, {"c.v=low", "c.w=yes"}),
+              "{\"t\": 12.5, \"commands\": {}, \"observations\": {\"X\": 0.25, \"Y\": 1.5}}\n");
+    EXPECT_EQ(lineOf(noisy, {}, {"c.v=high"}),
+              "{\"t\": 12.5, \"commands\": {}, \"observations\": {\"X\": 7.5}}\n");
+}
+
+TEST(Writer, ScattersReadingsWithinTheRangeOfTheirValue)
+{
+    const language::ReadResult plant = readPlant(noisy);
+    Random random(7);
+    telemetry::StepWriter writer(plant.bindings, [&random] {
+        return static_cast<double>(random.below(1U << 20U)) / (1U << 20U);
+    });
+    std::set<double> middle;
+    std::set<double> given;
+    for (int i = 0; i < 500; ++i) {
+        const auto line = nlohmann::json::parse(
+            writer.line(i, {}, {atomOf(*plant.model, "c.v=ok"), atomOf(*plant.model, "c.w=yes")}));
+        middle.insert(line["observations"]["X"].get<double>());
+        given.insert(line["observations"]["Y"].get<double>());
+    }
+    EXPECT_GT(middle.size(), 400U);
+    EXPECT_GE(*middle.begin(), 1.5);
+    EXPECT_LE(*middle.rbegin(), 4.5);
+    const double mean =
+        std::accumulate(middle.begin(), middle.end(), 0.0) / static_cast<double>(middle.size());
+    EXPECT_NEAR(mean, 3.0, 0.1);
+    EXPECT_GE(*given.begin(), 3.0);
+    EXPECT_LE(*given.rbegin(), 4.0);
+    EXPECT_LT(*given.begin(), 3.05);
+    EXPECT_GT(*given.rbegin(), 3.95);
 }
 
 // A plant with a threshold channel of any size and hysteresis for each of its variables.

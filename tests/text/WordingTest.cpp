@@ -38,6 +38,15 @@ TEST(Wording, JoinsWithAndOrOr)
     EXPECT_EQ(text::alternatives({"a", "b", "c"}), "a, b or c");
 }
 
+TEST(Wording, ShowsAllDigitsOfAWholeNumber)
+{
+    EXPECT_EQ(text::shown(1000001), "1000001");
+    EXPECT_EQ(text::shown(-3), "-3");
+    EXPECT_EQ(text::shown(1.0000001), "1");
+    EXPECT_EQ(text::shown(0.25), "0.25");
+    EXPECT_EQ(text::shown(1e12), "1e+12");
+}
+
 TEST(Wording, ShowsThatANumberIsAboveALimit)
 {
     EXPECT_EQ(text::shownAbove(1.1, 1), "1.1");

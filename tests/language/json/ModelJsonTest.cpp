@@ -77,6 +77,8 @@ system Plant {
     observe pump[0].flow from "a \"b\" \\ ü" : zero <= 0.1 < low < 2.5 <= high within 0.3 hold 2 min
     observe pump[1].flow : zero = 1, low = "LOW", high otherwise varies 2 per hour
     input sun hold 1 h
+    measurable pump[1].flow
+    measurable pump[0].seal
     command pump[1].request from "R" : start = 1, stop = "off"
 }
 )");

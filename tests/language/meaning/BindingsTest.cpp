@@ -126,6 +126,34 @@ TEST(Bindings, SayHowOftenAReadingChangesPerStep)
     EXPECT_DOUBLE_EQ(*result.bindings.channels[1].varies, 1 - std::exp(-0.1));
 }
 
+TEST(Bindings, SayHowProbableAWrongReadingIs)
+{
+    const ReadResult result = readSystem("observe tank[0].level misread 0.25\n"
+                                         "input tank[1].level hold 5 s misread 1 / 8\n");
+    EXPECT_EQ(result.bindings.channels[0].misread, 0.25);
+    EXPECT_EQ(result.bindings.channels[1].misread, 0.125);
+}
+
+TEST(Bindings, SayWhatCanBeReadAndHowItScatters)
+{
+    const ReadResult result = readSystem(
+        "observe tank[0].level : low < 1 <= middle < 2 <= high within 0.1 within 0..4 noise 0.5\n"
+        "observe tank[1].level : low < 1 <= middle < 2 <= high within -1..4 "
+        "noise high = 3..4, low = -1..2 * 0.25\n");
+    const ChannelBinding& first = result.bindings.channels[0];
+    EXPECT_EQ(std::get<plant::ThresholdTable>(first.translation).hysteresis, 0.1);
+    EXPECT_EQ(first.physical->from, 0);
+    EXPECT_EQ(first.physical->to, 4);
+    EXPECT_EQ(first.noise->deviation, 0.5);
+    const ChannelBinding& second = result.bindings.channels[1];
+    EXPECT_EQ(std::get<plant::ThresholdTable>(second.translation).hysteresis, 0);
+    EXPECT_EQ(second.physical->from, -1);
+    ASSERT_EQ(second.noise->ranges.size(), 2U);
+    EXPECT_EQ(second.noise->ranges[0].first->value, "low");
+    EXPECT_EQ(second.noise->ranges[0].second.to, 0.5);
+    EXPECT_EQ(second.noise->ranges[1].first->value, "high");
+}
+
 TEST(Bindings, InALoopHaveIndicesInTheNamesOfTheirChannels)
 {
     const ReadResult result = readSystem(R"(for i in 0..1: observe tank[i].level from "L-{i + 1}")");

@@ -290,4 +290,16 @@ TEST(Elaboration, OfAFileOfComponentsAloneHasNoModel)
     EXPECT_EQ(result.size.componentTypes, 1U);
 }
 
+TEST(Elaboration, RefusesAPlantForWhichThereIsNoMemory)
+{
+    language::ReadOptions options;
+    options.expansion.bytes = 1'000'000;
+    const std::string text = "component C { cond v: a, b }\nsystem S {\n    c[900]: C\n}\n";
+    const ReadResult result = language::readModelText("test.itms", text, options);
+    ASSERT_EQ(result.errors.size(), 1u);
+    EXPECT_EQ(result.errors.front().message,
+              "not enough memory: 900 parts need about 6 MiB, and 1 MiB are free");
+    EXPECT_EQ(result.errors.front().place.line, 3u);
+}
+
 } // namespace

@@ -162,11 +162,11 @@ TEST(Recovery, ReadsFilesWithATokenTooManyOrTooFew)
 TEST(Recovery, EndsForAnySequenceOfTokens)
 {
     const std::vector<std::string> pieces{
-        "component", "system", "{",       "}",       "(",      ")",     "[",  "]",   "law",
-        "a",         "b",      "=",       "->",      "\n",     ":",     ",",  "for", "in",
-        "0..3",      "mode",   "observe", "from",    "\"x",    "\"y\"", "/*", "*/",  "//",
-        "0.5",       "fault",  "any",     "nominal", "idle",   "<",     "<=", "&",   "\xFF",
-        "initially", "!",      "import",  "input",   "repair", "varies"};
+        "component", "system", "{",       "}",       "(",          ")",      "[",     "]",   "law",
+        "a",         "b",      "=",       "->",      "\n",         ":",      ",",     "for", "in",
+        "0..3",      "mode",   "observe", "from",    "\"x",        "\"y\"",  "/*",    "*/",  "//",
+        "0.5",       "fault",  "any",     "nominal", "idle",       "<",      "<=",    "&",   "\xFF",
+        "initially", "!",      "import",  "input",   "measurable", "repair", "varies"};
     constexpr unsigned seed = 20240611;
     std::mt19937 random(seed);
     for (int round = 0; round < 1000; ++round) {

@@ -1,4 +1,4 @@
-// `input`, `repair` and `varies`: words where they begin something, names everywhere else.
+// `input`, `measurable`, `repair` and `varies`: words where they begin something, names everywhere else.
 #include "language/Reader.h"
 #include "language/syntax/Parser.h"
 #include "tests/language/Reported.h"
@@ -33,6 +33,16 @@ TEST(SoftWords, InputBeginsABinding)
               systemTree("  (input cell[0].v (on 1) (off otherwise))\n"));
     EXPECT_EQ(inSystem("for i in 0..3: input c[i].out from \"T-{i}\""),
               systemTree("  (for i 0 3\n    (input c[i].out \"T-{i}\")\n  )\n"));
+}
+
+TEST(SoftWords, MeasurableBeginsADeclarationOfAVariable)
+{
+    EXPECT_EQ(inSystem("measurable flow\nmeasurable: Meter"),
+              systemTree("  (measurable flow)\n  (part measurable Meter)\n"));
+    EXPECT_EQ(inSystem("for i in 0..3: measurable c[i].out"),
+              systemTree("  (for i 0 3\n    (measurable c[i].out)\n  )\n"));
+    EXPECT_EQ(inSystem("law a = measurable measurable measurable.x"),
+              systemTree("  (law (= a measurable))\n  (measurable measurable.x)\n"));
 }
 
 TEST(SoftWords, VariesIsTheLastPartOfABinding)

@@ -75,7 +75,8 @@ public:
     void operator()(const InitialValue& initial) { line(text(initial)); }
     void operator()(const Binding& binding)
     {
-        static constexpr std::array<std::string_view, 3> words{"observe", "input", "command"};
+        static constexpr std::array<std::string_view, 4> words{"observe", "input", "command",
+                                                               "measurable"};
         std::string written = "(" + std::string(words[static_cast<std::size_t>(binding.kind)]) +
                               " " + text(binding.variable);
         if (binding.channel) written += " " + text(*binding.channel);

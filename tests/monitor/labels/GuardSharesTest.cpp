@@ -37,7 +37,9 @@ protected:
         }
         values.push_back(active_->index("m.state=off"));
         const monitor::Prediction before = monitor::concludedFrom(*active_->plant, values);
-        monitor::GuardShares guards(*active_->plant, before, input(*active_, commands, {}).commands);
+        monitor::GuardShares guards(
+            *active_->plant, before,
+            monitor::CommandValues(*active_->plant, input(*active_, commands, {}).commands));
         return guards.of(active_->plant->changesFrom(active_->index("m.state=off")).front());
     }
 

@@ -2,7 +2,9 @@
 #include "monitor/labels/Meter.h"
 
 #include <atomic>
+#include <chrono>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace {
 
@@ -73,6 +75,18 @@ TEST(Meter, LooksForAnInterruptionInTheMidstOfWork)
     limits.stop = &stop;
     const Meter meter(limits, {});
     EXPECT_EQ(metBy(1), SearchLimit::none);
+    EXPECT_EQ(metBy(1'000'000), SearchLimit::stopped);
+}
+
+TEST(Meter, LetsAnAnswerBeMadeForASecondAfterAnInterruption)
+{
+    const std::atomic<bool> stop = true;
+    SearchLimits limits;
+    limits.stop = &stop;
+    const Meter meter(limits, {});
+    const Meter::Finishing finishing;
+    EXPECT_EQ(metBy(1'000'000), SearchLimit::none);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1010));
     EXPECT_EQ(metBy(1'000'000), SearchLimit::stopped);
 }
 

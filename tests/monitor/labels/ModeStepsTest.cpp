@@ -29,10 +29,10 @@ protected:
         for (const std::string& id : before) {
             labels.assume(active_->index(id));
         }
-        const std::vector<ModeStep> steps =
+        const monitor::ModeSteps steps =
             modeSteps(*active_->plant, labels, input(*active_, commands, {}).commands);
         EXPECT_EQ(steps.size(), 1u);
-        return steps.front();
+        return steps[0];
     }
     std::string id(plant::AtomIndex atom) const { return active_->plant->atom(atom)->id; }
 

@@ -51,7 +51,7 @@ protected:
         if (!active_) {
             active_ = model_.activate();
         }
-        const std::vector<plant::AtomIndex> values = input(*active_, given, {}).commands;
+        const std::vector<plant::AtomIndex> values = input(*active_, given, {}).commands.toVector();
         const auto labels = [&] {
             ++asked_;
             return monitor::concludedFrom(*active_->plant, values);

@@ -154,7 +154,7 @@ protected:
     }
     Values values(const std::vector<std::string>& ids) const
     {
-        return input(*active_, ids, {}).commands;
+        return input(*active_, ids, {}).commands.toVector();
     }
 
     HandMade model_;

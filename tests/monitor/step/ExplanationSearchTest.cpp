@@ -64,7 +64,7 @@ std::string text(const monitor::TrackAnswer& answer)
 {
     std::string text = name(answer.status);
     for (std::size_t i = 0; i < answer.hypotheses.size(); ++i) {
-        text += " " + testing::PrintToString(answer.hypotheses[i]->modes) + " " +
+        text += " " + testing::PrintToString(answer.hypotheses[i]->modes.toVector()) + " " +
                 std::to_string(answer.probabilities[i]);
     }
     return text;

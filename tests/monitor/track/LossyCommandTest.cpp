@@ -41,7 +41,7 @@ TEST_F(LossyCommandTest, IsFoundToBeLostWithItsProbability)
     const Fraction stuck = Fraction(7, 8) * Fraction(1, 64);
     EXPECT_NEAR(probability(lost), (isLost / (isLost + stuck)).value(), 1e-12);
     EXPECT_EQ(best().faultCount(), 1);
-    EXPECT_THAT(active_->ids(best().modes), ElementsAre("v.position=closed"));
+    EXPECT_THAT(active_->ids(best().modes.toVector()), ElementsAre("v.position=closed"));
     EXPECT_EQ(tracker_->answer().status, TrackStatus::faulty);
 }
 

@@ -17,7 +17,7 @@ std::map<std::vector<plant::AtomIndex>, double> probabilities(const TrackAnswer&
 {
     std::map<std::vector<plant::AtomIndex>, double> result;
     for (std::size_t i = 0; i < answer.hypotheses.size(); ++i) {
-        result[answer.hypotheses[i]->modes] = answer.probabilities[i];
+        result[answer.hypotheses[i]->modes.toVector()] = answer.probabilities[i];
     }
     return result;
 }

@@ -35,11 +35,19 @@ TEST_F(TrackLimits, OfNoRecordsAreNamed)
 {
     settings_.limits.maxRecords = 0;
     step({"in.v=1", "b.out=0"});
-    EXPECT_EQ(tracker_->answer().status, TrackStatus::inconsistent);
     EXPECT_FALSE(tracker_->answer().complete);
     EXPECT_EQ(tracker_->answer().limit, SearchLimit::records);
     step({"in.v=1", "b.out=1"});
     EXPECT_TRUE(tracker_->answer().complete);
+}
+
+TEST_F(TrackLimits, NeverSayThatNothingExplainsTheStep)
+{
+    settings_.limits.maxRecords = 0;
+    step({"in.v=1", "b.out=0"});
+    EXPECT_EQ(tracker_->answer().status, TrackStatus::ambiguous);
+    EXPECT_EQ(tracker_->answer().hypotheses.front()->unexplained.size(), 1u);
+    EXPECT_GT(tracker_->answer().missing, 0.0);
 }
 
 TEST_F(TrackLimits, OfOneRecordAreNamed)
@@ -64,7 +72,6 @@ TEST_F(TrackLimits, OfWorkAreNamedAndLeaveAnAnswer)
     step({"in.v=1", "b.out=0"});
     EXPECT_FALSE(tracker_->answer().complete);
     EXPECT_EQ(tracker_->answer().limit, SearchLimit::work);
-    EXPECT_EQ(tracker_->answer().status, TrackStatus::inconsistent);
     EXPECT_EQ(tracker_->answer().hypotheses.size(), 1u);
     EXPECT_GT(tracker_->answer().missing, 0.0);
 }

@@ -43,7 +43,7 @@ protected:
         model_.law("!" + name + ".state=broken | " + name + ".light=no");
         model_.fault(name + ".state=ok", name + ".state=broken", 1.0 / 64);
     }
-    Names twinModes() const { return active_->ids(best().twinModes()); }
+    Names twinModes() const { return active_->ids(best().twinModes().toVector()); }
 };
 
 TEST_F(TwinTest, IsTheHypothesisItselfWhileNothingDeviates)

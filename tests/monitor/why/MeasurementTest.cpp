@@ -97,6 +97,29 @@ TEST_F(MeasurementTest, LeavesTheProbabilitiesThatTheReadingTogetherWithTheOther
     }
 }
 
+TEST_F(MeasurementTest, RatesWhatCanBeMeasuredOnly)
+{
+    model_.mode("m.mode", {"ok", "bad!"});
+    model_.condition("a.out", {"0", "1"});
+    model_.condition("b.out", {"0", "1"});
+    believe(0.75, {"m.mode=ok", "a.out=0", "b.out=0"});
+    believe(0.25, {"m.mode=bad", "a.out=1", "b.out=1"});
+    monitor::AdviceSettings settings;
+    settings.measurable.resize(active_->plant->variables().size());
+    const auto declare = [&](const char* value) {
+        settings
+            .measurable[static_cast<std::size_t>(active_->plant->variableOf(active_->index(value)))] =
+            true;
+    };
+    declare("b.out=0");
+    const monitor::Advice conditions = monitor::advise(*active_->plant, answer_, {}, settings);
+    EXPECT_EQ(names(conditions), Names{"b.out"});
+    EXPECT_EQ(conditions.unmeasurable, 1U);
+    declare("m.mode=ok");
+    EXPECT_EQ(names(monitor::advise(*active_->plant, answer_, {}, settings)),
+              (Names{"b.out", "m.mode"}));
+}
+
 TEST_F(MeasurementTest, LeavesNoDoubtWhereEveryHypothesisPredictsAnotherValue)
 {
     model_.condition("a.out", {"0", "1"});

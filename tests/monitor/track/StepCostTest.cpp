@@ -1,0 +1,210 @@
+// What is carried from step to step is compared with what is made afresh, and how much is looked at on the way is counted.
+#include "tests/monitor/track/RandomTrack.h"
+#include "tests/support/HandMade.h"
+#include "tests/support/TestModel.h"
+
+#include "monitor/labels/Completion.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using monitor::Hypothesis;
+using monitor::HypothesisPointer;
+using monitor::KnownModeSteps;
+using monitor::ModeSteps;
+using monitor::Prediction;
+using monitor::Tracker;
+using plant::AtomIndex;
+using plant::VariableIndex;
+
+void expectSameLabels(const Prediction& kept, const Prediction& fresh, const plant::Plant& plant)
+{
+    for (AtomIndex atom = 0; atom < static_cast<AtomIndex>(plant.atomCount()); ++atom) {
+        EXPECT_EQ(kept.label(atom), fresh.label(atom)) << plant.atom(atom)->id;
+    }
+    EXPECT_EQ(kept.mark(), fresh.mark());
+}
+
+void expectSameSteps(const ModeSteps& kept, const ModeSteps& fresh)
+{
+    EXPECT_TRUE(kept == fresh);
+    EXPECT_EQ(kept.predicted(), fresh.predicted());
+    EXPECT_EQ(kept.logPredicted().value(), fresh.logPredicted().value());
+    EXPECT_EQ(kept.logCalm().value(), fresh.logCalm().value());
+    EXPECT_EQ(kept.exact(), fresh.exact());
+    EXPECT_EQ(kept.notable(), fresh.notable());
+    EXPECT_EQ(kept.faulty(), fresh.faulty());
+}
+
+// Which modes are not as in the twin, or have a fault.
+std::map<VariableIndex, AtomIndex> differing(const Hypothesis& hypothesis, const plant::Plant& plant)
+{
+    std::map<VariableIndex, AtomIndex> found;
+    for (std::size_t i = 0; i < hypothesis.modes.size(); ++i) {
+        const AtomIndex value = hypothesis.modes[i];
+        if (value != hypothesis.twinModes()[i] || plant.atom(value)->fail) {
+            found.emplace(plant.modes()[i], value);
+        }
+    }
+    return found;
+}
+
+class CarriedState : public testing::Test {
+protected:
+    void follow(std::uint64_t seed, PlantKind kind)
+    {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Random random(seed);
+        ActivePlant active(randomModel(random, kind));
+        RandomTrack track(random, {.deviating = 20, .lossy = 20});
+        Tracker tracker(active.engine, *active.plant, {.maxFaults = 2, .keep = 5});
+        for (std::size_t number = 1; number <= 8; ++number) {
+            const monitor::TrackInput input = trackInput(active, track.next(), number);
+            for (const HypothesisPointer& hypothesis : tracker.advance(input).hypotheses) {
+                compare(*hypothesis, *active.plant, input);
+            }
+        }
+    }
+
+    void compare(const Hypothesis& hypothesis, const plant::Plant& plant,
+                 const monitor::TrackInput& input)
+    {
+        const monitor::StepLabels fresh = hypothesis.labels.afresh();
+        expectSameLabels(hypothesis.labels.prediction(), fresh.prediction(), plant);
+        EXPECT_EQ(hypothesis.labels.contradicted(), fresh.contradicted());
+        ASSERT_TRUE(hypothesis.steps);
+        if (hypothesis.labels.consistent()) { // otherwise they are not drawn from the commands
+            expectSameSteps(hypothesis.steps->steps(),
+                            modeSteps(plant, hypothesis.steps->before(),
+                                      hypothesis.labels.assumptions().commands));
+        }
+        std::map<VariableIndex, AtomIndex> since;
+        for (const auto& [variable, entry] : hypothesis.since) {
+            since.emplace(variable, entry.value);
+        }
+        EXPECT_EQ(since, differing(hypothesis, plant));
+        if (hypothesis.twin) {
+            ++twins_;
+            expectSameLabels(hypothesis.twin->labels.prediction(),
+                             hypothesis.twin->labels.afresh().prediction(), plant);
+            expectSameSteps(
+                hypothesis.twin->steps->steps(),
+                modeSteps(plant, hypothesis.twin->steps->before(), input.values.commands));
+        }
+        if (hypothesis.fillsInTurn) {
+            ++filled_;
+            EXPECT_EQ(completionOf(plant, hypothesis.labels.prediction(), 0),
+                      monitor::Completion::possible);
+        }
+    }
+
+    MutedTrace muted_;
+    int twins_ = 0;
+    int filled_ = 0;
+};
+
+TEST_F(CarriedState, IsThatOfALastStepTakenAfresh)
+{
+    for (std::uint64_t seed = 0; seed < 60; ++seed) {
+        follow(seed, seed % 3 == 0 ? PlantKind::circuit : PlantKind::mixed);
+    }
+    EXPECT_GT(twins_, 100);
+    EXPECT_GT(filled_, 100);
+}
+
+// A row of pumps beside one another, each with a command and a reading.
+class StepCost : public testing::Test {
+protected:
+    explicit StepCost(int pumps = 300)
+    {
+        for (int i = 0; i < pumps; ++i) {
+            const std::string name = "p" + std::to_string(i);
+            model_.mode(name + ".state", {"off", "on", "broken!"});
+            model_.command(name + ".request", {"none", "start", "stop"});
+            model_.condition(name + ".flow", {"0", "1"});
+            model_.law("!" + name + ".state=on | " + name + ".flow=1");
+            model_.law(name + ".state=on | " + name + ".flow=0");
+            model_.nominal(name + ".state=off", name + ".state=on", 0.9, name + ".request=start");
+            model_.nominal(name + ".state=on", name + ".state=off", 0.9, name + ".request=stop");
+            model_.fault(name + ".state=off", name + ".state=broken", 1.0 / 1024);
+        }
+        active_ = model_.activate();
+        tracker_ =
+            std::make_unique<Tracker>(active_->engine, *active_->plant, monitor::TrackSettings{});
+        for (const plant::PlantVariable& variable : active_->plant->variables()) {
+            if (variable.isCommand) {
+                input_.values.commands.push_back(variable.values.front());
+            }
+        }
+        step();
+        step();
+    }
+
+    const Hypothesis& step()
+    {
+        ++input_.step;
+        input_.t += 1.0;
+        return *tracker_->advance(input_).hypotheses.front();
+    }
+    void command(const std::string& id)
+    {
+        const AtomIndex value = active_->index(id);
+        for (std::size_t i = 0; i < input_.values.commands.size(); ++i) {
+            if (active_->plant->variableOf(input_.values.commands[i]) ==
+                active_->plant->variableOf(value)) {
+                input_.values.commands.set(i, value);
+            }
+        }
+    }
+    static std::size_t changedLabels(const Hypothesis& hypothesis)
+    {
+        std::size_t changed = 0;
+        forEachDifference(hypothesis.labels.prediction(), hypothesis.steps->before(),
+                          [&](AtomIndex) { ++changed; });
+        return changed;
+    }
+
+    MutedTrace muted_;
+    HandMade model_;
+    std::unique_ptr<ActivePlant> active_;
+    std::unique_ptr<Tracker> tracker_;
+    monitor::TrackInput input_;
+};
+
+TEST_F(StepCost, IsNothingForModesWhereNothingHappens)
+{
+    const Hypothesis& quiet = step();
+    EXPECT_EQ(quiet.steps->lookedAt(), 0U);
+    EXPECT_EQ(changedLabels(quiet), 0U);
+}
+
+TEST_F(StepCost, IsThatOfTheModeThatIsTold)
+{
+    command("p7.request=start");
+    const Hypothesis& told = step();
+    EXPECT_EQ(told.steps->lookedAt(), 1U);
+    EXPECT_EQ(changedLabels(told), 6U); // of state, request and flow, two values each
+    command("p7.request=none");
+    EXPECT_EQ(step().steps->lookedAt(), 1U);
+    EXPECT_LE(step().steps->lookedAt(), 1U); // the request before the step is another one
+    EXPECT_EQ(step().steps->lookedAt(), 0U);
+}
+
+TEST_F(StepCost, IsNothingForTheTwinWhereNothingHappens)
+{
+    input_.values.observations = {active_->index("p3.flow=0")};
+    command("p3.request=start");
+    const Hypothesis& failed = step();
+    ASSERT_TRUE(failed.twin);
+    input_.values.observations = {};
+    command("p3.request=none");
+    step();
+    step();
+    const Hypothesis& quiet = step();
+    ASSERT_TRUE(quiet.twin);
+    EXPECT_EQ(quiet.twin->steps->lookedAt(), 0U);
+    EXPECT_EQ(quiet.steps->lookedAt(), 0U);
+}
+
+} // namespace
