@@ -6,14 +6,14 @@
 
 namespace monitor {
 
-StepFrame makeFrame(const Plant& plant, const Prediction& before, const StepInput& input,
+StepFrame makeFrame(const Plant& plant, const Prediction& before, StepInput input,
                     const KnownModeStepsPointer& last)
 {
     auto known = last ? std::make_shared<const KnownModeSteps>(plant, before, input.commands, *last)
                       : std::make_shared<const KnownModeSteps>(plant, before, input.commands);
     const ModeSteps& steps = known->steps();
-    return {plant, input.commands,   input.observations, input.inputs,
-            steps, std::move(known), input.changing};
+    return {plant, std::move(input.commands), std::move(input.observations), input.inputs,
+            steps, std::move(known),          std::move(input.changing)};
 }
 
 bool assumeStep(Prediction& labels, const StepFrame& frame, const Deviations& deviations)

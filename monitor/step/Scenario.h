@@ -42,8 +42,25 @@ struct StepFrame {
     }
 };
 
+/// Leaves readings out of a StepInput or a StepFrame. Linear in the readings.
+template <class Step, class IsLeftOut> void leaveOutReadings(Step& step, IsLeftOut isLeftOut)
+{
+    std::size_t kept = 0;
+    std::size_t inputs = 0;
+    for (std::size_t i = 0; i < step.observations.size(); ++i) {
+        if (isLeftOut(step.observations[i])) continue;
+        step.observations[kept] = step.observations[i];
+        if (!step.changing.empty()) step.changing[kept] = step.changing[i];
+        inputs += i < step.inputs ? 1 : 0;
+        ++kept;
+    }
+    step.observations.resize(kept);
+    step.changing.resize(step.changing.empty() ? 0 : kept);
+    step.inputs = inputs;
+}
+
 /// What a step can do, from the labels before it. With `last`, what another step could do, it costs what is different there.
-StepFrame makeFrame(const Plant& plant, const Prediction& before, const StepInput& input,
+StepFrame makeFrame(const Plant& plant, const Prediction& before, StepInput input,
                     const KnownModeStepsPointer& last = {});
 
 /// Assumes the step's commands, the deviations, and what is predicted of every other mode, and draws all

@@ -414,7 +414,7 @@ LookBackResult lookBackWithin(Successors& successors, const Plant& plant,
 {
     std::vector<bool> relevant;
     if (settings.otherwise == Otherwise::searched) {
-        relevant = thatMatterLater(plant);
+        relevant = successors.connected().matterLater();
     } else {
         std::vector<const Hypothesis*> contradicted;
         std::vector<const Hypothesis*> earlier;

@@ -1,6 +1,6 @@
 #include "monitor/track/Losses.h"
 
-#include "monitor/track/ConnectedVariables.h"
+#include "monitor/track/Contradictions.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,27 +15,6 @@ namespace {
 double probabilityOf(const Loss& one)
 {
     return one.probability * one.share;
-}
-
-// On what the contradiction rests; nothing where that is not known.
-std::vector<VariableIndex> contradictedVariables(const StepFrame& frame)
-{
-    const Scenario scenario(frame, {});
-    std::vector<Conflict> conflicts = scenario.conflicts();
-    if (conflicts.empty()) {
-        conflicts.push_back(conflictByCases(scenario).value_or(Conflict()));
-    }
-    std::vector<VariableIndex> variables;
-    for (const Conflict& conflict : conflicts) {
-        if (conflict.empty() && scenario.discrepancies().empty()) {
-            return {};
-        }
-        variables.insert(variables.end(), conflict.begin(), conflict.end());
-    }
-    for (const AtomIndex value : scenario.discrepancies()) {
-        variables.push_back(frame.plant.variableOf(value));
-    }
-    return variables;
 }
 
 } // namespace
@@ -98,17 +77,9 @@ StepInput arriving(const TrackInput& input, const Losses& lost, const std::vecto
         }
     }
     const std::vector<AtomIndex> left = lostValues(input, lost, wrong);
-    for (std::size_t i = values.observations.size(); i-- > 0;) {
-        if (!std::binary_search(left.begin(), left.end(), values.observations[i])) {
-            continue;
-        }
-        const auto place = static_cast<std::ptrdiff_t>(i);
-        values.observations.erase(values.observations.begin() + place);
-        if (!values.changing.empty()) {
-            values.changing.erase(values.changing.begin() + place);
-        }
-        values.inputs -= i < values.inputs ? 1 : 0;
-    }
+    leaveOutReadings(values, [&](AtomIndex value) {
+        return std::binary_search(left.begin(), left.end(), value);
+    });
     return values;
 }
 
@@ -172,24 +143,20 @@ std::vector<ProbableLoss> probableLosses(const Losses& lossy, double leastRatio,
     return all;
 }
 
-Losses lossesThatMatter(const StepFrame& frame, const Losses& lossy)
+Losses lossesThatMatter(const StepFrame& frame, const Losses& lossy,
+                        const ConnectedVariables& connected)
 {
     if (std::none_of(lossy.begin(), lossy.end(), [](const Loss& one) { return one.isReading(); })) {
         return lossy;
     }
-    const std::vector<VariableIndex> contradicted = contradictedVariables(frame);
-    if (contradicted.empty()) {
+    const Contradictions contradictions = contradictionsOf(frame, connected);
+    if (!contradictions.allSeen) {
         return lossy;
     }
-    ConnectedVariables connected(frame.plant);
-    std::vector<bool> reached(frame.plant.variables().size(), false);
-    for (const VariableIndex variable : contradicted) {
-        reached[static_cast<std::size_t>(connected.groupOf(variable))] = true;
-    }
     Losses matter;
-    std::copy_if(lossy.begin(), lossy.end(), std::back_inserter(matter), [&](const auto& one) {
-        const VariableIndex variable = frame.plant.variableOf(one.given);
-        return !one.isReading() || reached[static_cast<std::size_t>(connected.groupOf(variable))];
+    std::copy_if(lossy.begin(), lossy.end(), std::back_inserter(matter), [&](const Loss& one) {
+        return !one.isReading() ||
+               contradictions.isIn(connected.groupOf(frame.plant.variableOf(one.given)));
     });
     return matter;
 }

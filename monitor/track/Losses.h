@@ -2,6 +2,7 @@
 #pragma once
 
 #include "monitor/step/Scenario.h"
+#include "monitor/track/ConnectedVariables.h"
 #include "monitor/track/Hypothesis.h"
 #include "plant/Bindings.h"
 
@@ -64,8 +65,9 @@ std::vector<ProbableLoss> probableLosses(const Losses& lossy, double leastRatio,
                                          std::size_t most);
 
 /// Those whose loss can explain what contradicts what is expected: all commands, and readings that laws connect with what is
-/// contradicted, through whatever is neither given nor read off it. Costs a prediction of the step, and the plant's laws.
-Losses lossesThatMatter(const StepFrame& frame, const Losses& lossy);
+/// contradicted. Costs some predictions of the step.
+Losses lossesThatMatter(const StepFrame& frame, const Losses& lossy,
+                        const ConnectedVariables& connected);
 
 /// Those among the given commands that may be lost, and are not what their variable has without a command anyway.
 Losses lossyCommands(const Plant& plant, const plant::Bindings& bindings,

@@ -1,33 +1,11 @@
 // A contradiction rests on modes, and these on what the guards of their transitions read at steps before.
 #include "monitor/track/Relevance.h"
 
-#include "monitor/track/ConnectedVariables.h"
+#include "monitor/track/Contradictions.h"
 
 #include <algorithm>
 
 namespace monitor {
-
-namespace {
-
-// The atoms, other than commands and values of the variable itself, on which transitions of a mode variable depend.
-std::vector<AtomIndex> guardAtoms(const Plant& plant, VariableIndex index)
-{
-    std::vector<AtomIndex> atoms;
-    for (const AtomIndex from : plant.variable(index).values) {
-        for (const PlantChange& change : plant.changesFrom(from)) {
-            for (const PlantChange::Alternative& alternative : change.alternatives) {
-                for (const PlantLiteral& literal : alternative.literals) {
-                    if (!plant.variable(plant.variableOf(literal.atom)).isCommand) {
-                        atoms.push_back(literal.atom);
-                    }
-                }
-            }
-        }
-    }
-    return atoms;
-}
-
-} // namespace
 
 std::vector<bool> variablesAgainst(const Successors& successors, const Plant& plant,
                                    const std::vector<const Hypothesis*>& contradicted,
@@ -44,12 +22,7 @@ std::vector<bool> variablesAgainst(const Successors& successors, const Plant& pl
     };
     for (const Hypothesis* hypothesis : contradicted) {
         const StepFrame frame = successors.frame(*hypothesis, present, {});
-        const Scenario scenario(frame, {});
-        std::vector<Conflict> conflicts = scenario.conflicts();
-        if (conflicts.empty()) {
-            conflicts.push_back(conflictByCases(scenario).value_or(Conflict()));
-        }
-        for (const Conflict& conflict : conflicts) {
+        for (const Conflict& conflict : contradictionsOf(frame, successors.connected()).conflicts) {
             std::for_each(conflict.begin(), conflict.end(), reach);
         }
     }
@@ -68,26 +41,6 @@ std::vector<bool> variablesAgainst(const Successors& successors, const Plant& pl
         std::for_each(earlier.begin(), earlier.end(), reachThrough);
     }
     return relevant;
-}
-
-std::vector<bool> thatMatterLater(const Plant& plant)
-{
-    ConnectedVariables connected(plant);
-    std::vector<bool> read(plant.variables().size(), false); // by group
-    const auto count = static_cast<VariableIndex>(plant.variables().size());
-    for (VariableIndex i = 0; i < count; ++i) {
-        if (plant.variable(i).isMode) {
-            for (const AtomIndex atom : guardAtoms(plant, i)) {
-                read[static_cast<std::size_t>(connected.groupOf(plant.variableOf(atom)))] = true;
-            }
-        }
-    }
-    std::vector<bool> matter;
-    for (VariableIndex i = 0; i < count; ++i) {
-        matter.push_back(plant.variable(i).isMode ||
-                         read[static_cast<std::size_t>(connected.groupOf(i))]);
-    }
-    return matter;
 }
 
 } // namespace monitor

@@ -13,8 +13,4 @@ std::vector<bool> variablesAgainst(const Successors& successors, const Plant& pl
                                    const std::vector<const Hypothesis*>& earlier,
                                    const TrackInput& present);
 
-/// By variable: those that can bear on later steps at all. Modes, and conditions that laws connect with what a guard reads, through
-/// whatever is no command. Costs the plant's laws and guards.
-std::vector<bool> thatMatterLater(const Plant& plant);
-
 } // namespace monitor

@@ -252,6 +252,16 @@ int Successors::faultsLeft(const Hypothesis& parent, const TrackInput& input, in
     return mostFaults - static_cast<int>(counting);
 }
 
+// In a run that was resumed it is made at another step: it does not count.
+const ConnectedVariables& Successors::connected() const
+{
+    if (!connected_) {
+        const Meter::Uncounted uncounted;
+        connected_ = std::make_shared<const ConnectedVariables>(plant_);
+    }
+    return *connected_;
+}
+
 SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
                                    const SearchLimits& limits)
 {
@@ -287,7 +297,7 @@ SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
         if (std::isfinite(logArrivals(input, {}))) {
             searchWithout({});
         }
-        const Losses lossy = lossesThatMatter(prospect.frame, input.lossy);
+        const Losses lossy = lossesThatMatter(prospect.frame, input.lossy, connected());
         for (std::size_t count = 1; count <= mostLostAtOnce; ++count) {
             LostSets sets(lossy, count);
             while (const Losses* lost = sets.next()) {

@@ -108,6 +108,9 @@ public:
         return frameAfter(plant_, parent, input, lost);
     }
 
+    /// Made when it is asked for first, and then kept.
+    const ConnectedVariables& connected() const;
+
 private:
     /// The prospect's frame, or, where something is lost, that of the step without it.
     StepFrame frame(const Prospect& prospect, const Losses& lost) const
@@ -121,6 +124,7 @@ private:
     std::shared_ptr<ExplanationSearch> search_;
     const Plant& plant_;
     std::size_t window_;
+    mutable std::shared_ptr<const ConnectedVariables> connected_;
 };
 
 /// The hypothesis before the first step: initial modes, and initial conditions where there are any.

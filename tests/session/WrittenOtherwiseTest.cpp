@@ -116,13 +116,6 @@ struct Figures {
     int cut = 0;      ///< at which something was dropped, or estimated
 };
 
-// Which misreadings of the past are tried depends on the reasons that propagation found for what guards read, and so on how laws are
-// written. It bears on explanations of some billionths.
-bool mayMisread(const Subject& subject)
-{
-    return subject.text.find(" misread ") != std::string::npos;
-}
-
 class Comparisons {
 public:
     explicit Comparisons(int plants)
@@ -131,7 +124,7 @@ public:
         for (std::uint64_t seed = 0; made < plants; ++seed) {
             if (const std::optional<Subject> subject = makeSubject(seed)) {
                 compare(*subject, wide, true);
-                if (made++ % 3 == 0 && !mayMisread(*subject)) compare(*subject, usual, false);
+                if (made++ % 3 == 0) compare(*subject, usual, false);
             }
         }
     }

@@ -162,4 +162,19 @@ TEST_F(MisreadingTest, IsTriedWhereLawsConnectItWithTheContradiction)
     EXPECT_LE(tracker_->answer().work.records, 10U);
 }
 
+// That `x=1` cannot be shows only when values of y and z are tried; that there is no flow through a closed valve shows at once.
+TEST_F(MisreadingTest, IsFoundBesideAnotherOneThatShowsInAnotherWay)
+{
+    addValve("v", 1.0);
+    model_.mode("m.mode", {"on"});
+    for (const char* name : {"m.x", "m.y", "m.z"}) {
+        model_.condition(name, {"0", "1"});
+    }
+    for (const char* rest : {"m.y=0 | m.z=0", "m.y=0 | m.z=1", "m.y=1 | m.z=0", "m.y=1 | m.z=1"}) {
+        model_.law(std::string("!m.mode=on | m.x=0 | ") + rest);
+    }
+    read({"v.flow=1", "m.x=1"}, 1.0 / 8);
+    EXPECT_THAT(texts(), ElementsAre("!m.x=1 !v.flow=1"));
+}
+
 } // namespace
