@@ -10,12 +10,12 @@
 // found without looking at the rest. Not for several threads.
 #pragma once
 
+#include "plant/PlaceIterator.h"
+
 #include <algorithm>
 #include <array>
-#include <compare>
 #include <cstddef>
 #include <initializer_list>
-#include <iterator>
 #include <memory>
 #include <vector>
 
@@ -76,59 +76,7 @@ public:
         ++size_;
     }
 
-    class Iterator {
-    public:
-        using iterator_category = std::random_access_iterator_tag;
-        using value_type = T;
-        using difference_type = std::ptrdiff_t;
-        using pointer = const T*;
-        using reference = const T&;
-
-        Iterator() = default;
-        Iterator(const SharedArray& array, std::size_t place) : array_(&array), place_(place) {}
-        reference operator*() const { return (*array_)[place_]; }
-        pointer operator->() const { return &(*array_)[place_]; }
-        reference operator[](difference_type by) const { return *(*this + by); }
-        Iterator& operator++() { return *this += 1; }
-        Iterator operator++(int)
-        {
-            const Iterator before = *this;
-            ++place_;
-            return before;
-        }
-        Iterator& operator--() { return *this += -1; }
-        Iterator operator--(int)
-        {
-            const Iterator before = *this;
-            --place_;
-            return before;
-        }
-        Iterator& operator+=(difference_type by)
-        {
-            place_ += static_cast<std::size_t>(by);
-            return *this;
-        }
-        Iterator& operator-=(difference_type by) { return *this += -by; }
-        friend Iterator operator+(Iterator from, difference_type by) { return from += by; }
-        friend Iterator operator+(difference_type by, Iterator from) { return from += by; }
-        friend Iterator operator-(Iterator from, difference_type by) { return from += -by; }
-        friend difference_type operator-(const Iterator& a, const Iterator& b)
-        {
-            return static_cast<difference_type>(a.place_) - static_cast<difference_type>(b.place_);
-        }
-        friend bool operator==(const Iterator& a, const Iterator& b)
-        {
-            return a.place_ == b.place_;
-        }
-        friend auto operator<=>(const Iterator& a, const Iterator& b)
-        {
-            return a.place_ <=> b.place_;
-        }
-
-    private:
-        const SharedArray* array_ = nullptr;
-        std::size_t place_ = 0;
-    };
+    using Iterator = PlaceIterator<SharedArray, T>;
     Iterator begin() const { return {*this, 0}; }
     Iterator end() const { return {*this, size_}; }
 

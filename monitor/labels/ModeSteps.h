@@ -71,35 +71,7 @@ public:
     std::size_t size() const { return steps_.size(); }
     const ModeStep& operator[](std::size_t place) const { return *steps_[place]; }
 
-    class Iterator {
-    public:
-        using iterator_category = std::forward_iterator_tag;
-        using value_type = ModeStep;
-        using difference_type = std::ptrdiff_t;
-        using pointer = const ModeStep*;
-        using reference = const ModeStep&;
-
-        Iterator() = default;
-        Iterator(const ModeSteps& steps, std::size_t place) : steps_(&steps), place_(place) {}
-        reference operator*() const { return (*steps_)[place_]; }
-        pointer operator->() const { return &(*steps_)[place_]; }
-        Iterator& operator++()
-        {
-            ++place_;
-            return *this;
-        }
-        Iterator operator++(int)
-        {
-            const Iterator before = *this;
-            ++place_;
-            return before;
-        }
-        friend bool operator==(const Iterator&, const Iterator&) = default;
-
-    private:
-        const ModeSteps* steps_ = nullptr;
-        std::size_t place_ = 0;
-    };
+    using Iterator = plant::PlaceIterator<ModeSteps, ModeStep>;
     Iterator begin() const { return {*this, 0}; }
     Iterator end() const { return {*this, size()}; }
 

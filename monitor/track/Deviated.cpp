@@ -24,8 +24,8 @@ Losses lossesOf(const Deviated& deviated, const TrackInput& input)
 {
     Losses lost;
     std::copy_if(
-        input.lossy.begin(), input.lossy.end(), std::back_inserter(lost), [&](const Loss& command) {
-            return std::binary_search(deviated.lost.begin(), deviated.lost.end(), command.given);
+        input.lossy.begin(), input.lossy.end(), std::back_inserter(lost), [&](const Loss& one) {
+            return std::binary_search(deviated.lost.begin(), deviated.lost.end(), one.given);
         });
     return lost;
 }

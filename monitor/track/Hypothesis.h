@@ -16,9 +16,9 @@ struct Since {
     double t;         ///< of that step, in seconds
 };
 
-/// A fault, the loss of a command, or a misreading.
+/// A fault, or the loss of a command.
 struct FaultBegun {
-    VariableIndex variable; ///< a mode variable, a command, or what was misread
+    VariableIndex variable; ///< a mode variable, or a command
     std::size_t step;
 };
 
@@ -39,8 +39,7 @@ struct Hypothesis {
     double logWeight = 0.0;
     /// What the step alone contributed, before scaling, in the most probable way here.
     double logStep = 0.0;
-    /// Faults that are still there, and faults, lost commands and misreadings that began within the look-back, in the most probable way
-    /// here.
+    /// Faults that are still there, and faults and lost commands that began within the look-back, in the most probable way here.
     std::vector<FaultBegun> faults;
     TwinPointer twin; ///< null: itself
     std::map<VariableIndex, Since> since;
