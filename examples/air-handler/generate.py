@@ -8,11 +8,14 @@ controller moves, in sequence, the heating valve, the dampers and the cooling va
 noise, the dampers lag, coils have thermal mass, and now and then a reading is missing or wild. A row is 2 minutes.
 """
 
-import gzip
 import math
 import random
 import sys
 from datetime import datetime, timedelta, timezone
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).parent.parent))
+from logger_files import spoil, write
 
 STEP = 120.0  # seconds
 BEGIN = datetime(2024, 3, 4, tzinfo=timezone.utc)  # a Monday
@@ -113,13 +116,8 @@ class Unit:
         ]
         texts = [f"{value:.1f}" for value in values[:5]] + [f"{value:.0f}" for value in values[5:9]]
         texts += [f"{values[9]:.0f}", f"{values[10]:.1f}"]
-        # A logger loses a reading now and then, and a long cable catches one.
         for i in (0, 1, 2, 3, 9, 10):
-            chance = self.rng.random()
-            if chance < 0.0005:
-                texts[i] = ""
-            elif chance < 0.0008:
-                texts[i] = f"{values[i] * self.rng.choice([0.0, 1.6]):.1f}"
+            texts[i] = spoil(self.rng, texts[i], ["0.0", f"{values[i] * 1.6:.1f}"])
         return texts
 
 
@@ -140,14 +138,6 @@ def stretch(seed, first_day, days, faults):
         at = [BEGIN + timedelta(days=first_day + day, hours=hours) for hours in (begin, end)]
         labels.append(",".join([*(time.strftime("%Y-%m-%dT%H:%M:%SZ") for time in at), what]))
     return rows, labels
-
-
-def write(folder, name, rows, labels):
-    with open(f"{folder}/{name}.csv.gz", "wb") as file:
-        with gzip.GzipFile(fileobj=file, mode="wb", filename="", mtime=0, compresslevel=9) as packed:
-            packed.write(("\n".join(rows) + "\n").encode())
-    with open(f"{folder}/{name}-labels.csv", "w", encoding="utf-8") as file:
-        file.write("\n".join(labels) + "\n")
 
 
 def main():

@@ -8,10 +8,13 @@ pumps change over every eight hours. The valve follows the demand of a day in st
 Every sensor has noise, the valve takes time to move, and now and then a reading is missing or wild. A row is 30 seconds.
 """
 
-import gzip
 import math
 import random
 import sys
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).parent.parent))
+from logger_files import spoil, write
 
 STEP = 30.0  # seconds
 HEAD, PUMP, FILTER, VALVE, STATIC = 4.0, 0.004, 0.002, 0.0037, 1.0  # bar, and bar per (l/s)^2
@@ -85,13 +88,7 @@ class Loop:
         sigmas = [0.15, 0.15, 0.01, 0.02, 0.02, 0.02, 0.15, 0.15]
         texts = [f"{max(0.0, value + noise(0, sigma)):.2f}" for value, sigma in zip(values, sigmas)]
         texts.append(f"{self.level + noise(0, 0.08):.2f}")
-        # A logger loses a reading now and then, and a long cable catches one.
-        for i, text in enumerate(texts):
-            chance = self.rng.random()
-            if chance < 0.0005:
-                texts[i] = ""
-            elif chance < 0.0008:
-                texts[i] = f"{float(text) * self.rng.choice([0.0, 1.7]):.2f}"
+        texts = [spoil(self.rng, text, ["0.00", f"{float(text) * 1.7:.2f}"]) for text in texts]
         return [f"{int(a)}", f"{int(not a)}", f"{self.asked:.0f}", f"{int(self.make_up)}", *texts]
 
 
@@ -105,14 +102,6 @@ def stretch(seed, hours, faults):
     labels = ["start,end,what"]
     labels += [f"{begin * 3600:.0f},{end * 3600:.0f},{what}" for begin, end, _, what in faults]
     return rows, labels
-
-
-def write(folder, name, rows, labels):
-    with open(f"{folder}/{name}.csv.gz", "wb") as file:
-        with gzip.GzipFile(fileobj=file, mode="wb", filename="", mtime=0, compresslevel=9) as packed:
-            packed.write(("\n".join(rows) + "\n").encode())
-    with open(f"{folder}/{name}-labels.csv", "w", encoding="utf-8") as file:
-        file.write("\n".join(labels) + "\n")
 
 
 def main():

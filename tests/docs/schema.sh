@@ -7,7 +7,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 cd "$here/../.."
 for python in python3 /usr/bin/python3; do
     if "$python" -c 'from jsonschema import Draft202012Validator' 2>/dev/null; then
-        exec "$python" "$here/$1_schema.py" "$2"
+        exec "$python" -B "$here/$1_schema.py" "$2"
     fi
 done
 echo 'schema.sh: there is no Python with jsonschema; scripts/install-packages.sh installs python3-jsonschema' >&2
