@@ -163,14 +163,12 @@ Verb calibrateVerb()
         "what channels read while nothing is wrong, and which limits fit",
         "itms calibrate MODEL TELEMETRY [MORE...] [--labels LABELS.csv] [options]",
         "Tells how the readings of each channel are distributed while nothing is wrong, which "
-        "limits "
-        "would fit them, and which laws they contradict: how often, and when first.",
+        "limits would fit them, and which laws they contradict: how often, and when first.",
         {{"", trackRows(options->track)},
          {"What is known",
           {{"--labels", "FILE",
             "what was wrong, and when, as for itms evaluate: these steps\nare left out. Without "
-            "it, "
-            "nothing was",
+            "it, nothing was",
             &options->labels, fileName()},
            {"--grace", "S", "... and those of S seconds after (default {default})", &options->grace,
             number(0.0, std::numeric_limits<double>::max())}}},

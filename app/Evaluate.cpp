@@ -82,8 +82,8 @@ Verb evaluateVerb()
         "how good a monitor is, held against known faults",
         "itms evaluate MODEL TELEMETRY [MORE...] --labels LABELS.csv [options]",
         "Steps through telemetry as itms run does, and holds what is believed against labels, "
-        "which "
-        "say what was wrong and when: how many of the faults are detected and isolated, after how "
+        "which say what was wrong and when: how many of the faults are detected and isolated, "
+        "after how "
         "long, and how often there is an alarm while nothing is wrong.",
         {{"", trackRows(options->track)},
          {"What is known",

@@ -58,7 +58,8 @@ public:
     std::size_t law(Comp* owner, const std::vector<ClauseLiterals>& clauses, const PlaceHandle& at);
 
     /// A transition for each alternative of the guard; returns how many.
-    /// Requires: a change of a mode, with a probability and an alternative at least. checkSum() is the caller's to call, once all changes from a value are known.
+    /// Requires: a change of a mode, with a probability and an alternative at least. checkSum() is the caller's to call, once all
+    /// changes from a value are known.
     std::size_t change(const Change& change);
 
     /// Reports a command that is bound already, and a variable that is observed and an input.

@@ -1,5 +1,5 @@
-// Laws that cannot hold together, at least while every mode and condition has its initial value, if it has one: a plant with such laws has no state to begin
-// with, and most often a typing mistake in one of them.
+// Laws that cannot hold together, at least while every mode and condition has its initial value, if it has one: a plant with such
+// laws has no state to begin with, and most often a typing mistake in one of them.
 //
 // Only what is certain is reported: the search for values that satisfy all laws has a budget, and a plant for which it does
 // not end in time is taken as fine. The laws that are named are not more than needed: without any of them the others can hold.

@@ -1,5 +1,6 @@
-// An explanation of k modes has k keys, each of them what is left when one of its modes is taken away, and when that began. Explanations with a
-// key in common may be a group; the largest one that an explanation can be in is taken, from the most probable explanation on.
+// An explanation of k modes has k keys, each of them what is left when one of its modes is taken away, and when that began.
+// Explanations with a key in common may be a group; the largest one that an explanation can be in is taken, from the most probable
+// explanation on.
 #include "report/Alike.h"
 
 #include <algorithm>

@@ -10,11 +10,11 @@
 // its first possible one.
 //
 // With a seed the plant lives by the model's probabilities: modes take transitions as probable as they are, commands
-// are lost, readings are wrong (then any value is read, one as probable as the other), and what is open is drawn from the values that it can have, one as probable as the other. Modes that
-// contradict one another by a law are drawn anew, so that they have their probability among those that can be
-// together. Inputs keep their value: variables that the bindings declare to be inputs, and those that are open while nothing is
-// broken, and measured, which means that they are bound to a channel or determine one that is. What varies by its binding keeps
-// its value where it is open, except as often as the binding says.
+// are lost, readings are wrong (then any value is read, one as probable as the other), and what is open is drawn from the values
+// that it can have, one as probable as the other. Modes that contradict one another by a law are drawn anew, so that they have
+// their probability among those that can be together. Inputs keep their value: variables that the bindings declare to be inputs,
+// and those that are open while nothing is broken, and measured, which means that they are bound to a channel or determine one that
+// is. What varies by its binding keeps its value where it is open, except as often as the binding says.
 //
 // Laws have no direction, so the order in which open variables get values matters: after `outflow = inflow` begins to hold,
 // the one that comes first takes the other along. First come those that are given, then those that were open in the

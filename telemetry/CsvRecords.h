@@ -1,5 +1,5 @@
-// Records of comma-separated values (RFC 4180), or with another sign between them: cells in quotes may have commas, line ends, and quotes written twice. Blanks
-// around cells do not count, unless in quotes; blank lines are passed over.
+// Records of comma-separated values (RFC 4180), or with another sign between them: cells in quotes may have commas, line ends, and
+// quotes written twice. Blanks around cells do not count, unless in quotes; blank lines are passed over.
 //
 // After a mistake in the quotes reading goes on with the next line, not with the next record: a quote that is not closed would
 // otherwise take with it all up to the next quote.

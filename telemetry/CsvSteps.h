@@ -6,7 +6,8 @@
 //                                1,FT-101,0.06
 //
 // Wide: each row is a step. Long: the rows of one time are a step. The name of a command gives a command, any other name is
-// observed, and one that the model does not have is passed over; an empty cell counts for nothing. A row with a mistake is left out; in the long shape the other rows of its time stay.
+// observed, and one that the model does not have is passed over; an empty cell counts for nothing. A row with a mistake is left
+// out; in the long shape the other rows of its time stay.
 #pragma once
 
 #include "telemetry/CsvRecords.h"

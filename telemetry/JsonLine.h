@@ -2,7 +2,8 @@
 //
 //     {"t": 12.5, "commands": {"XV-A": "open"}, "observations": {"FT-101": 0.02, "valveB.outflow": "zero"}}
 //
-// Every key may be missing, and the one of the time may have another name. Without `t`, a step comes one step length of the model after the one before; the first one is at 0.
+// Every key may be missing, and the one of the time may have another name. Without `t`, a step comes one step length of the model
+// after the one before; the first one is at 0.
 #pragma once
 
 #include "telemetry/StepBuilder.h"

@@ -14,13 +14,14 @@
 
 namespace telemetry {
 
-/// Reads lines. A signal interrupts a read that waits. What is left in the buffer when it is destroyed is lost to other readers of the same input.
+/// Reads lines. A signal interrupts a read that waits. What is left in the buffer when it is destroyed is lost to other readers of
+/// the same input.
 class LineReader : public LineSource {
 public:
     static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
-    /// `-` is standard input. A file that gzip or zstd packed is unpacked (PackedFile.h). A line may have `mostBytes` bytes; a longer one is cut. Throws ReadFailure when the
-    /// file cannot be opened.
+    /// `-` is standard input. A file that gzip or zstd packed is unpacked (PackedFile.h). A line may have `mostBytes` bytes; a
+    /// longer one is cut. Throws ReadFailure when the file cannot be opened.
     explicit LineReader(const std::string& path, std::size_t mostBytes = unlimited);
     ~LineReader() override;
 

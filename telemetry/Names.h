@@ -49,8 +49,8 @@ public:
     Names(const plant::Model& model, const plant::Bindings& bindings,
           const std::map<std::string, std::string>& renamed = {});
 
-    /// A variable with several channels is there once for each of them. First those that are observed, the bound ones in the order of the bindings and then the others in the model's order; then the
-    /// commands in the model's order.
+    /// A variable with several channels is there once for each of them. First those that are observed, the bound ones in the order
+    /// of the bindings and then the others in the model's order; then the commands in the model's order.
     const std::vector<Variable>& variables() const { return variables_; }
     /// How many of them are not commands.
     std::size_t observedCount() const { return observedCount_; }

@@ -8,9 +8,10 @@
 //         else break;
 //     }
 //
-// SoundSteps.h has this loop. The first line that is not empty decides the format: `{` begins JSON Lines (JsonLine.h), anything else is the header of a table
-// (CsvSteps.h). A step is returned as soon as it is complete: with the end of its line, or in a long table, whose rows of one
-// time are a step, with the first row of a later time. A byte order mark at the beginning is passed over; lines end with LF or CR LF.
+// SoundSteps.h has this loop. The first line that is not empty decides the format: `{` begins JSON Lines (JsonLine.h), anything
+// else is the header of a table (CsvSteps.h). A step is returned as soon as it is complete: with the end of its line, or in a long
+// table, whose rows of one time are a step, with the first row of a later time. A byte order mark at the beginning is passed over;
+// lines end with LF or CR LF.
 #pragma once
 
 #include "plant/Bindings.h"

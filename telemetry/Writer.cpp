@@ -97,7 +97,8 @@ bool isReadAs(const ChannelBinding& binding, const Candidate& candidate, const A
                        [&](const Atom* last) { return binding.read(number, last) == atom; });
 }
 
-// Normally distributed: a mean of 0, a standard deviation of 1 (Box-Muller transform).
+// Normally distributed: a mean of 0, a standard deviation of 1 ("A note on the generation of random normal deviates", Annals of
+// Mathematical Statistics 29, 1958).
 double normal(const Draw& draw)
 {
     const double radius = std::sqrt(-2.0 * std::log1p(-draw()));

@@ -18,8 +18,8 @@ using Draw = std::function<double()>;
 /// Writes steps as JSON Lines. A variable that is bound to a channel is written under the channel's name, as a number where numbers are
 /// read as its values: the middle between two thresholds, and beyond the outermost ones far enough for the reading to be this value
 /// whatever the last one was; never outside of what can be read at all. With a draw the readings of a channel for which the model gives
-/// noise scatter around that number, or in the range that it gives, and are still read as the value. Reading what was written gives the atoms that it was written from, unless the name of a variable is
-/// also the channel of another one.
+/// noise scatter around that number, or in the range that it gives, and are still read as the value. Reading what was written gives
+/// the atoms that it was written from, unless the name of a variable is also the channel of another one.
 class StepWriter {
 public:
     /// Linear in the number of bindings.

@@ -1,6 +1,6 @@
 #include "monitor/track/Losses.h"
 
-#include "monitor/track/Contradictions.h"
+#include "monitor/track/ConflictGroups.h"
 
 #include <algorithm>
 #include <cmath>
@@ -149,14 +149,14 @@ Losses lossesThatMatter(const StepFrame& frame, const Losses& lossy,
     if (std::none_of(lossy.begin(), lossy.end(), [](const Loss& one) { return one.isReading(); })) {
         return lossy;
     }
-    const Contradictions contradictions = contradictionsOf(frame, connected);
-    if (!contradictions.allSeen) {
+    const ConflictGroups contradicted = conflictGroupsOf(frame, connected);
+    if (!contradicted.allSeen) {
         return lossy;
     }
     Losses matter;
     std::copy_if(lossy.begin(), lossy.end(), std::back_inserter(matter), [&](const Loss& one) {
         return !one.isReading() ||
-               contradictions.isIn(connected.groupOf(frame.plant.variableOf(one.given)));
+               contradicted.isIn(connected.groupOf(frame.plant.variableOf(one.given)));
     });
     return matter;
 }

@@ -1,7 +1,7 @@
 // A contradiction rests on modes, and these on what the guards of their transitions read at steps before.
 #include "monitor/track/Relevance.h"
 
-#include "monitor/track/Contradictions.h"
+#include "monitor/track/ConflictGroups.h"
 
 #include <algorithm>
 
@@ -22,7 +22,7 @@ std::vector<bool> variablesAgainst(const Successors& successors, const Plant& pl
     };
     for (const Hypothesis* hypothesis : contradicted) {
         const StepFrame frame = successors.frame(*hypothesis, present, {});
-        for (const Conflict& conflict : contradictionsOf(frame, successors.connected()).conflicts) {
+        for (const Conflict& conflict : conflictGroupsOf(frame, successors.connected()).conflicts) {
             std::for_each(conflict.begin(), conflict.end(), reach);
         }
     }

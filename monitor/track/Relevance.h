@@ -5,9 +5,9 @@
 
 namespace monitor {
 
-/// By variable: the modes, and the readings, on which it rests that the step contradicts these hypotheses, directly or through what the transitions of the
-/// step and of earlier ones depended on, of which `earlier` are the hypotheses. Costs a prediction for each hypothesis, and more
-/// where guards read conditions.
+/// By variable: the modes, and the readings, on which it rests that the step contradicts these hypotheses, directly or through what
+/// the transitions of the step and of earlier ones depended on, of which `earlier` are the hypotheses. Costs a prediction for each
+/// hypothesis, and more where guards read conditions.
 std::vector<bool> variablesAgainst(const Successors& successors, const Plant& plant,
                                    const std::vector<const Hypothesis*>& contradicted,
                                    const std::vector<const Hypothesis*>& earlier,

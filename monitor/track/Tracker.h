@@ -4,10 +4,10 @@
 //     while (more) { const TrackAnswer& answer = tracker.advance(input); ... }
 //
 // Every kept hypothesis is predicted, together with what else is quite probable at the step; one that contradicts the observations
-// is replaced by its smallest explanations (monitor/track/Successors.h). When those that predict the step had less than half of the probability before it, earlier steps
-// are gone back to as well (monitor/track/LookBack.h): that some unlikely hypothesis predicts anything does not keep better
-// explanations from being looked for. Ways that lead to the same modes are one hypothesis, whose probabilities add up. The
-// most probable ones go on.
+// is replaced by its smallest explanations (monitor/track/Successors.h). When those that predict the step had less than half of the
+// probability before it, earlier steps are gone back to as well (monitor/track/LookBack.h): that some unlikely hypothesis predicts
+// anything does not keep better explanations from being looked for. Ways that lead to the same modes are one hypothesis, whose
+// probabilities add up. The most probable ones go on.
 #pragma once
 
 #include "monitor/labels/Meter.h"

@@ -23,7 +23,8 @@ struct ProgramSetting {
 /// Runs itms with the arguments, at the root of the project.
 ProgramRun runProgram(const std::vector<std::string>& arguments, const ProgramSetting& setting = {});
 
-/// Runs itms with an input that never ends; sends `signal` a second after standard output has a line, by when the program is at what comes next, and waits for the end.
+/// Runs itms with an input that never ends; sends `signal` a second after standard output has a line, by when the program is at
+/// what comes next, and waits for the end.
 ProgramRun runUntilSignal(const std::vector<std::string>& arguments, const std::string& input,
                           int signal);
 

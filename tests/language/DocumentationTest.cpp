@@ -1,4 +1,5 @@
-// The examples in docs/language.md are read, those of model files and those in JSON. One that a ```text block follows is wrong in the way that the block says.
+// The examples in docs/language.md are read, those of model files and those in JSON. One that a ```text block follows is wrong in
+// the way that the block says.
 #include "language/Reader.h"
 
 #include <fstream>

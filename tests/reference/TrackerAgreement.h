@@ -32,6 +32,7 @@ struct BestAgreement {
 BestAgreement compareBest(const WatchedOptions& options, std::uint64_t firstSeed, int seeds,
                           int steps);
 
-/// Plants of these seeds, each watched for so many steps, or until one that the filter finds inconsistent. The tracker keeps and follows everything.
+/// Plants of these seeds, each watched for so many steps, or until one that the filter finds inconsistent. The tracker keeps and
+/// follows everything.
 Agreement compareTracker(const WatchedOptions& options, std::uint64_t firstSeed, int seeds,
                          int steps);

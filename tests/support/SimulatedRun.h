@@ -43,8 +43,8 @@ std::vector<monitor::ModeOption> possibleFaults(const plant::Plant& plant,
                                                 const std::vector<plant::AtomIndex>& commands);
 
 /// Adds injections of faults to the inputs, at most one a step: at steps drawn at random, of the faults that are possible
-/// then, by their probabilities in proportion to one another. Returns how many, `count` if the inputs have that many steps at which there is one and no step is a problem. Costs
-/// a simulated run, and one step for each fault that is tried.
+/// then, by their probabilities in proportion to one another. Returns how many, `count` if the inputs have that many steps at which
+/// there is one and no step is a problem. Costs a simulated run, and one step for each fault that is tried.
 std::size_t injectRandomFaults(const plant::Plant& plant, const plant::Bindings& bindings,
                                std::vector<SimulationInput>& inputs, std::size_t count,
                                std::uint64_t seed);

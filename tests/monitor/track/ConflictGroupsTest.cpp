@@ -1,4 +1,4 @@
-#include "monitor/track/Contradictions.h"
+#include "monitor/track/ConflictGroups.h"
 
 #include "monitor/step/Step.h"
 #include "tests/support/HandMade.h"
@@ -9,13 +9,13 @@
 
 namespace {
 
-using monitor::Contradictions;
+using monitor::ConflictGroups;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 using Names = std::vector<std::string>;
 
-class ContradictionsTest : public testing::Test {
+class ConflictGroupsTest : public testing::Test {
 protected:
     void addFollower(const std::string& name)
     {
@@ -36,19 +36,19 @@ protected:
             }
         }
     }
-    Contradictions contradictions(const Names& observations)
+    ConflictGroups conflictGroups(const Names& observations)
     {
         active_ = model_.activate();
         const monitor::StepFrame frame =
             makeFrame(*active_->plant, monitor::initialLabels(*active_->plant),
                       input(*active_, {}, observations));
-        return contradictionsOf(frame, monitor::ConnectedVariables(*active_->plant));
+        return conflictGroupsOf(frame, monitor::ConnectedVariables(*active_->plant));
     }
     // The components of the modes on which they rest.
-    std::set<std::string> components(const Contradictions& contradictions) const
+    std::set<std::string> components(const ConflictGroups& conflictGroups) const
     {
         std::set<std::string> names;
-        for (const monitor::Conflict& conflict : contradictions.conflicts) {
+        for (const monitor::Conflict& conflict : conflictGroups.conflicts) {
             for (const auto variable : conflict) {
                 names.insert(active_->plant->variable(variable).variable->comp->name);
             }
@@ -61,32 +61,32 @@ protected:
     std::unique_ptr<ActivePlant> active_;
 };
 
-TEST_F(ContradictionsTest, AreThoseOfEachGroup)
+TEST_F(ConflictGroupsTest, AreThoseOfEachGroup)
 {
     addFollower("a");
     addFollower("b");
     addFollower("c");
-    const Contradictions found =
-        contradictions({"a.in=0", "a.out=1", "b.in=1", "b.out=1", "c.in=1", "c.out=0"});
+    const ConflictGroups found =
+        conflictGroups({"a.in=0", "a.out=1", "b.in=1", "b.out=1", "c.in=1", "c.out=0"});
     EXPECT_THAT(components(found), ElementsAre("a", "c"));
     EXPECT_TRUE(found.allSeen);
 }
 
-TEST_F(ContradictionsTest, AreSeenByTryingValuesBesideWhatShowsAtOnce)
+TEST_F(ConflictGroupsTest, AreSeenByTryingValuesBesideWhatShowsAtOnce)
 {
     addFollower("a");
     addRiddle("r");
     addRiddle("s");
-    const Contradictions found = contradictions({"a.in=0", "a.out=1", "r.x=1", "s.x=1"});
+    const ConflictGroups found = conflictGroups({"a.in=0", "a.out=1", "r.x=1", "s.x=1"});
     EXPECT_THAT(components(found), ElementsAre("a", "r", "s"));
     EXPECT_TRUE(found.allSeen);
 }
 
-TEST_F(ContradictionsTest, AreInTheGroupOfWhatIsConnectedThroughLawsOnly)
+TEST_F(ConflictGroupsTest, AreInTheGroupOfWhatIsConnectedThroughLawsOnly)
 {
     addFollower("a");
     addFollower("b");
-    const Contradictions found = contradictions({"a.in=0", "a.out=1", "b.in=0", "b.out=0"});
+    const ConflictGroups found = conflictGroups({"a.in=0", "a.out=1", "b.in=0", "b.out=0"});
     const monitor::ConnectedVariables connected(*active_->plant);
     const auto group = [&](const char* name) {
         return connected.groupOf(active_->plant->variableOf(active_->index(name)));
@@ -96,22 +96,22 @@ TEST_F(ContradictionsTest, AreInTheGroupOfWhatIsConnectedThroughLawsOnly)
     EXPECT_FALSE(found.isIn(group("b.out=0")));
 }
 
-TEST_F(ContradictionsTest, AreNotAllKnownWhereModesContradictTheLawsWhateverIsRead)
+TEST_F(ConflictGroupsTest, AreNotAllKnownWhereModesContradictTheLawsWhateverIsRead)
 {
     addFollower("a");
     model_.mode("m.mode", {"on", "off"});
     model_.condition("m.x", {"0", "1"});
     model_.law("!m.mode=on | m.x=0");
     model_.law("!m.mode=on | m.x=1");
-    const Contradictions found = contradictions({"a.in=0", "a.out=1"});
+    const ConflictGroups found = conflictGroups({"a.in=0", "a.out=1"});
     EXPECT_THAT(components(found), ElementsAre("m"));
     EXPECT_FALSE(found.allSeen);
 }
 
-TEST_F(ContradictionsTest, AreNoneWhereNothingContradictsWhatIsExpected)
+TEST_F(ConflictGroupsTest, AreNoneWhereNothingContradictsWhatIsExpected)
 {
     addFollower("a");
-    const Contradictions found = contradictions({"a.in=1", "a.out=1"});
+    const ConflictGroups found = conflictGroups({"a.in=1", "a.out=1"});
     EXPECT_THAT(found.conflicts, IsEmpty());
     EXPECT_FALSE(found.allSeen);
 }

@@ -8,10 +8,11 @@
 
 namespace monitor {
 
-struct Contradictions {
-    /// The modes on which they rest; at least one for each group in which there is one.
+/// The contradictions of a step, and the groups of connected variables in which they are.
+struct ConflictGroups {
+    /// The modes on which the contradictions rest.
     std::vector<Conflict> conflicts;
-    std::vector<bool> groups; ///< by group of connected variables: whether there is one
+    std::vector<bool> groups; ///< by group: whether there is one in it
     /// False: there may be others. So it is where modes and commands contradict the laws whatever is read, and where no
     /// contradiction is found at all.
     bool allSeen = false;
@@ -21,6 +22,6 @@ struct Contradictions {
 
 /// The contradictions of the step, with all modes as predicted. Costs a prediction of the step, and as many more as there are
 /// groups with a contradiction that only trying values shows.
-Contradictions contradictionsOf(const StepFrame& frame, const ConnectedVariables& connected);
+ConflictGroups conflictGroupsOf(const StepFrame& frame, const ConnectedVariables& connected);
 
 } // namespace monitor

@@ -1,7 +1,7 @@
 // Propagation sees one contradiction and not another, as the laws are written, and values are tried only where it sees none. So the
 // readings of each group with a contradiction are left out, and the rest is looked at again until nothing contradicts it: whether
 // there is one in a group does not depend on other groups.
-#include "monitor/track/Contradictions.h"
+#include "monitor/track/ConflictGroups.h"
 
 #include <algorithm>
 
@@ -17,7 +17,7 @@ public:
         seen_.groups.resize(plant_.variables().size(), false);
     }
 
-    Contradictions run()
+    ConflictGroups run()
     {
         while (lookAgain()) {
             leaveOutReadings(rest_, [&](AtomIndex value) { return isSeen(value); });
@@ -81,12 +81,12 @@ private:
     const Plant& plant_;
     const ConnectedVariables& connected_;
     StepFrame rest_;
-    Contradictions seen_;
+    ConflictGroups seen_;
 };
 
 } // namespace
 
-Contradictions contradictionsOf(const StepFrame& frame, const ConnectedVariables& connected)
+ConflictGroups conflictGroupsOf(const StepFrame& frame, const ConnectedVariables& connected)
 {
     return Search(frame, connected).run();
 }
