@@ -6,14 +6,10 @@ Every record satisfies the schema, and the numbers in it that belong together ag
 spoilt, does not satisfy it.
 """
 
-import copy
-import json
-import subprocess
 import sys
 import tempfile
 
-from jsonschema import Draft202012Validator
-from records import verdict
+from records import errors, printed, spoilt, validator_of, verdict
 
 STATION = ["examples/water/station.itms", "examples/water/stuck-valve.jsonl"]
 LOOP = ["examples/pump-loop/loop.itms", "examples/pump-loop/training.csv.gz"]
@@ -43,39 +39,8 @@ def disagreements(record):
             yield "more steps with an alarm than steps"
 
 
-def places(record, path=()):
-    """Every value within, with its key and the way to it; of the events the first one."""
-    for key, value in record.items():
-        yield path, key, value
-        if isinstance(value, dict):
-            yield from places(value, (*path, key))
-        if key == "events" and not path:
-            yield from places(value[0], ("events", 0))
-
-
-def spoilt(record):
-    """Copies of the record that are wrong in one place, with a name for each."""
-    for path, key, value in list(places(record)):
-        is_number = isinstance(value, (int, float)) and not isinstance(value, bool)
-        for wrong in (None if is_number else 17.5, [17], "gone"):
-            copied = copy.deepcopy(record)
-            within = copied
-            for step in path:
-                within = within[step]
-            if wrong == "gone":
-                del within[key]
-                if key not in ("startTime", "endTime"):
-                    yield f"without {path} {key}", copied
-            elif not (wrong is None and key in NULLABLE) and not (wrong == 17.5 and value is None):
-                within[key] = wrong
-                yield f"{path} {key} = {wrong}", copied
-
-
 def main(program):
-    with open("docs/evaluation.schema.json", encoding="utf-8") as file:
-        schema = json.load(file)
-    Draft202012Validator.check_schema(schema)
-    validator = Draft202012Validator(schema)
+    validator = validator_of("docs/evaluation.schema.json")
     failures = []
     records = []
     runs = [[*LOOP, "--labels", "examples/pump-loop/training-labels.csv"]]
@@ -86,14 +51,11 @@ def main(program):
                 file.write(labels)
             runs += [[name if word is None else word for word in run] for run in RUNS]
         for run in runs:
-            done = subprocess.run([program, "evaluate", *run, "-q"], stdout=subprocess.PIPE, encoding="utf-8")
-            if done.returncode not in (0, 3):
-                sys.exit(f"{' '.join(run)}: status {done.returncode}")
-            records.append((" ".join(run), json.loads(done.stdout)))
+            records += [(" ".join(run), record) for record in printed(program, ["evaluate", *run])]
     for name, record in records:
-        failures += [f"{name}: {error.json_path}: {error.message}" for error in validator.iter_errors(record)]
+        failures += errors(validator, name, record)
         failures += [f"{name}: {what}" for what in disagreements(record)]
-    return verdict(failures, validator, spoilt(records[0][1]))
+    return verdict(failures, validator, spoilt(records[0][1], NULLABLE, {"startTime", "endTime"}))
 
 
 if __name__ == "__main__":

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs SCHEMA_schema.py with the first Python that has jsonschema.
 #
-#     schema.sh SCHEMA PROGRAM    SCHEMA: evaluation, model or step
+#     schema.sh SCHEMA PROGRAM    SCHEMA: calibration, evaluation, events, model or step
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 cd "$here/../.."
