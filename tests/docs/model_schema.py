@@ -12,7 +12,7 @@ import subprocess
 import sys
 import tempfile
 
-from jsonschema import Draft202012Validator
+from records import validator_of
 
 WRONG_IN_FORM = """
 an-array another-format another-version command-that-is-an-input command-that-varies command-that-waits computed-badly
@@ -34,10 +34,7 @@ def main(program):
         if not valid and not error:
             failures.append(f"{name}: satisfies the schema")
 
-    with open("docs/model.schema.json", encoding="utf-8") as file:
-        schema = json.load(file)
-    Draft202012Validator.check_schema(schema)
-    validator = Draft202012Validator(schema)
+    validator = validator_of("docs/model.schema.json")
 
     with open("docs/language.md", encoding="utf-8") as file:
         blocks = re.findall(r"^```(itms|json)\n(.*?)^```$", file.read(), re.DOTALL | re.MULTILINE)

@@ -13,8 +13,7 @@ import subprocess
 import sys
 import tempfile
 
-from jsonschema import Draft202012Validator
-from records import verdict
+from records import validator_of, verdict
 
 STATION = "examples/water/station.itms"
 WATER = [STATION, "examples/water/stuck-valve.jsonl"]
@@ -153,10 +152,7 @@ def spoilt(record):
 
 
 def main(program):
-    with open("docs/step.schema.json", encoding="utf-8") as file:
-        schema = json.load(file)
-    Draft202012Validator.check_schema(schema)
-    validator = Draft202012Validator(schema)
+    validator = validator_of("docs/step.schema.json")
 
     runs = Runs(program)
     for plant in PLANTS:
