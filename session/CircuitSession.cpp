@@ -172,7 +172,7 @@ CircuitAnswer CircuitSession::solveByCells(const CircuitProblem& problem, int fa
         const netlist::Gate& named = circuit_.gates[static_cast<std::size_t>(gate)];
         return circuit_.signals[named.output] + ".mode";
     });
-    answer.status = monitor::statusOf(candidates);
+    answer.status = monitor::statusOf(candidates, answer.limit);
     for (const monitor::Candidate& candidate : candidates) {
         answer.explanations.push_back(explanationOf(candidate));
     }

@@ -9,10 +9,11 @@
 
 namespace monitor {
 
-StepStatus statusOf(const std::vector<Candidate>& candidates)
+StepStatus statusOf(const std::vector<Candidate>& candidates, SearchLimit limit)
 {
     if (candidates.empty()) {
-        return StepStatus::inconsistent;
+        // What a limit cut says nothing about what explains the step.
+        return limit == SearchLimit::none ? StepStatus::inconsistent : StepStatus::ambiguous;
     }
     if (candidates.front().modes.empty()) {
         return StepStatus::nominal;
@@ -49,9 +50,9 @@ StepAnswer StepSolver::solve(const Prediction& before, const StepInput& input,
     StepAnswer answer;
     answer.discrepancies = discrepancies;
     answer.candidates = std::move(judgement.candidates);
-    answer.status = statusOf(answer.candidates);
     answer.complete = explanations.complete && judgement.sure;
     answer.limit = judgement.limit != SearchLimit::none ? judgement.limit : explanations.limit;
+    answer.status = statusOf(answer.candidates, answer.limit);
     answer.work = explanations.work;
     return answer;
 }

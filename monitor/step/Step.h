@@ -46,9 +46,10 @@ struct Candidate {
 };
 
 enum class StepStatus {
-    nominal,     ///< the prediction explains the observations
-    faulty,      ///< one explanation has more than half of the probability
-    ambiguous,   ///< several explanations, none with more than half of it
+    nominal, ///< the prediction explains the observations
+    faulty,  ///< one explanation has more than half of the probability
+    /// Several explanations, none with more than half of it; or a limit cut the search before one was found.
+    ambiguous,
     inconsistent ///< nothing explains the observations within the fault bound
 };
 
@@ -91,8 +92,8 @@ private:
 /// that, and others what follows; the rest is unknown. Where these contradict the laws, nothing follows.
 Prediction initialLabels(const Plant& plant);
 
-/// The status of a step that these explain, the most probable first.
-StepStatus statusOf(const std::vector<Candidate>& candidates);
+/// The status of a step that these explain, the most probable first, as far as a limit let them be found.
+StepStatus statusOf(const std::vector<Candidate>& candidates, SearchLimit limit);
 /// The name of a status: "nominal", "faulty", "ambiguous", "inconsistent".
 const char* name(StepStatus status);
 /// What a limit bounds: "records", "candidates", "seconds", "interrupted", "work", "memory", or "" for none.

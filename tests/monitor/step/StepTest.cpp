@@ -52,6 +52,17 @@ TEST_F(StepTest, IsAmbiguousWhereNoExplanationHasHalfOfTheProbability)
     }
 }
 
+TEST_F(StepTest, IsAmbiguousWhereALimitCutsItBeforeAnythingIsFound)
+{
+    makeRow(3);
+    settings_.limits.maxRecords = 1;
+    const StepAnswer answer = solve({"in.v=1", "f2.out=0"});
+    EXPECT_TRUE(answer.candidates.empty());
+    EXPECT_EQ(answer.limit, SearchLimit::records);
+    EXPECT_EQ(answer.status, StepStatus::ambiguous);
+    EXPECT_FALSE(answer.complete);
+}
+
 TEST_F(StepTest, IsInconsistentWhereTooManyFaultsWouldBeNeeded)
 {
     model_.condition("in.v", {"0", "1"});
