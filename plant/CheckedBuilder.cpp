@@ -48,7 +48,7 @@ std::size_t CheckedBuilder::law(Comp* owner, const std::vector<ClauseLiterals>& 
     }
     return static_cast<std::size_t>(
         std::count_if(clauses.begin(), clauses.end(), [&](const ClauseLiterals& clause) {
-            return builder_.law(owner, clause) != nullptr;
+            return builder_.law(owner, clause);
         }));
 }
 

@@ -11,7 +11,7 @@ ConnectedVariables::ConnectedVariables(const Plant& plant) : first_(plant.variab
 {
     std::iota(first_.begin(), first_.end(), 0);
     for (std::size_t i = 0; i < plant.clauseCount(); ++i) {
-        const std::vector<PlantLiteral>& literals = plant.clause(static_cast<ClauseIndex>(i));
+        const std::span<const PlantLiteral> literals = plant.clause(static_cast<ClauseIndex>(i));
         Meter::spend(literals.size());
         VariableIndex before = -1;
         for (const PlantLiteral& literal : literals) {
