@@ -43,7 +43,7 @@ std::vector<std::string> telemetryOf(const std::string& verb, const TrackOptions
 Reading readingOf(const TrackOptions& options, FileRoles& files, const session::Session& session)
 {
     const PlantFiles plantFiles(options.model.path, options.reading, files);
-    Reading reading = plantFiles.reading(telemetry::Names(session.model(), session.bindings()));
+    Reading reading = plantFiles.reading(session.model(), session.bindings());
     reading.settings.skipBad = options.skipBad;
     reading.settings.mayGrow = options.mayGrow;
     return reading;

@@ -18,7 +18,9 @@
 
 #include <memory>
 #include <optional>
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -77,7 +79,7 @@ public:
 
     /// Hands the bindings over.
     /// Requires: nothing is bound afterwards.
-    Bindings takeBindings() { return std::move(bindings_); }
+    Bindings takeBindings();
     /// Hands the model over.
     /// Ensures: the builder is spent.
     std::unique_ptr<Model> build() { return builder_.build(); }
@@ -89,12 +91,13 @@ private:
     std::size_t domainClauses_ = 0;
     std::size_t variableCount_ = 0;
     std::size_t transitionCount_ = 0;
-    std::unordered_map<std::string, PlaceHandle> components_;
+    std::unordered_map<std::string_view, PlaceHandle> components_; ///< by the components' own names
     struct Bound {
         PlaceHandle at;
         bool input = false;
     };
-    std::unordered_map<const StateVar*, Bound> bound_;
+    std::vector<std::uint32_t> boundOf_; ///< by the number of a variable's first value: its place in `bound_`, plus 1
+    std::vector<Bound> bound_;
     std::unordered_map<const StateVar*, PlaceHandle> measurable_;
 };
 

@@ -23,8 +23,6 @@ ModelBuilder::ModelBuilder(std::string name) : model_(new Model(std::move(name))
 
 Comp* ModelBuilder::component(const std::string& name)
 {
-    [[maybe_unused]] const bool isNew = componentNames_.insert(name).second;
-    assert(isNew);
     Comp* made = model_->components_.make(WithoutContainers());
     made->name = name;
     made->altName = name;

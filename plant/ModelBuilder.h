@@ -78,7 +78,6 @@ private:
              const std::vector<GuardLiteral>& guard);
 
     std::unique_ptr<Model> model_;
-    std::unordered_set<std::string> componentNames_;
     KnownLists knownLaws_; ///< sorted
     std::vector<SignedNumber> sorted_; ///< of the law that is added
     std::unordered_map<Comp*, std::unordered_set<Comp*>> knownImports_;
