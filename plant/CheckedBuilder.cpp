@@ -106,6 +106,16 @@ Bindings CheckedBuilder::takeBindings()
     return std::move(bindings_);
 }
 
+// What was needed for checks only is given back before others need memory.
+std::unique_ptr<Model> CheckedBuilder::build()
+{
+    components_ = {};
+    boundOf_ = {};
+    bound_ = {};
+    measurable_ = {};
+    return builder_.build();
+}
+
 void CheckedBuilder::measurable(StateVar* variable, const PlaceHandle& at)
 {
     const auto [entry, isNew] = measurable_.try_emplace(variable, at);

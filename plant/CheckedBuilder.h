@@ -74,6 +74,8 @@ public:
     /// Requires: more than 0.
     void step(double seconds) { bindings_.stepSeconds = seconds; }
 
+    /// As ModelBuilder::atom.
+    Atom* atom(std::uint32_t number) const { return builder_.atom(number); }
     std::size_t variableCount() const { return variableCount_; }
     std::size_t transitionCount() const { return transitionCount_; }
 
@@ -82,7 +84,7 @@ public:
     Bindings takeBindings();
     /// Hands the model over.
     /// Ensures: the builder is spent.
-    std::unique_ptr<Model> build() { return builder_.build(); }
+    std::unique_ptr<Model> build();
 
 private:
     ModelBuilder builder_;

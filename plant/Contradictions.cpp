@@ -49,14 +49,18 @@ private:
     const Model& model_;
     const LawPlaces& written_;
     std::vector<const StateVar*> variables_;
-    std::vector<Atom*> initials_; // of modes and conditions
+    std::vector<Atom*> initials_;           // of modes and conditions
+    std::vector<std::uint32_t> variableOf_; // by the number of an atom: a place in `variables_`
 };
 
 Contradictions::Contradictions(const Model& model, const LawPlaces& written)
-    : model_(model), written_(written)
+    : model_(model), written_(written), variableOf_(model.atoms().size())
 {
     for (const Comp* component : model.components()) {
         for (const StateVar* variable : *component->stateVars) {
+            for (const Atom* value : *variable->atomLinks) {
+                variableOf_[value->number] = static_cast<std::uint32_t>(variables_.size());
+            }
             variables_.push_back(variable);
             if (variable->type != "Command" && variable->initial) {
                 initials_.push_back(variable->initial);
@@ -90,15 +94,12 @@ std::optional<Contradictions::Origins> Contradictions::conflict(const Origins& w
 {
     Satisfiability solver(model_.atoms().size());
     std::vector<SignedNumber> literals;
-    std::vector<bool> needed(model_.atoms().size()); // by the first value of a variable
-    const auto need = [&](const Atom& value) {
-        needed[value.stateVar->atomLinks->front()->number] = true;
-    };
+    std::vector<bool> needed(variables_.size());
     for (const std::size_t origin : within) {
         if (isInitial(origin)) {
             const Atom* initial = initials_[origin - model_.lawCount()];
             solver.add(std::array{signedNumber(initial->number, false)}, originOf(origin));
-            need(*initial);
+            needed[variableOf_[initial->number]] = true;
             continue;
         }
         const auto law = model_.signedLiteralsOf(origin);
@@ -106,12 +107,12 @@ std::optional<Contradictions::Origins> Contradictions::conflict(const Origins& w
         sortAsListed(literals);
         solver.add(literals, originOf(origin));
         for (const SignedNumber literal : literals) {
-            need(*model_.atoms()[literal / 2]);
+            needed[variableOf_[literal / 2]] = true;
         }
     }
     // In the order of the model: what is found must not depend on addresses.
-    for (const StateVar* variable : variables_) {
-        if (needed[variable->atomLinks->front()->number]) addDomain(*variable, solver);
+    for (std::size_t i = 0; i < variables_.size(); ++i) {
+        if (needed[i]) addDomain(*variables_[i], solver);
     }
     if (solver.solve(budget) != Satisfiability::Answer::unsatisfiable) return std::nullopt;
     Origins core;

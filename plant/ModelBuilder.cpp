@@ -57,7 +57,8 @@ StateVar* ModelBuilder::variable(Comp* component, const std::string& name, Varia
         atom->stateVar = made;
         atom->value = declared.name;
         atom->fail = declared.fault;
-        atom->id = component->name + "." + name + "=" + declared.name;
+        atom->id.reserve(component->name.size() + name.size() + declared.name.size() + 2);
+        atom->id.append(component->name).append(".").append(name).append("=").append(declared.name);
         made->atomLinks->push_back(atom);
     }
     if (initial) {
@@ -137,6 +138,12 @@ void ModelBuilder::import(Comp* importer, Comp* imported)
 
 std::unique_ptr<Model> ModelBuilder::build()
 {
+    knownLaws_ = {};
+    knownImports_.clear();
+    model_->lawLiterals_.shrink();
+    model_->lawOwners_.shrink_to_fit();
+    model_->transitions_.shrink_to_fit();
+    model_->preconditions_.shrink();
     return std::move(model_);
 }
 

@@ -69,6 +69,9 @@ public:
     /// Makes `imported` an imported component of `importer`, once; a component never imports itself.
     void import(Comp* importer, Comp* imported);
 
+    /// The atom of a number; atoms are numbered in the order of their making.
+    Atom* atom(std::uint32_t number) const { return model_->atoms_[number]; }
+
     /// Hands the model over.
     /// Ensures: the builder is spent.
     std::unique_ptr<Model> build();

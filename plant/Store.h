@@ -12,13 +12,26 @@
 
 namespace plant {
 
+/// A pointer to an object in a store, to be used as one that owns it: `*`, `->`, get().
+template <typename T> class Stored {
+public:
+    explicit Stored(T* object) : object_(object) {}
+    T* get() const { return object_; }
+    T* operator->() const { return object_; }
+    T& operator*() const { return *object_; }
+    operator T*() const { return object_; }
+
+private:
+    T* object_;
+};
+
 template <typename T> class Store {
 public:
     Store() = default;
     ~Store()
     {
         for (std::size_t i = 0; i < size_; ++i) {
-            std::destroy_at((*this)[i]);
+            std::destroy_at((*this)[i].get());
         }
     }
     Store(const Store&) = delete;
@@ -36,13 +49,16 @@ public:
     std::size_t size() const { return size_; }
     bool empty() const { return size_ == 0; }
     /// Requires: a place below size(). In the order of their making.
-    T* operator[](std::size_t place) const { return std::launder(static_cast<T*>(at(place))); }
-    T* front() const { return (*this)[0]; }
+    Stored<T> operator[](std::size_t place) const
+    {
+        return Stored<T>(std::launder(static_cast<T*>(at(place))));
+    }
+    Stored<T> front() const { return (*this)[0]; }
 
     class Iterator {
     public:
         Iterator(const Store& store, std::size_t place) : store_(&store), place_(place) {}
-        T* operator*() const { return (*store_)[place_]; }
+        Stored<T> operator*() const { return (*store_)[place_]; }
         Iterator& operator++()
         {
             ++place_;
