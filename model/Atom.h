@@ -28,7 +28,7 @@ public:
     unsigned int guardsNumber = 0; ///< guards that mention the atom, set by set-up
     bool deadEnd = false;          ///< nothing leaves this value on a command; set by set-up
     std::string label;             ///< the atom's own label: "true", "false" or "unknown"
-    std::uint32_t number = 0; ///< whoever made the atom gave it
+    std::uint32_t number = 0;      ///< whoever made the atom gave it
 
     /// Ensures: the containers are empty, the label is "unknown".
     Atom();

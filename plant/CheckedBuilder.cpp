@@ -51,9 +51,8 @@ std::size_t CheckedBuilder::law(Comp* owner, const std::vector<ClauseLiterals>& 
         return 0;
     }
     return static_cast<std::size_t>(
-        std::count_if(clauses.begin(), clauses.end(), [&](const ClauseLiterals& clause) {
-            return builder_.law(owner, clause);
-        }));
+        std::count_if(clauses.begin(), clauses.end(),
+                      [&](const ClauseLiterals& clause) { return builder_.law(owner, clause); }));
 }
 
 std::size_t CheckedBuilder::change(const Change& change)

@@ -16,9 +16,9 @@
 #include "plant/ModelBuilder.h"
 #include "plant/NormalForm.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -98,7 +98,8 @@ private:
         PlaceHandle at;
         bool input = false;
     };
-    std::vector<std::uint32_t> boundOf_; ///< by the number of a variable's first value: its place in `bound_`, plus 1
+    std::vector<std::uint32_t>
+        boundOf_; ///< by the number of a variable's first value: its place in `bound_`, plus 1
     std::vector<Bound> bound_;
     std::unordered_map<const StateVar*, PlaceHandle> measurable_;
 };

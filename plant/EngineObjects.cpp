@@ -48,8 +48,7 @@ void EngineObjects::addDomainClauses(StateVar& variable)
     variable.clauses->push_back(addClause(someValue));
     for (std::size_t i = 0; i < someValue.size(); ++i) {
         for (std::size_t j = i + 1; j < someValue.size(); ++j) {
-            variable.clauses->push_back(
-                addClause(std::array{someValue[i] | 1U, someValue[j] | 1U}));
+            variable.clauses->push_back(addClause(std::array{someValue[i] | 1U, someValue[j] | 1U}));
         }
     }
 }

@@ -110,8 +110,7 @@ void ModelBuilder::fault(Atom* from, Atom* to, double proba, const std::vector<G
     add(TransitionKind::fault, from, to, proba, guard);
 }
 
-void ModelBuilder::repair(Atom* from, Atom* to, double proba,
-                          const std::vector<GuardLiteral>& guard)
+void ModelBuilder::repair(Atom* from, Atom* to, double proba, const std::vector<GuardLiteral>& guard)
 {
     add(TransitionKind::repair, from, to, proba, guard);
 }

@@ -81,7 +81,7 @@ private:
              const std::vector<GuardLiteral>& guard);
 
     std::unique_ptr<Model> model_;
-    KnownLists knownLaws_; ///< sorted
+    KnownLists knownLaws_;             ///< sorted
     std::vector<SignedNumber> sorted_; ///< of the law that is added
     std::unordered_map<Comp*, std::unordered_set<Comp*>> knownImports_;
 };

@@ -138,7 +138,10 @@ public:
     /// Whether it is one of the model-wide laws; the others make a variable have exactly one value.
     bool isLaw(ClauseIndex index) const { return index >= firstLaw_; }
     /// The number of a law in the model. Requires: the clause is a law.
-    std::size_t lawOf(ClauseIndex index) const { return static_cast<std::size_t>(index - firstLaw_); }
+    std::size_t lawOf(ClauseIndex index) const
+    {
+        return static_cast<std::size_t>(index - firstLaw_);
+    }
     /// By rising index.
     std::span<const ClauseIndex> clausesOf(AtomIndex atom) const
     {

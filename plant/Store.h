@@ -40,7 +40,8 @@ public:
     /// Its address stays the same while the store lives.
     template <typename... Arguments> T* make(Arguments&&... arguments)
     {
-        if (size_ == blocks_.size() * blockSize) blocks_.push_back(std::make_unique_for_overwrite<Block>());
+        if (size_ == blocks_.size() * blockSize)
+            blocks_.push_back(std::make_unique_for_overwrite<Block>());
         T* made = ::new (at(size_)) T(std::forward<Arguments>(arguments)...);
         ++size_;
         return made;

@@ -42,14 +42,15 @@ void Names::addVariables(const plant::Model& model, const plant::Bindings& bindi
         return variable->atomLinks->front()->number;
     };
     std::vector<const plant::ChannelBinding*> bound(model.atoms().size()); // to the first channel
-    std::vector<std::uint32_t> counts(model.atoms().size());               // of those that are added
+    std::vector<std::uint32_t> counts(model.atoms().size()); // of those that are added
     const auto add = [&](StateVar* variable, const plant::ChannelBinding* binding) {
         variables_.push_back({variable, binding, counts[numberOf(variable)]++});
     };
     for (const plant::ChannelBinding& binding : bindings.channels) {
         const plant::ChannelBinding*& first = bound[numberOf(binding.variable)];
         if (!first) first = &binding;
-        if (binding.kind == plant::ChannelBinding::Kind::observation) add(binding.variable, &binding);
+        if (binding.kind == plant::ChannelBinding::Kind::observation)
+            add(binding.variable, &binding);
     }
     std::vector<StateVar*> commands;
     for (const Comp* component : model.components()) {

@@ -277,8 +277,7 @@ void StepBuilder::restore(const ReaderState& state)
     std::map<std::pair<std::string, std::size_t>, std::uint32_t> bound;
     for (std::uint32_t i = 0; i < names_.variables().size(); ++i) {
         const Variable& variable = names_.variables()[i];
-        if (variable.binding)
-            bound.emplace(std::pair(variable.name(), variable.bindingNumber), i);
+        if (variable.binding) bound.emplace(std::pair(variable.name(), variable.bindingNumber), i);
     }
     std::vector<Last> restored(last_.size());
     for (const ReaderState::Last& last : state.last) {

@@ -126,8 +126,9 @@ private:
     {
         const std::size_t mark = labels_.mark();
         const Completion found =
-            complete(plant_, labels_, component,
-                     [this](VariableIndex variable) { return plant_.variable(variable).values.toVector(); });
+            complete(plant_, labels_, component, [this](VariableIndex variable) {
+                return plant_.variable(variable).values.toVector();
+            });
         labels_.undo(mark);
         exact_ = exact_ && found != Completion::unsettled;
         return found == Completion::possible;

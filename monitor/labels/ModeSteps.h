@@ -38,7 +38,7 @@ struct ModeStep {
     std::vector<ModeOption> options;
     /// Of the nominal transition that is predicted; null: none.
     const PlantChange::Alternative* followed = nullptr;
-    bool exact = true;                    ///< the shares of open guards were counted, not estimated
+    bool exact = true; ///< the shares of open guards were counted, not estimated
 
     /// The option of that value; null when the variable cannot have it.
     const ModeOption* option(AtomIndex value) const;

@@ -46,5 +46,5 @@ private:
     std::map<const StateVar*, std::size_t> index_;
     std::vector<std::vector<std::size_t>> lawsEndingAt_; ///< by the last variable that they mention
     std::vector<std::vector<plant::Literal>> laws_;
-    bool contradictory_ = false;                         ///< there is a law without literals
+    bool contradictory_ = false; ///< there is a law without literals
 };

@@ -65,19 +65,19 @@ bool HandMade::law(const std::string& text)
 }
 
 void HandMade::nominal(const std::string& from, const std::string& to, double proba,
-                              const std::string& guard)
+                       const std::string& guard)
 {
     builder_.nominal(atom(from), atom(to), literals(guard, true), proba);
 }
 
 void HandMade::fault(const std::string& from, const std::string& to, double proba,
-                            const std::string& guard)
+                     const std::string& guard)
 {
     builder_.fault(atom(from), atom(to), proba, literals(guard, true));
 }
 
 void HandMade::repair(const std::string& from, const std::string& to, double proba,
-                             const std::string& guard)
+                      const std::string& guard)
 {
     builder_.repair(atom(from), atom(to), proba, literals(guard, true));
 }

@@ -21,11 +21,11 @@ public:
     bool law(const std::string& text);
     /// The guard as in "p.cmd=go !p.flow=0".
     void nominal(const std::string& from, const std::string& to, double proba,
-                        const std::string& guard = "");
+                 const std::string& guard = "");
     void fault(const std::string& from, const std::string& to, double proba,
-                      const std::string& guard = "");
+               const std::string& guard = "");
     void repair(const std::string& from, const std::string& to, double proba,
-                       const std::string& guard = "");
+                const std::string& guard = "");
     Atom* atom(const std::string& id) const { return atoms_.at(id); }
     plant::ModelBuilder& builder() { return builder_; }
 

@@ -240,8 +240,7 @@ TEST(Elaboration, TakesARateAsTheProbabilityOfAnEventInAStep)
     const ReadResult result =
         read("component C { mode m { a initial b fault }\n fault a -> b : 36 per hour }\n"
              "system S { c: C\n step 5 s }\n");
-    EXPECT_DOUBLE_EQ(result.model->transitions()[0]->proba,
-                     1 - std::exp(-36.0 / 3600.0 * 5.0));
+    EXPECT_DOUBLE_EQ(result.model->transitions()[0]->proba, 1 - std::exp(-36.0 / 3600.0 * 5.0));
 }
 
 TEST(Elaboration, GivesTransitionsWithoutAProbabilityWhatTheFaultsLeave)
