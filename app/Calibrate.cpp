@@ -48,11 +48,6 @@ public:
           statistics_(track_.session().bindings()), violations_(track_.session().plant())
     {
         if (options.labels) labels_ = readLabelFile(*options.labels, track_);
-        const language::ReadResult& read = track_.session().read();
-        const std::vector<Clause*>& laws = read.model->laws();
-        for (std::size_t i = 0; i < laws.size(); ++i) {
-            statements_.emplace(laws[i], i);
-        }
     }
 
     ExitStatus run()
@@ -96,15 +91,13 @@ private:
         const monitor::Meter meter(settings.limits, settings.work);
         violations_.take(history.back(),
                          monitor::conflictsOf(track_.session().plant(), history.back()),
-                         [this](const Clause* clause) { return statement(clause); });
+                         [this](std::size_t law) { return statement(law); });
     }
 
-    // Clauses of one statement, in all instances of its component, are one law.
-    std::size_t statement(const Clause* clause)
+    // Laws of one statement, in all instances of its component, are one.
+    std::size_t statement(std::size_t law)
     {
         const language::ReadResult& read = track_.session().read();
-        const std::size_t law = statements_.at(clause);
-        clauses_.emplace(law, clause);
         if (law >= read.lawPlaces.size() || read.lawPlaces[law].line == 0) return law;
         const language::LawPlace& place = read.lawPlaces[law];
         const auto same = firstAt_.try_emplace({place.file, place.line, place.column}, law);
@@ -131,7 +124,7 @@ private:
         const report::ModelNames names(track_.session().read());
         for (const auto& [law, count] : violations_.laws()) {
             report::ViolatedLaw& one = report.laws.emplace_back(report::ViolatedLaw{
-                names.law(clauses_.at(law)), count.steps, count.firstStep, count.firstTime, {}});
+                names.law(law), count.steps, count.firstStep, count.firstTime, {}});
             for (const auto& [value, steps] : count.observed) {
                 one.observed.emplace(track_.session().plant().atom(value)->id, steps);
             }
@@ -148,9 +141,7 @@ private:
     assess::ChannelStatistics statistics_;
     assess::LawViolations violations_;
     std::size_t steps_ = 0;
-    std::unordered_map<const Clause*, std::size_t> statements_; ///< their numbers among the laws
     std::map<std::array<std::uint32_t, 3>, std::size_t> firstAt_;
-    std::map<std::size_t, const Clause*> clauses_; ///< one of each statement
 };
 
 } // namespace

@@ -190,13 +190,16 @@ PlantFiles::PlantFiles(const std::string& modelPath, const ReadOptions& options,
 PlantFiles::PlantFiles(PlantFiles&&) noexcept = default;
 PlantFiles::~PlantFiles() = default;
 
-Reading PlantFiles::reading(const telemetry::Names& names) const
+Reading PlantFiles::reading(const plant::Model& model, const plant::Bindings& bindings) const
 {
     Reading reading = readingOf(content_->options);
+    // All names of a large plant, where they are needed.
+    std::optional<telemetry::Names> names;
+    if (!content_->files.empty()) names.emplace(model, bindings);
     for (auto& [file, renamings] : content_->files) {
         for (const Renaming& one : renamings) {
-            if (names.find(one.to) == telemetry::Names::none) {
-                text::Message what = names.unknown(one.to);
+            if (names->find(one.to) == telemetry::Names::none) {
+                text::Message what = names->unknown(one.to);
                 file.report(one.range, what.message, what.expected, what.hint);
             }
             reading.settings.renamed[one.from] = one.to;

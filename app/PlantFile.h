@@ -28,7 +28,7 @@ public:
 
     /// How telemetry is read, by the options and the files. Throws FileFailure, with the place, where a column would be called by a
     /// name that the model does not have; Failure for settings that do not go together.
-    Reading reading(const telemetry::Names& names) const;
+    Reading reading(const plant::Model& model, const plant::Bindings& bindings) const;
 
 private:
     struct Content;

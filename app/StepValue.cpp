@@ -26,18 +26,18 @@ std::optional<std::size_t> stepNumber(std::string_view text)
 // Why no mode variable has that name.
 text::Message noMode(const std::string& name, const Names& names)
 {
-    std::vector<std::string_view> modes;
+    std::vector<std::string> modes;
     for (const Variable& variable : names.variables()) {
-        if (variable.name == name) {
+        if (variable.name() == name) {
             return text::Message{text::quoted(name) + (variable.variable->type == "Command"
                                                            ? " is a command, no mode"
                                                            : " is a condition, no mode"),
                                  "a mode variable: what breaks is the mode of a component", ""};
         }
-        if (variable.variable->type == "Mode") modes.push_back(variable.name);
+        if (variable.variable->type == "Mode") modes.push_back(variable.name());
     }
     return text::Message{"no mode variable is called " + text::quoted(name), "COMPONENT.VARIABLE",
-                         text::didYouMean(name, modes)};
+                         text::didYouMean(name, {modes.begin(), modes.end()})};
 }
 
 const Variable& findVariable(const std::string& option, Expected expected, const std::string& name,
@@ -98,7 +98,7 @@ StepValue readStepValue(const std::string& option, Expected expected, const std:
             known.push_back(atom->value);
         }
         refuseValue(option, text::Message{fmt::format("{} is not a value of '{}'",
-                                                      text::quoted(value), variable.name),
+                                                      text::quoted(value), variable.name()),
                                           text::enumerated(known, known.size()),
                                           text::didYouMean(value, known)});
     }

@@ -25,7 +25,7 @@ public:
         std::map<plant::AtomIndex, std::size_t> observed; ///< steps by what was observed instead
     };
 
-    /// Takes the conflicts of a step that contradicts what was believed. Laws are taken apart by `lawOf`, which gives a clause the
+    /// Takes the conflicts of a step that contradicts what was believed. Laws are taken apart by `lawOf`, which gives a law the
     /// number of the statement that it comes from.
     template <typename LawOf>
     void take(const monitor::Contradiction& contradiction,
@@ -35,8 +35,7 @@ public:
         for (const monitor::CheckedConflict& one : conflicts) {
             for (const monitor::Inference& inference : one.conflict.inferences) {
                 if (!plant_.isLaw(inference.clause)) continue;
-                std::set<plant::AtomIndex>& observed =
-                    seen[lawOf(plant_.modelClause(inference.clause))];
+                std::set<plant::AtomIndex>& observed = seen[lawOf(plant_.lawOf(inference.clause))];
                 if (one.conflict.observed) observed.insert(*one.conflict.observed);
             }
         }

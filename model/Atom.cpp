@@ -10,6 +10,12 @@ Atom::Atom()
 {
 }
 
+Atom::Atom(WithoutContainers)
+    : outTransitions(nullptr), transitions(nullptr), clauses(nullptr), comps(nullptr),
+      label("unknown")
+{
+}
+
 Atom::~Atom()
 {
     delete outTransitions;

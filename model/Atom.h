@@ -4,6 +4,8 @@
 #include "model/StateVar.h"
 #include "model/keys.h"
 
+#include <cstdint>
+
 /// A value of a state variable. The model side creates and owns it, and keeps it alive for as long as
 /// anything refers to it: its identifier's characters are the key of every map that holds the atom or one
 /// of its elements.
@@ -26,9 +28,12 @@ public:
     unsigned int guardsNumber = 0; ///< guards that mention the atom, set by set-up
     bool deadEnd = false;          ///< nothing leaves this value on a command; set by set-up
     std::string label;             ///< the atom's own label: "true", "false" or "unknown"
+    std::uint32_t number = 0;      ///< whoever made the atom gave it
 
     /// Ensures: the containers are empty, the label is "unknown".
     Atom();
+    /// Ensures: the containers are null, the label is "unknown".
+    explicit Atom(WithoutContainers);
     /// Releases the containers, and nothing that they refer to.
     ~Atom();
     Atom(const Atom&) = delete;

@@ -5,4 +5,7 @@
 
 /// A command variable; its `type` is "Command". Being a StateVar, it stands in its component's `stateVars`
 /// as well as in its `commandVars`.
-class CommandVar : public StateVar {};
+class CommandVar : public StateVar {
+public:
+    using StateVar::StateVar;
+};

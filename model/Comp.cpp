@@ -47,6 +47,12 @@ Comp::Comp()
 {
 }
 
+Comp::Comp(WithoutContainers)
+    : stateVars(new std::vector<StateVar*>), transitions(nullptr),
+      importedComps(new std::vector<Comp*>), atoms(nullptr)
+{
+}
+
 Comp::~Comp()
 {
     delete commandVars;

@@ -18,6 +18,8 @@ public:
 
     /// Ensures: the containers are empty, `commandVars` is null.
     Comp();
+    /// Ensures: `stateVars` and `importedComps` are empty, the other containers are null.
+    explicit Comp(WithoutContainers);
     /// Releases the containers, `commandVars` included, and nothing that they refer to.
     ~Comp();
     Comp(const Comp&) = delete;

@@ -18,6 +18,8 @@ public:
 
     /// Ensures: a variable without values and clauses.
     StateVar() : atomLinks(new std::vector<Atom*>), clauses(new std::vector<Clause*>) {}
+    /// Ensures: a variable without values, whose `clauses` is null.
+    explicit StateVar(WithoutContainers) : atomLinks(new std::vector<Atom*>), clauses(nullptr) {}
     /// Releases the two vectors, not the atoms and clauses.
     ~StateVar()
     {

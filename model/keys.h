@@ -34,6 +34,9 @@ class StateVar;
 class TrajEl;
 class Transition;
 
+/// Asks a constructor for an object whose containers are null: whoever makes it puts them in before anything works on it.
+struct WithoutContainers {};
+
 /// Equality of two NUL-terminated texts, wherever they stand.
 struct eqstr {
     bool operator()(const char* a, const char* b) const { return std::strcmp(a, b) == 0; }

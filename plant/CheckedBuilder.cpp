@@ -14,8 +14,12 @@ CheckedBuilder::CheckedBuilder(std::string name, std::size_t mostDomainClauses)
 Comp* CheckedBuilder::component(const std::string& name, const PlaceHandle& at,
                                 const PlaceHandle& nameAt)
 {
-    const auto [first, isNew] = components_.try_emplace(name, at);
-    if (isNew) return builder_.component(name);
+    const auto first = components_.find(name);
+    if (first == components_.end()) {
+        Comp* made = builder_.component(name);
+        components_.emplace(made->name, at);
+        return made;
+    }
     reportTwice(nameAt, first->second, "the component " + text::quoted(name) + " is declared twice",
                 "a name that no other component has");
     return nullptr;
@@ -47,9 +51,8 @@ std::size_t CheckedBuilder::law(Comp* owner, const std::vector<ClauseLiterals>& 
         return 0;
     }
     return static_cast<std::size_t>(
-        std::count_if(clauses.begin(), clauses.end(), [&](const ClauseLiterals& clause) {
-            return builder_.law(owner, clause) != nullptr;
-        }));
+        std::count_if(clauses.begin(), clauses.end(),
+                      [&](const ClauseLiterals& clause) { return builder_.law(owner, clause); }));
 }
 
 std::size_t CheckedBuilder::change(const Change& change)
@@ -77,9 +80,14 @@ std::size_t CheckedBuilder::change(const Change& change)
 bool CheckedBuilder::bind(const StateVar* variable, ChannelBinding::Kind kind, bool input,
                           const PlaceHandle& at)
 {
-    const auto [entry, isNew] = bound_.try_emplace(variable, Bound{at, input});
-    if (isNew) return true;
-    const Bound& first = entry->second;
+    const std::uint32_t number = variable->atomLinks->front()->number;
+    if (number >= boundOf_.size()) boundOf_.resize(number + number / 2 + 1);
+    if (boundOf_[number] == 0) {
+        bound_.push_back({at, input});
+        boundOf_[number] = static_cast<std::uint32_t>(bound_.size());
+        return true;
+    }
+    const Bound& first = bound_[boundOf_[number] - 1];
     if (kind == ChannelBinding::Kind::command) {
         reportTwice(at, first.at, text::quoted(nameOf(*variable)) + " is bound twice",
                     "one channel for it");
@@ -89,6 +97,22 @@ bool CheckedBuilder::bind(const StateVar* variable, ChannelBinding::Kind kind, b
     reportTwice(at, first.at, text::quoted(nameOf(*variable)) + " is observed and an input",
                 "the same for all of its channels");
     return false;
+}
+
+Bindings CheckedBuilder::takeBindings()
+{
+    bindings_.channels.shrink_to_fit();
+    return std::move(bindings_);
+}
+
+// What was needed for checks only is given back before others need memory.
+std::unique_ptr<Model> CheckedBuilder::build()
+{
+    components_ = {};
+    boundOf_ = {};
+    bound_ = {};
+    measurable_ = {};
+    return builder_.build();
 }
 
 void CheckedBuilder::measurable(StateVar* variable, const PlaceHandle& at)

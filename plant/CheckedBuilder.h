@@ -16,9 +16,11 @@
 #include "plant/ModelBuilder.h"
 #include "plant/NormalForm.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -73,15 +75,17 @@ public:
     /// Requires: more than 0.
     void step(double seconds) { bindings_.stepSeconds = seconds; }
 
+    /// As ModelBuilder::atom.
+    Atom* atom(std::uint32_t number) const { return builder_.atom(number); }
     std::size_t variableCount() const { return variableCount_; }
     std::size_t transitionCount() const { return transitionCount_; }
 
     /// Hands the bindings over.
     /// Requires: nothing is bound afterwards.
-    Bindings takeBindings() { return std::move(bindings_); }
+    Bindings takeBindings();
     /// Hands the model over.
     /// Ensures: the builder is spent.
-    std::unique_ptr<Model> build() { return builder_.build(); }
+    std::unique_ptr<Model> build();
 
 private:
     ModelBuilder builder_;
@@ -90,12 +94,14 @@ private:
     std::size_t domainClauses_ = 0;
     std::size_t variableCount_ = 0;
     std::size_t transitionCount_ = 0;
-    std::unordered_map<std::string, PlaceHandle> components_;
+    std::unordered_map<std::string_view, PlaceHandle> components_; ///< by the components' own names
     struct Bound {
         PlaceHandle at;
         bool input = false;
     };
-    std::unordered_map<const StateVar*, Bound> bound_;
+    std::vector<std::uint32_t>
+        boundOf_; ///< by the number of a variable's first value: its place in `bound_`, plus 1
+    std::vector<Bound> bound_;
     std::unordered_map<const StateVar*, PlaceHandle> measurable_;
 };
 

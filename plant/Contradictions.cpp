@@ -6,11 +6,10 @@
 #include "text/Wording.h"
 
 #include <algorithm>
+#include <array>
 #include <numeric>
 #include <optional>
 #include <string>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace plant {
@@ -37,29 +36,31 @@ public:
     void find(const std::function<void(const Contradiction&)>& report) const;
 
 private:
-    static constexpr std::size_t domain = static_cast<std::size_t>(-1);
+    static constexpr std::uint32_t domain = static_cast<std::uint32_t>(-1);
     using Origins = std::vector<std::size_t>; // indices of laws, then of initial values
 
     std::optional<Origins> conflict(const Origins& within, std::size_t budget) const;
+    static void addDomain(const StateVar& variable, Satisfiability& solver);
+    static std::uint32_t originOf(std::size_t origin) { return static_cast<std::uint32_t>(origin); }
     Origins minimal(Origins core) const;
     Contradiction contradiction(const Origins& core) const;
-    bool isInitial(std::size_t origin) const { return origin >= model_.laws().size(); }
+    bool isInitial(std::size_t origin) const { return origin >= model_.lawCount(); }
 
     const Model& model_;
     const LawPlaces& written_;
     std::vector<const StateVar*> variables_;
-    std::vector<Atom*> initials_; // of modes and conditions
-    std::unordered_map<const Atom*, std::size_t> numbers_;
+    std::vector<Atom*> initials_;           // of modes and conditions
+    std::vector<std::uint32_t> variableOf_; // by the number of an atom: a place in `variables_`
 };
 
 Contradictions::Contradictions(const Model& model, const LawPlaces& written)
-    : model_(model), written_(written)
+    : model_(model), written_(written), variableOf_(model.atoms().size())
 {
-    for (const auto& atom : model.atoms()) {
-        numbers_.insert({atom.get(), numbers_.size()});
-    }
-    for (const auto& component : model.components()) {
+    for (const Comp* component : model.components()) {
         for (const StateVar* variable : *component->stateVars) {
+            for (const Atom* value : *variable->atomLinks) {
+                variableOf_[value->number] = static_cast<std::uint32_t>(variables_.size());
+            }
             variables_.push_back(variable);
             if (variable->type != "Command" && variable->initial) {
                 initials_.push_back(variable->initial);
@@ -70,7 +71,7 @@ Contradictions::Contradictions(const Model& model, const LawPlaces& written)
 
 void Contradictions::find(const std::function<void(const Contradiction&)>& report) const
 {
-    Origins all(model_.laws().size() + initials_.size());
+    Origins all(model_.lawCount() + initials_.size());
     std::iota(all.begin(), all.end(), std::size_t{0});
     for (std::size_t reported = 0; reported < mostReported; ++reported) {
         const auto core = conflict(all, mostConflicts);
@@ -91,39 +92,51 @@ void Contradictions::find(const std::function<void(const Contradiction&)>& repor
 std::optional<Contradictions::Origins> Contradictions::conflict(const Origins& within,
                                                                 std::size_t budget) const
 {
-    Satisfiability solver(numbers_.size());
-    std::vector<Satisfiability::Literal> literals;
-    const auto add = [&](const Clause& clause, std::size_t origin) {
-        literals.clear();
-        for (const auto& [negated, atom] : *clause.literals) {
-            literals.push_back(2 * numbers_.at(atom) + (negated ? 1U : 0U));
-        }
-        solver.add(literals, origin);
-    };
-    std::unordered_set<const StateVar*> needed;
+    Satisfiability solver(model_.atoms().size());
+    std::vector<SignedNumber> literals;
+    std::vector<bool> needed(variables_.size());
     for (const std::size_t origin : within) {
         if (isInitial(origin)) {
-            const Atom* initial = initials_[origin - model_.laws().size()];
-            solver.add({2 * numbers_.at(initial)}, origin);
-            needed.insert(initial->stateVar);
+            const Atom* initial = initials_[origin - model_.lawCount()];
+            solver.add(std::array{signedNumber(initial->number, false)}, originOf(origin));
+            needed[variableOf_[initial->number]] = true;
             continue;
         }
-        add(*model_.laws()[origin], origin);
-        for (const auto& [negated, atom] : *model_.laws()[origin]->literals) {
-            needed.insert(atom->stateVar);
+        const auto law = model_.signedLiteralsOf(origin);
+        literals.assign(law.begin(), law.end());
+        sortAsListed(literals);
+        solver.add(literals, originOf(origin));
+        for (const SignedNumber literal : literals) {
+            needed[variableOf_[literal / 2]] = true;
         }
     }
     // In the order of the model: what is found must not depend on addresses.
-    for (const StateVar* variable : variables_) {
-        if (!needed.contains(variable)) continue;
-        for (const Clause* clause : *variable->clauses) {
-            add(*clause, domain);
-        }
+    for (std::size_t i = 0; i < variables_.size(); ++i) {
+        if (needed[i]) addDomain(*variables_[i], solver);
     }
     if (solver.solve(budget) != Satisfiability::Answer::unsatisfiable) return std::nullopt;
-    Origins core = solver.core();
-    std::erase(core, domain);
+    Origins core;
+    for (const std::uint32_t origin : solver.core()) {
+        if (origin != domain) core.push_back(origin);
+    }
     return core;
+}
+
+// That the variable has exactly one value.
+void Contradictions::addDomain(const StateVar& variable, Satisfiability& solver)
+{
+    std::vector<SignedNumber> values;
+    for (const Atom* value : *variable.atomLinks) {
+        values.push_back(signedNumber(value->number, false));
+    }
+    std::vector<SignedNumber> some = values;
+    sortAsListed(some);
+    solver.add(some, domain);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        for (std::size_t j = i + 1; j < values.size(); ++j) {
+            solver.add(std::array{values[j] | 1U, values[i] | 1U}, domain); // as listed
+        }
+    }
 }
 
 // Initial values are tried first: laws that contradict each other anyway are reported without one.
@@ -144,7 +157,7 @@ Contradiction Contradictions::contradiction(const Origins& core) const
     Contradiction found;
     for (const std::size_t origin : core) {
         if (isInitial(origin)) {
-            found.initials.push_back(initials_[origin - model_.laws().size()]);
+            found.initials.push_back(initials_[origin - model_.lawCount()]);
         } else {
             found.laws.push_back(origin);
         }

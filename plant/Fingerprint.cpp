@@ -1,11 +1,11 @@
 #include "plant/Fingerprint.h"
 
-#include "model/StateFormula.h"
-#include "model/Transition.h"
 #include "text/Digest.h"
 
 #include <bit>
 #include <cstdint>
+#include <unordered_map>
+#include <vector>
 
 namespace plant {
 
@@ -65,18 +65,21 @@ void add(Hash& hash, const Plant& plant, const PlantVariable& variable)
     }
 }
 
-void add(Hash& hash, const Transition& transition)
+void addTransition(Hash& hash, const Model& model, std::size_t number)
 {
-    hash.add(transition.name);
-    if (transition.type == "Repair") hash.add(std::string_view("repair"));
-    hash.add(number(transition.idle ? 1 : 0));
-    hash.add(transition.atom->id);
-    hash.addProbability(transition.proba);
-    if (transition.guard && transition.guard->atoms) {
-        for (const auto& [polarity, atom] : *transition.guard->atoms) {
-            hash.add(number(polarity ? 1 : 0));
-            hash.add(atom->id);
-        }
+    const GivenTransition& given = model.transition(number);
+    const Atom& to = *model.atoms()[given.to];
+    hash.add(nameOf(given.kind, to));
+    if (given.kind == TransitionKind::repair) hash.add(std::string_view("repair"));
+    hash.add(std::uint64_t{given.kind == TransitionKind::idle ? 1U : 0U});
+    hash.add(to.id);
+    hash.addProbability(given.probability);
+    const auto precondition = model.signedPreconditionOf(number);
+    std::vector<SignedNumber> listed(precondition.begin(), precondition.end());
+    sortAsListed(listed);
+    for (const SignedNumber literal : listed) {
+        hash.add(std::uint64_t{literal & 1U});
+        hash.add(model.atoms()[literal / 2]->id);
     }
 }
 
@@ -146,6 +149,11 @@ void add(Hash& hash, const ChannelBinding& channel)
 std::string hashed(Hash hash, const Plant& plant, const Bindings& bindings)
 {
     hash.add(bindings.stepSeconds);
+    const Model& model = plant.model();
+    std::unordered_map<const Comp*, std::vector<std::size_t>> transitions;
+    for (std::size_t i = 0; i < model.transitionCount(); ++i) {
+        transitions[model.atoms()[model.transition(i).to]->getVarComp()].push_back(i);
+    }
     const Comp* comp = nullptr;
     for (const PlantVariable& variable : plant.variables()) {
         add(hash, plant, variable);
@@ -153,8 +161,8 @@ std::string hashed(Hash hash, const Plant& plant, const Bindings& bindings)
         hash.addProbability(lost == bindings.lost.end() ? 0.0 : lost->second);
         if (variable.variable->comp != comp) {
             comp = variable.variable->comp;
-            for (const Transition* transition : *comp->transitions) {
-                add(hash, *transition);
+            for (const std::size_t transition : transitions[comp]) {
+                addTransition(hash, model, transition);
             }
         }
     }

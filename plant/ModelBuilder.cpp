@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cassert>
-#include <cstdint>
-#include <utility>
 
 namespace plant {
 
@@ -21,23 +19,11 @@ const char* typeName(VariableKind kind)
 
 } // namespace
 
-std::size_t ModelBuilder::ClauseHash::operator()(const std::vector<std::uintptr_t>& key) const
-{
-    std::size_t hash = key.size();
-    for (const std::uintptr_t literal : key) {
-        hash = (hash ^ literal) * 0x9E3779B97F4A7C15U;
-        hash ^= hash >> 29U;
-    }
-    return hash;
-}
-
 ModelBuilder::ModelBuilder(std::string name) : model_(new Model(std::move(name))) {}
 
 Comp* ModelBuilder::component(const std::string& name)
 {
-    [[maybe_unused]] const bool isNew = componentNames_.insert(name).second;
-    assert(isNew);
-    Comp* made = model_->components_.emplace_back(std::make_unique<Comp>()).get();
+    Comp* made = model_->components_.make(WithoutContainers());
     made->name = name;
     made->altName = name;
     return made;
@@ -50,134 +36,96 @@ StateVar* ModelBuilder::variable(Comp* component, const std::string& name, Varia
     assert(!values.empty() && (!initial || *initial < values.size()));
     StateVar* made = nullptr;
     if (kind == VariableKind::command) {
-        CommandVar* command = model_->commands_.emplace_back(std::make_unique<CommandVar>()).get();
+        CommandVar* command = model_->commands_.make(WithoutContainers());
         if (!component->commandVars) {
             component->commandVars = new std::vector<CommandVar*>;
         }
         component->commandVars->push_back(command);
         made = command;
     } else {
-        made = model_->variables_.emplace_back(std::make_unique<StateVar>()).get();
+        made = model_->variables_.make(WithoutContainers());
     }
     made->type = typeName(kind);
     made->name = name;
     made->comp = component;
     component->stateVars->push_back(made);
-    std::vector<Literal> someValue;
+    made->atomLinks->reserve(values.size());
     for (const ValueDeclaration& declared : values) {
-        Atom* atom = model_->atoms_.emplace_back(std::make_unique<Atom>()).get();
-        // Set-up enters one component. A hundred buckets for it would be half of what a large plant takes.
-        delete std::exchange(atom->comps, new CompMap(1));
+        const auto number = static_cast<std::uint32_t>(model_->atoms_.size());
+        Atom* atom = model_->atoms_.make(WithoutContainers());
+        atom->number = number;
         atom->stateVar = made;
         atom->value = declared.name;
         atom->fail = declared.fault;
-        atom->id = component->name + "." + name + "=" + declared.name;
+        atom->id.reserve(component->name.size() + name.size() + declared.name.size() + 2);
+        atom->id.append(component->name).append(".").append(name).append("=").append(declared.name);
         made->atomLinks->push_back(atom);
-        (*component->atoms)[atom->getId()] = atom;
-        someValue.push_back({false, atom});
     }
     if (initial) {
         made->initial = (*made->atomLinks)[*initial];
     }
-    made->clauses->push_back(addClause(someValue));
-    for (std::size_t i = 0; i < someValue.size(); ++i) {
-        for (std::size_t j = i + 1; j < someValue.size(); ++j) {
-            made->clauses->push_back(
-                addClause({{true, someValue[i].atom}, {true, someValue[j].atom}}));
-        }
-    }
+    model_->domainClauses_ += 1 + values.size() * (values.size() - 1) / 2;
     return made;
 }
 
-// A literal's key is its atom's address, with the lowest bit for the sign: sorted, the literals of an atom are
-// neighbours.
-Clause* ModelBuilder::law(Comp* owner, const std::vector<Literal>& literals)
+// Sorted, the literals of an atom are neighbours.
+bool ModelBuilder::law(Comp* owner, const std::vector<Literal>& literals)
 {
-    const auto keyOf = [](const Literal& literal) {
-        return reinterpret_cast<std::uintptr_t>(literal.atom) | (literal.negated ? 1U : 0U);
+    const auto signedNumberOf = [](const Literal& literal) {
+        return signedNumber(literal.atom->number, literal.negated);
     };
-    std::vector<std::uintptr_t> key;
+    sorted_.clear();
     for (const Literal& literal : literals) {
-        key.push_back(keyOf(literal));
+        sorted_.push_back(signedNumberOf(literal));
     }
-    std::sort(key.begin(), key.end());
-    key.erase(std::unique(key.begin(), key.end()), key.end());
+    std::sort(sorted_.begin(), sorted_.end());
+    sorted_.erase(std::unique(sorted_.begin(), sorted_.end()), sorted_.end());
     const bool holdsAlways =
-        std::adjacent_find(key.begin(), key.end(), [](std::uintptr_t a, std::uintptr_t b) {
+        std::adjacent_find(sorted_.begin(), sorted_.end(), [](SignedNumber a, SignedNumber b) {
             return (a ^ b) == 1U;
-        }) != key.end();
-    if (holdsAlways) {
-        return nullptr;
+        }) != sorted_.end();
+    if (holdsAlways || !knownLaws_.add(sorted_)) {
+        return false;
     }
-    std::vector<Literal> kept = literals;
-    if (key.size() < literals.size()) {
-        std::unordered_set<std::uintptr_t> seen;
-        std::erase_if(kept,
-                      [&](const Literal& literal) { return !seen.insert(keyOf(literal)).second; });
+    std::unordered_set<SignedNumber> seen;
+    for (const Literal& literal : literals) {
+        const SignedNumber kept = signedNumberOf(literal);
+        if (sorted_.size() < literals.size() && !seen.insert(kept).second) continue;
+        model_->lawLiterals_.push(kept);
+        if (owner) import(owner, literal.atom->getVarComp());
     }
-    if (!knownLaws_.insert(std::move(key)).second) {
-        return nullptr;
-    }
-    Clause* clause = addClause(kept);
-    model_->laws_.push_back(clause);
+    model_->lawLiterals_.end();
     model_->lawOwners_.push_back(owner);
-    model_->lawLiterals_.add(kept);
-    if (owner) {
-        for (const Literal& literal : kept) {
-            import(owner, literal.atom->getVarComp());
-        }
-    }
-    return clause;
+    return true;
 }
 
-Transition* ModelBuilder::nominal(Atom* from, Atom* to,
-                                  const std::vector<std::pair<bool, Atom*>>& guard, double proba)
+void ModelBuilder::nominal(Atom* from, Atom* to, const std::vector<GuardLiteral>& guard,
+                           double proba)
 {
-    Transition* made = transition(from, to, guard, proba);
-    made->name = "Nominal";
-    made->type = "Nominal";
-    return made;
+    add(TransitionKind::nominal, from, to, proba, guard);
 }
 
-Transition* ModelBuilder::fault(Atom* from, Atom* to, double proba,
-                                const std::vector<std::pair<bool, Atom*>>& guard)
+void ModelBuilder::fault(Atom* from, Atom* to, double proba, const std::vector<GuardLiteral>& guard)
 {
-    Transition* made = transition(from, to, guard, proba);
-    made->name = to->value;
-    made->type = "Fail";
-    return made;
+    add(TransitionKind::fault, from, to, proba, guard);
 }
 
-Transition* ModelBuilder::repair(Atom* from, Atom* to, double proba,
-                                 const std::vector<std::pair<bool, Atom*>>& guard)
+void ModelBuilder::repair(Atom* from, Atom* to, double proba, const std::vector<GuardLiteral>& guard)
 {
-    Transition* made = transition(from, to, guard, proba);
-    made->name = "Repair";
-    made->type = "Repair";
-    return made;
+    add(TransitionKind::repair, from, to, proba, guard);
 }
 
-Transition* ModelBuilder::idle(Atom* at, double proba,
-                               const std::vector<std::pair<bool, Atom*>>& guard)
+void ModelBuilder::idle(Atom* at, double proba, const std::vector<GuardLiteral>& guard)
 {
-    Transition* made = transition(at, at, guard, proba);
-    made->name = "idle";
-    made->type = "Idle";
-    made->idle = true;
-    return made;
+    add(TransitionKind::idle, at, at, proba, guard);
 }
 
-Transition* ModelBuilder::alternative(const std::vector<std::pair<bool, Atom*>>& guard)
+void ModelBuilder::alternative(const std::vector<GuardLiteral>& guard)
 {
-    const Transition& last = *model_->transitions_.back();
-    const std::size_t change = model_->changes_.back();
-    Atom* from = model_->preconditions_[change].front().second;
-    Transition* made = transition(from, last.atom, guard, last.proba);
-    made->name = last.name;
-    made->type = last.type;
-    made->idle = last.idle;
-    model_->changes_.back() = change;
-    return made;
+    const GivenTransition last = model_->transitions_.back();
+    const SignedNumber from = model_->preconditions_[last.change].front();
+    add(last.kind, model_->atoms_[from / 2], model_->atoms_[last.to], last.probability, guard);
+    model_->transitions_.back().change = last.change;
 }
 
 void ModelBuilder::import(Comp* importer, Comp* imported)
@@ -189,50 +137,25 @@ void ModelBuilder::import(Comp* importer, Comp* imported)
 
 std::unique_ptr<Model> ModelBuilder::build()
 {
+    knownLaws_ = {};
+    knownImports_.clear();
+    model_->lawLiterals_.shrink();
+    model_->lawOwners_.shrink_to_fit();
+    model_->transitions_.shrink_to_fit();
+    model_->preconditions_.shrink();
     return std::move(model_);
 }
 
-Clause* ModelBuilder::addClause(const std::vector<Literal>& literals)
+void ModelBuilder::add(TransitionKind kind, Atom* from, Atom* to, double proba,
+                       const std::vector<GuardLiteral>& guard)
 {
-    Clause* clause = model_->clauses_.emplace_back(std::make_unique<Clause>()).get();
-    for (const Literal& literal : literals) {
-        clause->literals->insert({literal.negated, literal.atom});
-        literal.atom->clauses->push_back(clause);
+    const auto number = static_cast<std::uint32_t>(model_->transitions_.size());
+    model_->transitions_.push_back({proba, to->number, number, kind});
+    model_->preconditions_.push(signedNumber(from->number, true));
+    for (const auto& [holds, atom] : guard) {
+        model_->preconditions_.push(signedNumber(atom->number, holds));
     }
-    return clause;
-}
-
-StateFormula* ModelBuilder::formula(const std::vector<std::pair<bool, Atom*>>& atoms)
-{
-    StateFormula* made = model_->formulas_.emplace_back(std::make_unique<StateFormula>()).get();
-    made->op = "and";
-    made->atoms = new SignedAtoms;
-    for (const auto& [polarity, atom] : atoms) {
-        made->atoms->insert({polarity, atom});
-    }
-    return made;
-}
-
-// The guard holds the mode value that is left, too: together they are the transition's precondition.
-Transition* ModelBuilder::transition(Atom* from, Atom* to,
-                                     const std::vector<std::pair<bool, Atom*>>& guard, double proba)
-{
-    Transition* made = model_->transitions_.emplace_back(std::make_unique<Transition>()).get();
-    made->stateVar = to->stateVar;
-    made->atom = to;
-    made->proba = proba;
-    std::vector<std::pair<bool, Atom*>> precondition{{true, from}};
-    precondition.insert(precondition.end(), guard.begin(), guard.end());
-    made->guard = formula(precondition);
-    model_->preconditions_.add(precondition);
-    model_->changes_.push_back(model_->changes_.size());
-    made->formula = formula({{true, to}});
-    for (const auto& [polarity, atom] : precondition) {
-        atom->addRefTransPre(made);
-    }
-    to->transitions->push_back(made);
-    to->stateVar->comp->transitions->push_back(made);
-    return made;
+    model_->preconditions_.end();
 }
 
 } // namespace plant

@@ -50,8 +50,8 @@ StateVar* variableNamed(const Comp* component, std::string_view name)
 
 Names::Names(const Model& model)
 {
-    for (const auto& component : model.components()) {
-        add(component.get());
+    for (Comp* component : model.components()) {
+        add(component);
         for (StateVar* variable : *component->stateVars) {
             add(variable);
         }

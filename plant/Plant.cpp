@@ -2,74 +2,180 @@
 
 #include "model/keys.h"
 
+#include <utility>
+
 namespace plant {
 
-Plant::Plant(const Model& model)
+Plant::Plant(const Model& model) : model_(model)
 {
-    // The order in which Model::activate enters the components, and a hash map then lists them.
-    CompMap components;
-    for (const auto& component : model.components()) {
-        components[component->name.c_str()] = component.get();
-    }
-    for (const auto& [name, comp] : components) {
-        for (StateVar* variable : *comp->stateVars) {
-            addVariable(variable);
-        }
-    }
-    clausesOf_.resize(atoms_.size());
-    for (const PlantVariable& variable : variables_) {
-        for (const Clause* clause : *variable.variable->clauses) {
-            addClause(clause);
-        }
-    }
-    firstLaw_ = static_cast<ClauseIndex>(clauses_.size());
-    for (const Clause* clause : model.laws()) {
-        addClause(clause);
-    }
-    changesFrom_.resize(atoms_.size());
-    addChanges(model);
+    addVariables();
+    addClauses();
+    listClauses();
+    addChanges();
     addModes();
 }
 
-// A transition is an alternative of the change before it, or begins a new one.
-void Plant::addChanges(const Model& model)
+// The order in which Model::activate enters the components, and a hash map then lists them.
+void Plant::addVariables()
 {
-    std::unordered_map<std::size_t, std::size_t> placeOf; // of changes among those that leave the same value
-    for (std::size_t i = 0; i < model.transitions().size(); ++i) {
-        const Transition* transition = model.transitions()[i].get();
-        const auto precondition = model.preconditionOf(i);
-        const Atom* from = precondition.front().second;
-        if (transition->atom == from || transition->proba <= 0.0) {
-            continue;
+    CompMap components;
+    std::size_t variables = 0;
+    for (Comp* component : model_.components()) {
+        components[component->name.c_str()] = component;
+        variables += component->stateVars->size();
+    }
+    variables_.reserve(variables);
+    atoms_.reserve(model_.atoms().size());
+    variableOf_.reserve(model_.atoms().size());
+    indexOf_.resize(model_.atoms().size());
+    for (const auto& [name, component] : components) {
+        for (StateVar* variable : *component->stateVars) {
+            addVariable(variable);
         }
-        std::vector<PlantLiteral> guard;
-        bool possible = true;
-        for (const auto& [holds, atom] : precondition.subspan(1)) {
-            if (atom->stateVar == from->stateVar) {
-                possible = possible && holds == (atom == from);
-            } else {
-                guard.push_back({indexOf(atom), !holds});
+    }
+}
+
+void Plant::addVariable(StateVar* variable)
+{
+    const auto first = static_cast<AtomIndex>(atoms_.size());
+    for (Atom* atom : *variable->atomLinks) {
+        indexOf_[atom->number] = static_cast<AtomIndex>(atoms_.size());
+        variableOf_.push_back(static_cast<VariableIndex>(variables_.size()));
+        atoms_.push_back(atom);
+    }
+    variables_.push_back({variable,
+                          {first, static_cast<AtomIndex>(atoms_.size())},
+                          variable->type == "Mode",
+                          variable->type == "Command"});
+}
+
+// First those that make each variable have exactly one value: (v1 | v2 | ...) and (!vi | !vj) for each pair.
+void Plant::addClauses()
+{
+    std::size_t literals = 0;
+    for (const PlantVariable& variable : variables_) {
+        literals += variable.values.size() * variable.values.size();
+    }
+    firstLaw_ = static_cast<ClauseIndex>(model_.clauseCount() - model_.lawCount());
+    for (std::size_t law = 0; law < model_.lawCount(); ++law) {
+        literals += model_.signedLiteralsOf(law).size();
+    }
+    clauses_.reserve(model_.clauseCount(), literals);
+    std::vector<SignedNumber> clause;
+    for (const PlantVariable& variable : variables_) {
+        const std::vector<Atom*>& values = *variable.variable->atomLinks;
+        clause.clear();
+        for (const Atom* value : values) {
+            clause.push_back(signedNumber(value->number, false));
+        }
+        addClause(clause);
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            for (std::size_t j = i + 1; j < values.size(); ++j) {
+                clause = {signedNumber(values[i]->number, true),
+                          signedNumber(values[j]->number, true)};
+                addClause(clause);
             }
         }
-        if (!possible) {
-            continue;
-        }
-        std::vector<PlantChange>& changes = changesFrom_[static_cast<std::size_t>(indexOf(from))];
-        const auto [place, isNew] = placeOf.emplace(model.changeOf(i), changes.size());
-        if (isNew) {
-            changes.push_back({indexOf(transition->atom),
-                               transition->proba,
-                               transition->name == "Nominal" && !transition->idle,
-                               transition->type == "Repair",
-                               {}});
-        }
-        changes[place->second].alternatives.push_back({std::move(guard), transition});
     }
+    for (std::size_t law = 0; law < model_.lawCount(); ++law) {
+        const auto given = model_.signedLiteralsOf(law);
+        clause.assign(given.begin(), given.end());
+        addClause(clause);
+    }
+}
+
+// The literals are in the order in which the engine meets them.
+void Plant::addClause(std::vector<SignedNumber>& literals)
+{
+    if (literals.size() <= 1) {
+        unitClauses_.push_back(static_cast<ClauseIndex>(clauses_.size()));
+    }
+    sortAsListed(literals);
+    for (const SignedNumber literal : literals) {
+        clauses_.push({indexOf_[literal / 2], (literal & 1U) != 0});
+    }
+    clauses_.end();
+}
+
+void Plant::listClauses()
+{
+    std::vector<std::pair<std::uint32_t, ClauseIndex>> entries;
+    entries.reserve(clauses_.entries().size());
+    for (std::size_t i = 0; i < clauses_.size(); ++i) {
+        for (const PlantLiteral& literal : clauses_[i]) {
+            entries.emplace_back(static_cast<std::uint32_t>(literal.atom),
+                                 static_cast<ClauseIndex>(i));
+        }
+    }
+    clausesOf_ = ListSequence<ClauseIndex>::grouped(atoms_.size(), entries);
+}
+
+// Spans into the lists stay good: there is room for all that can be added.
+void Plant::addChanges()
+{
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> leaving;
+    std::size_t guards = 0;
+    for (std::uint32_t i = 0; i < model_.transitionCount(); ++i) {
+        const auto precondition = model_.signedPreconditionOf(i);
+        leaving.emplace_back(indexOf_[precondition.front() / 2], i);
+        guards += precondition.size() - 1;
+    }
+    const auto transitions = ListSequence<std::uint32_t>::grouped(atoms_.size(), leaving);
+    changesFrom_.reserve(atoms_.size(), leaving.size());
+    alternatives_.reserve(leaving.size());
+    guards_.reserve(guards);
+    for (std::size_t from = 0; from < atoms_.size(); ++from) {
+        std::size_t last = model_.transitionCount();
+        for (const std::uint32_t transition : transitions[from]) {
+            if (addChange(transition, model_.changeOf(transition) != last)) {
+                last = model_.changeOf(transition);
+            }
+        }
+        changesFrom_.end();
+    }
+    changesFrom_.shrink();
+}
+
+// A transition is an alternative of the change before it, or begins a new one. False where it can never happen.
+bool Plant::addChange(std::size_t transition, bool isNew)
+{
+    const GivenTransition& given = model_.transition(transition);
+    const auto precondition = model_.signedPreconditionOf(transition);
+    const std::uint32_t from = precondition.front() / 2;
+    if (given.to == from || given.probability <= 0.0) {
+        return false;
+    }
+    const std::size_t begin = guards_.size();
+    for (const SignedNumber literal : precondition.subspan(1)) {
+        const bool holds = (literal & 1U) != 0;
+        const AtomIndex atom = indexOf_[literal / 2];
+        if (variableOf(atom) != variableOf(indexOf_[from])) {
+            guards_.push_back({atom, !holds});
+        } else if (holds != (literal / 2 == from)) {
+            guards_.resize(begin);
+            return false;
+        }
+    }
+    if (isNew) {
+        // As for the engine, the name tells.
+        const bool isNominal = given.kind != TransitionKind::idle &&
+                               nameOf(given.kind, *model_.atoms()[given.to]) == "Nominal";
+        changesFrom_.push({indexOf_[given.to],
+                           given.probability,
+                           isNominal,
+                           given.kind == TransitionKind::repair,
+                           {alternatives_.data() + alternatives_.size(), 0}});
+    }
+    alternatives_.push_back({{guards_.data() + begin, guards_.size() - begin}});
+    PlantChange& change = changesFrom_.last();
+    change.alternatives = {change.alternatives.data(), change.alternatives.size() + 1};
+    return true;
 }
 
 void Plant::addModes()
 {
-    std::vector<std::vector<VariableIndex>> readers(atoms_.size());
+    std::vector<std::pair<std::uint32_t, VariableIndex>> readers; // by rising mode
+    std::vector<VariableIndex> lastReader(atoms_.size(), -1);
     modePlaces_.resize(variables_.size());
     for (std::size_t i = 0; i < variables_.size(); ++i) {
         const PlantVariable& variable = variables_[i];
@@ -77,61 +183,38 @@ void Plant::addModes()
             continue;
         }
         const auto mode = static_cast<VariableIndex>(i);
-        modePlaces_[i] = modes_.size();
+        modePlaces_[i] = static_cast<std::uint32_t>(modes_.size());
         modes_.push_back(mode);
         for (const AtomIndex value : variable.values) {
             for (const PlantChange& change : changesFrom(value)) {
                 for (const PlantChange::Alternative& alternative : change.alternatives) {
                     for (const PlantLiteral& literal : alternative.literals) {
-                        auto& of = readers[static_cast<std::size_t>(literal.atom)];
-                        if (of.empty() || of.back() != mode) {
-                            of.push_back(mode);
+                        const auto atom = static_cast<std::size_t>(literal.atom);
+                        if (std::exchange(lastReader[atom], mode) != mode) {
+                            readers.emplace_back(static_cast<std::uint32_t>(atom), mode);
                         }
                     }
                 }
             }
         }
     }
-    for (const std::vector<VariableIndex>& of : readers) {
-        modesReading_.add(of);
-    }
+    modesReading_ = ListSequence<VariableIndex>::grouped(atoms_.size(), readers);
 }
 
-void Plant::addVariable(StateVar* variable)
+const Clause* Plant::modelClause(ClauseIndex index) const
 {
-    const auto index = static_cast<VariableIndex>(variables_.size());
-    PlantVariable& added = variables_.emplace_back();
-    added.variable = variable;
-    added.isMode = variable->type == "Mode";
-    added.isCommand = variable->type == "Command";
-    for (Atom* atom : *variable->atomLinks) {
-        const auto number = static_cast<AtomIndex>(atoms_.size());
-        added.values.push_back(number);
-        atoms_.push_back(atom);
-        indexOf_.emplace(atom, number);
-        variableOf_.push_back(index);
+    if (isLaw(index)) return model_.laws()[lawOf(index)];
+    // The clauses of a variable follow one another.
+    const auto variableOfClause = [&](ClauseIndex clause) {
+        return variableOf(this->clause(clause).front().atom);
+    };
+    const VariableIndex owner = variableOfClause(index);
+    ClauseIndex first = index;
+    while (first > 0 && variableOfClause(first - 1) == owner) {
+        --first;
     }
-}
-
-void Plant::addClause(const Clause* clause)
-{
-    const auto number = static_cast<ClauseIndex>(clauses_.size());
-    if (!clauseIndexOf_.emplace(clause, number).second) {
-        return;
-    }
-    modelClauses_.push_back(clause);
-    if (clause->literals->size() <= 1) {
-        unitClauses_.push_back(number);
-    }
-    std::vector<PlantLiteral>& literals = clauses_.emplace_back();
-    for (const auto& [negated, atom] : *clause->literals) {
-        const AtomIndex index = indexOf_.at(atom);
-        literals.push_back({index, negated});
-        std::vector<ClauseIndex>& of = clausesOf_[static_cast<std::size_t>(index)];
-        if (of.empty() || of.back() != number) {
-            of.push_back(number);
-        }
-    }
+    model_.makeEngineObjects();
+    return (*variable(owner).variable->clauses)[static_cast<std::size_t>(index - first)];
 }
 
 } // namespace plant

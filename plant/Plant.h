@@ -7,11 +7,14 @@
 #include "model/Atom.h"
 #include "model/Clause.h"
 #include "model/Comp.h"
+#include "plant/ListSequence.h"
 #include "plant/Model.h"
 
+#include <compare>
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <span>
-#include <unordered_map>
 #include <vector>
 
 namespace plant {
@@ -30,21 +33,71 @@ struct PlantLiteral {
 struct PlantChange {
     /// It can happen where all of these literals hold; that its variable has the value that is left is understood.
     struct Alternative {
-        std::vector<PlantLiteral> literals;
-        const Transition* transition; ///< that was made of it
+        std::span<const PlantLiteral> literals;
     };
 
     AtomIndex to;
     double probability; ///< per step, above 0; counts once, however many alternatives hold
     bool nominal;
     bool repair; ///< something that was wrong is mended; never nominal
-    std::vector<Alternative> alternatives;
+    std::span<const Alternative> alternatives;
+};
+
+/// The numbers of a variable's values, which follow one another.
+class ValueRange {
+public:
+    class Iterator {
+    public:
+        using iterator_category = std::random_access_iterator_tag;
+        using value_type = AtomIndex;
+        using difference_type = std::ptrdiff_t;
+        using pointer = const AtomIndex*;
+        using reference = AtomIndex;
+
+        Iterator() = default;
+        explicit Iterator(AtomIndex value) : value_(value) {}
+        AtomIndex operator*() const { return value_; }
+        AtomIndex operator[](difference_type by) const { return *(*this + by); }
+        Iterator& operator++() { return *this += 1; }
+        Iterator operator++(int) { return Iterator(value_++); }
+        Iterator& operator--() { return *this += -1; }
+        Iterator operator--(int) { return Iterator(value_--); }
+        Iterator& operator+=(difference_type by)
+        {
+            value_ += static_cast<AtomIndex>(by);
+            return *this;
+        }
+        Iterator& operator-=(difference_type by) { return *this += -by; }
+        friend Iterator operator+(Iterator from, difference_type by) { return from += by; }
+        friend Iterator operator+(difference_type by, Iterator from) { return from += by; }
+        friend Iterator operator-(Iterator from, difference_type by) { return from -= by; }
+        friend difference_type operator-(Iterator a, Iterator b) { return a.value_ - b.value_; }
+        friend auto operator<=>(const Iterator&, const Iterator&) = default;
+
+    private:
+        AtomIndex value_ = 0;
+    };
+
+    ValueRange() = default;
+    ValueRange(AtomIndex first, AtomIndex end) : first_(first), end_(end) {}
+    Iterator begin() const { return Iterator(first_); }
+    Iterator end() const { return Iterator(end_); }
+    std::size_t size() const { return static_cast<std::size_t>(end_ - first_); }
+    bool empty() const { return first_ == end_; }
+    AtomIndex operator[](std::size_t place) const { return first_ + static_cast<AtomIndex>(place); }
+    AtomIndex front() const { return first_; }
+    AtomIndex back() const { return end_ - 1; }
+    std::vector<AtomIndex> toVector() const { return {begin(), end()}; }
+
+private:
+    AtomIndex first_ = 0;
+    AtomIndex end_ = 0;
 };
 
 /// A state variable of the plant.
 struct PlantVariable {
     StateVar* variable;
-    std::vector<AtomIndex> values; ///< in the order of `atomLinks`
+    ValueRange values; ///< in the order of `atomLinks`
     bool isMode;
     bool isCommand;
 };
@@ -55,11 +108,15 @@ class Plant {
 public:
     /// The model outlives the plant, and is not changed; it need not be active. Linear.
     explicit Plant(const Model& model);
+    Plant(const Plant&) = delete;
+    Plant& operator=(const Plant&) = delete;
+
+    const Model& model() const { return model_; }
 
     std::size_t atomCount() const { return atoms_.size(); }
     Atom* atom(AtomIndex index) const { return atoms_[static_cast<std::size_t>(index)]; }
     /// Requires an atom of the plant.
-    AtomIndex indexOf(const Atom* atom) const { return indexOf_.at(atom); }
+    AtomIndex indexOf(const Atom* atom) const { return indexOf_[atom->number]; }
 
     const std::vector<PlantVariable>& variables() const { return variables_; }
     const PlantVariable& variable(VariableIndex index) const
@@ -72,18 +129,21 @@ public:
     }
 
     std::size_t clauseCount() const { return clauses_.size(); }
-    const std::vector<PlantLiteral>& clause(ClauseIndex index) const
+    std::span<const PlantLiteral> clause(ClauseIndex index) const
     {
         return clauses_[static_cast<std::size_t>(index)];
     }
-    /// The object that the clause was made of.
-    const Clause* modelClause(ClauseIndex index) const
-    {
-        return modelClauses_[static_cast<std::size_t>(index)];
-    }
+    /// The engine's object of the clause. The first call makes those of the whole model.
+    const Clause* modelClause(ClauseIndex index) const;
     /// Whether it is one of the model-wide laws; the others make a variable have exactly one value.
     bool isLaw(ClauseIndex index) const { return index >= firstLaw_; }
-    const std::vector<ClauseIndex>& clausesOf(AtomIndex atom) const
+    /// The number of a law in the model. Requires: the clause is a law.
+    std::size_t lawOf(ClauseIndex index) const
+    {
+        return static_cast<std::size_t>(index - firstLaw_);
+    }
+    /// By rising index.
+    std::span<const ClauseIndex> clausesOf(AtomIndex atom) const
     {
         return clausesOf_[static_cast<std::size_t>(atom)];
     }
@@ -92,7 +152,7 @@ public:
 
     /// The changes that leave a mode value for another one, in the model's order. Those that can never happen (an alternative that
     /// wants another value of the variable, a probability of 0) are not among them.
-    const std::vector<PlantChange>& changesFrom(AtomIndex value) const
+    std::span<const PlantChange> changesFrom(AtomIndex value) const
     {
         return changesFrom_[static_cast<std::size_t>(value)];
     }
@@ -111,24 +171,29 @@ public:
     }
 
 private:
-    void addChanges(const Model& model);
-    void addModes();
+    void addVariables();
     void addVariable(StateVar* variable);
-    void addClause(const Clause* clause);
+    void addClauses();
+    void addClause(std::vector<SignedNumber>& literals);
+    void listClauses();
+    void addChanges();
+    bool addChange(std::size_t transition, bool isNew);
+    void addModes();
 
+    const Model& model_;
     std::vector<Atom*> atoms_;
-    std::unordered_map<const Atom*, AtomIndex> indexOf_;
+    std::vector<AtomIndex> indexOf_; ///< by the numbers of the model's atoms
     std::vector<PlantVariable> variables_;
     std::vector<VariableIndex> variableOf_;
-    std::vector<std::vector<PlantLiteral>> clauses_;
-    std::unordered_map<const Clause*, ClauseIndex> clauseIndexOf_;
-    std::vector<const Clause*> modelClauses_;
+    ListSequence<PlantLiteral> clauses_;
     ClauseIndex firstLaw_ = 0;
-    std::vector<std::vector<ClauseIndex>> clausesOf_;
+    ListSequence<ClauseIndex> clausesOf_;
     std::vector<ClauseIndex> unitClauses_;
-    std::vector<std::vector<PlantChange>> changesFrom_; ///< by the value that is left
+    ListSequence<PlantChange> changesFrom_; ///< by the value that is left
+    std::vector<PlantChange::Alternative> alternatives_;
+    std::vector<PlantLiteral> guards_;
     std::vector<VariableIndex> modes_;
-    std::vector<std::size_t> modePlaces_;      ///< by variable
+    std::vector<std::uint32_t> modePlaces_;    ///< by variable
     ListSequence<VariableIndex> modesReading_; ///< by atom
 };
 

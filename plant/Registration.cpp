@@ -6,12 +6,13 @@ namespace plant {
 
 void enter(const Model& model)
 {
+    model.makeEngineObjects();
     DataManager::model_name = model.name();
-    for (const auto& component : model.components()) {
-        (*DataManager::active_comps)[component->name.c_str()] = component.get();
+    for (Comp* component : model.components()) {
+        (*DataManager::active_comps)[component->name.c_str()] = component;
     }
-    for (const auto& atom : model.atoms()) {
-        (*DataManager::active_atoms)[atom->getId()] = atom.get();
+    for (Atom* atom : model.atoms()) {
+        (*DataManager::active_atoms)[atom->getId()] = atom;
     }
     *DataManager::cls = model.laws();
 }

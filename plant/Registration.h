@@ -5,7 +5,8 @@
 
 namespace plant {
 
-/// Enters a model in the registry that is in use. Requires: that is empty. The model outlives it. Linear.
+/// Enters a model in the registry that is in use. Requires: that is empty. The model outlives it. Makes its objects for
+/// the engine. Linear.
 void enter(const Model& model);
 
 } // namespace plant

@@ -7,6 +7,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <span>
 #include <vector>
 
 namespace plant {
@@ -14,7 +17,7 @@ namespace plant {
 class Satisfiability {
 public:
     /// 2 * variable, or 2 * variable + 1 for its negation.
-    using Literal = std::size_t;
+    using Literal = std::uint32_t;
     enum class Answer { satisfiable, unsatisfiable, unknown };
 
     explicit Satisfiability(std::size_t variables)
@@ -24,7 +27,11 @@ public:
 
     /// Adds a clause. `origin` stands for it in cores.
     /// Requires: literals of the variables that there are; solve() has not been called.
-    void add(const std::vector<Literal>& literals, std::size_t origin);
+    void add(std::span<const Literal> literals, std::uint32_t origin);
+    void add(std::initializer_list<Literal> literals, std::uint32_t origin)
+    {
+        add(std::span(literals.begin(), literals.size()), origin);
+    }
 
     /// Searches for values that satisfy all clauses.
     /// Requires: it is called once.
@@ -33,29 +40,39 @@ public:
 
     /// The origins, each once and in order, of clauses that cannot hold together. Not the fewest.
     /// Requires: solve() returned "unsatisfiable".
-    std::vector<std::size_t> core() const;
+    std::vector<std::uint32_t> core() const;
 
 private:
-    static constexpr std::size_t none = static_cast<std::size_t>(-1);
+    static constexpr std::uint32_t none = static_cast<std::uint32_t>(-1);
     enum Value : signed char { open, isTrue, isFalse };
 
     struct Clause {
-        std::vector<Literal> literals;
-        std::size_t origin;
+        std::uint32_t begin; ///< of its literals
+        std::uint32_t origin;
         bool blamed = false;
     };
+    /// The clauses that watch a literal, in a list. A watch is the number of its clause, doubled, plus 0 or 1.
+    struct Watchers {
+        std::uint32_t first = none;
+        std::uint32_t last = none;
+    };
 
+    std::span<Literal> literalsOf(std::size_t clause);
+    void watch(Literal literal, std::uint32_t watch);
     Value value(Literal literal) const;
-    void assign(Literal literal, std::size_t reason);
-    std::size_t propagate();
-    std::size_t propagate(Literal falsified);
-    void blame(std::size_t clause);
+    void assign(Literal literal, std::uint32_t reason);
+    std::uint32_t propagate();
+    std::uint32_t propagate(Literal falsified);
+    bool watchAnother(std::uint32_t watch, Literal falsified);
+    void blame(std::uint32_t clause);
     bool turnBack();
 
     std::vector<Clause> clauses_;
+    std::vector<Literal> literals_; ///< clause after clause
     std::vector<Value> values_;
-    std::vector<std::size_t> reasons_;
-    std::vector<std::vector<std::size_t>> watchers_; ///< by literal: the clauses that watch it
+    std::vector<std::uint32_t> reasons_;
+    std::vector<Watchers> watchers_;   ///< by literal
+    std::vector<std::uint32_t> after_; ///< by watch: the next one of the literal
     std::vector<Literal> trail_;
     std::vector<std::size_t> decisions_; ///< places in the trail that are still to be tried the other way
     std::size_t propagated_ = 0;

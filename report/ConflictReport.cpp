@@ -1,7 +1,5 @@
 #include "report/ConflictReport.h"
 
-#include "model/StateFormula.h"
-#include "model/Transition.h"
 #include "plant/Names.h"
 
 #include <algorithm>
@@ -12,11 +10,16 @@ namespace {
 
 using plant::Plant;
 
-std::string clauseText(const Clause& clause)
+// The literals are in the order in which the engine meets them.
+std::string clauseText(const plant::Model& model, std::size_t law)
 {
+    const auto given = model.signedLiteralsOf(law);
+    std::vector<plant::SignedNumber> literals(given.begin(), given.end());
+    plant::sortAsListed(literals);
     std::string text;
-    for (const auto& [negated, atom] : *clause.literals) {
-        text += (text.empty() ? "" : " | ") + std::string(negated ? "!" : "") + atom->id;
+    for (const plant::SignedNumber literal : literals) {
+        text += (text.empty() ? "" : " | ") + std::string((literal & 1U) != 0 ? "!" : "") +
+                model.atoms()[literal / 2]->id;
     }
     return text;
 }
@@ -40,7 +43,7 @@ ExplainedMode modeReport(const Plant& plant, const monitor::Hypothesis& believed
 AppliedLaw lawReport(const Plant& plant, const ModelNames& names,
                      const monitor::Inference& inference)
 {
-    AppliedLaw law = names.law(plant.modelClause(inference.clause));
+    AppliedLaw law = names.law(plant.lawOf(inference.clause));
     if (inference.gives) {
         const Atom& atom = *plant.atom(inference.gives->atom);
         const std::vector<Atom*>& values = *atom.stateVar->atomLinks;
@@ -57,22 +60,13 @@ AppliedLaw lawReport(const Plant& plant, const ModelNames& names,
 
 } // namespace
 
-ModelNames::ModelNames(const language::ReadResult& model) : model_(model)
-{
-    const std::vector<Clause*>& laws = model.model->laws();
-    for (std::size_t i = 0; i < std::min(laws.size(), model.lawPlaces.size()); ++i) {
-        lawNumbers_.emplace(laws[i], i);
-    }
-}
-
-AppliedLaw ModelNames::law(const Clause* clause) const
+AppliedLaw ModelNames::law(std::size_t number) const
 {
     AppliedLaw law;
-    law.clause = clauseText(*clause);
+    law.clause = clauseText(*model_.model, number);
     law.text = law.clause;
-    const auto number = lawNumbers_.find(clause);
-    if (number != lawNumbers_.end()) {
-        const language::LawPlace& place = model_.lawPlaces[number->second];
+    if (number < model_.lawPlaces.size()) {
+        const language::LawPlace& place = model_.lawPlaces[number];
         if (place.line > 0) {
             law.file = model_.files[place.file];
             law.line = place.line;
@@ -108,11 +102,10 @@ GivenValue ModelNames::command(const Atom& value) const
 std::vector<plant::AtomIndex> commandsFor(const Plant& plant, const monitor::AssumedMode& mode)
 {
     std::vector<plant::AtomIndex> commands;
-    if (mode.followed && mode.followed->guard && mode.followed->guard->atoms) {
-        for (const auto& [holds, atom] : *mode.followed->guard->atoms) {
-            const plant::AtomIndex index = plant.indexOf(atom);
-            if (holds && plant.variable(plant.variableOf(index)).isCommand) {
-                commands.push_back(index);
+    if (mode.followed) {
+        for (const plant::PlantLiteral& literal : mode.followed->literals) {
+            if (!literal.negated && plant.variable(plant.variableOf(literal.atom)).isCommand) {
+                commands.push_back(literal.atom);
             }
         }
     }

@@ -7,7 +7,6 @@
 
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace report {
@@ -62,11 +61,11 @@ struct ExplainedConflict {
 /// Where laws and channels were declared.
 class ModelNames {
 public:
-    /// Requires: the model was read without errors, and outlives this. Linear in its laws.
-    explicit ModelNames(const language::ReadResult& model);
+    /// Requires: the model was read without errors, and outlives this.
+    explicit ModelNames(const language::ReadResult& model) : model_(model) {}
 
-    /// Text and place; what followed is left to the caller.
-    AppliedLaw law(const Clause* clause) const;
+    /// Text and place of a law by its number in the model; what followed is left to the caller.
+    AppliedLaw law(std::size_t number) const;
     GivenValue observation(const Atom& value) const;
     GivenValue command(const Atom& value) const;
 
@@ -74,7 +73,6 @@ private:
     GivenValue given(const Atom& value, plant::ChannelBinding::Kind kind) const;
 
     const language::ReadResult& model_;
-    std::unordered_map<const Clause*, std::size_t> lawNumbers_;
 };
 
 /// The conflict of a contradiction; its number is left to the caller.

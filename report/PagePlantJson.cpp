@@ -105,7 +105,7 @@ std::string pagePlantJson(const language::ReadResult& model, const plant::Plant&
     const PlantOutline outline = outlineOf(model);
     std::unordered_map<const Comp*, std::size_t> components;
     for (const auto& component : model.model->components()) {
-        components.emplace(component.get(), components.size());
+        components.emplace(component, components.size());
     }
     std::unordered_map<const StateVar*, std::size_t> variableNumbers;
     Json variables = Json::array();

@@ -55,7 +55,7 @@ PageStory::PageStory(const plant::Plant& plant, const language::ReadResult& mode
 {
     for (const auto& component : model.model->components()) {
         const auto number = static_cast<std::uint32_t>(componentNumbers_.size());
-        componentNumbers_.emplace(component.get(), number);
+        componentNumbers_.emplace(component, number);
         componentsByName_.emplace(component->name, number);
     }
     for (std::size_t i = 0; i < plant.variables().size(); ++i) {

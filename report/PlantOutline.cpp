@@ -18,14 +18,14 @@ public:
     explicit Outlining(const language::ReadResult& model) : model_(*model.model), names_(model)
     {
         for (const auto& component : model_.components()) {
-            numbers_.emplace(component.get(), static_cast<std::uint32_t>(numbers_.size()));
+            numbers_.emplace(component, static_cast<std::uint32_t>(numbers_.size()));
             outline_.components.push_back(component->name);
         }
     }
 
     PlantOutline outline()
     {
-        for (std::size_t law = 0; law < model_.laws().size(); ++law) {
+        for (std::size_t law = 0; law < model_.lawCount(); ++law) {
             ComponentSet components = componentsOf(law);
             const std::uint32_t statement = statementOf(law);
             ComponentSet& all = outline_.laws[statement].components;
@@ -60,7 +60,7 @@ private:
 
     std::uint32_t statementOf(std::size_t law)
     {
-        AppliedLaw written = names_.law(model_.laws()[law]);
+        AppliedLaw written = names_.law(law);
         auto key = std::tuple(written.file, written.line, written.column, written.text);
         const auto next = static_cast<std::uint32_t>(outline_.laws.size());
         const auto [found, isNew] = statements_.emplace(std::move(key), next);

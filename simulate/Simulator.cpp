@@ -66,7 +66,7 @@ bool settle(const plant::Plant& plant, plant::VariableIndex variable,
     const auto isKnown = [&](plant::VariableIndex one) {
         return labels.valueOf(plant.variable(one)).has_value();
     };
-    const std::vector<plant::AtomIndex>& values = plant.variable(variable).values;
+    const std::vector<plant::AtomIndex> values = plant.variable(variable).values.toVector();
     const std::size_t mark = labels.mark();
     bool measured = false;
     for (auto value = values.rbegin(); value != values.rend(); ++value) {
@@ -86,7 +86,7 @@ std::vector<bool> determinedByAMode(const plant::Plant& plant)
 {
     std::vector<bool> determined(plant.variables().size(), false);
     for (std::size_t i = 0; i < plant.clauseCount(); ++i) {
-        const std::vector<plant::PlantLiteral>& literals =
+        const std::span<const plant::PlantLiteral> literals =
             plant.clause(static_cast<plant::ClauseIndex>(i));
         if (literals.size() != 2) {
             continue;
@@ -339,7 +339,7 @@ std::vector<plant::AtomIndex> Simulator::valuesToTry(plant::VariableIndex variab
 {
     const auto index = static_cast<std::size_t>(variable);
     const auto last = labels_->valueOf(plant_.variable(variable));
-    std::vector<plant::AtomIndex> values = plant_.variable(variable).values;
+    std::vector<plant::AtomIndex> values = plant_.variable(variable).values.toVector();
     if (chance_ && varies_[index] && last && !wanted) {
         values = chance_->shuffled(std::move(values));
         const auto place = std::find(values.begin(), values.end(), *last);
@@ -368,7 +368,7 @@ void Simulator::read(Trial& trial)
         const auto index = static_cast<std::size_t>(variable);
         plant::AtomIndex value = trial.step.values[index];
         if (chance_ && misread_[index] > 0.0 && chance_->happens(misread_[index])) {
-            const std::vector<plant::AtomIndex>& values = plant_.variable(variable).values;
+            const plant::ValueRange values = plant_.variable(variable).values;
             value = values[chance_->below(values.size())];
             trial.step.misread.push_back(variable);
         }

@@ -144,10 +144,11 @@ CsvSteps::Problem CsvSteps::readColumns()
         }
     }
     if (!unknown.empty() && unknown.size() + 1 == cells.size()) {
-        return records_.errorAtCell({"the model knows no column of this header",
-                                     "names of channels, or COMPONENT.VARIABLE",
-                                     text::didYouMean(unknown.front(), builder_.names().texts())},
-                                    timeColumn_ == 0 ? 1 : 0);
+        const std::vector<std::string> known = builder_.names().texts();
+        return records_.errorAtCell(
+            {"the model knows no column of this header", "names of channels, or COMPONENT.VARIABLE",
+             text::didYouMean(unknown.front(), {known.begin(), known.end()})},
+            timeColumn_ == 0 ? 1 : 0);
     }
     builder_.notes().passOverColumns(unknown, header, builder_.names());
     return std::nullopt;

@@ -179,7 +179,7 @@ void LateReadings::save(ReaderState& state) const
     for (const Late& late : late_) {
         const Variable& variable = names_.variables()[late.variable];
         if (late.pending.value) {
-            state.pending.push_back({variable.name, variable.bindingNumber,
+            state.pending.push_back({variable.name(), variable.bindingNumber,
                                      late.pending.value->value, late.pending.since, late.pending.t});
         }
     }
@@ -199,7 +199,7 @@ void LateReadings::restore(const ReaderState& state)
     for (const ReaderState::Pending& one : state.pending) {
         const auto late = std::find_if(late_.begin(), late_.end(), [&](const Late& known) {
             const Variable& variable = names_.variables()[known.variable];
-            return variable.name == one.variable && variable.bindingNumber == one.binding;
+            return variable.name() == one.variable && variable.bindingNumber == one.binding;
         });
         Atom* value = late == late_.end()
                           ? nullptr

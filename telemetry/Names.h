@@ -2,6 +2,7 @@
 #pragma once
 
 #include "plant/Bindings.h"
+#include "plant/ListSequence.h"
 #include "plant/Model.h"
 #include "text/Diagnostic.h"
 
@@ -9,9 +10,11 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace telemetry {
@@ -21,19 +24,20 @@ enum class Side { observation, command };
 /// A variable of the model.
 struct Variable {
     StateVar* variable = nullptr;
-    std::string name; ///< COMPONENT.VARIABLE
     const plant::ChannelBinding* binding = nullptr;
-    std::size_t bindingNumber = 0; ///< which of the variable's channels, from 0
+    std::uint32_t bindingNumber = 0; ///< which of the variable's channels, from 0
+
+    std::string name() const; ///< COMPONENT.VARIABLE
 };
 
 /// What a name stands for. One channel may be bound to several variables.
 struct Name {
-    std::vector<std::uint32_t> observed; ///< indices of variables
-    std::vector<std::uint32_t> commanded;
+    std::span<const std::uint32_t> observed; ///< indices of variables
+    std::span<const std::uint32_t> commanded;
     bool isChannel = false;
     std::optional<std::uint32_t> operand = {}; ///< of what is computed: its number among the operands
 
-    const std::vector<std::uint32_t>& on(Side side) const
+    std::span<const std::uint32_t> on(Side side) const
     {
         return side == Side::observation ? observed : commanded;
     }
@@ -57,22 +61,22 @@ public:
 
     /// The index of a name, or `none`. Constant time.
     std::uint32_t find(std::string_view name) const;
-    const Name& operator[](std::uint32_t index) const { return names_[index]; }
+    Name operator[](std::uint32_t index) const;
     /// Whether the name stands for nothing on that side, and for no operand.
     bool isUnknown(std::uint32_t index, Side side) const
     {
-        return index == none || (names_[index].on(side).empty() && !names_[index].operand);
+        return index == none || ((*this)[index].on(side).empty() && !(*this)[index].operand);
     }
     /// The channels from which something is computed, or for which something waits, by their numbers.
     const std::vector<std::string>& operands() const { return operands_; }
     /// The number of one of them.
     std::uint32_t operandNumber(const std::string& channel) const
     {
-        return *names_[indices_.find(channel)->second].operand;
+        return *(*this)[find(channel)].operand;
     }
     std::size_t size() const { return names_.size(); }
-    /// The names themselves, by index.
-    const std::vector<std::string_view>& texts() const { return texts_; }
+    /// The names themselves, by index. Linear.
+    std::vector<std::string> texts() const;
     static constexpr std::uint32_t none = UINT32_MAX;
 
     /// Why a name stands for nothing on that side. Linear in the names.
@@ -82,27 +86,36 @@ public:
     text::Message unknown(std::string_view name) const;
 
 private:
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const
-        {
-            return std::hash<std::string_view>()(text);
-        }
+    // The text of a name stands where it was given, or follows from the names of its component and variable.
+    enum class Origin : std::uint8_t { channel, variable, dottedVariable, operand };
+    struct Entry {
+        std::uint32_t of; ///< variable or operand
+        Origin origin;
+        bool isChannel; ///< of a variable, or of nothing but what is computed
     };
+    using Meanings = std::vector<std::pair<std::uint32_t, std::uint32_t>>; ///< names, and a variable
 
-    void addVariable(StateVar* variable, const plant::ChannelBinding* binding);
-    void addName(const std::string& name, std::uint32_t variable, bool isChannel);
+    void addVariables(const plant::Model& model, const plant::Bindings& bindings);
+    void addNames();
+    void addName(const Entry& entry, Meanings& observed, Meanings& commanded);
     void addOperands(const plant::Bindings& bindings);
     void addOperand(const std::string& channel);
+    std::pair<std::uint32_t, bool> enter(const Entry& entry);
+    std::size_t placeOf(std::string_view text) const;
+    void grow();
+    bool is(const Entry& entry, std::string_view text) const;
+    void appendText(const Entry& entry, std::string& text) const;
     std::string hint(std::string_view name, bool observed, bool commanded) const;
 
     std::vector<Variable> variables_;
     std::size_t observedCount_ = 0;
-    std::unordered_map<const StateVar*, std::size_t> bindingNumbers_; // how many there are so far
-    std::vector<Name> names_;
+    std::vector<Entry> names_;
+    plant::ListSequence<std::uint32_t> observed_; ///< by name; operands that are nothing else have no list
+    plant::ListSequence<std::uint32_t> commanded_;
     std::vector<std::string> operands_;
-    std::vector<std::string_view> texts_; // of the names
-    std::unordered_map<std::string, std::uint32_t, Hash, std::equal_to<>> indices_;
+    std::unordered_map<std::uint32_t, std::uint32_t> operandOf_; ///< by name
+    std::vector<std::uint32_t> table_; ///< of names, with linear probing; a power of two, half empty
+    std::map<std::string, std::uint32_t, std::less<>> renamed_;
 };
 
 } // namespace telemetry

@@ -44,7 +44,8 @@ void ReadNotes::passOverColumns(const std::vector<std::string_view>& unknown,
     if (unknown.empty()) return;
     const std::unordered_set<std::string_view> there(header.begin(), header.end());
     std::vector<std::string_view> missing;
-    for (const std::string_view name : names.texts()) {
+    const std::vector<std::string> known = names.texts();
+    for (const std::string_view name : known) {
         if (!there.contains(name)) missing.push_back(name);
     }
     for (const std::string_view name : unknown) {
@@ -66,7 +67,8 @@ void ReadNotes::passOverKey(std::string_view key, const Names& names)
         return;
     }
     keys_.emplace(key);
-    const std::string hint = text::didYouMean(key, names.texts());
+    const std::vector<std::string> known = names.texts();
+    const std::string hint = text::didYouMean(key, {known.begin(), known.end()});
     if (!hint.empty())
         found_.push_back(note(fmt::format("{} is not known", text::quoted(key)), hint));
 }

@@ -90,14 +90,14 @@ std::optional<text::Message> StepBuilder::addOperand(const Name& meant, std::uin
 std::optional<text::Message> StepBuilder::add(std::uint32_t name, std::string_view text, Side side,
                                               const Reading& reading)
 {
-    const std::vector<std::uint32_t>& meant = names_[name].on(side);
+    const std::span<const std::uint32_t> meant = names_[name].on(side);
     values_.clear();
     given_.clear();
     bool unreadable = false;
     const auto contradicts = [](const Variable& variable, const std::string& before,
                                 const std::string& now) {
         return text::Message{
-            fmt::format("'{}' is both {} and {} in this step", variable.name, before, now),
+            fmt::format("'{}' is both {} and {} in this step", variable.name(), before, now),
             "readings that say the same", ""};
     };
     for (const std::uint32_t index : meant) {
@@ -225,7 +225,7 @@ void StepBuilder::join(Observed& observed)
             if (before.held) before = observation;
         } else if (before.value != observation.value) {
             contradicted.push_back(entry->second);
-            notes_.contradict(names_.variables()[variable].name, before.value->value,
+            notes_.contradict(names_.variables()[variable].name(), before.value->value,
                               observation.value->value);
         }
     }
@@ -265,7 +265,7 @@ ReaderState StepBuilder::state() const
     state.t = time_;
     for (std::size_t i = 0; i < last_.size(); ++i) {
         if (last_[i].value)
-            state.last.push_back({names_.variables()[i].name, last_[i].value->value, last_[i].t,
+            state.last.push_back({names_.variables()[i].name(), last_[i].value->value, last_[i].t,
                                   names_.variables()[i].bindingNumber});
     }
     late_.save(state);
@@ -274,12 +274,10 @@ ReaderState StepBuilder::state() const
 
 void StepBuilder::restore(const ReaderState& state)
 {
-    std::map<std::pair<std::string_view, std::size_t>, std::uint32_t> bound;
+    std::map<std::pair<std::string, std::size_t>, std::uint32_t> bound;
     for (std::uint32_t i = 0; i < names_.variables().size(); ++i) {
         const Variable& variable = names_.variables()[i];
-        if (variable.binding)
-            bound.emplace(
-                std::pair<std::string_view, std::size_t>(variable.name, variable.bindingNumber), i);
+        if (variable.binding) bound.emplace(std::pair(variable.name(), variable.bindingNumber), i);
     }
     std::vector<Last> restored(last_.size());
     for (const ReaderState::Last& last : state.last) {

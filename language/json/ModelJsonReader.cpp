@@ -56,7 +56,7 @@ public:
         if (!report.failed() && result_.model->atoms().empty()) {
             root["components"].error("the model has no variables", "components with variables");
         }
-        if (!report.failed() && !result_.model->laws().empty()) findContradictions(root["laws"]);
+        if (!report.failed() && result_.model->lawCount() > 0) findContradictions(root["laws"]);
         measure();
     }
 
@@ -170,7 +170,7 @@ private:
         result_.size.components = result_.model->components().size();
         result_.size.variables = builder_.variableCount();
         result_.size.atoms = result_.model->atoms().size();
-        result_.size.laws = result_.model->laws().size();
+        result_.size.laws = result_.model->lawCount();
         result_.size.clauses = result_.model->clauseCount();
         result_.size.transitions = builder_.transitionCount();
     }

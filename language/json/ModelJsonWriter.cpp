@@ -67,23 +67,32 @@ ordered_json lawJson(const ReadResult& read, std::size_t law)
     return made;
 }
 
+const char* kindOf(plant::TransitionKind kind)
+{
+    switch (kind) {
+    case plant::TransitionKind::nominal: return "nominal";
+    case plant::TransitionKind::fault: return "fault";
+    case plant::TransitionKind::repair: return "repair";
+    case plant::TransitionKind::idle: break;
+    }
+    return "idle";
+}
+
 ordered_json transitionJson(const plant::Model& model, std::size_t index)
 {
-    const Transition& transition = *model.transitions()[index];
+    const plant::GivenTransition& transition = model.transition(index);
+    const Atom& to = *model.atoms()[transition.to];
     const auto precondition = model.preconditionOf(index);
     ordered_json guard = ordered_json::array();
-    for (const auto& [holds, atom] : precondition.subspan(1)) {
-        guard.push_back((holds ? "" : "!") + atom->id);
+    for (std::size_t i = 1; i < precondition.size(); ++i) {
+        guard.push_back((precondition[i].first ? "" : "!") + precondition[i].second->id);
     }
-    return {{"kind", transition.idle               ? "idle"
-                     : transition.type == "Fail"   ? "fault"
-                     : transition.type == "Repair" ? "repair"
-                                                   : "nominal"},
-            {"name", transition.name},
+    return {{"kind", kindOf(transition.kind)},
+            {"name", plant::nameOf(transition.kind, to)},
             {"from", precondition.front().second->id},
-            {"to", transition.atom->id},
+            {"to", to.id},
             {"guard", std::move(guard)},
-            {"probability", transition.proba}};
+            {"probability", transition.probability}};
 }
 
 ordered_json jsonOf(const plant::ThresholdTable& table)
@@ -182,8 +191,8 @@ std::string modelJson(const ReadResult& read)
     text += ",\n \"files\": " + dumped(read.files);
     addList(text, "components", model.components().size(),
             [&](std::size_t i) { return jsonOf(*model.components()[i], bindings); });
-    addList(text, "laws", model.laws().size(), [&](std::size_t i) { return lawJson(read, i); });
-    addList(text, "transitions", model.transitions().size(),
+    addList(text, "laws", model.lawCount(), [&](std::size_t i) { return lawJson(read, i); });
+    addList(text, "transitions", model.transitionCount(),
             [&](std::size_t i) { return transitionJson(model, i); });
     addList(text, "channels", bindings.channels.size(),
             [&](std::size_t i) { return jsonOf(bindings.channels[i]); });

@@ -256,13 +256,14 @@ void Elaboration::makeVariables(Instance& instance)
             builder_.component(type.system ? std::string(type.name) : instance.path, at, at);
     }
     const Environment environment = environmentOf(instance);
+    instance.variables.reserve(type.variables.size());
     for (std::size_t i = 0; i < type.variables.size(); ++i) {
         const VariableType& variable = type.variables[i];
         const std::size_t count = variable.values.size();
         instance.variables.push_back(nullptr);
         if (count == 0) continue;
-        std::vector<plant::ValueDeclaration> values;
-        for (std::size_t v = 0; v < count; ++v) {
+        std::vector<plant::ValueDeclaration>& values = declared_[&variable];
+        for (std::size_t v = values.size(); v < count; ++v) {
             values.push_back({std::string(variable.values[v]), variable.isFault(v)});
         }
         StateVar* made = builder_.variable(

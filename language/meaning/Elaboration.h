@@ -14,6 +14,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace language {
@@ -99,6 +100,7 @@ private:
     plant::CheckedBuilder& builder_;
     ExpansionLimits limits_;
     std::unique_ptr<Instance> root_;
+    std::unordered_map<const VariableType*, std::vector<plant::ValueDeclaration>> declared_;
     std::size_t components_ = 0;
     std::size_t repetitions_ = 0;
     std::uint64_t bytes_ = 0; ///< that the parts take which are made

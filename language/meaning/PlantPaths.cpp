@@ -24,7 +24,7 @@ PlantPaths::PlantPaths(const plant::Model& model, const std::string& system) : s
 {
     for (const auto& component : model.components()) {
         if (component->name == system) {
-            root_.component = component.get();
+            root_.component = component;
             continue;
         }
         Part* part = &root_;
@@ -33,7 +33,7 @@ PlantPaths::PlantPaths(const plant::Model& model, const std::string& system) : s
             part = &makePart(*part, component->name.substr(begin, end - begin));
             begin = end == std::string::npos ? end : end + 1;
         }
-        part->component = component.get();
+        part->component = component;
     }
 }
 

@@ -1,6 +1,7 @@
 #include "language/meaning/TransitionBuilder.h"
 
 #include "language/meaning/FormulaTranslator.h"
+#include "language/meaning/OwnVariables.h"
 #include "plant/TransitionRules.h"
 #include "text/Wording.h"
 
@@ -24,7 +25,60 @@ bool isAmongAny(const syntax::Transition& transition, bool isFault)
     return isFault == (transition.kind == syntax::TransitionKind::repair);
 }
 
+namespace {
+
+// Loops count their turns, so each instance goes through its own.
+bool isSelfContained(const ComponentType& type)
+{
+    return std::all_of(type.members->begin(), type.members->end(), [](const auto& member) {
+        if (std::holds_alternative<syntax::Loop>(member)) return false;
+        const auto* transition = std::get_if<syntax::Transition>(&member);
+        return !transition || !transition->guard || speaksOfOwnVariables(*transition->guard);
+    });
+}
+
+} // namespace
+
 void TransitionBuilder::build(Instance& instance)
+{
+    const auto known = known_.find(instance.type);
+    if (known != known_.end() && known->second.parameters == instance.parameters) {
+        for (const plant::Change& change : shifted(known->second, instance)) {
+            builder_.change(change);
+        }
+        return;
+    }
+    Changes changes = changesOf(instance);
+    for (const plant::Change& change : changes) {
+        builder_.change(change);
+    }
+    if (!changes.empty() && isSelfContained(*instance.type)) {
+        known_.insert_or_assign(
+            instance.type, Known{instance.parameters, firstAtom(instance), std::move(changes)});
+    }
+}
+
+TransitionBuilder::Changes TransitionBuilder::shifted(const Known& known,
+                                                      const Instance& instance) const
+{
+    Changes changes = known.changes;
+    const std::uint32_t first = firstAtom(instance);
+    const auto shift = [&](Atom*& atom) {
+        atom = builder_.atom(atom->number - known.first + first);
+    };
+    for (plant::Change& change : changes) {
+        shift(change.from);
+        shift(change.to);
+        for (plant::Conjunction& alternative : change.alternatives) {
+            for (auto& [holds, atom] : alternative) {
+                shift(atom);
+            }
+        }
+    }
+    return changes;
+}
+
+TransitionBuilder::Changes TransitionBuilder::changesOf(Instance& instance)
 {
     Changes changes;
     plant_.forEachMember(instance, Elaboration::Wanted::transitions,
@@ -43,9 +97,7 @@ void TransitionBuilder::build(Instance& instance)
             plant::checkSum({leaving.begin(), leaving.end()});
         }
     }
-    for (const plant::Change& change : changes) {
-        builder_.change(change);
-    }
+    return changes;
 }
 
 void TransitionBuilder::gather(const syntax::Transition& transition, Instance& instance,

@@ -9,6 +9,8 @@
 #include "language/meaning/Elaboration.h"
 #include "plant/Change.h"
 
+#include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 namespace language {
@@ -32,6 +34,16 @@ public:
 private:
     using Changes = std::vector<plant::Change>;
 
+    /// The changes of a type whose guards speak of nothing but its own variables. In all instances with the same parameters they are the
+    /// same but for the numbers of the atoms.
+    struct Known {
+        std::vector<double> parameters;
+        std::uint32_t first = 0; ///< atom of the instance from which they are
+        Changes changes;
+    };
+
+    Changes changesOf(Instance& instance);
+    Changes shifted(const Known& known, const Instance& instance) const;
     void gather(const syntax::Transition& transition, Instance& instance,
                 const Environment& environment, Changes& changes);
     std::optional<std::vector<plant::Conjunction>> alternativesOf(
@@ -42,6 +54,7 @@ private:
     Report& report_;
     double stepSeconds_;
     std::uint64_t mostAlternatives_;
+    std::unordered_map<const ComponentType*, Known> known_; ///< of the latest instance that was looked at
 };
 
 } // namespace language

@@ -49,7 +49,7 @@ public:
 private:
     bool isOpen(VariableIndex variable) const
     {
-        const std::vector<AtomIndex>& values = plant_.variable(variable).values;
+        const plant::ValueRange values = plant_.variable(variable).values;
         return std::any_of(values.begin(), values.end(),
                            [this](AtomIndex value) { return !labels_.isKnown(value); });
     }

@@ -108,7 +108,9 @@ std::vector<VariableIndex> variablesAround(const Plant& plant, const Prediction&
 
 bool fillsInTurn(const Plant& plant, Prediction labels, const std::vector<VariableIndex>& variables)
 {
-    const auto values = [&](VariableIndex variable) { return plant.variable(variable).values; };
+    const auto values = [&](VariableIndex variable) {
+        return plant.variable(variable).values.toVector();
+    };
     return complete(plant, labels, variables, values, 0) == Completion::possible;
 }
 
@@ -118,7 +120,8 @@ Completion completionOf(const Plant& plant, Prediction labels, std::uint64_t mos
     std::iota(order.begin(), order.end(), 0);
     return complete(
         plant, labels, order,
-        [&](VariableIndex variable) { return plant.variable(variable).values; }, mostRetreats);
+        [&](VariableIndex variable) { return plant.variable(variable).values.toVector(); },
+        mostRetreats);
 }
 
 } // namespace monitor

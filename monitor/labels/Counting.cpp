@@ -34,7 +34,7 @@ public:
 private:
     bool isOpen(VariableIndex variable) const
     {
-        const std::vector<AtomIndex>& values = plant_.variable(variable).values;
+        const plant::ValueRange values = plant_.variable(variable).values;
         return std::any_of(values.begin(), values.end(),
                            [this](AtomIndex value) { return !labels_.isKnown(value); });
     }
@@ -126,8 +126,9 @@ private:
     {
         const std::size_t mark = labels_.mark();
         const Completion found =
-            complete(plant_, labels_, component,
-                     [this](VariableIndex variable) { return plant_.variable(variable).values; });
+            complete(plant_, labels_, component, [this](VariableIndex variable) {
+                return plant_.variable(variable).values.toVector();
+            });
         labels_.undo(mark);
         exact_ = exact_ && found != Completion::unsettled;
         return found == Completion::possible;

@@ -64,7 +64,7 @@ ModeStep modeStep(const Plant& plant, VariableIndex index, GuardShares& guards)
         }
         if (change.nominal && probability > nominal) {
             step.predicted = change.to;
-            step.followed = guard.alternative->transition;
+            step.followed = guard.alternative;
             nominal = probability;
         }
     }

@@ -36,8 +36,9 @@ struct ModeStep {
     AtomIndex before;
     AtomIndex predicted; ///< one of the options
     std::vector<ModeOption> options;
-    const Transition* followed = nullptr; ///< the nominal transition that is predicted; null: none
-    bool exact = true;                    ///< the shares of open guards were counted, not estimated
+    /// Of the nominal transition that is predicted; null: none.
+    const PlantChange::Alternative* followed = nullptr;
+    bool exact = true; ///< the shares of open guards were counted, not estimated
 
     /// The option of that value; null when the variable cannot have it.
     const ModeOption* option(AtomIndex value) const;

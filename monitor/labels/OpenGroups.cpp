@@ -169,7 +169,7 @@ bool OpenVariables::canBeCompleted(const std::vector<VariableIndex>& variables)
 {
     const std::size_t mark = labels_.mark();
     const Completion found = complete(plant_, labels_, variables, [this](VariableIndex variable) {
-        return plant_.variable(variable).values;
+        return plant_.variable(variable).values.toVector();
     });
     if (found == Completion::possible) {
         noteValues(variables);

@@ -51,7 +51,7 @@ bool Prediction::propagate()
     return true;
 }
 
-bool Prediction::visitAll(const std::vector<ClauseIndex>& clauses)
+bool Prediction::visitAll(std::span<const ClauseIndex> clauses)
 {
     std::uint64_t literals = 0;
     bool sound = true;
@@ -125,7 +125,7 @@ std::vector<AtomIndex> Prediction::retract(const std::vector<AtomIndex>& values)
         retracted.push_back(atom);
     };
     for (const AtomIndex value : values) {
-        const std::vector<AtomIndex>& atoms = plant_->variable(plant_->variableOf(value)).values;
+        const plant::ValueRange atoms = plant_->variable(plant_->variableOf(value)).values;
         std::for_each(atoms.begin(), atoms.end(), takeBack);
     }
     for (std::size_t i = 0; i < retracted.size(); ++i) {
@@ -209,7 +209,7 @@ void Prediction::settle()
 
 bool Prediction::satisfies(ClauseIndex clause) const
 {
-    const std::vector<PlantLiteral>& literals = plant_->clause(clause);
+    const std::span<const PlantLiteral> literals = plant_->clause(clause);
     return std::any_of(literals.begin(), literals.end(), [this](const PlantLiteral& literal) {
         return label(literal.atom) == (literal.negated ? Label::isFalse : Label::isTrue);
     });
@@ -314,7 +314,7 @@ void Prediction::preferSmallEnvironments()
 // Whether the clause alone gives the atom its label, from literals that are false and `done`.
 bool Prediction::gives(ClauseIndex clause, AtomIndex atom, const std::vector<bool>& done) const
 {
-    const std::vector<PlantLiteral>& literals = plant_->clause(clause);
+    const std::span<const PlantLiteral> literals = plant_->clause(clause);
     return std::all_of(literals.begin(), literals.end(), [&](const PlantLiteral& literal) {
         const bool holds = isTrue(literal.atom) != literal.negated;
         return literal.atom == atom ? holds : !holds && done[static_cast<std::size_t>(literal.atom)];
@@ -429,7 +429,7 @@ std::vector<bool> Prediction::dependents(const std::vector<bool>& markedVariable
                 markedVariables[static_cast<std::size_t>(plant_->variableOf(atom))];
             continue;
         }
-        const std::vector<PlantLiteral>& literals = plant_->clause(reason);
+        const std::span<const PlantLiteral> literals = plant_->clause(reason);
         Meter::spend(literals.size());
         dependent[static_cast<std::size_t>(atom)] =
             std::any_of(literals.begin(), literals.end(), [&](const PlantLiteral& literal) {

@@ -126,7 +126,7 @@ private:
     void enter(AtomIndex atom, Label label, ClauseIndex reason);
     void settle();
     std::vector<AtomIndex> retract(const std::vector<AtomIndex>& values);
-    bool visitAll(const std::vector<ClauseIndex>& clauses);
+    bool visitAll(std::span<const ClauseIndex> clauses);
     bool visit(ClauseIndex clause);
     std::vector<AtomIndex> grounds(const std::vector<AtomIndex>& atoms) const;
     std::vector<AtomIndex> inOrder() const;

@@ -87,7 +87,7 @@ StepLabels::Taken StepLabels::takeOne(AtomIndex observed)
     if (prediction_.isTrue(observed)) {
         return taken;
     }
-    const std::vector<AtomIndex>& values = plant_->variable(plant_->variableOf(observed)).values;
+    const plant::ValueRange values = plant_->variable(plant_->variableOf(observed)).values;
     const auto open = std::count_if(values.begin(), values.end(),
                                     [this](AtomIndex value) { return !prediction_.isKnown(value); });
     if (prediction_.assume(observed) && prediction_.propagate()) {

@@ -114,7 +114,7 @@ private:
         return true;
     }
 
-    bool readLaw(const std::vector<PlantLiteral>& literals)
+    bool readLaw(std::span<const PlantLiteral> literals)
     {
         AtomIndex fault = -1;
         AtomIndex conclusion = -1;

@@ -166,7 +166,7 @@ public:
     {
         const Plant& plant = scenario_.frame().plant;
         return std::all_of(changed_.begin(), changed_.end(), [&](const auto& change) {
-            const std::vector<ClauseIndex>& clauses = plant.clausesOf(change.first);
+            const std::span<const ClauseIndex> clauses = plant.clausesOf(change.first);
             return std::none_of(clauses.begin(), clauses.end(),
                                 [&](ClauseIndex clause) { return violated(plant.clause(clause)); });
         });
@@ -192,7 +192,7 @@ private:
         return change == changed_.end() ? scenario_.prediction().label(atom) : change->second;
     }
 
-    bool violated(const std::vector<PlantLiteral>& literals) const
+    bool violated(std::span<const PlantLiteral> literals) const
     {
         return std::all_of(literals.begin(), literals.end(), [&](const PlantLiteral& literal) {
             return label(literal.atom) == (literal.negated ? Label::isTrue : Label::isFalse);

@@ -10,13 +10,13 @@ namespace {
 std::vector<AtomIndex> lostThatBear(const Plant& plant, const Hypothesis& hypothesis)
 {
     const auto isInALaw = [&](AtomIndex atom) {
-        const std::vector<ClauseIndex>& clauses = plant.clausesOf(atom);
+        const std::span<const ClauseIndex> clauses = plant.clausesOf(atom);
         return std::any_of(clauses.begin(), clauses.end(),
                            [&](ClauseIndex clause) { return plant.isLaw(clause); });
     };
     std::vector<AtomIndex> lost;
     for (const AtomIndex command : hypothesis.lost) {
-        const std::vector<AtomIndex>& values = plant.variable(plant.variableOf(command)).values;
+        const plant::ValueRange values = plant.variable(plant.variableOf(command)).values;
         if (std::any_of(values.begin(), values.end(), isInALaw)) {
             lost.push_back(command);
         }

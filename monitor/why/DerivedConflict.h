@@ -27,7 +27,7 @@ struct AssumedMode {
     AtomIndex value;
     AtomIndex before; ///< the value before the step
     /// The nominal transition from the one to the other; null: none.
-    const Transition* followed = nullptr;
+    const PlantChange::Alternative* followed = nullptr;
 };
 
 struct DerivedConflict {

@@ -92,7 +92,7 @@ private:
         const bool possible =
             labels_.assume(value) && labels_.propagate() &&
             complete(plant_, labels_, open_.connected(index), [this](VariableIndex variable) {
-                return plant_.variable(variable).values;
+                return plant_.variable(variable).values.toVector();
             }) != Completion::impossible;
         labels_.undo(mark);
         return possible;

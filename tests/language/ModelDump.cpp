@@ -31,6 +31,7 @@ public:
     std::string made()
     {
         const plant::Model& model = *read_.model;
+        model.makeEngineObjects();
         out_ << model.name() << " step " << read_.bindings.stepSeconds << " clauses "
              << model.clauseCount() << "\n";
         for (const auto& component : model.components()) {

@@ -56,6 +56,7 @@ std::vector<std::string> lawsOf(const std::string& gate)
 {
     const CircuitModel built = netlist::buildModel(circuitOf(
         "INPUT(a)\nINPUT(b)\nINPUT(c)\nINPUT(d)\nINPUT(e)\nOUTPUT(y)\ny = " + gate + "\n"));
+    built.model->makeEngineObjects();
     std::vector<std::string> laws;
     for (const Clause* clause : built.model->laws()) {
         laws.push_back(inOrder(*clause->literals, [](const Atom* atom) { return atom->id; }));
@@ -76,6 +77,7 @@ TEST(CircuitModel, HasAComponentForEachInputAndThenForEachGate)
 {
     const Circuit circuit = circuitOf(twoGates);
     const CircuitModel built = netlist::buildModel(circuit);
+    built.model->makeEngineObjects();
     std::vector<Comp*> components;
     for (const auto& component : built.model->components()) {
         components.push_back(component.get());
@@ -87,6 +89,7 @@ TEST(CircuitModel, HasAComponentForEachInputAndThenForEachGate)
 TEST(CircuitModel, GivesAnInputTheConditionOutAlone)
 {
     const CircuitModel built = netlist::buildModel(circuitOf(twoGates));
+    built.model->makeEngineObjects();
     const Comp& input = *built.model->components()[0];
     ASSERT_EQ(input.stateVars->size(), 1U);
     const StateVar& out = *input.stateVars->front();
@@ -101,6 +104,7 @@ TEST(CircuitModel, GivesAnInputTheConditionOutAlone)
 TEST(CircuitModel, GivesAGateAModeThatIsOkAtFirstAndMayBeFaulty)
 {
     const CircuitModel built = netlist::buildModel(circuitOf(twoGates));
+    built.model->makeEngineObjects();
     const Comp& gate = *built.model->components()[2];
     ASSERT_EQ(gate.stateVars->size(), 2U);
     const StateVar& mode = *(*gate.stateVars)[0];
@@ -117,6 +121,7 @@ TEST(CircuitModel, GivesAGateAModeThatIsOkAtFirstAndMayBeFaulty)
 TEST(CircuitModel, GivesAGateOneFaultTransition)
 {
     const CircuitModel built = netlist::buildModel(circuitOf(twoGates), {.faultProbability = 0.25});
+    built.model->makeEngineObjects();
     for (std::size_t gate = 0; gate < 2; ++gate) {
         const Comp& component = *built.ok[gate]->getVarComp();
         ASSERT_EQ(component.transitions->size(), 1U);
@@ -132,12 +137,14 @@ TEST(CircuitModel, GivesAGateOneFaultTransition)
 TEST(CircuitModel, TakesOneInAHundredAsFaultProbabilityUnlessToldOtherwise)
 {
     const CircuitModel built = netlist::buildModel(circuitOf(twoGates));
+    built.model->makeEngineObjects();
     EXPECT_EQ(built.model->components()[2]->transitions->front()->proba, 0.01);
 }
 
 TEST(CircuitModel, ImportsTheComponentsOfAGatesInputs)
 {
     const CircuitModel built = netlist::buildModel(circuitOf(twoGates));
+    built.model->makeEngineObjects();
     EXPECT_THAT(names(*built.model->components()[0]->importedComps), IsEmpty());
     EXPECT_THAT(names(*built.model->components()[2]->importedComps), ElementsAre("a", "b"));
     EXPECT_THAT(names(*built.model->components()[3]->importedComps), ElementsAre("n"));
@@ -147,6 +154,7 @@ TEST(CircuitModel, FindsAtomsBySignalAndBit)
 {
     const Circuit circuit = circuitOf(twoGates);
     const CircuitModel built = netlist::buildModel(circuit);
+    built.model->makeEngineObjects();
     EXPECT_EQ(netlist::outAtom(circuit, built, "n", false)->id, "n.out=0");
     EXPECT_EQ(netlist::outAtom(circuit, built, "a", true)->id, "a.out=1");
     EXPECT_EQ(netlist::outAtom(circuit, built, "N", true), nullptr);

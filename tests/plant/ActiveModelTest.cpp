@@ -66,7 +66,7 @@ TEST_F(ActiveModelTest, IsSetUpWhenItsEngineIsAskedForWhereThatIsWanted)
 {
     ActiveModel active(*read_.model, plant::SetUp::whenAsked);
     const Atom& atom = *read_.model->atoms().front();
-    EXPECT_TRUE(atom.comps->empty());
+    EXPECT_EQ(atom.comps, nullptr);
     active.engine();
     EXPECT_EQ(atom.comps->size(), 1U);
 }

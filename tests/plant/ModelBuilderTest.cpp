@@ -51,6 +51,16 @@ protected:
     Atom* start = value(request, "start");
     Atom* low = value(level, "low");
     Atom* high = value(level, "high");
+    std::unique_ptr<Model> model_;
+
+    // Builds the model, with what an engine works on.
+    const Model& built()
+    {
+        model_ = builder.build();
+        model_->makeEngineObjects();
+        return *model_;
+    }
+    const Transition* transition() { return built().transitions().back(); }
 };
 
 TEST_F(ModelBuilderTest, NamesAtomsByComponentVariableAndValue)
@@ -64,6 +74,7 @@ TEST_F(ModelBuilderTest, NamesAtomsByComponentVariableAndValue)
 TEST_F(ModelBuilderTest, EntersAtomsInTheirVariableAndComponent)
 {
     EXPECT_THAT(*mode->atomLinks, ElementsAre(off, on, broken));
+    built();
     EXPECT_EQ(pump->atoms->size(), 7U);
     EXPECT_EQ((*pump->atoms)["pump.flow=zero"], zero);
 }
@@ -98,6 +109,7 @@ TEST_F(ModelBuilderTest, ListsCommandsAmongTheVariablesAndAgainAsCommands)
 
 TEST_F(ModelBuilderTest, WritesThatAVariableHasExactlyOneValue)
 {
+    built();
     EXPECT_THAT(texts(*mode->clauses),
                 ElementsAre("pump.mode=broken | pump.mode=on | pump.mode=off",
                             "!pump.mode=on | !pump.mode=off", "!pump.mode=broken | !pump.mode=off",
@@ -114,13 +126,11 @@ TEST_F(ModelBuilderTest, GivesAComponentItsNameForImplicateFilesToo)
 
 TEST_F(ModelBuilderTest, EntersALawInTheModelAndInItsAtoms)
 {
-    const std::size_t before = positive->clauses->size();
-    Clause* law = builder.law(pump, {{true, on}, {false, positive}});
-    ASSERT_NE(law, nullptr);
-    EXPECT_EQ(positive->clauses->size(), before + 1);
+    ASSERT_TRUE(builder.law(pump, {{true, on}, {false, positive}}));
+    ASSERT_EQ(built().laws().size(), 1U);
+    const Clause* law = model_->laws().front();
+    EXPECT_EQ(positive->clauses->size(), flow->clauses->size() + 1);
     EXPECT_EQ(positive->clauses->back(), law);
-    const std::unique_ptr<Model> model = builder.build();
-    EXPECT_THAT(model->laws(), ElementsAre(law));
     EXPECT_EQ(text(*law), "!pump.mode=on | pump.flow=positive");
 }
 
@@ -131,34 +141,35 @@ TEST_F(ModelBuilderTest, InsertsLiteralsInTheGivenOrder)
          {std::pair{false, low}, {true, on}, {true, start}, {false, positive}}) {
         expected.insert(literal);
     }
-    const Clause* law =
-        builder.law(pump, {{false, low}, {true, on}, {true, start}, {false, positive}});
+    builder.law(pump, {{false, low}, {true, on}, {true, start}, {false, positive}});
+    const Clause* law = built().laws().front();
     EXPECT_TRUE(
         std::equal(law->literals->begin(), law->literals->end(), expected.begin(), expected.end()));
 }
 
 TEST_F(ModelBuilderTest, KeepsTheFirstOfLiteralsThatAreGivenTwice)
 {
-    Clause* law = builder.law(pump, {{true, on}, {false, positive}, {true, on}, {false, positive}});
+    builder.law(pump, {{true, on}, {false, positive}, {true, on}, {false, positive}});
+    const Clause* law = built().laws().front();
     EXPECT_EQ(text(*law), "!pump.mode=on | pump.flow=positive");
     EXPECT_EQ(std::count(positive->clauses->begin(), positive->clauses->end(), law), 1);
 }
 
 TEST_F(ModelBuilderTest, LeavesOutALawThatAlwaysHolds)
 {
-    EXPECT_EQ(builder.law(pump, {{true, on}, {false, high}, {false, on}}), nullptr);
+    EXPECT_FALSE(builder.law(pump, {{true, on}, {false, high}, {false, on}}));
     EXPECT_THAT(*pump->importedComps, IsEmpty());
     EXPECT_THAT(builder.build()->laws(), IsEmpty());
 }
 
 TEST_F(ModelBuilderTest, LeavesOutALawThatWasGivenBefore)
 {
-    EXPECT_NE(builder.law(pump, {{true, on}, {false, positive}}), nullptr);
-    EXPECT_EQ(builder.law(pump, {{true, on}, {false, positive}}), nullptr);
-    EXPECT_EQ(builder.law(pump, {{false, positive}, {true, on}}), nullptr) << "in another order";
-    EXPECT_EQ(builder.law(tank, {{false, positive}, {true, on}, {true, on}}), nullptr)
+    EXPECT_TRUE(builder.law(pump, {{true, on}, {false, positive}}));
+    EXPECT_FALSE(builder.law(pump, {{true, on}, {false, positive}}));
+    EXPECT_FALSE(builder.law(pump, {{false, positive}, {true, on}})) << "in another order";
+    EXPECT_FALSE(builder.law(tank, {{false, positive}, {true, on}, {true, on}}))
         << "with a repetition";
-    EXPECT_NE(builder.law(pump, {{false, on}, {false, positive}}), nullptr) << "with another sign";
+    EXPECT_TRUE(builder.law(pump, {{false, on}, {false, positive}})) << "with another sign";
     EXPECT_EQ(builder.build()->laws().size(), 2U);
 }
 
@@ -172,7 +183,7 @@ TEST_F(ModelBuilderTest, ImportsTheComponentsThatALawMentionsIntoItsOwner)
 
 TEST_F(ModelBuilderTest, ImportsNothingForALawWithoutAnOwner)
 {
-    EXPECT_NE(builder.law(nullptr, {{true, low}, {false, zero}}), nullptr);
+    EXPECT_TRUE(builder.law(nullptr, {{true, low}, {false, zero}}));
     EXPECT_THAT(*pump->importedComps, IsEmpty());
     EXPECT_THAT(*tank->importedComps, IsEmpty());
 }
@@ -187,7 +198,8 @@ TEST_F(ModelBuilderTest, ImportsAComponentOnceAndNeverIntoItself)
 
 TEST_F(ModelBuilderTest, MakesANominalTransition)
 {
-    Transition* made = builder.nominal(off, on, {{true, start}, {false, high}}, 0.5);
+    builder.nominal(off, on, {{true, start}, {false, high}}, 0.5);
+    const Transition* made = transition();
     EXPECT_EQ(made->name, "Nominal");
     EXPECT_NE(made->type, "Fail");
     EXPECT_EQ(made->stateVar, mode);
@@ -198,7 +210,8 @@ TEST_F(ModelBuilderTest, MakesANominalTransition)
 
 TEST_F(ModelBuilderTest, MakesAFaultNamedAfterItsTarget)
 {
-    Transition* made = builder.fault(on, broken, 0.25);
+    builder.fault(on, broken, 0.25);
+    const Transition* made = transition();
     EXPECT_EQ(made->name, "broken");
     EXPECT_EQ(made->type, "Fail");
     EXPECT_EQ(made->atom, broken);
@@ -207,7 +220,8 @@ TEST_F(ModelBuilderTest, MakesAFaultNamedAfterItsTarget)
 
 TEST_F(ModelBuilderTest, MakesARepair)
 {
-    Transition* made = builder.repair(broken, off, 0.125, {{true, start}});
+    builder.repair(broken, off, 0.125, {{true, start}});
+    const Transition* made = transition();
     EXPECT_EQ(made->name, "Repair");
     EXPECT_EQ(made->type, "Repair");
     EXPECT_EQ(made->atom, off);
@@ -219,7 +233,8 @@ TEST_F(ModelBuilderTest, MakesARepair)
 
 TEST_F(ModelBuilderTest, MakesAnIdleTransition)
 {
-    Transition* made = builder.idle(on, 0.75);
+    builder.idle(on, 0.75);
+    const Transition* made = transition();
     EXPECT_TRUE(made->idle);
     EXPECT_NE(made->type, "Fail");
     EXPECT_NE(made->name, "Nominal");
@@ -229,7 +244,8 @@ TEST_F(ModelBuilderTest, MakesAnIdleTransition)
 
 TEST_F(ModelBuilderTest, GuardsATransitionByTheModeItLeavesAndTheGivenAtoms)
 {
-    const Transition* made = builder.nominal(off, on, {{true, start}, {false, high}}, 0.5);
+    builder.nominal(off, on, {{true, start}, {false, high}}, 0.5);
+    const Transition* made = transition();
     SignedAtoms expected;
     for (const auto& literal : {std::pair{true, off}, {true, start}, {false, high}}) {
         expected.insert(literal);
@@ -241,15 +257,18 @@ TEST_F(ModelBuilderTest, GuardsATransitionByTheModeItLeavesAndTheGivenAtoms)
 
 TEST_F(ModelBuilderTest, StatesTheTargetOfATransitionInItsFormula)
 {
-    const Transition* made = builder.nominal(off, on, {{true, start}}, 0.5);
+    builder.nominal(off, on, {{true, start}}, 0.5);
+    const Transition* made = transition();
     ASSERT_EQ(made->formula->atoms->size(), 1U);
     EXPECT_EQ(*made->formula->atoms->begin(), (std::pair<const bool, Atom*>{true, on}));
 }
 
 TEST_F(ModelBuilderTest, ListsATransitionInItsTargetItsPreconditionAndItsComponent)
 {
-    Transition* first = builder.nominal(off, on, {{true, start}, {true, start}}, 0.5);
-    Transition* second = builder.fault(on, broken, 0.25);
+    builder.nominal(off, on, {{true, start}, {true, start}}, 0.5);
+    builder.fault(on, broken, 0.25);
+    const Transition* first = built().transitions()[0];
+    const Transition* second = model_->transitions()[1];
     EXPECT_THAT(*on->transitions, ElementsAre(first));
     EXPECT_THAT(*off->transitions, IsEmpty());
     EXPECT_THAT(*off->outTransitions, ElementsAre(first));

@@ -62,7 +62,7 @@ TEST_F(PlantTest, KeepsTheOrderOfTheValues)
     const auto active = model.activate();
     const plant::PlantVariable& variable =
         active->plant->variable(active->plant->variableOf(active->index("a.x=low")));
-    EXPECT_EQ(active->ids(variable.values),
+    EXPECT_EQ(active->ids(variable.values.toVector()),
               (std::vector<std::string>{"a.x=low", "a.x=middle", "a.x=high"}));
     EXPECT_EQ(variable.variable, made);
 }
@@ -132,13 +132,14 @@ TEST_F(PlantTest, ListsOfAnAtomTheClausesThatItOccursIn)
         const auto atom = static_cast<AtomIndex>(i);
         std::vector<plant::ClauseIndex> expected;
         for (std::size_t j = 0; j < plant.clauseCount(); ++j) {
-            const auto& literals = plant.clause(static_cast<plant::ClauseIndex>(j));
+            const auto literals = plant.clause(static_cast<plant::ClauseIndex>(j));
             if (std::any_of(literals.begin(), literals.end(),
                             [&](const auto& literal) { return literal.atom == atom; })) {
                 expected.push_back(static_cast<plant::ClauseIndex>(j));
             }
         }
-        EXPECT_EQ(plant.clausesOf(atom), expected);
+        const auto clauses = plant.clausesOf(atom);
+        EXPECT_EQ(std::vector(clauses.begin(), clauses.end()), expected);
     }
 }
 
@@ -159,8 +160,9 @@ TEST_F(PlantTest, KnowsTheObjectOfEachClauseAndWhetherItIsALaw)
     HandMade model;
     model.condition("a.x", {"0", "1"});
     model.condition("a.y", {"0", "1"});
-    const Clause* law = model.law("!a.x=1 | a.y=1");
+    model.law("!a.x=1 | a.y=1");
     const auto active = model.activate();
+    const Clause* law = active->model->laws().front();
     const Plant& plant = *active->plant;
     int laws = 0;
     for (plant::ClauseIndex i = 0; i < static_cast<plant::ClauseIndex>(plant.clauseCount()); ++i) {

@@ -70,7 +70,7 @@ std::set<const StateVar*> ExactReadings::bearing(const std::vector<World>& world
     std::set<const StateVar*> modes;
     for (bool grown = true; grown;) {
         grown = false;
-        for (std::size_t law = 0; law < model_.laws().size(); ++law) {
+        for (std::size_t law = 0; law < model_.lawCount(); ++law) {
             const auto literals = model_.literalsOf(law);
             const bool touches =
                 std::any_of(literals.begin(), literals.end(), [&](const plant::Literal& literal) {

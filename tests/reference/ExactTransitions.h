@@ -22,7 +22,7 @@ private:
     struct Statement {
         const Atom* target;
         double probability;
-        std::vector<std::span<const plant::GuardLiteral>> alternatives;
+        std::vector<std::vector<plant::GuardLiteral>> alternatives;
     };
 
     ExactFraction share(const Statement& statement, const std::vector<World>& before,

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-ExactWorlds::ExactWorlds(const plant::Model& model) : model_(model)
+ExactWorlds::ExactWorlds(const plant::Model& model)
 {
     for (const char* type : {"Mode", "Command", "Cond"}) {
         for (const auto& component : model.components()) {
@@ -15,8 +15,8 @@ ExactWorlds::ExactWorlds(const plant::Model& model) : model_(model)
         }
     }
     lawsEndingAt_.resize(variables_.size());
-    for (std::size_t law = 0; law < model.laws().size(); ++law) {
-        const auto literals = model.literalsOf(law);
+    for (std::size_t law = 0; law < model.lawCount(); ++law) {
+        const auto& literals = laws_.emplace_back(model.literalsOf(law));
         contradictory_ = contradictory_ || literals.empty();
         std::size_t last = 0;
         for (const plant::Literal& literal : literals) {
@@ -38,7 +38,7 @@ std::vector<const StateVar*> ExactWorlds::variables(const std::string& type) con
 
 bool ExactWorlds::satisfied(std::size_t law, const World& world) const
 {
-    const auto literals = model_.literalsOf(law);
+    const auto& literals = laws_[law];
     return std::any_of(literals.begin(), literals.end(), [&](const plant::Literal& literal) {
         return (value(world, literal.atom->stateVar) == literal.atom) != literal.negated;
     });

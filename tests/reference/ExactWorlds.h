@@ -42,9 +42,9 @@ private:
                   std::vector<World>& found) const;
     bool satisfied(std::size_t law, const World& world) const;
 
-    const plant::Model& model_;
     std::vector<const StateVar*> variables_;
     std::map<const StateVar*, std::size_t> index_;
     std::vector<std::vector<std::size_t>> lawsEndingAt_; ///< by the last variable that they mention
-    bool contradictory_ = false;                         ///< there is a law without literals
+    std::vector<std::vector<plant::Literal>> laws_;
+    bool contradictory_ = false; ///< there is a law without literals
 };

@@ -356,7 +356,7 @@ std::string WatchedPlant::described() const
             out << (inputs.contains(variable) ? " (input)\n" : "\n");
         }
     }
-    for (std::size_t law = 0; law < model->laws().size(); ++law) {
+    for (std::size_t law = 0; law < model->lawCount(); ++law) {
         out << "law";
         for (const plant::Literal& literal : model->literalsOf(law)) {
             out << (literal.negated ? " !" : " ") << literal.atom->id;

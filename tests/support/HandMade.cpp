@@ -55,7 +55,7 @@ std::vector<std::pair<bool, Atom*>> HandMade::literals(const std::string& text, 
     return result;
 }
 
-Clause* HandMade::law(const std::string& text)
+bool HandMade::law(const std::string& text)
 {
     std::vector<plant::Literal> clause;
     for (const auto& [negated, atom] : literals(text, false)) {
@@ -64,22 +64,22 @@ Clause* HandMade::law(const std::string& text)
     return builder_.law(clause.empty() ? nullptr : clause.front().atom->getVarComp(), clause);
 }
 
-Transition* HandMade::nominal(const std::string& from, const std::string& to, double proba,
-                              const std::string& guard)
+void HandMade::nominal(const std::string& from, const std::string& to, double proba,
+                       const std::string& guard)
 {
-    return builder_.nominal(atom(from), atom(to), literals(guard, true), proba);
+    builder_.nominal(atom(from), atom(to), literals(guard, true), proba);
 }
 
-Transition* HandMade::fault(const std::string& from, const std::string& to, double proba,
-                            const std::string& guard)
+void HandMade::fault(const std::string& from, const std::string& to, double proba,
+                     const std::string& guard)
 {
-    return builder_.fault(atom(from), atom(to), proba, literals(guard, true));
+    builder_.fault(atom(from), atom(to), proba, literals(guard, true));
 }
 
-Transition* HandMade::repair(const std::string& from, const std::string& to, double proba,
-                             const std::string& guard)
+void HandMade::repair(const std::string& from, const std::string& to, double proba,
+                      const std::string& guard)
 {
-    return builder_.repair(atom(from), atom(to), proba, literals(guard, true));
+    builder_.repair(atom(from), atom(to), proba, literals(guard, true));
 }
 
 void HandMade::follower(const std::string& name, const std::string& input)

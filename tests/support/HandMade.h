@@ -17,14 +17,15 @@ public:
     StateVar* mode(const std::string& id, const std::vector<std::string>& values);
     StateVar* condition(const std::string& id, const std::vector<std::string>& values);
     StateVar* command(const std::string& id, const std::vector<std::string>& values);
-    Clause* law(const std::string& text);
+    /// Whether it became a clause.
+    bool law(const std::string& text);
     /// The guard as in "p.cmd=go !p.flow=0".
-    Transition* nominal(const std::string& from, const std::string& to, double proba,
-                        const std::string& guard = "");
-    Transition* fault(const std::string& from, const std::string& to, double proba,
-                      const std::string& guard = "");
-    Transition* repair(const std::string& from, const std::string& to, double proba,
-                       const std::string& guard = "");
+    void nominal(const std::string& from, const std::string& to, double proba,
+                 const std::string& guard = "");
+    void fault(const std::string& from, const std::string& to, double proba,
+               const std::string& guard = "");
+    void repair(const std::string& from, const std::string& to, double proba,
+                const std::string& guard = "");
     Atom* atom(const std::string& id) const { return atoms_.at(id); }
     plant::ModelBuilder& builder() { return builder_; }
 

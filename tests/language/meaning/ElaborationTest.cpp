@@ -68,6 +68,7 @@ std::vector<std::string> lawTexts(const ReadResult& result)
 std::vector<std::string> transitionTexts(const ReadResult& result, const std::string& component)
 {
     std::vector<std::string> texts;
+    result.model->makeEngineObjects();
     for (const auto& each : result.model->components()) {
         if (each->name != component) continue;
         for (const Transition* transition : *each->transitions) {
@@ -196,7 +197,7 @@ TEST(Elaboration, ComputesArgumentsWhereThePartIs)
 {
     const ReadResult result = read(cell + "component Pair(p) { a: Cell(p = 2 * p) }\n"
                                           "system S { pair: Pair(p = 0.2) }\n");
-    EXPECT_DOUBLE_EQ(result.model->components()[0]->transitions->at(0)->proba, 0.4);
+    EXPECT_DOUBLE_EQ(result.model->transitions()[0]->proba, 0.4);
 }
 
 TEST(Elaboration, TakesAnyAsEveryValueThatIsNoFault)
@@ -239,8 +240,7 @@ TEST(Elaboration, TakesARateAsTheProbabilityOfAnEventInAStep)
     const ReadResult result =
         read("component C { mode m { a initial b fault }\n fault a -> b : 36 per hour }\n"
              "system S { c: C\n step 5 s }\n");
-    EXPECT_DOUBLE_EQ(result.model->components()[0]->transitions->at(0)->proba,
-                     1 - std::exp(-36.0 / 3600.0 * 5.0));
+    EXPECT_DOUBLE_EQ(result.model->transitions()[0]->proba, 1 - std::exp(-36.0 / 3600.0 * 5.0));
 }
 
 TEST(Elaboration, GivesTransitionsWithoutAProbabilityWhatTheFaultsLeave)
@@ -248,7 +248,7 @@ TEST(Elaboration, GivesTransitionsWithoutAProbabilityWhatTheFaultsLeave)
     const ReadResult result = read("component C { mode m { a initial b c fault }\n"
                                    "nominal a -> b\n idle a\n fault a -> c : 0.25 }\n"
                                    "system S { c: C }\n");
-    const std::vector<Transition*>& transitions = *result.model->components()[0]->transitions;
+    const std::vector<Transition*>& transitions = result.model->transitions();
     EXPECT_DOUBLE_EQ(transitions[0]->proba, 0.75);
     EXPECT_DOUBLE_EQ(transitions[1]->proba, 0.75);
     EXPECT_TRUE(transitions[1]->idle);
@@ -259,7 +259,7 @@ TEST(Elaboration, GivesTransitionsWithoutAProbabilityWhatTheRepairsLeave)
     const ReadResult result = read("component C { mode m { a initial b fault }\n"
                                    "repair b -> a : 36 per hour\n idle b }\n"
                                    "system S { c: C\n step 5 s }\n");
-    const std::vector<Transition*>& transitions = *result.model->components()[0]->transitions;
+    const std::vector<Transition*>& transitions = result.model->transitions();
     EXPECT_DOUBLE_EQ(transitions[0]->proba, 1 - std::exp(-0.05));
     EXPECT_DOUBLE_EQ(transitions[1]->proba, std::exp(-0.05));
 }

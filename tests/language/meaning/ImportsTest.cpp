@@ -113,7 +113,7 @@ TEST_F(ImportsTest, UseConstantsOfImportedFiles)
         "main.itms", "import \"numbers.itms\"\nconst q = 2 * p\ncomponent C {\n"
                      " mode m { a initial b fault }\n fault a -> b : q\n}\nsystem S { c: C }\n"));
     ASSERT_TRUE(result.model);
-    EXPECT_EQ(result.model->components()[0]->transitions->at(0)->proba, 0.5);
+    EXPECT_EQ(result.model->transitions()[0]->proba, 0.5);
 }
 
 TEST_F(ImportsTest, LeaveOutWhatFollowsFromALineThatCannotBeRead)

@@ -150,7 +150,11 @@ TEST_F(ConflictCheckTest, AgreesWithATruthTable)
             for (const std::string& id : chosen) {
                 text += (random.chance(50) ? " !" : " ") + id;
             }
-            if (const Clause* clause = model.law(text)) claim.clauses.push_back(clause);
+            model.law(text);
+        }
+        const auto active = model.activate();
+        for (const Clause* clause : active->model->laws()) {
+            claim.clauses.push_back(clause);
         }
         for (int i = random.between(0, 2); i > 0; --i) {
             claim.values.push_back(random.pick(atoms));
