@@ -1,8 +1,13 @@
 #include "plant/Plant.h"
 
 #include "model/keys.h"
+#include "plant/PlantPart.h"
+
+#include <algorithm>
 
 namespace plant {
+
+Plant::~Plant() = default;
 
 Plant::Plant(const Model& model)
 {
@@ -29,6 +34,44 @@ Plant::Plant(const Model& model)
     changesFrom_.resize(atoms_.size());
     addChanges(model);
     addModes();
+    addReaders();
+}
+
+Plant::Plant(const Plant& whole, const std::vector<VariableIndex>& variables)
+{
+    std::vector<ClauseIndex> clauses;
+    std::unordered_map<AtomIndex, AtomIndex> here;
+    for (const VariableIndex variable : variables) {
+        for (const AtomIndex value : whole.variable(variable).values) {
+            here.emplace(value, static_cast<AtomIndex>(here.size()));
+            const std::vector<ClauseIndex>& of = whole.clausesOf(value);
+            clauses.insert(clauses.end(), of.begin(), of.end());
+        }
+        addVariable(whole.variable(variable).variable);
+    }
+    std::sort(clauses.begin(), clauses.end());
+    clauses.erase(std::unique(clauses.begin(), clauses.end()), clauses.end());
+    clausesOf_.resize(atoms_.size());
+    for (const ClauseIndex clause : clauses) {
+        std::vector<PlantLiteral> literals = whole.clause(clause);
+        for (PlantLiteral& literal : literals) {
+            literal.atom = here.at(literal.atom);
+        }
+        firstLaw_ += whole.isLaw(clause) ? 0 : 1;
+        addClause(whole.modelClause(clause), std::move(literals));
+    }
+    changesFrom_.resize(atoms_.size());
+    addModes();
+    addReaders();
+    modesOfWhole_ = whole.modesOfWhole();
+}
+
+PlantParts& Plant::parts() const
+{
+    if (!parts_) {
+        parts_ = std::make_unique<PlantParts>(*this);
+    }
+    return *parts_;
 }
 
 // A transition is an alternative of the change before it, or begins a new one.
@@ -69,17 +112,22 @@ void Plant::addChanges(const Model& model)
 
 void Plant::addModes()
 {
-    std::vector<std::vector<VariableIndex>> readers(atoms_.size());
     modePlaces_.resize(variables_.size());
     for (std::size_t i = 0; i < variables_.size(); ++i) {
-        const PlantVariable& variable = variables_[i];
-        if (!variable.isMode || variable.values.empty()) {
-            continue;
+        modesOfWhole_ += variables_[i].isMode ? 1 : 0;
+        commandCount_ += variables_[i].isCommand && !variables_[i].values.empty() ? 1 : 0;
+        if (variables_[i].isMode && !variables_[i].values.empty()) {
+            modePlaces_[i] = modes_.size();
+            modes_.push_back(static_cast<VariableIndex>(i));
         }
-        const auto mode = static_cast<VariableIndex>(i);
-        modePlaces_[i] = modes_.size();
-        modes_.push_back(mode);
-        for (const AtomIndex value : variable.values) {
+    }
+}
+
+void Plant::addReaders()
+{
+    std::vector<std::vector<VariableIndex>> readers(atoms_.size());
+    for (const VariableIndex mode : modes_) {
+        for (const AtomIndex value : variable(mode).values) {
             for (const PlantChange& change : changesFrom(value)) {
                 for (const PlantChange::Alternative& alternative : change.alternatives) {
                     for (const PlantLiteral& literal : alternative.literals) {
@@ -115,23 +163,30 @@ void Plant::addVariable(StateVar* variable)
 
 void Plant::addClause(const Clause* clause)
 {
-    const auto number = static_cast<ClauseIndex>(clauses_.size());
-    if (!clauseIndexOf_.emplace(clause, number).second) {
+    if (!clauseIndexOf_.emplace(clause, static_cast<ClauseIndex>(clauses_.size())).second) {
         return;
     }
+    std::vector<PlantLiteral> literals;
+    for (const auto& [negated, atom] : *clause->literals) {
+        literals.push_back({indexOf_.at(atom), negated});
+    }
+    addClause(clause, std::move(literals));
+}
+
+void Plant::addClause(const Clause* clause, std::vector<PlantLiteral> literals)
+{
+    const auto number = static_cast<ClauseIndex>(clauses_.size());
     modelClauses_.push_back(clause);
-    if (clause->literals->size() <= 1) {
+    if (literals.size() <= 1) {
         unitClauses_.push_back(number);
     }
-    std::vector<PlantLiteral>& literals = clauses_.emplace_back();
-    for (const auto& [negated, atom] : *clause->literals) {
-        const AtomIndex index = indexOf_.at(atom);
-        literals.push_back({index, negated});
-        std::vector<ClauseIndex>& of = clausesOf_[static_cast<std::size_t>(index)];
+    for (const PlantLiteral& literal : literals) {
+        std::vector<ClauseIndex>& of = clausesOf_[static_cast<std::size_t>(literal.atom)];
         if (of.empty() || of.back() != number) {
             of.push_back(number);
         }
     }
+    clauses_.push_back(std::move(literals));
 }
 
 } // namespace plant

@@ -10,6 +10,7 @@
 #include "plant/Model.h"
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <unordered_map>
 #include <vector>
@@ -49,12 +50,20 @@ struct PlantVariable {
     bool isCommand;
 };
 
+class PlantParts;
+
 /// A model by numbers. Components come in the order in which the registry lists them when the model is the first one in
 /// it, their variables and values in their own, so the numbers are the same at every run. Checkpoints hold them.
 class Plant {
 public:
     /// The model outlives the plant, and is not changed; it need not be active. Linear.
     explicit Plant(const Model& model);
+    /// These variables of a plant, by rising index, with the clauses that mention them, in its order; without the changes of modes.
+    /// Requires: no clause mentions one of them and another variable. The plant's model outlives it. Linear in them, but for a logarithm.
+    Plant(const Plant& whole, const std::vector<VariableIndex>& variables);
+    ~Plant();
+    Plant(const Plant&) = delete;
+    Plant& operator=(const Plant&) = delete;
 
     std::size_t atomCount() const { return atoms_.size(); }
     Atom* atom(AtomIndex index) const { return atoms_[static_cast<std::size_t>(index)]; }
@@ -110,11 +119,21 @@ public:
         return modesReading_[static_cast<std::size_t>(atom)];
     }
 
+    /// How many command variables have values.
+    std::size_t commandCount() const { return commandCount_; }
+    /// How many mode variables it has; of a part of a plant: the whole.
+    std::size_t modesOfWhole() const { return modesOfWhole_; }
+
+    /// The parts that nothing but guards connects, found where they are asked for. For one thread, as all of a session is.
+    PlantParts& parts() const;
+
 private:
     void addChanges(const Model& model);
     void addModes();
+    void addReaders();
     void addVariable(StateVar* variable);
     void addClause(const Clause* clause);
+    void addClause(const Clause* clause, std::vector<PlantLiteral> literals);
 
     std::vector<Atom*> atoms_;
     std::unordered_map<const Atom*, AtomIndex> indexOf_;
@@ -130,6 +149,9 @@ private:
     std::vector<VariableIndex> modes_;
     std::vector<std::size_t> modePlaces_;      ///< by variable
     ListSequence<VariableIndex> modesReading_; ///< by atom
+    std::size_t commandCount_ = 0;
+    std::size_t modesOfWhole_ = 0;
+    mutable std::unique_ptr<PlantParts> parts_; ///< null: not asked for
 };
 
 } // namespace plant

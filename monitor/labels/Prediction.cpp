@@ -268,13 +268,13 @@ constexpr std::size_t mostModes = 4096;
 
 void Prediction::preferSmallEnvironments()
 {
+    if (plant_->modesOfWhole() > mostModes) {
+        return;
+    }
     std::vector<std::size_t> modeNumber(plant_->variables().size());
     std::size_t modes = 0;
     for (std::size_t i = 0; i < modeNumber.size(); ++i) {
         modeNumber[i] = plant_->variables()[i].isMode ? modes++ : 0;
-    }
-    if (modes > mostModes) {
-        return;
     }
     const std::size_t trial = plant_->atomCount();
     ModeSets environments(plant_->atomCount() + 1, modes);

@@ -169,4 +169,24 @@ StepLabels StepLabels::afresh() const
     return made;
 }
 
+StepLabels StepLabels::afreshWithin(const PlantPart& part, const CommandValues& given) const
+{
+    std::vector<AtomIndex> modes;
+    for (const VariableIndex mode : part.plant().modes()) {
+        modes.push_back(
+            *part.here(assumptions_.modes[plant_->modePlace(part.variableInWhole(mode))]));
+    }
+    std::vector<AtomIndex> observed;
+    std::size_t inputs = 0;
+    for (std::size_t i = 0; i < taken_.size(); ++i) {
+        if (const auto value = part.here(taken_[i].value)) {
+            observed.push_back(*value);
+            inputs += i < inputs_ ? 1 : 0;
+        }
+    }
+    StepLabels made(part.plant());
+    made.take({given.within(part), modes}, observed, inputs);
+    return made;
+}
+
 } // namespace monitor

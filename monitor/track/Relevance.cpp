@@ -1,6 +1,7 @@
 // A contradiction rests on modes, and these on what the guards of their transitions read at steps before.
 #include "monitor/track/Relevance.h"
 
+#include "monitor/step/LocalStep.h"
 #include "monitor/track/ConnectedVariables.h"
 
 #include <algorithm>
@@ -27,6 +28,51 @@ std::vector<AtomIndex> guardAtoms(const Plant& plant, VariableIndex index)
     return atoms;
 }
 
+// At least one mode of each is not as predicted.
+std::vector<Conflict> conflictsOf(const StepFrame& frame)
+{
+    if (const auto local = LocalStep::of(frame)) {
+        return local->inWhole(Scenario(local->frame(), {}).conflicts());
+    }
+    const Scenario scenario(frame, {});
+    std::vector<Conflict> conflicts = scenario.conflicts();
+    if (conflicts.empty()) {
+        conflicts.push_back(conflictByCases(scenario).value_or(Conflict()));
+    }
+    return conflicts;
+}
+
+// The modes and readings on which the labels of these atoms rest, for reasons that do not depend on the steps before.
+std::vector<VariableIndex> assumptionsBehind(const Plant& plant, const Hypothesis& hypothesis,
+                                             const std::vector<AtomIndex>& atoms)
+{
+    const StepLabels& labels = hypothesis.labels;
+    std::vector<VariableIndex> variables;
+    for (const AtomIndex atom : atoms) {
+        variables.push_back(plant.variableOf(atom));
+    }
+    const auto part =
+        labels.consistent() && labels.assumptions().modes.size() == plant.modes().size()
+            ? plant.parts().around(variables)
+            : nullptr;
+    if (!part) {
+        return labels.afresh().prediction().assumptionsBehind(atoms);
+    }
+    const CommandValues given = hypothesis.steps
+                                    ? hypothesis.steps->given()
+                                    : CommandValues(plant, labels.assumptions().commands);
+    std::vector<AtomIndex> here;
+    for (const AtomIndex atom : atoms) {
+        here.push_back(*part->here(atom));
+    }
+    std::vector<VariableIndex> behind =
+        labels.afreshWithin(*part, given).prediction().assumptionsBehind(here);
+    for (VariableIndex& variable : behind) {
+        variable = part->variableInWhole(variable);
+    }
+    return behind;
+}
+
 } // namespace
 
 std::vector<bool> variablesAgainst(const Successors& successors, const Plant& plant,
@@ -43,13 +89,7 @@ std::vector<bool> variablesAgainst(const Successors& successors, const Plant& pl
         }
     };
     for (const Hypothesis* hypothesis : contradicted) {
-        const StepFrame frame = successors.frame(*hypothesis, present, {});
-        const Scenario scenario(frame, {});
-        std::vector<Conflict> conflicts = scenario.conflicts();
-        if (conflicts.empty()) {
-            conflicts.push_back(conflictByCases(scenario).value_or(Conflict()));
-        }
-        for (const Conflict& conflict : conflicts) {
+        for (const Conflict& conflict : conflictsOf(successors.frame(*hypothesis, present, {}))) {
             std::for_each(conflict.begin(), conflict.end(), reach);
         }
     }
@@ -60,8 +100,7 @@ std::vector<bool> variablesAgainst(const Successors& successors, const Plant& pl
             continue;
         }
         const auto reachThrough = [&](const Hypothesis* hypothesis) {
-            const StepLabels labels = hypothesis->labels.afresh();
-            const auto grounds = labels.prediction().assumptionsBehind(atoms);
+            const auto grounds = assumptionsBehind(plant, *hypothesis, atoms);
             std::for_each(grounds.begin(), grounds.end(), reach);
         };
         std::for_each(contradicted.begin(), contradicted.end(), reachThrough);

@@ -111,8 +111,11 @@ bool isSmaller(const Explained& one, const Explained& other)
 StepFrame frameAfter(const Plant& plant, const Hypothesis& parent, const TrackInput& input,
                      const Losses& lost)
 {
-    return makeFrame(plant, parent.labels.prediction(), arriving(input, lost, parent.lost),
-                     parent.steps);
+    StepFrame frame = makeFrame(plant, parent.labels.prediction(),
+                                arriving(input, lost, parent.lost), parent.steps);
+    frame.carried = &parent.labels;
+    frame.carriedFills = parent.fillsInTurn;
+    return frame;
 }
 
 Successors::Successors(itms& engine, const Plant& plant, std::size_t window)
@@ -174,12 +177,20 @@ bool Successors::explains(Hypothesis& predicted) const
         return false;
     }
     const Prediction& labels = predicted.labels.prediction();
-    predicted.fillsInTurn =
-        labels.complete() ||
-        (predicted.filledBefore && predicted.steps &&
-         fillsInTurn(plant_, labels, variablesAround(plant_, labels, predicted.steps->before()))) ||
-        completionOf(plant_, labels, 0) == Completion::possible;
+    predicted.fillsInTurn = labels.complete() ||
+                            (predicted.filledBefore && predicted.steps &&
+                             stillFillsInTurn(plant_, labels, predicted.steps->before())) ||
+                            completionOf(plant_, labels, 0) == Completion::possible;
     return predicted.fillsInTurn || completionOf(plant_, labels) == Completion::possible;
+}
+
+// The next step need not look at all of what is open, then.
+void Successors::noteFilling(Hypothesis& explained) const
+{
+    const Meter::Uncounted uncounted;
+    explained.fillsInTurn =
+        explained.filledBefore &&
+        stillFillsInTurn(plant_, explained.labels.prediction(), explained.steps->before());
 }
 
 std::optional<Hypothesis> Successors::deviating(const Hypothesis& parent, const TrackInput& input,
@@ -278,6 +289,7 @@ SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
                              [&](const Explained& other) { return isSmaller(other, explained); })) {
                 result.found.push_back(
                     *make(parent, input, tried, candidate.modes, lost, Contradictions::areNot));
+                noteFilling(result.found.back());
                 smallest.push_back(std::move(explained));
             }
         }
