@@ -24,13 +24,27 @@ std::vector<VariableIndex> contradictedVariables(const StepFrame& frame, const S
     return variables;
 }
 
+StepLabels predictedLabels(const StepFrame& frame)
+{
+    StepLabels predicted = *frame.carried;
+    predicted.take(assumptionsOf(frame, {}), frame.observations, frame.inputs);
+    return predicted;
+}
+
+// What was open before the step had values in turn.
+bool filledBefore(const StepFrame& frame)
+{
+    return frame.carriedFills ||
+           completionOf(frame.plant, frame.carried->prediction(), 0) == Completion::possible;
+}
+
 // What is open outside of the part has values in turn.
 bool restFills(const StepFrame& frame, const Prediction& predicted, const PlantPart& part)
 {
-    const Prediction& before = frame.carried->prediction();
-    if (!frame.carriedFills && completionOf(frame.plant, before, 0) != Completion::possible) {
+    if (!filledBefore(frame)) {
         return false;
     }
+    const Prediction& before = frame.carried->prediction();
     std::vector<VariableIndex> around = variablesAround(frame.plant, predicted, before);
     std::erase_if(around, [&](VariableIndex variable) { return part.has(variable); });
     return fillsInTurn(frame.plant, predicted, around);
@@ -66,6 +80,17 @@ StepFrame within(const StepFrame& whole, const PlantPart& part, bool restIsKnown
 
 } // namespace
 
+bool isExpected(const StepFrame& frame)
+{
+    if (!frame.carried) {
+        return false;
+    }
+    const Meter::Uncounted uncounted;
+    const StepLabels predicted = predictedLabels(frame);
+    return predicted.consistent() && predicted.contradicted().empty() && filledBefore(frame) &&
+           stillFillsInTurn(frame.plant, predicted.prediction(), frame.carried->prediction());
+}
+
 LocalStep::LocalStep(const StepFrame& whole, std::shared_ptr<const PlantPart> part, bool restIsKnown)
     : part_(std::move(part)), frame_(within(whole, *part_, restIsKnown))
 {
@@ -79,8 +104,7 @@ std::optional<LocalStep> LocalStep::of(const StepFrame& frame)
         return std::nullopt;
     }
     const Meter::Uncounted uncounted;
-    StepLabels predicted = *frame.carried;
-    predicted.take(assumptionsOf(frame, {}), frame.observations, frame.inputs);
+    const StepLabels predicted = predictedLabels(frame);
     if (!predicted.consistent() || predicted.contradicted().empty()) {
         return std::nullopt;
     }

@@ -13,6 +13,10 @@
 
 namespace monitor {
 
+/// True where nothing contradicts what is predicted, and what is open has values in turn. Costs what changed at the step, and what is
+/// read; false where it is not known what the labels before the step were drawn from.
+bool isExpected(const StepFrame& frame);
+
 class LocalStep {
 public:
     /// Nothing where the whole plant has to be looked at: where it is not known what the labels before the step were drawn from, or
