@@ -35,9 +35,11 @@ AtomIndex mostProbable(const std::vector<ModeOption>& options)
         ->value;
 }
 
-std::uint64_t workOf(const Plant& plant, AtomIndex from)
+// Those with an open guard are looked at whatever is remembered. How many of the others are does not count, as in a run that was resumed
+// it may be all.
+void spendOnOpen(const std::vector<std::size_t>& places)
 {
-    return 10 * (1 + plant.changesFrom(from).size());
+    Meter::spend(10 * (1 + places.size()));
 }
 
 ModeStep modeStep(const Plant& plant, VariableIndex index, GuardShares& guards)
@@ -133,29 +135,27 @@ class ModeStepsWriter {
 public:
     ModeStepsWriter(const Plant& plant, ModeSteps& steps) : plant_(plant), steps_(steps) {}
 
-    void add(const ModeStep& step, bool open, std::uint64_t work)
+    void add(const ModeStep& step, bool open)
     {
         const std::size_t place = steps_.size();
         steps_.steps_.push_back(std::make_shared<const ModeStep>(step));
         steps_.predicted_.push_back(step.predicted);
-        enter(place, open, work);
+        enter(place, open);
     }
 
-    void replace(std::size_t place, const ModeStep& step, bool open, std::uint64_t work,
-                 std::uint64_t workBefore)
+    void replace(std::size_t place, const ModeStep& step, bool open)
     {
         const ModeStep& before = steps_[place];
         steps_.logPredicted_.remove(logPredictedOf(before));
         steps_.logCalm_.remove(logCalmOf(before, {}));
         steps_.inexact_ -= before.exact ? 0 : 1;
-        steps_.work_ -= workBefore;
         if (!(before == step)) {
             steps_.steps_.set(place, std::make_shared<const ModeStep>(step));
         }
         if (steps_.predicted_[place] != step.predicted) {
             steps_.predicted_.set(place, step.predicted);
         }
-        enter(place, open, work);
+        enter(place, open);
     }
 
     // Requires: what was entered was so by rising place.
@@ -168,16 +168,14 @@ public:
     }
 
     const std::vector<std::size_t>& open() const { return ModeSteps::places(steps_.open_); }
-    std::uint64_t work() const { return steps_.work_; }
 
 private:
-    void enter(std::size_t place, bool open, std::uint64_t work)
+    void enter(std::size_t place, bool open)
     {
         const ModeStep& step = steps_[place];
         steps_.logPredicted_.add(logPredictedOf(step));
         steps_.logCalm_.add(logCalmOf(step, {}));
         steps_.inexact_ += step.exact ? 0 : 1;
-        steps_.work_ += work;
         notable_.emplace_back(place, isNotable(step));
         const bool faulty = plant_.atom(step.before)->fail;
         faulty_.emplace_back(place, faulty);
@@ -251,7 +249,7 @@ ModeSteps stepsWithin(const PlantPart& part, const Plant& whole, const ModeSteps
         for (ModeOption& option : step.options) {
             option.value = *part.here(option.value);
         }
-        writer.add(step, false, 0);
+        writer.add(step, false);
     }
     writer.finish();
     return within;
@@ -264,13 +262,12 @@ KnownModeSteps::KnownModeSteps(const Plant& plant, const Prediction& before,
     GuardShares guards(plant, before_, given_);
     ModeStepsWriter writer(plant, steps_);
     for (const VariableIndex mode : plant.modes()) {
-        const AtomIndex from = guards.before(plant.variable(mode));
-        Meter::spend(workOf(plant, from));
         const std::size_t counted = guards.counted();
         const ModeStep step = modeStep(plant, mode, guards);
-        writer.add(step, guards.counted() > counted, workOf(plant, from));
+        writer.add(step, guards.counted() > counted);
     }
     writer.finish();
+    spendOnOpen(writer.open());
 }
 
 KnownModeSteps::KnownModeSteps(const Plant& plant, const Prediction& before,
@@ -328,14 +325,12 @@ void KnownModeSteps::derive(const Plant& plant, const std::vector<VariableIndex>
     ModeStepsWriter writer(plant, steps_);
     for (const VariableIndex mode : modes) {
         const std::size_t place = plant.modePlace(mode);
-        const AtomIndex from = guards.before(plant.variable(mode));
         const std::size_t counted = guards.counted();
         const ModeStep step = modeStep(plant, mode, guards);
-        writer.replace(place, step, guards.counted() > counted, workOf(plant, from),
-                       workOf(plant, steps_[place].before));
+        writer.replace(place, step, guards.counted() > counted);
     }
     writer.finish();
-    Meter::spend(writer.work()); // the same as where all are looked at
+    spendOnOpen(writer.open());
 }
 
 } // namespace monitor

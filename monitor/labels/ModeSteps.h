@@ -123,9 +123,8 @@ private:
     std::size_t inexact_ = 0;
     Places notable_;
     Places faulty_;
-    Places open_;            ///< a guard is neither known to hold nor not to
-    std::uint64_t work_ = 0; ///< of looking at all of them once
-    Places failing_ = {};
+    Places open_; ///< a guard is neither known to hold nor not to
+    Places failing_;
 };
 
 /// The possibilities of every mode variable. Guards are read in the modes and

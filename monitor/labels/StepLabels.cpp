@@ -169,6 +169,18 @@ StepLabels StepLabels::afresh() const
     return made;
 }
 
+// What contradicts itself was drawn as far as it came, in an order that depends on the steps before.
+std::uint64_t StepLabels::workFrom(const StepLabels& before) const
+{
+    constexpr std::uint64_t least = 100;
+    std::uint64_t work = least + 10 * taken_.size();
+    if (consistent_) {
+        forEachDifference(prediction_, before.prediction_,
+                          [&](AtomIndex atom) { work += 4 * (1 + plant_->clausesOf(atom).size()); });
+    }
+    return work;
+}
+
 StepLabels StepLabels::afreshWithin(const PlantPart& part, const CommandValues& given) const
 {
     std::vector<AtomIndex> modes;

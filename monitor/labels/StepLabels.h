@@ -64,6 +64,10 @@ public:
     /// that a value of every mode was. Costs the part, and what is observed.
     StepLabels afreshWithin(const PlantPart& part, const CommandValues& given) const;
 
+    /// Of going over to these labels from others: what is observed, and what differs. A measure for Meter, the same whatever
+    /// is remembered of either. Costs what they do not share.
+    std::uint64_t workFrom(const StepLabels& before) const;
+
 private:
     // An observation that was taken, and the labels before it.
     struct Taken {

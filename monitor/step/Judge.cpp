@@ -235,7 +235,7 @@ Completion completionOf(const StepFrame& frame, const Prediction& labels)
     return fills ? Completion::possible : completionOf(frame.plant, labels);
 }
 
-void judgeLabels(const StepFrame& frame, const Deviations& modes, StepLabels labels,
+void judgeLabels(const StepFrame& frame, const Deviations& modes, StepLabels& labels,
                  Judgement& judgement)
 {
     labels.take(assumptionsOf(frame, modes), frame.observations, frame.inputs);
@@ -254,12 +254,16 @@ void judgeLabels(const StepFrame& frame, const Deviations& modes, StepLabels lab
 void judgeOne(const StepFrame& frame, const Deviations& modes, Judgement& judgement)
 {
     if (!frame.carried) {
-        judgeLabels(frame, modes, StepLabels(frame.plant), judgement);
+        StepLabels fresh(frame.plant);
+        judgeLabels(frame, modes, fresh, judgement);
         return;
     }
-    Meter::spend(4 * frame.plant.atomCount());
-    const Meter::Uncounted uncounted;
-    judgeLabels(frame, modes, *frame.carried, judgement);
+    StepLabels labels = *frame.carried;
+    {
+        const Meter::Uncounted uncounted;
+        judgeLabels(frame, modes, labels, judgement);
+    }
+    Meter::spend(labels.workFrom(*frame.carried));
 }
 
 // Weighs many candidates: what they have in common is added up once.

@@ -123,14 +123,25 @@ Successors::Successors(itms& engine, const Plant& plant, std::size_t window)
 {
 }
 
-// Nothing when a mode cannot be had at this step.
+// Labels and readings are kept from step to step, and so cost what is remembered of them.
 std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const TrackInput& input,
                                            const StepFrame& frame, const Deviations& deviations,
                                            const Losses& lost, Contradictions despite) const
 {
-    // Labels and readings are kept from step to step, and so cost what is remembered of them.
-    Meter::spend(4 * plant_.atomCount());
-    const Meter::Uncounted uncounted;
+    std::optional<Hypothesis> made;
+    {
+        const Meter::Uncounted uncounted;
+        made = drawn(parent, input, frame, deviations, lost, despite);
+    }
+    Meter::spend(made ? made->labels.workFrom(parent.labels) : 1);
+    return made;
+}
+
+// Nothing when a mode cannot be had at this step.
+std::optional<Hypothesis> Successors::drawn(const Hypothesis& parent, const TrackInput& input,
+                                            const StepFrame& frame, const Deviations& deviations,
+                                            const Losses& lost, Contradictions despite) const
+{
     Hypothesis made{parent.labels, {}, 0.0, 0.0, parent.faults, nullptr, parent.since, {}, {}, {}};
     const StepAssumptions assumptions = assumptionsOf(frame, deviations);
     made.labels.take(assumptions, frame.observations, frame.inputs);
@@ -171,7 +182,6 @@ double Successors::logOthers(const Prospect& prospect) const
 
 bool Successors::explains(Hypothesis& predicted) const
 {
-    Meter::spend(plant_.atomCount());
     const Meter::Uncounted uncounted;
     if (!predicted.explains() || !std::isfinite(predicted.logStep)) {
         return false;

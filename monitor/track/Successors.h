@@ -118,6 +118,9 @@ private:
                                    const StepFrame& frame, const Deviations& deviations,
                                    const Losses& lost, Contradictions despite) const;
 
+    std::optional<Hypothesis> drawn(const Hypothesis& parent, const TrackInput& input,
+                                    const StepFrame& frame, const Deviations& deviations,
+                                    const Losses& lost, Contradictions despite) const;
     void noteFilling(Hypothesis& explained) const;
 
     std::shared_ptr<ExplanationSearch> search_;

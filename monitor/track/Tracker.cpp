@@ -108,6 +108,7 @@ public:
         answer_.status = status(explained);
         answer_.limit = budget_.limit();
         answer_.work = budget_.work();
+        answer_.lookedAt = meter.all();
         finish(logScale, explained);
     }
 
