@@ -11,9 +11,10 @@ each through telemetry of four kinds:
            the chain's feed comes and goes near its end
   fault    a pump fails at some step, and the readings of its neighbours are there
   repair   the same, and it is mended some steps later
+  failures one pump after another fails, and is mended ten steps later: what all that costs, ten steps included
 
 What a step costs is the difference between a long run and a short one, divided by their steps: user time of the processor, the least of
-some runs. A fault, and a repair, are one step each. With --before, another build is measured, too; the answers must be the same bytes.
+some runs. A fault, and a repair, are one step each; of failures there are many in a run. With --before, another build is measured, too; the answers must be the same bytes.
 """
 
 import argparse
@@ -40,6 +41,7 @@ PUMP = """component Pump {
 
 
 FAILS, MENDED = 15, 25  # steps
+CYCLE = 30  # steps from one of many failures to the next
 
 
 def bank(count):
@@ -89,12 +91,17 @@ def steps_of(plant, kind, count, steps):
             step["observations"] = {last: "positive" if flows else "zero"}
             if plant == "bank":
                 step["observations"][f"pump[{pump}].inflow"] = "positive"
-        if kind in ("fault", "repair"):
-            broken = number >= FAILS and (kind == "fault" or number < MENDED)
+        if kind in ("fault", "repair", "failures"):
+            within = number
+            if kind == "failures":
+                within = number % CYCLE
+                pump = number // CYCLE % count if plant == "bank" else pump
+                last = f"pump[{pump}].outflow" if plant == "bank" else last
+            broken = within >= FAILS and (kind == "fault" or within < MENDED)
             step["observations"] = {f"pump[{pump}].outflow": "zero" if broken else "positive"}
             if plant == "bank":
                 step["observations"][f"pump[{pump}].inflow"] = "positive"
-            if kind == "repair" and number == MENDED:
+            if kind != "fault" and within == MENDED:
                 step["commands"] = {f"pump[{pump}].request": "start"}
         yield step
 
@@ -120,6 +127,7 @@ def main():
     parser.add_argument("--before", help="another build, run in turn")
     parser.add_argument("--sizes", default="100,1000,10000,100000")
     parser.add_argument("--steps", type=int, default=20000, help="of a run, at most")
+    parser.add_argument("--failures", type=int, default=100, help="of a run of them")
     parser.add_argument("--repeat", type=int, default=3)
     parser.add_argument("--kinds", default="quiet,reading,fault,repair")
     parser.add_argument("--plants", default="bank,chain")
@@ -156,6 +164,9 @@ def cost_of(program, model, kind, plant, size, options, folder):
         return seconds(FAILS) - seconds(FAILS - 1)
     if kind == "repair":
         return seconds(MENDED) - seconds(MENDED - 1)
+    if kind == "failures":
+        few, many = CYCLE, CYCLE * (1 + options.failures)
+        return (seconds(many) - seconds(few)) / options.failures
     # So many steps that they take long enough beside reading the model.
     few = 10
     begun = seconds(few)

@@ -1,10 +1,14 @@
 #include "plant/Plant.h"
 
 #include "model/keys.h"
+#include "plant/PlantPart.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace plant {
+
+Plant::~Plant() = default;
 
 Plant::Plant(const Model& model) : model_(model)
 {
@@ -13,6 +17,52 @@ Plant::Plant(const Model& model) : model_(model)
     listClauses();
     addChanges();
     addModes();
+    addReaders();
+}
+
+Plant::Plant(const Plant& whole, const std::vector<VariableIndex>& variables) : model_(whole.model_)
+{
+    std::vector<ClauseIndex> clauses;
+    for (const VariableIndex variable : variables) {
+        for (const AtomIndex value : whole.variable(variable).values) {
+            numbers_.emplace_back(whole.atom(value)->number, static_cast<AtomIndex>(numbers_.size()));
+            const auto of = whole.clausesOf(value);
+            clauses.insert(clauses.end(), of.begin(), of.end());
+        }
+        addVariable(whole.variable(variable).variable);
+    }
+    std::sort(numbers_.begin(), numbers_.end());
+    std::sort(clauses.begin(), clauses.end());
+    clauses.erase(std::unique(clauses.begin(), clauses.end()), clauses.end());
+    for (const ClauseIndex clause : clauses) {
+        for (const PlantLiteral& literal : whole.clause(clause)) {
+            clauses_.push({indexInPart(whole.atom(literal.atom)), literal.negated});
+        }
+        if (whole.clause(clause).size() <= 1) {
+            unitClauses_.push_back(static_cast<ClauseIndex>(clauses_.size()));
+        }
+        firstLaw_ += whole.isLaw(clause) ? 0 : 1;
+        clauses_.end();
+    }
+    listClauses();
+    changesFrom_ = ListSequence<PlantChange>::grouped(atoms_.size(), {});
+    addModes();
+    addReaders();
+    modesOfWhole_ = whole.modesOfWhole();
+}
+
+AtomIndex Plant::indexInPart(const Atom* atom) const
+{
+    return std::lower_bound(numbers_.begin(), numbers_.end(), std::pair(atom->number, AtomIndex{}))
+        ->second;
+}
+
+PlantParts& Plant::parts() const
+{
+    if (!parts_) {
+        parts_ = std::make_unique<PlantParts>(*this);
+    }
+    return *parts_;
 }
 
 // The order in which Model::activate enters the components, and a hash map then lists them.
@@ -33,13 +83,15 @@ void Plant::addVariables()
             addVariable(variable);
         }
     }
+    for (std::size_t i = 0; i < atoms_.size(); ++i) {
+        indexOf_[atoms_[i]->number] = static_cast<AtomIndex>(i);
+    }
 }
 
 void Plant::addVariable(StateVar* variable)
 {
     const auto first = static_cast<AtomIndex>(atoms_.size());
     for (Atom* atom : *variable->atomLinks) {
-        indexOf_[atom->number] = static_cast<AtomIndex>(atoms_.size());
         variableOf_.push_back(static_cast<VariableIndex>(variables_.size()));
         atoms_.push_back(atom);
     }
@@ -174,18 +226,23 @@ bool Plant::addChange(std::size_t transition, bool isNew)
 
 void Plant::addModes()
 {
-    std::vector<std::pair<std::uint32_t, VariableIndex>> readers; // by rising mode
-    std::vector<VariableIndex> lastReader(atoms_.size(), -1);
     modePlaces_.resize(variables_.size());
     for (std::size_t i = 0; i < variables_.size(); ++i) {
-        const PlantVariable& variable = variables_[i];
-        if (!variable.isMode || variable.values.empty()) {
-            continue;
+        modesOfWhole_ += variables_[i].isMode ? 1 : 0;
+        commandCount_ += variables_[i].isCommand && !variables_[i].values.empty() ? 1 : 0;
+        if (variables_[i].isMode && !variables_[i].values.empty()) {
+            modePlaces_[i] = static_cast<std::uint32_t>(modes_.size());
+            modes_.push_back(static_cast<VariableIndex>(i));
         }
-        const auto mode = static_cast<VariableIndex>(i);
-        modePlaces_[i] = static_cast<std::uint32_t>(modes_.size());
-        modes_.push_back(mode);
-        for (const AtomIndex value : variable.values) {
+    }
+}
+
+void Plant::addReaders()
+{
+    std::vector<std::pair<std::uint32_t, VariableIndex>> readers; // by rising mode
+    std::vector<VariableIndex> lastReader(atoms_.size(), -1);
+    for (const VariableIndex mode : modes_) {
+        for (const AtomIndex value : variable(mode).values) {
             for (const PlantChange& change : changesFrom(value)) {
                 for (const PlantChange::Alternative& alternative : change.alternatives) {
                     for (const PlantLiteral& literal : alternative.literals) {

@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -102,12 +103,18 @@ struct PlantVariable {
     bool isCommand;
 };
 
+class PlantParts;
+
 /// A model by numbers. Components come in the order in which the registry lists them when the model is the first one in
 /// it, their variables and values in their own, so the numbers are the same at every run. Checkpoints hold them.
 class Plant {
 public:
     /// The model outlives the plant, and is not changed; it need not be active. Linear.
     explicit Plant(const Model& model);
+    /// These variables of a plant, by rising index, with the clauses that mention them, in its order; without the changes of modes.
+    /// Requires: no clause mentions one of them and another variable. The plant outlives it. Linear in them, but for a logarithm.
+    Plant(const Plant& whole, const std::vector<VariableIndex>& variables);
+    ~Plant();
     Plant(const Plant&) = delete;
     Plant& operator=(const Plant&) = delete;
 
@@ -115,8 +122,11 @@ public:
 
     std::size_t atomCount() const { return atoms_.size(); }
     Atom* atom(AtomIndex index) const { return atoms_[static_cast<std::size_t>(index)]; }
-    /// Requires an atom of the plant.
-    AtomIndex indexOf(const Atom* atom) const { return indexOf_[atom->number]; }
+    /// Requires an atom of the plant. Constant time; in a part of a plant logarithmic.
+    AtomIndex indexOf(const Atom* atom) const
+    {
+        return numbers_.empty() ? indexOf_[atom->number] : indexInPart(atom);
+    }
 
     const std::vector<PlantVariable>& variables() const { return variables_; }
     const PlantVariable& variable(VariableIndex index) const
@@ -133,7 +143,7 @@ public:
     {
         return clauses_[static_cast<std::size_t>(index)];
     }
-    /// The engine's object of the clause. The first call makes those of the whole model.
+    /// The engine's object of the clause. The first call makes those of the whole model. Requires: no part of a plant.
     const Clause* modelClause(ClauseIndex index) const;
     /// Whether it is one of the model-wide laws; the others make a variable have exactly one value.
     bool isLaw(ClauseIndex index) const { return index >= firstLaw_; }
@@ -170,7 +180,16 @@ public:
         return modesReading_[static_cast<std::size_t>(atom)];
     }
 
+    /// How many command variables have values.
+    std::size_t commandCount() const { return commandCount_; }
+    /// How many mode variables it has; of a part of a plant: the whole.
+    std::size_t modesOfWhole() const { return modesOfWhole_; }
+
+    /// The parts that nothing but guards connects, found where they are asked for. For one thread, as all of a session is.
+    PlantParts& parts() const;
+
 private:
+    AtomIndex indexInPart(const Atom* atom) const;
     void addVariables();
     void addVariable(StateVar* variable);
     void addClauses();
@@ -179,10 +198,12 @@ private:
     void addChanges();
     bool addChange(std::size_t transition, bool isNew);
     void addModes();
+    void addReaders();
 
     const Model& model_;
     std::vector<Atom*> atoms_;
-    std::vector<AtomIndex> indexOf_; ///< by the numbers of the model's atoms
+    std::vector<AtomIndex> indexOf_; ///< by the numbers of the model's atoms; of a part of a plant empty
+    std::vector<std::pair<std::uint32_t, AtomIndex>> numbers_; ///< of a part: the model's, sorted, and its own
     std::vector<PlantVariable> variables_;
     std::vector<VariableIndex> variableOf_;
     ListSequence<PlantLiteral> clauses_;
@@ -195,6 +216,9 @@ private:
     std::vector<VariableIndex> modes_;
     std::vector<std::uint32_t> modePlaces_;    ///< by variable
     ListSequence<VariableIndex> modesReading_; ///< by atom
+    std::size_t commandCount_ = 0;
+    std::size_t modesOfWhole_ = 0;
+    mutable std::unique_ptr<PlantParts> parts_; ///< null: not asked for
 };
 
 } // namespace plant

@@ -114,6 +114,11 @@ bool fillsInTurn(const Plant& plant, Prediction labels, const std::vector<Variab
     return complete(plant, labels, variables, values, 0) == Completion::possible;
 }
 
+bool stillFillsInTurn(const Plant& plant, const Prediction& labels, const Prediction& before)
+{
+    return fillsInTurn(plant, labels, variablesAround(plant, labels, before));
+}
+
 Completion completionOf(const Plant& plant, Prediction labels, std::uint64_t mostRetreats)
 {
     std::vector<VariableIndex> order(plant.variables().size());

@@ -34,6 +34,9 @@ std::vector<VariableIndex> variablesAround(const Plant& plant, const Prediction&
 /// difference whether variables that no open clause connects with them are completed before, after or between them.
 /// Requires: sorted, and with each variable those that open clauses connect with it.
 bool fillsInTurn(const Plant& plant, Prediction labels, const std::vector<VariableIndex>& variables);
+/// Whether that is so of all open variables of the labels, given that it was of those before. Looks around what differs; may be false
+/// where looking at all of them would show that it is.
+bool stillFillsInTurn(const Plant& plant, const Prediction& labels, const Prediction& before);
 
 /// The values of a variable in the order in which a completion tries them. Called again whenever the completion comes to the
 /// variable.

@@ -62,6 +62,8 @@ public:
     }
     /// The limit that was met until now, if one was.
     SearchLimit limit() const { return met_; }
+    /// All work, counted or not.
+    std::uint64_t all() const { return ticks_; }
     /// The work that was counted.
     std::uint64_t spent() const { return ticks_ - uncounted_; }
 
@@ -96,10 +98,12 @@ public:
     };
 
     /// While it lives, work is not counted, but time, memory and interruption are looked at: for work that depends on what is
-    /// remembered, and so is not the same in a run that was resumed.
+    /// remembered, and so is not the same in a run that was resumed. One within another makes no difference.
     class Uncounted {
     public:
-        Uncounted() : meter_(current_), counted_(meter_ ? meter_->spent() : 0)
+        Uncounted()
+            : meter_(current_ && current_->counting_ ? current_ : nullptr),
+              counted_(meter_ ? meter_->spent() : 0)
         {
             if (meter_) meter_->counting_ = false;
         }

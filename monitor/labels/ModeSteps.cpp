@@ -35,9 +35,11 @@ AtomIndex mostProbable(const std::vector<ModeOption>& options)
         ->value;
 }
 
-std::uint64_t workOf(const Plant& plant, AtomIndex from)
+// Those with an open guard are looked at whatever is remembered. How many of the others are does not count, as in a run that was resumed
+// it may be all.
+void spendOnOpen(const std::vector<std::size_t>& places)
 {
-    return 10 * (1 + plant.changesFrom(from).size());
+    Meter::spend(10 * (1 + places.size()));
 }
 
 ModeStep modeStep(const Plant& plant, VariableIndex index, GuardShares& guards)
@@ -131,31 +133,29 @@ double logCalmOf(const ModeStep& step, const std::vector<AtomIndex>& others)
 /// Enters what a mode may do, and keeps the sums and lists of all of them.
 class ModeStepsWriter {
 public:
-    explicit ModeStepsWriter(ModeSteps& steps) : steps_(steps) {}
+    ModeStepsWriter(const Plant& plant, ModeSteps& steps) : plant_(plant), steps_(steps) {}
 
-    void add(const ModeStep& step, bool faulty, bool open, std::uint64_t work)
+    void add(const ModeStep& step, bool open)
     {
         const std::size_t place = steps_.size();
         steps_.steps_.push_back(std::make_shared<const ModeStep>(step));
         steps_.predicted_.push_back(step.predicted);
-        enter(place, faulty, open, work);
+        enter(place, open);
     }
 
-    void replace(std::size_t place, const ModeStep& step, bool faulty, bool open,
-                 std::uint64_t work, std::uint64_t workBefore)
+    void replace(std::size_t place, const ModeStep& step, bool open)
     {
         const ModeStep& before = steps_[place];
         steps_.logPredicted_.remove(logPredictedOf(before));
         steps_.logCalm_.remove(logCalmOf(before, {}));
         steps_.inexact_ -= before.exact ? 0 : 1;
-        steps_.work_ -= workBefore;
         if (!(before == step)) {
             steps_.steps_.set(place, std::make_shared<const ModeStep>(step));
         }
         if (steps_.predicted_[place] != step.predicted) {
             steps_.predicted_.set(place, step.predicted);
         }
-        enter(place, faulty, open, work);
+        enter(place, open);
     }
 
     // Requires: what was entered was so by rising place.
@@ -164,22 +164,23 @@ public:
         list(steps_.notable_, notable_);
         list(steps_.faulty_, faulty_);
         list(steps_.open_, open_);
+        list(steps_.failing_, failing_);
     }
 
     const std::vector<std::size_t>& open() const { return ModeSteps::places(steps_.open_); }
-    std::uint64_t work() const { return steps_.work_; }
 
 private:
-    void enter(std::size_t place, bool faulty, bool open, std::uint64_t work)
+    void enter(std::size_t place, bool open)
     {
         const ModeStep& step = steps_[place];
         steps_.logPredicted_.add(logPredictedOf(step));
         steps_.logCalm_.add(logCalmOf(step, {}));
         steps_.inexact_ += step.exact ? 0 : 1;
-        steps_.work_ += work;
         notable_.emplace_back(place, isNotable(step));
+        const bool faulty = plant_.atom(step.before)->fail;
         faulty_.emplace_back(place, faulty);
         open_.emplace_back(place, open);
+        failing_.emplace_back(place, faulty || plant_.atom(step.predicted)->fail);
     }
 
     using Entered =
@@ -211,10 +212,12 @@ private:
         places = std::make_shared<const std::vector<std::size_t>>(std::move(changed));
     }
 
+    const Plant& plant_;
     ModeSteps& steps_;
     Entered notable_;
     Entered faulty_;
     Entered open_;
+    Entered failing_;
 };
 
 bool operator==(const ModeSteps& a, const ModeSteps& b)
@@ -234,20 +237,37 @@ ModeSteps modeSteps(const Plant& plant, const Prediction& before,
     return KnownModeSteps(plant, before, commands).steps();
 }
 
+ModeSteps stepsWithin(const PlantPart& part, const Plant& whole, const ModeSteps& steps)
+{
+    ModeSteps within;
+    ModeStepsWriter writer(part.plant(), within);
+    for (const VariableIndex mode : part.plant().modes()) {
+        ModeStep step = steps[whole.modePlace(part.variableInWhole(mode))];
+        step.variable = mode;
+        step.before = *part.here(step.before);
+        step.predicted = *part.here(step.predicted);
+        for (ModeOption& option : step.options) {
+            option.value = *part.here(option.value);
+        }
+        writer.add(step, false);
+    }
+    writer.finish();
+    return within;
+}
+
 KnownModeSteps::KnownModeSteps(const Plant& plant, const Prediction& before,
                                const SharedArray<AtomIndex>& commands)
     : before_(before), commands_(commands), given_(plant, commands), lookedAt_(plant.modes().size())
 {
     GuardShares guards(plant, before_, given_);
-    ModeStepsWriter writer(steps_);
+    ModeStepsWriter writer(plant, steps_);
     for (const VariableIndex mode : plant.modes()) {
-        const AtomIndex from = guards.before(plant.variable(mode));
-        Meter::spend(workOf(plant, from));
         const std::size_t counted = guards.counted();
         const ModeStep step = modeStep(plant, mode, guards);
-        writer.add(step, plant.atom(from)->fail, guards.counted() > counted, workOf(plant, from));
+        writer.add(step, guards.counted() > counted);
     }
     writer.finish();
+    spendOnOpen(writer.open());
 }
 
 KnownModeSteps::KnownModeSteps(const Plant& plant, const Prediction& before,
@@ -261,7 +281,7 @@ KnownModeSteps::KnownModeSteps(const Plant& plant, const Prediction& before,
         return;
     }
     forEachDifference(before, last.before_, [&](AtomIndex atom) { changed.push_back(atom); });
-    ModeStepsWriter writer(steps_);
+    ModeStepsWriter writer(plant, steps_);
     std::vector<VariableIndex> modes;
     for (const std::size_t place : writer.open()) {
         modes.push_back(plant.modes()[place]);
@@ -302,17 +322,15 @@ void KnownModeSteps::derive(const Plant& plant, const std::vector<VariableIndex>
 {
     lookedAt_ = modes.size();
     GuardShares guards(plant, before_, given_);
-    ModeStepsWriter writer(steps_);
+    ModeStepsWriter writer(plant, steps_);
     for (const VariableIndex mode : modes) {
         const std::size_t place = plant.modePlace(mode);
-        const AtomIndex from = guards.before(plant.variable(mode));
         const std::size_t counted = guards.counted();
         const ModeStep step = modeStep(plant, mode, guards);
-        writer.replace(place, step, plant.atom(from)->fail, guards.counted() > counted,
-                       workOf(plant, from), workOf(plant, steps_[place].before));
+        writer.replace(place, step, guards.counted() > counted);
     }
     writer.finish();
-    Meter::spend(writer.work()); // the same as where all are looked at
+    spendOnOpen(writer.open());
 }
 
 } // namespace monitor

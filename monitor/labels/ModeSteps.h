@@ -68,6 +68,8 @@ public:
     const std::vector<std::size_t>& notable() const { return places(notable_); }
     /// The places of those that had a fault before the step.
     const std::vector<std::size_t>& faulty() const { return places(faulty_); }
+    /// The places of those that had a fault before the step, or are predicted to have one.
+    const std::vector<std::size_t>& failing() const { return places(failing_); }
 
     std::size_t size() const { return steps_.size(); }
     const ModeStep& operator[](std::size_t place) const { return *steps_[place]; }
@@ -94,8 +96,8 @@ private:
     std::size_t inexact_ = 0;
     Places notable_;
     Places faulty_;
-    Places open_;            ///< a guard is neither known to hold nor not to
-    std::uint64_t work_ = 0; ///< of looking at all of them once
+    Places open_; ///< a guard is neither known to hold nor not to
+    Places failing_;
 };
 
 /// The possibilities of every mode variable. Guards are read in the modes and
@@ -103,6 +105,9 @@ private:
 /// are drawn from `before`. Linear in the plant and in the changes that leave the values before the step, but for open guards.
 ModeSteps modeSteps(const Plant& plant, const Prediction& before,
                     const SharedArray<AtomIndex>& commands);
+
+/// The possibilities of the modes of a part of the plant, by its numbers. Costs the part.
+ModeSteps stepsWithin(const PlantPart& part, const Plant& whole, const ModeSteps& steps);
 
 /// What the modes may do after some labels and commands, from which that after others is found.
 class KnownModeSteps {
@@ -117,6 +122,8 @@ public:
 
     const Prediction& before() const { return before_; }
     const ModeSteps& steps() const { return steps_; }
+    /// The values that the commands give.
+    const CommandValues& given() const { return given_; }
     /// How many modes were looked at: a measure of the work.
     std::size_t lookedAt() const { return lookedAt_; }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "plant/Plant.h"
+#include "plant/PlantPart.h"
 #include "plant/SharedArray.h"
 
 namespace monitor {
@@ -11,6 +12,7 @@ using plant::ClauseIndex;
 using plant::Plant;
 using plant::PlantChange;
 using plant::PlantLiteral;
+using plant::PlantPart;
 using plant::PlantVariable;
 using plant::SharedArray;
 using plant::VariableIndex;

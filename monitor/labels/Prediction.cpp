@@ -51,13 +51,26 @@ bool Prediction::propagate()
     return true;
 }
 
+// Where the labels are is asked once for all the clauses: this is the innermost loop of a search.
 bool Prediction::visitAll(std::span<const ClauseIndex> clauses)
+{
+    const auto kept = [this](AtomIndex atom) {
+        return known_[static_cast<std::size_t>(atom)].label();
+    };
+    const auto flat = [labels = labels_.data()](AtomIndex atom) {
+        return labels[static_cast<std::size_t>(atom)];
+    };
+    return shared_ ? visitAll(clauses, kept) : visitAll(clauses, flat);
+}
+
+template <typename LabelOf>
+bool Prediction::visitAll(std::span<const ClauseIndex> clauses, LabelOf labelOf)
 {
     std::uint64_t literals = 0;
     bool sound = true;
     for (const ClauseIndex clause : clauses) {
         literals += plant_->clause(clause).size();
-        if (!visit(clause)) {
+        if (!visit(clause, labelOf)) {
             violated_ = clause;
             sound = false;
             break;
@@ -68,11 +81,11 @@ bool Prediction::visitAll(std::span<const ClauseIndex> clauses)
 }
 
 // Labels the clause's only open literal so that the clause holds. False when every literal is false.
-bool Prediction::visit(ClauseIndex clause)
+template <typename LabelOf> bool Prediction::visit(ClauseIndex clause, LabelOf labelOf)
 {
     const PlantLiteral* open = nullptr;
     for (const PlantLiteral& literal : plant_->clause(clause)) {
-        const Label value = label(literal.atom);
+        const Label value = labelOf(literal.atom);
         if (value == Label::unknown) {
             if (open) {
                 return true;
@@ -132,7 +145,7 @@ std::vector<AtomIndex> Prediction::retract(const std::vector<AtomIndex>& values)
         for (const ClauseIndex clause : plant_->clausesOf(retracted[i])) {
             Meter::spend(plant_->clause(clause).size());
             for (const PlantLiteral& literal : plant_->clause(clause)) {
-                if (isKnown(literal.atom) && reason(literal.atom) == clause) {
+                if (reason(literal.atom) == clause) { // no clause is the reason of what is unknown
                     takeBack(literal.atom);
                 }
             }
@@ -268,13 +281,13 @@ constexpr std::size_t mostModes = 4096;
 
 void Prediction::preferSmallEnvironments()
 {
+    if (plant_->modesOfWhole() > mostModes) {
+        return;
+    }
     std::vector<std::size_t> modeNumber(plant_->variables().size());
     std::size_t modes = 0;
     for (std::size_t i = 0; i < modeNumber.size(); ++i) {
         modeNumber[i] = plant_->variables()[i].isMode ? modes++ : 0;
-    }
-    if (modes > mostModes) {
-        return;
     }
     const std::size_t trial = plant_->atomCount();
     ModeSets environments(plant_->atomCount() + 1, modes);

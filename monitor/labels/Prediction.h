@@ -127,7 +127,9 @@ private:
     void settle();
     std::vector<AtomIndex> retract(const std::vector<AtomIndex>& values);
     bool visitAll(std::span<const ClauseIndex> clauses);
-    bool visit(ClauseIndex clause);
+    template <typename LabelOf>
+    bool visitAll(std::span<const ClauseIndex> clauses, LabelOf labelOf);
+    template <typename LabelOf> bool visit(ClauseIndex clause, LabelOf labelOf);
     std::vector<AtomIndex> grounds(const std::vector<AtomIndex>& atoms) const;
     std::vector<AtomIndex> inOrder() const;
     std::vector<AtomIndex> behindTheirReasons(const std::vector<AtomIndex>& atoms) const;

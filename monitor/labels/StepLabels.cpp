@@ -169,4 +169,36 @@ StepLabels StepLabels::afresh() const
     return made;
 }
 
+// What contradicts itself was drawn as far as it came, in an order that depends on the steps before.
+std::uint64_t StepLabels::workFrom(const StepLabels& before) const
+{
+    constexpr std::uint64_t least = 100;
+    std::uint64_t work = least + 10 * taken_.size();
+    if (consistent_) {
+        forEachDifference(prediction_, before.prediction_,
+                          [&](AtomIndex atom) { work += 4 * (1 + plant_->clausesOf(atom).size()); });
+    }
+    return work;
+}
+
+StepLabels StepLabels::afreshWithin(const PlantPart& part, const CommandValues& given) const
+{
+    std::vector<AtomIndex> modes;
+    for (const VariableIndex mode : part.plant().modes()) {
+        modes.push_back(
+            *part.here(assumptions_.modes[plant_->modePlace(part.variableInWhole(mode))]));
+    }
+    std::vector<AtomIndex> observed;
+    std::size_t inputs = 0;
+    for (std::size_t i = 0; i < taken_.size(); ++i) {
+        if (const auto value = part.here(taken_[i].value)) {
+            observed.push_back(*value);
+            inputs += i < inputs_ ? 1 : 0;
+        }
+    }
+    StepLabels made(part.plant());
+    made.take({given.within(part), modes}, observed, inputs);
+    return made;
+}
+
 } // namespace monitor

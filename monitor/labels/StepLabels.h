@@ -9,6 +9,7 @@
 // values of the observed variables, and each of them has the probability 1/N.
 #pragma once
 
+#include "monitor/labels/CommandValues.h"
 #include "monitor/labels/ReadingsInTime.h"
 
 namespace monitor {
@@ -59,6 +60,13 @@ public:
     std::size_t inputs() const { return inputs_; }
     /// The same, drawn afresh: with equal labels, and reasons that do not depend on the steps before.
     StepLabels afresh() const;
+    /// The same of a part of the plant, by its numbers. Requires: consistent(), and that `given` has the commands that were taken, and
+    /// that a value of every mode was. Costs the part, and what is observed.
+    StepLabels afreshWithin(const PlantPart& part, const CommandValues& given) const;
+
+    /// Of going over to these labels from others: what is observed, and what differs. A measure for Meter, the same whatever
+    /// is remembered of either. Costs what they do not share.
+    std::uint64_t workFrom(const StepLabels& before) const;
 
 private:
     // An observation that was taken, and the labels before it.

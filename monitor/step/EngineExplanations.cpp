@@ -1,18 +1,22 @@
 #include "monitor/step/EngineExplanations.h"
 
 #include "monitor/labels/Meter.h"
+#include "monitor/step/LocalStep.h"
 
 #include <algorithm>
 
 namespace monitor {
 
 EngineExplanations::EngineExplanations(itms& engine, std::uint64_t recordsBeforeSplit)
-    : engine_([&engine]() -> itms& { return engine; }), recordsBeforeSplit_(recordsBeforeSplit)
+    : engine_([&engine]() -> itms& { return engine; }),
+      hasImplicates_([&engine] { return engine.piTable != nullptr; }),
+      recordsBeforeSplit_(recordsBeforeSplit)
 {
 }
 
 EngineExplanations::EngineExplanations(plant::ActiveModel& model, std::uint64_t recordsBeforeSplit)
     : engine_([&model]() -> itms& { return model.engine(); }),
+      hasImplicates_([&model] { return model.implicates().found; }),
       recordsBeforeSplit_(recordsBeforeSplit)
 {
 }
@@ -54,13 +58,22 @@ Explanations EngineExplanations::searchAnew(const StepFrame& frame, int faultBud
                                             const SearchLimits& limits)
 {
     ++searches_;
-    FaultSearch search(engine_(), frame, limits, recordsBeforeSplit_);
+    const std::optional<LocalStep> local = hasImplicates_() ? std::nullopt : LocalStep::of(frame);
+    FaultSearch search(engine_, local ? local->frame() : frame, limits, recordsBeforeSplit_);
+    Explanations answer;
     try {
         search.run(faultBudget);
+        answer.complete = search.complete();
+        answer.limit = search.limit();
     } catch (const Meter::Cut& cut) {
-        return {search.found(), false, cut.limit, search.work()};
+        answer.complete = false;
+        answer.limit = cut.limit;
     }
-    return {search.found(), search.complete(), search.limit(), search.work()};
+    for (const Deviations& found : search.found()) {
+        answer.found.insert(local ? local->inWhole(found) : found);
+    }
+    answer.work = search.work();
+    return answer;
 }
 
 } // namespace monitor

@@ -47,6 +47,7 @@ private:
     static constexpr std::size_t mostRemembered = 32;
 
     std::function<itms&()> engine_;
+    std::function<bool()> hasImplicates_; ///< which may lead the engine anywhere
     std::uint64_t recordsBeforeSplit_;
     std::deque<Asked> asked_; ///< oldest first
     bool remembers_ = true;

@@ -11,7 +11,14 @@ namespace monitor {
 
 FaultSearch::FaultSearch(itms& engine, const StepFrame& frame, const SearchLimits& limits,
                          std::uint64_t recordsBeforeSplit)
-    : engine_(engine), frame_(frame), budget_(limits), recordsBeforeSplit_(recordsBeforeSplit)
+    : FaultSearch([&engine]() -> itms& { return engine; }, frame, limits, recordsBeforeSplit)
+{
+}
+
+FaultSearch::FaultSearch(std::function<itms&()> engine, const StepFrame& frame,
+                         const SearchLimits& limits, std::uint64_t recordsBeforeSplit)
+    : engine_(std::move(engine)), frame_(frame), budget_(limits),
+      recordsBeforeSplit_(recordsBeforeSplit)
 {
 }
 
@@ -89,7 +96,7 @@ bool FaultSearch::searchDirectly(const Scenario& scenario, const std::vector<boo
     limits.maxRecords = std::min(limits.maxRecords, recordsBeforeSplit_);
     limits.maxSeconds /=
         4; // where the engine takes long, there is time left for taking the search apart
-    const SearchOutcome outcome = searchWithEngine(engine_, scenario, fixed, faultBudget, limits);
+    const SearchOutcome outcome = searchWithEngine(engine_(), scenario, fixed, faultBudget, limits);
     SearchWork work = outcome.work;
     work.candidates = 0; // counted when they are new
     budget_.spend(work);

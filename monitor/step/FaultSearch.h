@@ -12,6 +12,7 @@
 #include "monitor/step/Budget.h"
 #include "monitor/step/EngineSearch.h"
 
+#include <functional>
 #include <set>
 
 namespace monitor {
@@ -26,6 +27,9 @@ public:
     /// Engine and frame outlive the search. The limits are for all that run() does: what the engine expands, and
     /// every conflict that is taken apart here, is a record.
     FaultSearch(itms& engine, const StepFrame& frame, const SearchLimits& limits,
+                std::uint64_t recordsBeforeSplit = usualRecordsBeforeSplit);
+    /// The same, with an engine that is asked for when it has something to do.
+    FaultSearch(std::function<itms&()> engine, const StepFrame& frame, const SearchLimits& limits,
                 std::uint64_t recordsBeforeSplit = usualRecordsBeforeSplit);
 
     /// Searches explanations of the frame's observations with at most `faultBudget` faults.
@@ -50,7 +54,7 @@ private:
     void addFound(const Scenario& scenario, const Deviations& further);
     bool exhausted();
 
-    itms& engine_;
+    std::function<itms&()> engine_;
     const StepFrame& frame_;
     Budget budget_;
     std::uint64_t recordsBeforeSplit_;

@@ -1,4 +1,4 @@
-// Each candidate is predicted afresh from its modes alone, whatever the search made of the other labels. Sums of logarithms are
+// Each candidate is predicted from its modes alone, whatever the search made of the other labels. Sums of logarithms are
 // compared after rounding, so that products of the same factors in another order are ties.
 #include "monitor/step/Judge.h"
 
@@ -227,19 +227,43 @@ StepAssumptions assumptionsOf(const StepFrame& frame, const Deviations& deviatio
 
 namespace {
 
-void judgeOne(const StepFrame& frame, const Deviations& modes, Judgement& judgement)
+// From labels that were kept what is open is looked at around what changed.
+Completion completionOf(const StepFrame& frame, const Prediction& labels)
 {
-    StepLabels labels(frame.plant);
+    const bool fills =
+        frame.carriedFills && stillFillsInTurn(frame.plant, labels, frame.carried->prediction());
+    return fills ? Completion::possible : completionOf(frame.plant, labels);
+}
+
+void judgeLabels(const StepFrame& frame, const Deviations& modes, StepLabels& labels,
+                 Judgement& judgement)
+{
     labels.take(assumptionsOf(frame, modes), frame.observations, frame.inputs);
     if (!labels.consistent() || !labels.contradicted().empty()) {
         return;
     }
-    const Completion completion = completionOf(frame.plant, labels.prediction());
+    const Completion completion = completionOf(frame, labels.prediction());
     judgement.sure = judgement.sure && completion != Completion::unsettled;
     auto candidate = weigh(frame, modes, labels.likelihood().log);
     if (candidate && completion == Completion::possible) {
         judgement.candidates.push_back(std::move(*candidate));
     }
+}
+
+// What labels that were kept cost depends on the steps before.
+void judgeOne(const StepFrame& frame, const Deviations& modes, Judgement& judgement)
+{
+    if (!frame.carried) {
+        StepLabels fresh(frame.plant);
+        judgeLabels(frame, modes, fresh, judgement);
+        return;
+    }
+    StepLabels labels = *frame.carried;
+    {
+        const Meter::Uncounted uncounted;
+        judgeLabels(frame, modes, labels, judgement);
+    }
+    Meter::spend(labels.workFrom(*frame.carried));
 }
 
 // Weighs many candidates: what they have in common is added up once.

@@ -6,6 +6,7 @@
 // unknown mode predicts no outflow, and the one that is measured is adopted.
 #pragma once
 
+#include "monitor/labels/StepLabels.h"
 #include "monitor/step/Suspects.h"
 
 namespace monitor {
@@ -34,6 +35,11 @@ struct StepFrame {
     /// From what the modes follow; null: not known.
     KnownModeStepsPointer known = {};
     std::vector<double> changing = {}; ///< of the observations, as in StepInput
+    /// The labels before the step, from which those of the step are drawn at the cost of what changes; null: not kept. They outlive it.
+    const StepLabels* carried = nullptr;
+    bool carriedFills = false; ///< it is known of these that what they leave open has values in turn
+    bool restIsKnown =
+        true; ///< in what is left out of a step of a part of the plant (LocalStep.h), everything has a label
 
     /// Requires: a mode variable. Constant time.
     const ModeStep& stepOf(VariableIndex variable) const
@@ -76,7 +82,7 @@ public:
     /// False when modes and commands contradict the laws. The observations are not looked at then.
     bool consistent() const { return consistent_; }
     /// True when every atom of the plant has a label.
-    bool complete() const { return prediction_.complete(); }
+    bool complete() const { return prediction_.complete() && frame_.restIsKnown; }
     const Prediction& prediction() const { return prediction_; }
     const Deviations& deviations() const { return deviations_; }
     const StepFrame& frame() const { return frame_; }

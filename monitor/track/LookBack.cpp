@@ -48,6 +48,7 @@ public:
 
     LookBackResult run(const std::vector<bool>& relevant)
     {
+        relevantPlaces_ = modesAmong(relevant);
         for (const Alternative& alternative : alternatives(relevant)) {
             if (exhausted() || !tried(alternative)) {
                 result_.logUntried =
@@ -122,12 +123,13 @@ private:
     void addAlternatives(const Alternative& start, const StepFrame& frame, int budget,
                          const std::vector<bool>& relevant, std::vector<Alternative>& all) const
     {
-        for (const ModeStep& mode : frame.modes) {
+        for (const std::size_t place : relevantPlaces_) {
+            const ModeStep& mode = frame.modes[place];
             const bool deviates =
                 std::any_of(start.deviations.begin(), start.deviations.end(), [&](AtomIndex value) {
                     return plant_.variableOf(value) == mode.variable;
                 });
-            if (deviates || !relevant[static_cast<std::size_t>(mode.variable)]) {
+            if (deviates) {
                 continue;
             }
             for (const ModeOption& option : mode.options) {
@@ -336,14 +338,14 @@ private:
         for (const Hypothesis& hypothesis : way) {
             earlier.push_back(&hypothesis);
         }
-        const std::vector<bool> relevant =
-            variablesAgainst(successors_, plant_, {&way.back()}, earlier, contradicting);
+        const std::vector<std::size_t> relevant =
+            modesAmong(variablesAgainst(successors_, plant_, {&way.back()}, earlier, contradicting));
         for (std::size_t step = trail.step; step < trail.replay.begin + way.size(); ++step) {
             combineAt(trail, step, relevant);
         }
     }
 
-    void combineAt(const Trail& trail, std::size_t step, const std::vector<bool>& relevant)
+    void combineAt(const Trail& trail, std::size_t step, const std::vector<std::size_t>& relevant)
     {
         const Replay& replay = trail.replay;
         const std::vector<Hypothesis>& way = replay.way;
@@ -358,9 +360,9 @@ private:
         const int left = again ? settings_.maxFaults - begun
                                : successors_.faultsLeft(parent, input, settings_.maxFaults);
         const StepFrame frame = successors_.frame(parent, input, lost);
-        for (const ModeStep& mode : frame.modes) {
-            if (!relevant[static_cast<std::size_t>(mode.variable)] ||
-                (again && mode.variable <= trail.variable)) {
+        for (const std::size_t modePlace : relevant) {
+            const ModeStep& mode = frame.modes[modePlace];
+            if (again && mode.variable <= trail.variable) {
                 continue;
             }
             for (const ModeOption& option : mode.options) {
@@ -389,6 +391,18 @@ private:
         }
     }
 
+    // Their places among the modes of the plant.
+    std::vector<std::size_t> modesAmong(const std::vector<bool>& variables) const
+    {
+        std::vector<std::size_t> places;
+        for (std::size_t place = 0; place < plant_.modes().size(); ++place) {
+            if (variables[static_cast<std::size_t>(plant_.modes()[place])]) {
+                places.push_back(place);
+            }
+        }
+        return places;
+    }
+
     bool exhausted()
     {
         const bool met = budget_.exhausted();
@@ -405,6 +419,7 @@ private:
     Budget budget_;
     LookBackResult result_;
     std::map<std::size_t, std::set<Deviated>> deviated_; ///< by index of the past step
+    std::vector<std::size_t> relevantPlaces_;            ///< of the modes that are tried
 };
 
 LookBackResult lookBackWithin(Successors& successors, const Plant& plant,

@@ -111,8 +111,11 @@ bool isSmaller(const Explained& one, const Explained& other)
 StepFrame frameAfter(const Plant& plant, const Hypothesis& parent, const TrackInput& input,
                      const Losses& lost)
 {
-    return makeFrame(plant, parent.labels.prediction(), arriving(input, lost, parent.lost),
-                     parent.steps);
+    StepFrame frame = makeFrame(plant, parent.labels.prediction(),
+                                arriving(input, lost, parent.lost), parent.steps);
+    frame.carried = &parent.labels;
+    frame.carriedFills = parent.fillsInTurn;
+    return frame;
 }
 
 Successors::Successors(itms& engine, const Plant& plant, std::size_t window)
@@ -120,14 +123,25 @@ Successors::Successors(itms& engine, const Plant& plant, std::size_t window)
 {
 }
 
-// Nothing when a mode cannot be had at this step.
+// Labels and readings are kept from step to step, and so cost what is remembered of them.
 std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const TrackInput& input,
                                            const StepFrame& frame, const Deviations& deviations,
                                            const Losses& lost, Contradictions despite) const
 {
-    // Labels and readings are kept from step to step, and so cost what is remembered of them.
-    Meter::spend(4 * plant_.atomCount());
-    const Meter::Uncounted uncounted;
+    std::optional<Hypothesis> made;
+    {
+        const Meter::Uncounted uncounted;
+        made = drawn(parent, input, frame, deviations, lost, despite);
+    }
+    Meter::spend(made ? made->labels.workFrom(parent.labels) : 1);
+    return made;
+}
+
+// Nothing when a mode cannot be had at this step.
+std::optional<Hypothesis> Successors::drawn(const Hypothesis& parent, const TrackInput& input,
+                                            const StepFrame& frame, const Deviations& deviations,
+                                            const Losses& lost, Contradictions despite) const
+{
     Hypothesis made{parent.labels, {}, 0.0, 0.0, parent.faults, nullptr, parent.since, {}, {}, {}};
     const StepAssumptions assumptions = assumptionsOf(frame, deviations);
     made.labels.take(assumptions, frame.observations, frame.inputs);
@@ -168,18 +182,25 @@ double Successors::logOthers(const Prospect& prospect) const
 
 bool Successors::explains(Hypothesis& predicted) const
 {
-    Meter::spend(plant_.atomCount());
     const Meter::Uncounted uncounted;
     if (!predicted.explains() || !std::isfinite(predicted.logStep)) {
         return false;
     }
     const Prediction& labels = predicted.labels.prediction();
-    predicted.fillsInTurn =
-        labels.complete() ||
-        (predicted.filledBefore && predicted.steps &&
-         fillsInTurn(plant_, labels, variablesAround(plant_, labels, predicted.steps->before()))) ||
-        completionOf(plant_, labels, 0) == Completion::possible;
+    predicted.fillsInTurn = labels.complete() ||
+                            (predicted.filledBefore && predicted.steps &&
+                             stillFillsInTurn(plant_, labels, predicted.steps->before())) ||
+                            completionOf(plant_, labels, 0) == Completion::possible;
     return predicted.fillsInTurn || completionOf(plant_, labels) == Completion::possible;
+}
+
+// The next step need not look at all of what is open, then.
+void Successors::noteFilling(Hypothesis& explained) const
+{
+    const Meter::Uncounted uncounted;
+    explained.fillsInTurn =
+        explained.filledBefore &&
+        stillFillsInTurn(plant_, explained.labels.prediction(), explained.steps->before());
 }
 
 std::optional<Hypothesis> Successors::deviating(const Hypothesis& parent, const TrackInput& input,
@@ -288,6 +309,7 @@ SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
                              [&](const Explained& other) { return isSmaller(other, explained); })) {
                 result.found.push_back(
                     *make(parent, input, tried, candidate.modes, lost, Contradictions::areNot));
+                noteFilling(result.found.back());
                 smallest.push_back(std::move(explained));
             }
         }

@@ -36,7 +36,7 @@ struct Prospect {
     StepFrame frame;
 };
 
-/// What the step can do after the parent, when these are lost.
+/// What the step can do after the parent, when these are lost. The parent outlives it.
 StepFrame frameAfter(const Plant& plant, const Hypothesis& parent, const TrackInput& input,
                      const Losses& lost);
 
@@ -120,6 +120,11 @@ private:
     std::optional<Hypothesis> make(const Hypothesis& parent, const TrackInput& input,
                                    const StepFrame& frame, const Deviations& deviations,
                                    const Losses& lost, Contradictions despite) const;
+
+    std::optional<Hypothesis> drawn(const Hypothesis& parent, const TrackInput& input,
+                                    const StepFrame& frame, const Deviations& deviations,
+                                    const Losses& lost, Contradictions despite) const;
+    void noteFilling(Hypothesis& explained) const;
 
     std::shared_ptr<ExplanationSearch> search_;
     const Plant& plant_;

@@ -50,9 +50,17 @@ bool isBeforeByName(const Plant& plant, const Hypothesis& a, const Hypothesis& b
     };
     const auto namesOfA = differing(a);
     const auto namesOfB = differing(b);
-    return namesOfA != namesOfB
-               ? namesOfA < namesOfB
-               : names(plant, a.modes.toVector()) < names(plant, b.modes.toVector());
+    if (namesOfA != namesOfB) {
+        return namesOfA < namesOfB;
+    }
+    // What both have does not tell which of two sorted lists of the same length comes first.
+    std::vector<AtomIndex> ofA;
+    std::vector<AtomIndex> ofB;
+    forEachDifference(a.modes, b.modes, [&](std::size_t place) {
+        ofA.push_back(a.modes[place]);
+        ofB.push_back(b.modes[place]);
+    });
+    return names(plant, ofA) < names(plant, ofB);
 }
 
 } // namespace
@@ -100,6 +108,7 @@ public:
         answer_.status = status(explained);
         answer_.limit = budget_.limit();
         answer_.work = budget_.work();
+        answer_.lookedAt = meter.all();
         finish(logScale, explained);
     }
 

@@ -63,6 +63,9 @@ struct TrackAnswer {
     double silent = 0.0;
     bool wentBack = false; ///< earlier steps were gone back to
     SearchWork work;
+    /// Literals of laws that were looked at, or what costs as much, whether that counts towards a limit or not: a measure of the work. It
+    /// is not the same in a run that was resumed.
+    std::uint64_t lookedAt = 0;
 };
 
 /// What a tracker remembers between steps; enough to go on elsewhere with the same model.

@@ -114,9 +114,9 @@ TEST_F(CarriedState, IsThatOfALastStepTakenAfresh)
 }
 
 // A row of pumps beside one another, each with a command and a reading.
-class StepCost : public testing::Test {
-protected:
-    explicit StepCost(int pumps = 300)
+class Pumps {
+public:
+    explicit Pumps(int pumps)
     {
         for (int i = 0; i < pumps; ++i) {
             const std::string name = "p" + std::to_string(i);
@@ -147,6 +147,9 @@ protected:
         input_.t += 1.0;
         return *tracker_->advance(input_).hypotheses.front();
     }
+    const monitor::TrackAnswer& answer() const { return tracker_->answer(); }
+    void read(const std::string& id) { input_.values.observations = {active_->index(id)}; }
+    void readNothing() { input_.values.observations = {}; }
     void command(const std::string& id)
     {
         const AtomIndex value = active_->index(id);
@@ -165,11 +168,17 @@ protected:
         return changed;
     }
 
+private:
     MutedTrace muted_;
     HandMade model_;
     std::unique_ptr<ActivePlant> active_;
     std::unique_ptr<Tracker> tracker_;
     monitor::TrackInput input_;
+};
+
+class StepCost : public testing::Test, protected Pumps {
+protected:
+    StepCost() : Pumps(300) {}
 };
 
 TEST_F(StepCost, IsNothingForModesWhereNothingHappens)
@@ -193,11 +202,11 @@ TEST_F(StepCost, IsThatOfTheModeThatIsTold)
 
 TEST_F(StepCost, IsNothingForTheTwinWhereNothingHappens)
 {
-    input_.values.observations = {active_->index("p3.flow=0")};
+    read("p3.flow=0");
     command("p3.request=start");
     const Hypothesis& failed = step();
     ASSERT_TRUE(failed.twin);
-    input_.values.observations = {};
+    readNothing();
     command("p3.request=none");
     step();
     step();
@@ -205,6 +214,42 @@ TEST_F(StepCost, IsNothingForTheTwinWhereNothingHappens)
     ASSERT_TRUE(quiet.twin);
     EXPECT_EQ(quiet.twin->steps->lookedAt(), 0U);
     EXPECT_EQ(quiet.steps->lookedAt(), 0U);
+}
+
+// What it costs that pumps do not start, one after the other, at that step and the next two. The first steps of all are not gone back
+// to any more: then everything was new.
+std::vector<std::uint64_t> lookedAtWhereTheseFail(int count, const std::vector<std::string>& failing)
+{
+    Pumps pumps(count);
+    for (int quiet = 0; quiet < 15; ++quiet) {
+        pumps.step();
+    }
+    std::vector<std::uint64_t> looked;
+    for (const std::string& name : failing) {
+        pumps.command(name + ".request=start");
+        pumps.read(name + ".flow=0");
+        EXPECT_TRUE(pumps.step().isFaulty());
+        EXPECT_TRUE(pumps.answer().wentBack);
+        EXPECT_GT(pumps.answer().work.records, 0U);
+        looked.push_back(pumps.answer().lookedAt);
+        pumps.command(name + ".request=none");
+        for (int after = 0; after < 2; ++after) {
+            pumps.step();
+            looked.push_back(pumps.answer().lookedAt);
+        }
+    }
+    return looked;
+}
+
+TEST(LocalFault, LooksAtAsMuchHoweverManyPumpsAreBesideIt)
+{
+    const std::vector<std::uint64_t> amongFew = lookedAtWhereTheseFail(30, {"p3"});
+    EXPECT_EQ(lookedAtWhereTheseFail(2000, {"p3"}), amongFew);
+}
+
+TEST(LocalFault, LooksAtAsMuchWhereThereIsAnotherOne)
+{
+    EXPECT_EQ(lookedAtWhereTheseFail(2000, {"p3", "p5"}), lookedAtWhereTheseFail(30, {"p3", "p5"}));
 }
 
 } // namespace
