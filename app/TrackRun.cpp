@@ -10,8 +10,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
-#include <memory>
-#include <vector>
 
 namespace app {
 
@@ -61,14 +59,6 @@ session::Session open(const std::string& verb, const TrackOptions& options,
     return openModel(verb, options.model, files, options.quiet, settings, trace);
 }
 
-// Taking a large plant apart takes as long as some steps of it, and would be the last thing that the program does. What is kept here
-// goes with the process.
-session::Session& kept(session::Session session)
-{
-    static auto& sessions = *new std::vector<std::unique_ptr<session::Session>>;
-    return *sessions.emplace_back(std::make_unique<session::Session>(std::move(session)));
-}
-
 } // namespace
 
 FileRoles TrackRun::printing()
@@ -80,7 +70,7 @@ FileRoles TrackRun::printing()
 
 TrackRun::TrackRun(const std::string& verb, const TrackOptions& options,
                    const session::Settings& settings, FileRoles files, bool trace)
-    : session_(kept(open(verb, options, settings, files, trace))),
+    : session_(open(verb, options, settings, files, trace)),
       reading_(readingOf(options, files, session_)),
       feed_(telemetryOf(verb, options), session_.model(), session_.bindings(), reading_.settings,
             !options.quiet)

@@ -60,7 +60,7 @@ public:
     const StepFeed& feed() const { return feed_; }
 
 private:
-    session::Session& session_; ///< kept until the program ends
+    session::Session session_;
     Reading reading_;
     StepFeed feed_;
     telemetry::Step step_;

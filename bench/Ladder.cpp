@@ -14,12 +14,11 @@ Ladder::Ladder(int rungs)
             builder.variable(rung, "mode", VariableKind::mode, {{"ok"}, {"faulty", true}}, 0));
         outputs_.push_back(builder.variable(rung, "out", VariableKind::condition, {{"0"}, {"1"}}));
         builder.fault(value(modes_.back(), "ok"), value(modes_.back(), "faulty"), 0.01);
-        laws_.push_back(nullptr);
         for (const char* bit : {"0", "1"}) {
             if (i > 0) {
-                laws_.back() = builder.law(rung, {{false, value(modes_.back(), "faulty")},
-                                                  {true, value(outputs_[outputs_.size() - 2], bit)},
-                                                  {false, value(outputs_.back(), bit)}});
+                builder.law(rung, {{false, value(modes_.back(), "faulty")},
+                                   {true, value(outputs_[outputs_.size() - 2], bit)},
+                                   {false, value(outputs_.back(), bit)}});
             }
         }
     }

@@ -21,14 +21,16 @@ public:
     StateVar* output(int rung) const { return outputs_[static_cast<std::size_t>(rung)]; }
     StateVar* mode(int rung) const { return modes_[static_cast<std::size_t>(rung)]; }
     /// The law that rung `rung` violates when its output is 0 while its input is 1.
-    Clause* law(int rung) const { return laws_[static_cast<std::size_t>(rung)]; }
+    Clause* law(int rung) const
+    {
+        return rung > 0 ? model_->laws()[2 * static_cast<std::size_t>(rung) - 1] : nullptr;
+    }
     int last() const { return static_cast<int>(outputs_.size()) - 1; }
 
 private:
     std::unique_ptr<plant::Model> model_;
     std::vector<StateVar*> outputs_;
     std::vector<StateVar*> modes_;
-    std::vector<Clause*> laws_;
     Trajectory trajectory_;
     itms engine_;
 };

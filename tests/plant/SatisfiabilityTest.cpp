@@ -33,7 +33,7 @@ Clauses randomClauses(std::mt19937& random, std::size_t variables)
     for (auto& clause : clauses) {
         clause.resize(1 + random() % 3 + random() % 2);
         for (auto& literal : clause) {
-            literal = random() % (2 * variables);
+            literal = static_cast<Satisfiability::Literal>(random() % (2 * variables));
         }
         std::sort(clause.begin(), clause.end());
         clause.erase(std::unique(clause.begin(), clause.end()), clause.end());
@@ -50,7 +50,7 @@ TEST(SatisfiabilityTest, AgreesWithTryingAllValues)
         const Clauses clauses = randomClauses(random, variables);
         Satisfiability solver(variables);
         for (std::size_t i = 0; i < clauses.size(); ++i) {
-            solver.add(clauses[i], i);
+            solver.add(clauses[i], static_cast<std::uint32_t>(i));
         }
         const bool expected = satisfiable(clauses, variables);
         yes += expected ? 1 : 0;
@@ -90,12 +90,12 @@ TEST(SatisfiabilityTest, OfAnEmptyClauseIsNone)
 // Five pigeons in four holes: more conflicts than the budget.
 TEST(SatisfiabilityTest, SaysSoWhenItsBudgetIsUsedUp)
 {
-    const auto in = [](std::size_t pigeon, std::size_t hole) { return 2 * (pigeon * 4 + hole); };
+    const auto in = [](std::uint32_t pigeon, std::uint32_t hole) { return 2 * (pigeon * 4 + hole); };
     Satisfiability solver(20);
-    for (std::size_t pigeon = 0; pigeon < 5; ++pigeon) {
+    for (std::uint32_t pigeon = 0; pigeon < 5; ++pigeon) {
         solver.add({in(pigeon, 0), in(pigeon, 1), in(pigeon, 2), in(pigeon, 3)}, 0);
-        for (std::size_t other = 0; other < pigeon; ++other) {
-            for (std::size_t hole = 0; hole < 4; ++hole) {
+        for (std::uint32_t other = 0; other < pigeon; ++other) {
+            for (std::uint32_t hole = 0; hole < 4; ++hole) {
                 solver.add({in(pigeon, hole) + 1, in(other, hole) + 1}, 1);
             }
         }

@@ -12,7 +12,7 @@
 
 namespace {
 
-language::ReadResult read(const std::string& text)
+language::ReadResult soundModel(const std::string& text)
 {
     language::ReadResult result = language::readModelText("plants/test.itms", text);
     for (const text::Diagnostic& error : result.errors) {
@@ -25,8 +25,8 @@ language::ReadResult read(const std::string& text)
 // All of the model but the places of its laws.
 std::string contentOf(const std::string& text)
 {
-    return std::regex_replace(language::modelJson(read(text)), std::regex(",\"place\":\\{[^}]*\\}"),
-                              "");
+    return std::regex_replace(language::modelJson(soundModel(text)),
+                              std::regex(",\"place\":\\{[^}]*\\}"), "");
 }
 
 // A component with laws and guards of its own variables, of those of its part, and in loops.
@@ -63,8 +63,8 @@ TEST(OwnVariablesTest, CountForEveryInstance)
 {
     const std::string type =
         "component C {\n cond v: a, b\n cond w: a, b\n law v = a -> v = a\n law v = w\n}\n";
-    const language::ReadResult one = read(type + "system S { c[1]: C }\n");
-    const language::ReadResult three = read(type + "system S { c[3]: C }\n");
+    const language::ReadResult one = soundModel(type + "system S { c[1]: C }\n");
+    const language::ReadResult three = soundModel(type + "system S { c[3]: C }\n");
     EXPECT_EQ(three.size.laws, 3 * one.size.laws);
     EXPECT_EQ(three.model->lawCount(), 3 * one.model->lawCount());
     EXPECT_EQ(three.lawPlaces.size(), three.model->lawCount());
