@@ -25,7 +25,8 @@ Plant::Plant(const Plant& whole, const std::vector<VariableIndex>& variables) : 
     std::vector<ClauseIndex> clauses;
     for (const VariableIndex variable : variables) {
         for (const AtomIndex value : whole.variable(variable).values) {
-            numbers_.emplace_back(whole.atom(value)->number, static_cast<AtomIndex>(numbers_.size()));
+            numbers_.emplace_back(whole.atom(value)->number,
+                                  static_cast<AtomIndex>(numbers_.size()));
             const auto of = whole.clausesOf(value);
             clauses.insert(clauses.end(), of.begin(), of.end());
         }

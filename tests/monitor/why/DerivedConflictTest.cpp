@@ -118,7 +118,8 @@ TEST_F(DerivedConflictTest, SaysWhereAModeComesFromAndByWhichCommand)
     EXPECT_EQ(id(mode.value), "v.position=open");
     EXPECT_EQ(id(mode.before), "v.position=closed");
     ASSERT_TRUE(mode.followed);
-    EXPECT_EQ(mode.followed->name, "Nominal");
+    ASSERT_EQ(mode.followed->literals.size(), 1U);
+    EXPECT_EQ(id(mode.followed->literals.front().atom), "v.request=open");
     EXPECT_TRUE(conflicts.front().commands.empty());
 }
 
