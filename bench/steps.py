@@ -11,10 +11,11 @@ each through telemetry of four kinds:
            the chain's feed comes and goes near its end
   fault    a pump fails at some step, and the readings of its neighbours are there
   repair   the same, and it is mended some steps later
-  failures one pump after another fails, and is mended ten steps later: what all that costs, ten steps included
 
-What a step costs is the difference between a long run and a short one, divided by their steps: user time of the processor, the least of
-some runs. A fault, and a repair, are one step each; of failures there are many in a run. With --before, another build is measured, too; the answers must be the same bytes.
+What a quiet step and a reading cost is the difference between a long run and a short one, divided by their steps: user time of the
+processor. A fault, and a repair, are one step each: the program follows them live, and what it used of the processor is read, from
+/proc, between the answer before and that of the step. Of some runs it is the least. With --before, another build is measured, too; the
+answers must be the same bytes. Memory and work are not limited.
 """
 
 import argparse
@@ -24,6 +25,7 @@ import resource
 import subprocess
 import sys
 import tempfile
+import time
 
 PUMP = """component Pump {
     command request: none, start, stop
@@ -41,7 +43,6 @@ PUMP = """component Pump {
 
 
 FAILS, MENDED = 15, 25  # steps
-CYCLE = 30  # steps from one of many failures to the next
 
 
 def bank(count):
@@ -91,17 +92,12 @@ def steps_of(plant, kind, count, steps):
             step["observations"] = {last: "positive" if flows else "zero"}
             if plant == "bank":
                 step["observations"][f"pump[{pump}].inflow"] = "positive"
-        if kind in ("fault", "repair", "failures"):
-            within = number
-            if kind == "failures":
-                within = number % CYCLE
-                pump = number // CYCLE % count if plant == "bank" else pump
-                last = f"pump[{pump}].outflow" if plant == "bank" else last
-            broken = within >= FAILS and (kind == "fault" or within < MENDED)
+        if kind in ("fault", "repair"):
+            broken = number >= FAILS and (kind == "fault" or number < MENDED)
             step["observations"] = {f"pump[{pump}].outflow": "zero" if broken else "positive"}
             if plant == "bank":
                 step["observations"][f"pump[{pump}].inflow"] = "positive"
-            if kind != "fault" and within == MENDED:
+            if kind == "repair" and number == MENDED:
                 step["commands"] = {f"pump[{pump}].request": "start"}
         yield step
 
@@ -111,11 +107,39 @@ def write(path, text):
         file.write(text)
 
 
+def command(program, model, telemetry):
+    return [program, "run", model, telemetry, "--format", "jsonl", "-q", "--max-memory", "0", "--max-work", "0"]
+
+
+def seconds_at(program, model, steps, at):
+    """Seconds of the processor for one of the steps, from the answer before it to its own."""
+    followed = subprocess.Popen(command(program, model, "-"), stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+
+    def used():
+        time.sleep(0.02)  # until it waits for more
+        with open(f"/proc/{followed.pid}/schedstat", encoding="ascii") as file:
+            return int(file.read().split()[0]) * 1e-9
+
+    before = 0.0
+    for number, step in enumerate(steps, 1):
+        if number == at:
+            before = used()
+        followed.stdin.write(json.dumps(step).encode() + b"\n")
+        followed.stdin.flush()
+        if followed.stdout.readline() == b"":
+            sys.exit(f"{program} ended")
+    taken = used() - before
+    followed.stdin.close()
+    followed.stdout.read()
+    followed.wait()
+    return taken
+
+
 def run(program, model, telemetry):
     """User seconds and the answer."""
     before = resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime
-    done = subprocess.run([program, "run", model, telemetry, "--format", "jsonl", "-q"], check=False,
-                          stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+    done = subprocess.run(command(program, model, telemetry), check=False, stdout=subprocess.PIPE,
+                          stderr=subprocess.PIPE)
     if done.returncode not in (0, 3):
         sys.exit(f"{program}: {done.stderr.decode()}")
     return resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime - before, done.stdout
@@ -127,7 +151,6 @@ def main():
     parser.add_argument("--before", help="another build, run in turn")
     parser.add_argument("--sizes", default="100,1000,10000,100000")
     parser.add_argument("--steps", type=int, default=20000, help="of a run, at most")
-    parser.add_argument("--failures", type=int, default=100, help="of a run of them")
     parser.add_argument("--repeat", type=int, default=3)
     parser.add_argument("--kinds", default="quiet,reading,fault,repair")
     parser.add_argument("--plants", default="bank,chain")
@@ -160,13 +183,9 @@ def cost_of(program, model, kind, plant, size, options, folder):
     def seconds(steps):
         return seconds_of(program, model, kind, plant, size, steps, folder, options.repeat)[0]
 
-    if kind == "fault":
-        return seconds(FAILS) - seconds(FAILS - 1)
-    if kind == "repair":
-        return seconds(MENDED) - seconds(MENDED - 1)
-    if kind == "failures":
-        few, many = CYCLE, CYCLE * (1 + options.failures)
-        return (seconds(many) - seconds(few)) / options.failures
+    if kind in ("fault", "repair"):
+        at = FAILS if kind == "fault" else MENDED
+        return min(seconds_at(program, model, steps_of(plant, kind, size, at), at) for _ in range(options.repeat))
     # So many steps that they take long enough beside reading the model.
     few = 10
     begun = seconds(few)
