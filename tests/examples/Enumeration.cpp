@@ -11,7 +11,7 @@ Values::Values(const plant::Plant& plant, const std::vector<AtomIndex>& given)
 {
     possible_ = assume(given);
     for (const plant::ClauseIndex clause : plant.unitClauses()) {
-        const plant::PlantLiteral& only = plant.clause(clause).at(0);
+        const plant::PlantLiteral& only = plant.clause(clause).front();
         possible_ = possible_ && set(only.atom, !only.negated) && propagate();
     }
 }

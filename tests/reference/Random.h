@@ -28,10 +28,8 @@ public:
         return low + static_cast<int>(below(static_cast<std::size_t>(high - low + 1)));
     }
     bool chance(int percent) { return between(0, 99) < percent; }
-    template <class T> const T& pick(const std::vector<T>& from)
-    {
-        return from[below(from.size())];
-    }
+    /// Requires: there is something to pick from.
+    template <class List> decltype(auto) pick(const List& from) { return from[below(from.size())]; }
 
 private:
     std::uint64_t state_;

@@ -106,7 +106,7 @@ std::vector<AtomIndex> DrawnRun::drawnInputs()
 {
     std::vector<AtomIndex> values;
     for (const VariableIndex variable : inputs_) {
-        const std::vector<AtomIndex>& all = plant_.variable(variable).values;
+        const plant::ValueRange all = plant_.variable(variable).values;
         const auto last = lastInputs_.find(variable);
         const bool stays = last != lastInputs_.end() && !chance_.happens(inputsChange_);
         values.push_back(stays ? last->second : all[chance_.below(all.size())]);

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 using monitor::Completion;
@@ -83,8 +85,9 @@ TEST_F(CompletionTest, HandsOutTheFirstValuesWithWhichTheRestIsPossible)
         return active->plant->variableOf(active->index(id));
     };
     const auto fromTheLast = [&](plant::VariableIndex one) {
-        const std::vector<plant::AtomIndex>& values = active->plant->variable(one).values;
-        return std::vector<plant::AtomIndex>(values.rbegin(), values.rend());
+        std::vector<plant::AtomIndex> values = active->plant->variable(one).values.toVector();
+        std::reverse(values.begin(), values.end());
+        return values;
     };
     EXPECT_EQ(complete(*active->plant, labels, {variable("a.y=0"), variable("a.x=0")}, fromTheLast),
               Completion::possible);
@@ -107,7 +110,9 @@ TEST_F(CompletionTest, HandsOutTheLabelsAsTheyWereWhereThereIsNone)
     ASSERT_TRUE(labels.assume(active->index("a.z=1")) && labels.propagate());
     const std::size_t before = labels.mark();
     const auto variable = active->plant->variableOf(active->index("a.x=0"));
-    const auto all = [&](plant::VariableIndex one) { return active->plant->variable(one).values; };
+    const auto all = [&](plant::VariableIndex one) {
+        return active->plant->variable(one).values.toVector();
+    };
     EXPECT_EQ(complete(*active->plant, labels, {variable}, all), Completion::impossible);
     EXPECT_EQ(labels.mark(), before);
     EXPECT_TRUE(labels.isTrue(active->index("a.z=1")));
