@@ -84,11 +84,10 @@ TEST_F(PlantPartTest, KeepsTheOrderAndTheClausesOfThePlant)
         EXPECT_EQ(here.atom(atom), whole.atom(there));
         EXPECT_EQ(part->here(there), atom);
         EXPECT_EQ(part->variableInWhole(here.variableOf(atom)), whole.variableOf(there));
-        const std::vector<ClauseIndex>& clauses = here.clausesOf(atom);
+        const std::span<const ClauseIndex> clauses = here.clausesOf(atom);
         ASSERT_EQ(clauses.size(), whole.clausesOf(there).size());
         for (std::size_t i = 0; i < clauses.size(); ++i) {
             const ClauseIndex clause = whole.clausesOf(there)[i];
-            EXPECT_EQ(here.modelClause(clauses[i]), whole.modelClause(clause));
             EXPECT_EQ(here.isLaw(clauses[i]), whole.isLaw(clause));
             ASSERT_EQ(here.clause(clauses[i]).size(), whole.clause(clause).size());
             for (std::size_t k = 0; k < whole.clause(clause).size(); ++k) {

@@ -126,7 +126,7 @@ std::string randomPlant(Random& random)
     std::string text = "component C {\n cond v: a, b, c, d\n cond w: e, f\n command x: g, h, i\n}\n"
                        "system S {\n c[6]: C\n";
     for (int i = 0; i < 6; ++i) {
-        const double scale = random.pick<double>({1e-6, 1, 1000, 1e12});
+        const double scale = random.pick(std::vector<double>{1e-6, 1, 1000, 1e12});
         const double first = random.between(-50, 50) * scale;
         const double second = first + random.between(1, 50) * scale;
         const double third = second + random.between(1, 50) * scale;
