@@ -25,6 +25,12 @@ bool contains(const Losses& losses, const Loss& one)
                        [&](const Loss& other) { return other.given == one.given; });
 }
 
+bool haveReadings(const Losses& losses)
+{
+    return std::any_of(losses.begin(), losses.end(),
+                       [](const Loss& one) { return one.isReading(); });
+}
+
 int lostCommands(const Losses& losses)
 {
     return static_cast<int>(std::count_if(losses.begin(), losses.end(),
@@ -146,9 +152,6 @@ std::vector<ProbableLoss> probableLosses(const Losses& lossy, double leastRatio,
 Losses lossesThatMatter(const StepFrame& frame, const Losses& lossy,
                         const ConnectedVariables& connected)
 {
-    if (std::none_of(lossy.begin(), lossy.end(), [](const Loss& one) { return one.isReading(); })) {
-        return lossy;
-    }
     const ConflictGroups contradicted = conflictGroupsOf(frame, connected);
     if (!contradicted.allSeen) {
         return lossy;

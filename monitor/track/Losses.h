@@ -64,6 +64,9 @@ struct ProbableLoss {
 std::vector<ProbableLoss> probableLosses(const Losses& lossy, double leastRatio, int mostCommands,
                                          std::size_t most);
 
+/// Whether a reading is among them.
+bool haveReadings(const Losses& losses);
+
 /// Those whose loss can explain what contradicts what is expected: all commands, and readings that laws connect with what is
 /// contradicted. Costs some predictions of the step.
 Losses lossesThatMatter(const StepFrame& frame, const Losses& lossy,

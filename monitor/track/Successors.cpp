@@ -319,7 +319,9 @@ SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
         if (std::isfinite(logArrivals(input, {}))) {
             searchWithout({});
         }
-        const Losses lossy = lossesThatMatter(prospect.frame, input.lossy, connected());
+        const Losses lossy = haveReadings(input.lossy)
+                                 ? lossesThatMatter(prospect.frame, input.lossy, connected())
+                                 : input.lossy;
         for (std::size_t count = 1; count <= mostLostAtOnce; ++count) {
             LostSets sets(lossy, count);
             while (const Losses* lost = sets.next()) {
