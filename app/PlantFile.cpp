@@ -87,8 +87,9 @@ void reportUnknown(TomlFile& file, const toml::key& key, const std::vector<std::
 }
 
 // `"COLUMN" = "CHANNEL"`, each.
-void readRenamings(TomlFile& file, const toml::table& table, std::vector<Renaming>& renamings)
+std::vector<Renaming> readRenamings(TomlFile& file, const toml::table& table)
 {
+    std::vector<Renaming> renamings;
     for (const auto& [key, value] : table) {
         const auto* name = value.as_string();
         if (!name) {
@@ -97,6 +98,7 @@ void readRenamings(TomlFile& file, const toml::table& table, std::vector<Renamin
         }
         renamings.push_back({std::string(key.str()), name->get(), file.range(value.source())});
     }
+    return renamings;
 }
 
 const toml::table* tableAt(TomlFile& file, const toml::node& node)
@@ -144,11 +146,39 @@ void readSettings(TomlFile& file, const toml::table& table, ReadOptions& options
     }
 }
 
+// The tables of a plant's file.
+std::vector<Renaming> readPlant(TomlFile& file, ReadOptions& options)
+{
+    std::vector<Renaming> renamings;
+    for (const auto& [key, value] : file.table()) {
+        if (key != "telemetry" && key != "rename") {
+            reportUnknown(file, key, {"telemetry", "rename"});
+            continue;
+        }
+        const toml::table* table = tableAt(file, value);
+        if (!table) continue;
+        if (key == "telemetry") {
+            readSettings(file, *table, options);
+        } else {
+            renamings = readRenamings(file, *table);
+        }
+    }
+    return renamings;
+}
+
 } // namespace
 
 struct PlantFiles::Content {
     ReadOptions options;
     std::vector<std::pair<TomlFile, std::vector<Renaming>>> files; ///< the last one takes precedence
+
+    template <typename Read> void add(const std::string& path, Read read)
+    {
+        TomlFile file(path);
+        std::vector<Renaming> renamings = read(file);
+        file.refuse();
+        files.emplace_back(std::move(file), std::move(renamings));
+    }
 };
 
 PlantFiles::PlantFiles(const std::string& modelPath, const ReadOptions& options, FileRoles& roles)
@@ -161,29 +191,12 @@ PlantFiles::PlantFiles(const std::string& modelPath, const ReadOptions& options,
     std::error_code error;
     if (path != "none" && (options.plantFile || std::filesystem::exists(path, error))) {
         roles.reads(path, "the plant's file");
-        TomlFile file(path);
-        std::vector<Renaming> renamings;
-        for (const auto& [key, value] : file.table()) {
-            if (key == "telemetry") {
-                if (const auto* table = tableAt(file, value))
-                    readSettings(file, *table, content_->options);
-            } else if (key == "rename") {
-                if (const auto* table = tableAt(file, value))
-                    readRenamings(file, *table, renamings);
-            } else {
-                reportUnknown(file, key, {"telemetry", "rename"});
-            }
-        }
-        file.refuse();
-        content_->files.emplace_back(std::move(file), std::move(renamings));
+        content_->add(path, [this](TomlFile& file) { return readPlant(file, content_->options); });
     }
     if (options.rename) {
         roles.reads(*options.rename, "the file of --rename");
-        TomlFile file(*options.rename);
-        std::vector<Renaming> renamings;
-        readRenamings(file, file.table(), renamings);
-        file.refuse();
-        content_->files.emplace_back(std::move(file), std::move(renamings));
+        content_->add(*options.rename,
+                      [](TomlFile& file) { return readRenamings(file, file.table()); });
     }
 }
 
