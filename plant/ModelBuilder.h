@@ -8,8 +8,8 @@
 //     builder.fault(value(mode, "ok"), value(mode, "broken"), 0.01);
 //     std::unique_ptr<Model> model = builder.build();
 //
-// It makes identifiers, and the list of imported components; it checks nothing that has to be reported with a place in a file: that is CheckedBuilder, on top of it. What
-// it requires of its caller is checked by assertion.
+// It makes identifiers, and the list of imported components; it checks nothing that has to be reported with a place in a file: that is
+// CheckedBuilder, on top of it. What it requires of its caller is checked by assertion.
 #pragma once
 
 #include "plant/KnownLists.h"
@@ -40,7 +40,8 @@ public:
     /// Requires: a new name.
     Comp* component(const std::string& name);
 
-    /// A variable with one atom for each value, `COMPONENT.NAME=VALUE`, of which exactly one holds. `initial` is the index of the initial value.
+    /// A variable with one atom for each value, `COMPONENT.NAME=VALUE`, of which exactly one holds. `initial` is the index of the
+    /// initial value.
     /// Requires: a name that is new in the component, one value at least, and no value twice.
     StateVar* variable(Comp* component, const std::string& name, VariableKind kind,
                        const std::vector<ValueDeclaration>& values,

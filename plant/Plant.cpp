@@ -4,6 +4,7 @@
 #include "plant/PlantPart.h"
 
 #include <algorithm>
+#include <cassert>
 #include <utility>
 
 namespace plant {
@@ -261,6 +262,7 @@ void Plant::addReaders()
 
 const Clause* Plant::modelClause(ClauseIndex index) const
 {
+    assert(numbers_.empty());
     if (isLaw(index)) return model_.laws()[lawOf(index)];
     // The clauses of a variable follow one another.
     const auto variableOfClause = [&](ClauseIndex clause) {

@@ -20,8 +20,9 @@ bool isExpected(const StepFrame& frame);
 class LocalStep {
 public:
     /// Nothing where the whole plant has to be looked at: where it is not known what the labels before the step were drawn from, or
-    /// some command is not given, where modes and commands contradict one another, or no reading contradicts them, where the other parts leave something open that does not
-    /// have values in turn, and where the parts are most of the plant. Costs what changed at the step, what is read, and the parts.
+    /// some command is not given, where modes and commands contradict one another, or no reading contradicts them, where the other parts
+    /// leave something open that does not have values in turn, and where the parts are most of the plant. Costs what changed at the
+    /// step, what is read, and the parts.
     static std::optional<LocalStep> of(const StepFrame& frame);
 
     /// The step by the numbers of the part. Lives as long as this.
