@@ -1,6 +1,9 @@
 #include "app/CommandLine.h"
 #include "text/Diagnostic.h"
+#include "text/NearestName.h"
+#include "text/Wording.h"
 
+#include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
 
@@ -34,6 +37,22 @@ Check numberBetween(double least, double most)
         if (value && *value > least && *value < most) return std::string();
         return fmt::format("found {}; expected a number, more than {} and less than {}",
                            text::quoted(text), least, most);
+    };
+}
+
+std::string orDidYouMean(std::string_view word, const std::vector<std::string>& known)
+{
+    const std::string hint =
+        text::didYouMean(word, std::vector<std::string_view>(known.begin(), known.end()));
+    return hint.empty() ? "" : "; " + hint;
+}
+
+Check oneOf(std::vector<std::string> words)
+{
+    return [words = std::move(words)](const std::string& value) {
+        if (std::find(words.begin(), words.end(), value) != words.end()) return std::string();
+        return fmt::format("found {}; expected {}{}", text::quoted(value),
+                           text::alternatives(words), orDidYouMean(value, words));
     };
 }
 

@@ -3,7 +3,6 @@
 
 #include "app/Output.h"
 #include "text/Diagnostic.h"
-#include "text/NearestName.h"
 #include "text/Wording.h"
 
 #include <CLI/CLI.hpp>
@@ -88,14 +87,6 @@ CLI::App* addVerb(CLI::App& program, const Verb& verb)
     return parser;
 }
 
-// "; did you mean 'x'?" when one of `known` is near, else "".
-std::string orDidYouMean(std::string_view word, const std::vector<std::string>& known)
-{
-    const std::string hint =
-        text::didYouMean(word, std::vector<std::string_view>(known.begin(), known.end()));
-    return hint.empty() ? "" : "; " + hint;
-}
-
 // Throws Failure when there were arguments that the verb, or the program, does not know.
 void refuseUnknown(const CLI::App& verb)
 {
@@ -142,15 +133,6 @@ std::string explained(const CLI::ParseError& error)
 }
 
 } // namespace
-
-Check oneOf(std::vector<std::string> words)
-{
-    return [words = std::move(words)](const std::string& value) {
-        if (std::find(words.begin(), words.end(), value) != words.end()) return std::string();
-        return fmt::format("found {}; expected {}{}", text::quoted(value),
-                           text::alternatives(words), orDidYouMean(value, words));
-    };
-}
 
 ExitStatus runCommandLine(const std::vector<Verb>& verbs, int argc, const char* const* argv,
                           std::string& name)

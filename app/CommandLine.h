@@ -45,6 +45,9 @@ Check fileName(bool mayBeStandardOutput = false);
 /// One of some words.
 Check oneOf(std::vector<std::string> words);
 
+/// "; did you mean 'x'?" when one of `known` is near, else "".
+std::string orDidYouMean(std::string_view word, const std::vector<std::string>& known);
+
 /// One option or argument of a verb.
 struct Row {
     std::string names; ///< `--format`, `-o,--output`, or an argument's name in the help, `MODEL`
