@@ -28,6 +28,7 @@ struct DiagnoseOptions {
 
     std::optional<int> maxRank;
     std::optional<int> upTo;
+    bool allMinimal = false;
     std::uint64_t maxRecords = 0; ///< 0: no limit
     double maxSeconds = 60.0;     ///< 0: no limit
     std::uint64_t maxMemory = usualMaxMemory;
@@ -68,6 +69,10 @@ void checkUsage(const DiagnoseOptions& options)
     if (!options.problems && options.inputs.empty())
         refuse("no inputs are given: --inputs is missing");
     if (options.maxRank && options.upTo) refuse("--max-rank and --up-to exclude each other");
+    if (options.maxRank && options.allMinimal) {
+        refuse("--max-rank finds all minimal explanations already: leave out --all-minimal, or "
+               "say how many faults with --up-to");
+    }
     if (options.trace && options.search == "conflicts")
         refuse("--trace is the engine's: leave out --search conflicts");
     if (options.skipBad && !options.problems) refuse("--skip-bad goes with --problems only");
@@ -77,6 +82,14 @@ session::CircuitSearch searchOf(const DiagnoseOptions& options)
 {
     return options.trace || options.search == "engine" ? session::CircuitSearch::engine
                                                        : session::CircuitSearch::conflicts;
+}
+
+session::CircuitSettings settingsOf(const DiagnoseOptions& options)
+{
+    session::CircuitSettings settings{options.maxRank, options.upTo.value_or(3), limitsOf(options),
+                                      workLimits(0, options.maxMemory)};
+    if (options.allMinimal) settings.maxRank = settings.upTo;
+    return settings;
 }
 
 netlist::Circuit readCircuit(const std::string& path)
@@ -161,8 +174,7 @@ session::CircuitProblem problemOfOptions(const DiagnoseOptions& options,
 class DiagnoseRun {
 public:
     DiagnoseRun(const DiagnoseOptions& options, const netlist::Circuit& circuit)
-        : options_(options), settings_{options.maxRank, options.upTo.value_or(3), limitsOf(options),
-                                       workLimits(0, options.maxMemory)},
+        : options_(options), settings_(settingsOf(options)),
           session_(circuit, options.faultProbability, searchOf(options)),
           writer_(writersOf(options.answer,
                             // With a trace, standard output is the trace's.
@@ -284,6 +296,13 @@ std::vector<Section> sections(DiagnoseOptions& options)
            &options.maxRank, wholeNumber(0, mostFaults)},
           {"--up-to", "N", "... but of no more than N faults (default 3)", &options.upTo,
            wholeNumber(1, mostFaults)},
+          {"--all-minimal",
+           "",
+           "all explanations of up to so many faults (--up-to) that\ncontain no other one, not "
+           "only "
+           "those of the least size",
+           &options.allMinimal,
+           {}},
           {"--search", "HOW",
            "conflicts: take apart what contradicts the outputs, the default;\nengine: let "
            "the engine search, as the other verbs do",

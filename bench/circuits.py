@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""Compares `itms diagnose` with gringo and clasp: all sets of faulty gates of least size, for files of problems.
+"""Compares `itms diagnose` with gringo and clasp: all sets of faulty gates of least size, for files of problems, or all minimal ones.
 
-    bench/circuits.py [--program FILE] [--seconds S] [--runs N] FOLDER...
+    bench/circuits.py [--program FILE] [--seconds S] [--runs N] [--all-minimal N] FOLDER...
 
 For every NAME.bench with a NAME.jsonl beside it, prints how many problems have the same sets, and the ratio of user CPU time,
 program to gringo and clasp together: below 1, the program is faster. A problem that one of the two does not solve within S seconds (60)
-counts with the time until then, and with no sets. Of N runs in turn (1) the fastest counts. The encoding is bench/diagnosis.lp.
+counts with the time until then, and with no sets. Of N runs in turn (1) the fastest counts. With --all-minimal N, all sets of up to N gates that contain no other one take the place of
+those of least size. The encodings are bench/diagnosis.lp and bench/all-minimal.lp.
 Exit status 1 when sets differ.
 """
 import argparse
@@ -19,6 +20,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 ENCODING = ROOT / "bench" / "diagnosis.lp"
+MINIMAL = ROOT / "bench" / "all-minimal.lp"  # beside it
 KINDS = {"NOT": "inverter", "BUFF": "buf"}  # "not" has a meaning of its own there
 
 
@@ -51,9 +53,10 @@ def timed(commands, given, seconds):
     return output, resource.getrusage(resource.RUSAGE_CHILDREN).ru_utime - before
 
 
-def of_program(program, path, problem, seconds):
+def of_program(program, path, problem, seconds, most):
+    wanted = ["--all-minimal", "--up-to", str(most)] if most else []
     output, used = timed([[program, "diagnose", str(path), "--problems", "-", "--format", "jsonl", "-n",
-                           "0", "--max-seconds", str(seconds)]], json.dumps(problem), seconds + 5)
+                           "0", "--max-seconds", str(seconds), *wanted]], json.dumps(problem), seconds + 5)
     answer = json.loads(output) if output else {"complete": False}
     if not answer["complete"]:
         return None, used
@@ -61,7 +64,19 @@ def of_program(program, path, problem, seconds):
             for one in answer["candidates"]}, used
 
 
-def of_solver(text, problem, seconds):
+def minimal_of_solver(text, problem, seconds, most):
+    output, used = timed([["gringo", str(ENCODING), str(MINIMAL), "-", "-c", f"most={most}"],
+                          ["clasp", "--opt-mode=ignore", "--heuristic=Domain", "--enum-mode=domRec", "-n", "0"]],
+                         facts(text, problem), seconds)
+    if not output or "Models       : " not in output or "INTERRUPTED" in output:
+        return None, used
+    models = re.findall(r"^Answer: \d+\n(.*)$", output, re.MULTILINE)
+    return {frozenset(re.findall(r'faulty\("([^"]*)"\)', model)) for model in models}, used
+
+
+def of_solver(text, problem, seconds, most):
+    if most:
+        return minimal_of_solver(text, problem, seconds, most)
     output, used = timed([["gringo", str(ENCODING), "-"],
                           ["clasp", "--opt-mode=optN", "--opt-strategy=usc", "-n", "0"]],
                          facts(text, problem), seconds)
@@ -78,8 +93,8 @@ def compare(path, options):
     same, both, ratios, ours, theirs = 0, 0, [], [], []
     for line in path.with_suffix(".jsonl").read_text().splitlines():
         problem = json.loads(line)
-        runs = [(of_program(options.program, path, problem, options.seconds),
-                 of_solver(text, problem, options.seconds)) for _ in range(options.runs)]
+        runs = [(of_program(options.program, path, problem, options.seconds, options.all_minimal),
+                 of_solver(text, problem, options.seconds, options.all_minimal)) for _ in range(options.runs)]
         (found, _), (expected, _) = runs[0]
         ours.append(min(run[0][1] for run in runs))
         theirs.append(min(run[1][1] for run in runs))
@@ -98,6 +113,7 @@ def main():
     parser.add_argument("--program", default=str(ROOT / "build/release/bin/itms"))
     parser.add_argument("--seconds", type=float, default=60)
     parser.add_argument("--runs", type=int, default=1)
+    parser.add_argument("--all-minimal", type=int, default=0, metavar="N")
     parser.add_argument("folders", nargs="+", type=Path)
     options = parser.parse_args()
     print(f"{'':<36}{'ratio':>18}{'itms, s':>19}{'clasp, s':>19}")
