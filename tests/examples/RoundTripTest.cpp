@@ -26,7 +26,7 @@ struct Trial {
     Names drawn; ///< a value of each variable that comes from outside and is drawn anew at every step
 };
 
-constexpr std::size_t runs = underSanitizers ? 15 : 150; // with one fault, and as many with two
+constexpr std::size_t runs = underSanitizers ? 5 : 150; // with one fault, and as many with two
 constexpr std::size_t steps = 30;
 
 /// What came of the runs of a trial.

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr std::uint64_t sequencesPerBlock = underSanitizers ? 40 : 200;
+constexpr std::uint64_t sequencesPerBlock = fewerUnderSanitizers(200);
 constexpr std::size_t callsPerSequence = 40;
 
 class CallSequences : public ::testing::TestWithParam<std::uint64_t> {

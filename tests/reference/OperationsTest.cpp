@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::uint64_t operationsPerBlock = underSanitizers ? 50 : 200;
+constexpr std::uint64_t operationsPerBlock = fewerUnderSanitizers(200);
 constexpr int operationsPerSeed = 30;
 
 template <class Table, class Engine> void tryOne(Bench<Engine>& bench)

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::uint64_t seedsPerBlock = underSanitizers ? 100 : 400;
+constexpr std::uint64_t seedsPerBlock = fewerUnderSanitizers(400);
 
 class StepsOverSeeds : public ::testing::TestWithParam<std::uint64_t> {};
 

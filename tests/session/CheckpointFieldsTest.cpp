@@ -1,5 +1,6 @@
 // A checkpoint of which somebody changed a field: refused in the program's own words, or one that a session can go on from.
 #include "tests/session/ExampleRun.h"
+#include "tests/support/Sanitized.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -55,6 +56,9 @@ bool mayBeNull(const json::json_pointer& place)
     return place.back() == "step" || place.back() == "calm";
 }
 
+// Of all fields, where the program is quick.
+constexpr std::size_t everySoMany = underSanitizers ? 5 : 1;
+
 TEST(CheckpointFields, OfAnotherKindAreRefusedWithTheirPlace)
 {
     const json whole = usualCheckpoint();
@@ -64,7 +68,8 @@ TEST(CheckpointFields, OfAnotherKindAreRefusedWithTheirPlace)
     ExampleRun run(waterModel, waterTelemetry);
     const std::vector<json> others{
         nullptr, true, 0.5, "text", json::array({json::array()}), json{{"key", "value"}}};
-    for (const json::json_pointer& place : places) {
+    for (std::size_t i = 0; i < places.size(); i += everySoMany) {
+        const json::json_pointer& place = places[i];
         for (const json& other : others) {
             json changed = whole;
             json& field = changed[place];
@@ -103,7 +108,8 @@ TEST(CheckpointFields, WithExtremeNumbersAreRefusedOrGoneOnFrom)
     }
     const auto next = std::get<telemetry::Step>(reader.next());
     std::size_t refused = 0;
-    for (const json::json_pointer& place : places) {
+    for (std::size_t i = 0; i < places.size(); i += everySoMany) {
+        const json::json_pointer& place = places[i];
         if (!whole[place].is_number()) continue;
         for (const json& extreme : extremes) {
             json changed = whole;
@@ -119,7 +125,7 @@ TEST(CheckpointFields, WithExtremeNumbersAreRefusedOrGoneOnFrom)
             }
         }
     }
-    EXPECT_GT(refused, 200U);
+    EXPECT_GT(refused, 200U / everySoMany);
 }
 
 TEST(CheckpointFields, ThatAreMissingAreNamed)

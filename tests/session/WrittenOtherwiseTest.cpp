@@ -19,7 +19,7 @@ using written::Rewriting;
 using written::Rewritten;
 using written::Said;
 
-constexpr int mostPlants = underSanitizers ? 60 : 1000;
+constexpr int mostPlants = underSanitizers ? 15 : 1000;
 
 // Nothing is dropped, and nothing too long ago or too improbable.
 const session::Settings wide{.maxRank = 100, .keep = 100'000, .lookBack = 1000, .search = nullptr};

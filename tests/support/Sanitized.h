@@ -8,8 +8,8 @@ inline constexpr bool underSanitizers = true;
 inline constexpr bool underSanitizers = false;
 #endif
 
-/// A third of it under sanitizers.
-constexpr int fewerUnderSanitizers(int number)
+/// A sixth of it under sanitizers.
+template <class Number> constexpr Number fewerUnderSanitizers(Number number)
 {
-    return underSanitizers ? number / 3 : number;
+    return underSanitizers ? number / 6 : number;
 }

@@ -1,5 +1,6 @@
 // Steps of random small models, compared with the explanations found by trying everything.
 #include "tests/support/RandomPlant.h"
+#include "tests/support/Sanitized.h"
 #include "tests/support/TestModel.h"
 
 #include <gtest/gtest.h>
@@ -121,7 +122,8 @@ class RandomSteps : public testing::Test {
 protected:
     void compare(std::uint64_t firstSeed, std::uint64_t count, PlantKind kind)
     {
-        for (std::uint64_t seed = firstSeed; seed < firstSeed + count && !HasFailure(); ++seed) {
+        for (std::uint64_t seed = firstSeed;
+             seed < firstSeed + fewerUnderSanitizers(count) && !HasFailure(); ++seed) {
             compareStep(seed, kind, tally_);
         }
         // Otherwise little was judged.
@@ -156,7 +158,8 @@ void solveLimited(ActivePlant& active, const DiagnosisProblem& problem,
 TEST_F(RandomSteps, UnderLimitsAreExplainedInPartAndSaySo)
 {
     int cut = 0;
-    for (std::uint64_t seed = 9000; seed < 9200 && !HasFailure(); ++seed) {
+    for (std::uint64_t seed = 9000; seed < 9000 + fewerUnderSanitizers(200U) && !HasFailure();
+         ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Random random(seed);
         const PlantKind kind = seed % 2 == 0 ? PlantKind::mixed : PlantKind::circuit;
@@ -178,7 +181,7 @@ TEST_F(RandomSteps, UnderLimitsAreExplainedInPartAndSaySo)
             solveLimited(active, problem, all, seconds, threshold, cut);
         }
     }
-    EXPECT_GT(cut, 500);
+    EXPECT_GT(cut, fewerUnderSanitizers(500));
 }
 
 TEST_F(RandomSteps, OfMixedModelsAreExplainedAsByTryingEverything)

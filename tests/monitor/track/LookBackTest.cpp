@@ -2,6 +2,7 @@
 #include "tests/monitor/track/TrackFixture.h"
 
 #include "tests/monitor/track/RandomTrack.h"
+#include "tests/support/Sanitized.h"
 
 #include <cmath>
 
@@ -367,7 +368,7 @@ void expectSameAnswer(const TrackAnswer& a, const TrackAnswer& b)
 TEST_F(LookBackTest, GoesOnFromAMemoryAsIfNothingHadHappened)
 {
     int wentBack = 0;
-    for (std::uint64_t seed = 0; seed < 60 && !HasFailure(); ++seed) {
+    for (std::uint64_t seed = 0; seed < fewerUnderSanitizers(60U) && !HasFailure(); ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Random random(seed);
         ActivePlant active(randomModel(random, PlantKind::mixed));
@@ -388,7 +389,7 @@ TEST_F(LookBackTest, GoesOnFromAMemoryAsIfNothingHadHappened)
             wentBack += first.answer().wentBack ? 1 : 0;
         }
     }
-    EXPECT_GT(wentBack, 20);
+    EXPECT_GT(wentBack, fewerUnderSanitizers(20));
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // The observations of a step are given in one order and in another: what is believed is the same.
 #include "tests/monitor/track/RandomTrack.h"
+#include "tests/support/Sanitized.h"
 #include "tests/support/TestModel.h"
 
 #include <gtest/gtest.h>
@@ -73,11 +74,11 @@ protected:
 
 TEST_F(ObservationOrder, MakesNoDifference)
 {
-    for (std::uint64_t seed = 1; seed <= 1000; ++seed) {
+    for (std::uint64_t seed = 1; seed <= fewerUnderSanitizers(1000U); ++seed) {
         compare(seed, seed % 2 == 0 ? PlantKind::mixed : PlantKind::circuit);
     }
-    EXPECT_GT(steps_, 2000);
-    EXPECT_GT(several_, 200);
+    EXPECT_GT(steps_, fewerUnderSanitizers(2000));
+    EXPECT_GT(several_, fewerUnderSanitizers(200));
 }
 
 } // namespace

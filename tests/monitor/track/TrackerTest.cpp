@@ -2,6 +2,7 @@
 
 #include "tests/monitor/track/RandomTrack.h"
 #include "tests/reference/Fraction.h"
+#include "tests/support/Sanitized.h"
 
 #include <cmath>
 
@@ -288,7 +289,7 @@ TEST_F(TrackerTest, NeedsNoMoreMemoryAfterManySteps)
     Random random(7);
     RandomTrack track(random, {.deviating = 3, .observed = 60, .noise = 1, .lossy = 20});
     std::map<TrackStatus, int> statuses;
-    for (std::size_t number = 1; number <= 20000 && !HasFailure(); ++number) {
+    for (std::size_t number = 1; number <= fewerUnderSanitizers(20000U) && !HasFailure(); ++number) {
         const TrackAnswer& answer = tracker_->advance(trackInput(*active_, track.next(), number));
         ++statuses[answer.status];
         EXPECT_LE(answer.hypotheses.size(), 4u);
@@ -303,8 +304,8 @@ TEST_F(TrackerTest, NeedsNoMoreMemoryAfterManySteps)
             EXPECT_LE(past.before.size(), 8u);
         }
     }
-    EXPECT_GT(statuses[TrackStatus::nominal], 1000);
-    EXPECT_GT(statuses[TrackStatus::faulty], 1000);
+    EXPECT_GT(statuses[TrackStatus::nominal], fewerUnderSanitizers(1000));
+    EXPECT_GT(statuses[TrackStatus::faulty], fewerUnderSanitizers(1000));
 }
 
 // A door that may or may not open, as a condition that nobody sees says.

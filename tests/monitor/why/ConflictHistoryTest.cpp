@@ -2,6 +2,7 @@
 
 #include "tests/monitor/step/StepFixture.h"
 #include "tests/monitor/track/RandomTrack.h"
+#include "tests/support/Sanitized.h"
 
 namespace {
 
@@ -150,7 +151,8 @@ void examine(const ActivePlant& active, const Contradiction& one,
 TEST_F(ConflictHistoryTest, OfRandomTracksIsConfirmedAndResolvedByEveryExplanation)
 {
     HistoryTally tally;
-    for (std::uint64_t seed = 31000; seed < 31300 && !HasFailure(); ++seed) {
+    for (std::uint64_t seed = 31000; seed < 31000 + fewerUnderSanitizers(300U) && !HasFailure();
+         ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Random random(seed);
         ActivePlant active(
@@ -172,9 +174,9 @@ TEST_F(ConflictHistoryTest, OfRandomTracksIsConfirmedAndResolvedByEveryExplanati
             }
         }
     }
-    EXPECT_GT(tally.conflicts, 500);
-    EXPECT_GT(tally.ofOthers, 100);
-    EXPECT_GT(tally.kept, 500);
+    EXPECT_GT(tally.conflicts, fewerUnderSanitizers(500));
+    EXPECT_GT(tally.ofOthers, fewerUnderSanitizers(100));
+    EXPECT_GT(tally.kept, fewerUnderSanitizers(500));
 }
 
 } // namespace

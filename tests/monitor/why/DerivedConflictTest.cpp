@@ -3,6 +3,7 @@
 #include "monitor/step/Step.h"
 #include "monitor/why/ConflictHistory.h"
 #include "tests/monitor/step/StepFixture.h"
+#include "tests/support/Sanitized.h"
 
 namespace {
 
@@ -279,7 +280,8 @@ void examine(const ActivePlant& active, const Scenario& scenario, ConflictTally&
 TEST_F(DerivedConflictTest, OfRandomStepsAreReplayedAndConfirmed)
 {
     ConflictTally tally;
-    for (std::uint64_t seed = 20000; seed < 23000 && !HasFailure(); ++seed) {
+    for (std::uint64_t seed = 20000; seed < 20000 + fewerUnderSanitizers(3000U) && !HasFailure();
+         ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Random random(seed);
         const PlantKind kind = seed % 2 == 0 ? PlantKind::mixed : PlantKind::circuit;
@@ -296,10 +298,10 @@ TEST_F(DerivedConflictTest, OfRandomStepsAreReplayedAndConfirmed)
             }
         }
     }
-    EXPECT_GT(tally.derived, 1500);
-    EXPECT_GT(tally.onReadings, 500);
-    EXPECT_GT(tally.violated, 50);
-    EXPECT_GE(tally.byCases, 1);
+    EXPECT_GT(tally.derived, fewerUnderSanitizers(1500));
+    EXPECT_GT(tally.onReadings, fewerUnderSanitizers(500));
+    EXPECT_GT(tally.violated, fewerUnderSanitizers(50));
+    EXPECT_GE(tally.byCases, fewerUnderSanitizers(1));
 }
 
 } // namespace
