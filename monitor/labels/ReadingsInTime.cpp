@@ -16,31 +16,47 @@ bool isKnown(const ReadingMemory& before, const GivenValues& given,
                        [&](const auto& last) { return before.open->isOpen.contains(last.first); });
 }
 
-// Also takes from `last` what a changed mode bears on.
-std::shared_ptr<const OpenReadings> whatIsOpen(const Plant& plant, GivenValues given,
-                                               const Prediction& labels,
-                                               std::vector<VariableIndex> read,
-                                               std::map<VariableIndex, AtomIndex>& last,
-                                               const std::set<VariableIndex>& changedModes)
+// A reading is not expected again where a changed mode bears on it.
+OpenAnswer whatIsOpen(const Plant& plant, const OpenQuestion& question, const Prediction& labels)
 {
     OpenVariables variables(plant, labels);
-    OpenReadings open{std::move(given), {}, {}, {}, true};
-    open.groups = variables.groups(read);
-    for (const VariableIndex variable : read) {
+    OpenReadings open{question.given, question.read, {}, {}, true};
+    open.groups = variables.groups(question.read);
+    for (const VariableIndex variable : question.read) {
         open.isOpen[variable] = variables.isOpen(variable);
     }
-    std::erase_if(last, [&](const auto& one) {
-        open.isOpen[one.first] = variables.isOpen(one.first);
-        if (changedModes.empty() || !open.isOpen[one.first]) {
-            return false;
+    std::set<VariableIndex> unexpected;
+    for (const VariableIndex variable : question.remembered) {
+        open.isOpen[variable] = variables.isOpen(variable);
+        if (question.changedModes.empty() || !open.isOpen[variable]) {
+            continue;
         }
-        const std::set<VariableIndex>& modes = variables.bearing(one.first);
-        return std::any_of(modes.begin(), modes.end(),
-                           [&](VariableIndex mode) { return changedModes.contains(mode); });
-    });
+        const std::set<VariableIndex>& modes = variables.bearing(variable);
+        if (std::any_of(modes.begin(), modes.end(),
+                        [&](VariableIndex mode) { return question.changedModes.contains(mode); })) {
+            unexpected.insert(variable);
+        }
+    }
     open.exact = variables.exact();
-    open.read = std::move(read);
-    return std::make_shared<const OpenReadings>(std::move(open));
+    return {std::make_shared<const OpenReadings>(std::move(open)), std::move(unexpected)};
+}
+
+// What is remembered is that before the step; the readings that are not expected again go from it.
+std::shared_ptr<const OpenReadings> askedBefore(const Plant& plant, OpenQuestion question,
+                                                const std::function<Prediction()>& labels,
+                                                std::map<VariableIndex, AtomIndex>& last,
+                                                LastOpenAnswers& asked)
+{
+    for (const auto& [variable, value] : last) {
+        question.remembered.push_back(variable);
+    }
+    const OpenAnswer& answer = asked.to(std::move(question), [&](const OpenQuestion& unknown) {
+        return whatIsOpen(plant, unknown, labels());
+    });
+    for (const VariableIndex variable : answer.unexpected) {
+        last.erase(variable);
+    }
+    return answer.open;
 }
 
 // Of one group, which has N combinations.
@@ -111,7 +127,7 @@ private:
 ReadingsInTime readingsInTime(const Plant& plant, GivenValues given,
                               const std::function<Prediction()>& labels,
                               const std::vector<Reading>& readings, const ReadingMemory& before,
-                              const std::set<VariableIndex>& changedModes)
+                              const std::set<VariableIndex>& changedModes, LastOpenAnswers& asked)
 {
     std::vector<VariableIndex> read;
     for (const Reading& reading : readings) {
@@ -123,7 +139,8 @@ ReadingsInTime readingsInTime(const Plant& plant, GivenValues given,
     result.memory.open =
         isKnown(before, given, read)
             ? before.open
-            : whatIsOpen(plant, std::move(given), labels(), std::move(read), last, changedModes);
+            : askedBefore(plant, {changedModes, {}, std::move(read), std::move(given)}, labels,
+                          last, asked);
     const OpenReadings& open = *result.memory.open;
     std::erase_if(last, [&](const auto& one) { return !open.isOpen.at(one.first); });
     result.exact = open.exact;

@@ -8,6 +8,7 @@
 // 1/N.
 #pragma once
 
+#include "monitor/labels/LastAnswers.h"
 #include "monitor/labels/OpenGroups.h"
 #include "monitor/labels/StepAssumptions.h"
 
@@ -26,6 +27,22 @@ struct OpenReadings {
     std::map<VariableIndex, bool> isOpen;
     bool exact = true; ///< what is open, and in which groups, was decided
 };
+
+/// What is open, and which of the readings that are remembered are not expected again.
+struct OpenAnswer {
+    std::shared_ptr<const OpenReadings> open;
+    std::set<VariableIndex> unexpected;
+};
+struct OpenQuestion {
+    std::set<VariableIndex> changedModes;
+    std::vector<VariableIndex> remembered; ///< rising
+    std::vector<VariableIndex> read;
+    GivenValues given;
+
+    friend bool operator==(const OpenQuestion&, const OpenQuestion&) = default;
+};
+/// What each of several hypotheses may become is asked at every step: together they have more than one memory can hold.
+using LastOpenAnswers = LastAnswers<OpenQuestion, OpenAnswer>;
 
 struct ReadingMemory {
     std::map<VariableIndex, AtomIndex> last; ///< readings that are expected again
@@ -48,10 +65,10 @@ struct ReadingsInTime {
 
 /// `given` are modes, commands and inputs, and `labels` gives what follows from them; the readings agree with it, and no variable
 /// has two. `changedModes` are those that were not as they are before the step. Linear in the readings where what is given is
-/// what was given at the step before; else `labels` is called, and OpenVariables asked.
+/// what was given at the step before, or among what was asked last; else `labels` is called, and OpenVariables asked.
 ReadingsInTime readingsInTime(const Plant& plant, GivenValues given,
                               const std::function<Prediction()>& labels,
                               const std::vector<Reading>& readings, const ReadingMemory& before,
-                              const std::set<VariableIndex>& changedModes);
+                              const std::set<VariableIndex>& changedModes, LastOpenAnswers& asked);
 
 } // namespace monitor

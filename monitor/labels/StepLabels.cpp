@@ -123,7 +123,8 @@ Likelihood StepLabels::likelihood() const
 }
 
 ReadingsInTime StepLabels::inTime(const std::vector<double>& changing, const ReadingMemory& before,
-                                  const std::set<VariableIndex>& changedModes) const
+                                  const std::set<VariableIndex>& changedModes,
+                                  LastOpenAnswers& asked) const
 {
     std::vector<Reading> readings;
     bool follow = true;
@@ -147,7 +148,7 @@ ReadingsInTime StepLabels::inTime(const std::vector<double>& changing, const Rea
         }
         return alone;
     };
-    return readingsInTime(*plant_, std::move(given), labels, readings, before, changedModes);
+    return readingsInTime(*plant_, std::move(given), labels, readings, before, changedModes, asked);
 }
 
 std::vector<AtomIndex> StepLabels::observations() const

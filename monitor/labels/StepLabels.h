@@ -51,7 +51,7 @@ public:
     /// The same, given the readings before the step. `changing` says of each observation how probable it is that it is not what
     /// it was. Constant time where each follows and nothing is remembered, else readingsInTime().
     ReadingsInTime inTime(const std::vector<double>& changing, const ReadingMemory& before,
-                          const std::set<VariableIndex>& changedModes) const;
+                          const std::set<VariableIndex>& changedModes, LastOpenAnswers& asked) const;
 
     /// What was taken last; empty for labels that came from elsewhere.
     const StepAssumptions& assumptions() const { return assumptions_; }

@@ -20,7 +20,7 @@ namespace {
 
 // The natural logarithm of their likelihood; what is remembered of them goes into the hypothesis.
 double takeReadings(Hypothesis& made, const Hypothesis& parent, const StepFrame& frame,
-                    const std::vector<double>& changing)
+                    const std::vector<double>& changing, LastOpenAnswers& asked)
 {
     // Nothing that is remembered is forgotten where nothing is read.
     if (changing.empty() && parent.readings.last.empty()) {
@@ -31,7 +31,7 @@ double takeReadings(Hypothesis& made, const Hypothesis& parent, const StepFrame&
     std::set<VariableIndex> changed;
     forEachDifference(made.modes, parent.modes,
                       [&](std::size_t place) { changed.insert(frame.plant.modes()[place]); });
-    ReadingsInTime readings = made.labels.inTime(changing, parent.readings, changed);
+    ReadingsInTime readings = made.labels.inTime(changing, parent.readings, changed, asked);
     made.exact = readings.exact;
     made.readings = std::move(readings.memory);
     return readings.log;
@@ -152,16 +152,18 @@ std::optional<Hypothesis> Successors::drawn(const Hypothesis& parent, const Trac
     made.unexplained = made.labels.contradicted();
     const bool counts = made.explains() || despite == Contradictions::areWeighed;
     const auto weighed =
-        weigh(frame, deviations, counts ? takeReadings(made, parent, frame, frame.changing) : 0.0);
+        weigh(frame, deviations,
+              counts ? takeReadings(made, parent, frame, frame.changing, openAnswers_) : 0.0);
     if (!weighed) {
         return std::nullopt;
     }
     made.logStep = weighed->logProbability + logArrivals(input, lost);
     made.logWeight = parent.logWeight + made.logStep;
     made.lost = lostValues(input, lost, parent.lost);
-    made.twin = lostCommands(lost) == 0
-                    ? twinAfter(plant_, parent, input, frame, frame, made)
-                    : twinAfter(plant_, parent, input, frame, this->frame(parent, input, {}), made);
+    made.twin =
+        lostCommands(lost) == 0
+            ? twinAfter(plant_, parent, input, frame, frame, made, twins_)
+            : twinAfter(plant_, parent, input, frame, this->frame(parent, input, {}), made, twins_);
     made.exact = made.exact && frame.modes.exact();
     made.logCalm = logCalm(frame, deviations);
     updateSince(made, parent, plant_, input);

@@ -12,6 +12,7 @@
 
 #include "monitor/step/Step.h"
 #include "monitor/track/Losses.h"
+#include "monitor/track/Twin.h"
 
 #include <memory>
 #include <optional>
@@ -130,6 +131,9 @@ private:
     const Plant& plant_;
     std::size_t window_;
     mutable std::shared_ptr<const ConnectedVariables> connected_;
+    // As many as the usual number of hypotheses, with a few faults each, leads to.
+    mutable LastOpenAnswers openAnswers_{64};
+    mutable LastTwins twins_{16};
 };
 
 /// The hypothesis before the first step: initial modes, and initial conditions where there are any.

@@ -85,29 +85,29 @@ std::set<AtomIndex> leftOut(Pairs pairs)
     return left;
 }
 
-StepLabels labelsOf(const Plant& plant, const StepLabels& before,
-                    const SharedArray<AtomIndex>& modes, const SharedArray<AtomIndex>& commands,
-                    const StepFrame& happened)
+// The labels before it make no difference but to what it costs.
+StepLabels labelsOf(const Plant& plant, const StepLabels& before, const TwinQuestion& twin)
 {
-    const StepAssumptions assumptions(commands, modes);
     StepLabels labels = before;
-    std::vector<AtomIndex> readings = inFixedOrder(happened);
-    labels.take(assumptions, readings, happened.inputs);
+    labels.take(twin.assumptions, twin.readings, twin.inputs);
     if (!labels.consistent()) {
-        return StepLabels(plant, concludedFrom(plant, modes.toVector()));
+        return StepLabels(plant, concludedFrom(plant, twin.assumptions.modes.toVector()));
     }
     const std::set<AtomIndex> left = leftOut(contradictingPairs(labels));
     if (!left.empty()) {
+        std::vector<AtomIndex> readings = twin.readings;
         std::erase_if(readings, [&](AtomIndex reading) { return left.contains(reading); });
-        labels.take(assumptions, readings, happened.inputs);
+        labels.take(twin.assumptions, readings, twin.inputs);
     }
+    labels.share();
     return labels;
 }
 
 } // namespace
 
 TwinPointer twinAfter(const Plant& plant, const Hypothesis& parent, const TrackInput& input,
-                      const StepFrame& happened, const StepFrame& expected, const Hypothesis& made)
+                      const StepFrame& happened, const StepFrame& expected, const Hypothesis& made,
+                      LastTwins& last)
 {
     const StepFrame frame = parent.twin ? makeFrame(plant, parent.twin->labels.prediction(),
                                                     input.values, parent.twin->steps)
@@ -129,10 +129,11 @@ TwinPointer twinAfter(const Plant& plant, const Hypothesis& parent, const TrackI
     if (modes == made.modes && happened.commands == input.values.commands) {
         return nullptr;
     }
-    StepLabels labels = labelsOf(plant, parent.twin ? parent.twin->labels : parent.labels, modes,
-                                 input.values.commands, happened);
-    labels.share();
-    return std::make_shared<const Twin>(Twin{std::move(modes), std::move(labels), frame.known});
+    const StepLabels& before = parent.twin ? parent.twin->labels : parent.labels;
+    const StepLabels& labels =
+        last.to({inFixedOrder(happened), happened.inputs, {input.values.commands, modes}},
+                [&](const TwinQuestion& question) { return labelsOf(plant, before, question); });
+    return std::make_shared<const Twin>(Twin{std::move(modes), labels, frame.known});
 }
 
 } // namespace monitor

@@ -65,7 +65,7 @@ protected:
             modes.insert(active_->plant->variableOf(active_->index(mode)));
         }
         const monitor::ReadingsInTime result =
-            monitor::readingsInTime(*active_->plant, values, labels, read, memory_, modes);
+            monitor::readingsInTime(*active_->plant, values, labels, read, memory_, modes, answers_);
         memory_ = result.memory;
         exact_ = result.exact;
         return std::exp(result.log);
@@ -83,6 +83,7 @@ protected:
     HandMade model_;
     std::unique_ptr<ActivePlant> active_;
     monitor::ReadingMemory memory_;
+    monitor::LastOpenAnswers answers_{4};
     bool exact_ = false;
     int asked_ = 0; ///< how often the labels were
 };
