@@ -25,7 +25,7 @@ const Admissible::Modes& Admissible::at(const StepFrame& frame)
         return found->modes;
     }
     Known made{frame.commands, frame.observations, frame.modes, {places_, nullptr}};
-    if (frame.modes.size() > fewToSearch) {
+    if (places_.size() > fewToSearch) {
         made.modes.required = std::make_shared<const Requirements>(frame);
         std::erase_if(made.modes.places, [&](std::size_t place) {
             return !mayDeviate(frame.modes[place], *made.modes.required);

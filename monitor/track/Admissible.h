@@ -13,7 +13,7 @@ public:
     struct Modes {
         /// Of the modes in question, by rising place, those that may be in another way than predicted.
         std::vector<std::size_t> places;
-        /// Null: few modes, of which nothing is known.
+        /// Null: few modes are in question, of which nothing is known.
         std::shared_ptr<const Requirements> required;
 
         /// Whether a deviation may be part of what explains the step.

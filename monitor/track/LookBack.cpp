@@ -50,8 +50,10 @@ public:
 
     LookBackResult run(const std::vector<bool>& relevant)
     {
-        admissible_.emplace(modesAmong(relevant));
-        if (settings_.otherwise == Otherwise::givenUp) {
+        std::vector<std::size_t> places = modesAmong(relevant);
+        const bool many = places.size() > fewToSearch;
+        admissible_.emplace(std::move(places));
+        if (many && settings_.otherwise == Otherwise::givenUp) {
             ruledOut_.emplace(plant_, present_);
         }
         for (const Alternative& alternative : alternatives(relevant)) {
@@ -475,8 +477,8 @@ private:
     Budget budget_;
     LookBackResult result_;
     std::map<std::size_t, std::set<Deviated>> deviated_; ///< by index of the past step
-    std::optional<RuledOut> ruledOut_;                   ///< null: the steps since are searched
-    std::optional<Admissible> admissible_;               ///< of the modes that are tried
+    std::optional<RuledOut> ruledOut_;     ///< null: few are tried, or the steps since are searched
+    std::optional<Admissible> admissible_; ///< of the modes that are tried
 };
 
 LookBackResult lookBackWithin(Successors& successors, const Plant& plant,

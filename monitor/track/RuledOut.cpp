@@ -32,16 +32,14 @@ std::vector<AtomIndex> readAnyway(const TrackInput& present)
 
 } // namespace
 
-RuledOut::RuledOut(const Plant& plant, const TrackInput& present) : plant_(plant)
+RuledOut::RuledOut(const Plant& plant, const TrackInput& present)
+    : plant_(plant), required_(plant, present.values.commands, readAnyway(present))
 {
-    if (plant.modes().size() > fewToSearch) {
-        required_.emplace(plant, present.values.commands, readAnyway(present));
-    }
 }
 
 bool RuledOut::forGood(AtomIndex value) const
 {
-    return required_ && !required_->allow(value) && isLasting(plant_, value);
+    return !required_.allow(value) && isLasting(plant_, value);
 }
 
 } // namespace monitor

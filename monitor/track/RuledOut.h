@@ -8,8 +8,7 @@ namespace monitor {
 
 class RuledOut {
 public:
-    /// By the step as it is expected after whatever came before it. Linear in the plant, where that has more than few modes; else
-    /// nothing is ruled out.
+    /// By the step as it is expected after whatever came before it. Linear in the plant.
     RuledOut(const Plant& plant, const TrackInput& present);
 
     /// Whether no step that is as expected leads from the value of a mode to another one, and the present does not allow it. Costs the
@@ -18,7 +17,7 @@ public:
 
 private:
     const Plant& plant_;
-    std::optional<Requirements> required_;
+    Requirements required_;
 };
 
 } // namespace monitor
