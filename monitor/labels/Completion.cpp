@@ -116,7 +116,7 @@ bool fillsInTurn(const Plant& plant, Prediction labels, const std::vector<Variab
 
 bool stillFillsInTurn(const Plant& plant, const Prediction& labels, const Prediction& before)
 {
-    return fillsInTurn(plant, labels, variablesAround(plant, labels, before));
+    return labels.complete() || fillsInTurn(plant, labels, variablesAround(plant, labels, before));
 }
 
 Completion completionOf(const Plant& plant, Prediction labels, std::uint64_t mostRetreats)

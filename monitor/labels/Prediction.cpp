@@ -38,6 +38,14 @@ bool Prediction::assume(AtomIndex value)
     return true;
 }
 
+bool Prediction::exclude(AtomIndex value)
+{
+    if (!isKnown(value)) {
+        set(value, Label::isFalse, assumed);
+    }
+    return !isTrue(value);
+}
+
 bool Prediction::propagate()
 {
     if (next_ == 0 && !visitAll(plant_->unitClauses())) {
@@ -110,9 +118,6 @@ bool Prediction::reassume(const std::vector<AtomIndex>& values)
         return true;
     }
     const std::vector<AtomIndex> retracted = retract(changed);
-    for (const AtomIndex value : changed) {
-        assume(value);
-    }
     // What stays may give a label that was taken back, by another clause.
     for (const AtomIndex atom : retracted) {
         if (!isKnown(atom) && !visitAll(plant_->clausesOf(atom))) {
@@ -128,8 +133,37 @@ bool Prediction::reassume(const std::vector<AtomIndex>& values)
     return true;
 }
 
-// Takes back the labels of the values' variables, and all that rests on them. Reasons lead from earlier labels to
-// later ones, never in a circle, so what is left is still justified.
+namespace {
+
+/// What follows from new assumptions, though it was known before: as far as it would be taken back with the old ones.
+class StillGiven {
+public:
+    explicit StillGiven(const Plant& plant) : plant_(plant) {}
+
+    void add(AtomIndex atom)
+    {
+        given_.insert(atom);
+        for (const ClauseIndex clause : plant_.clausesOf(atom)) {
+            for (const PlantLiteral& literal : plant_.clause(clause)) {
+                around_.insert(literal.atom);
+            }
+        }
+    }
+    /// Whether a clause of the atom may give it a label from some of these.
+    bool isAround(AtomIndex atom) const { return around_.contains(atom); }
+    bool has(AtomIndex atom) const { return given_.contains(atom); }
+
+private:
+    const Plant& plant_;
+    std::unordered_set<AtomIndex> given_;
+    std::unordered_set<AtomIndex> around_;
+};
+
+} // namespace
+
+// Takes back the labels of the values' variables, and all that rests on them, and assumes the values. Reasons lead from earlier labels to
+// later ones, never in a circle, so what is left is still justified. Of shared labels, those that the values give as well stay; else
+// their reasons might come before what gives them.
 std::vector<AtomIndex> Prediction::retract(const std::vector<AtomIndex>& values)
 {
     std::vector<AtomIndex> retracted;
@@ -141,22 +175,55 @@ std::vector<AtomIndex> Prediction::retract(const std::vector<AtomIndex>& values)
         const plant::ValueRange atoms = plant_->variable(plant_->variableOf(value)).values;
         std::for_each(atoms.begin(), atoms.end(), takeBack);
     }
+    const std::size_t own = retracted.size();
+    StillGiven still(*plant_);
+    if (shared_) {
+        settled_ -= own;
+        next_ = mark();
+        std::for_each(values.begin(), values.end(), [this](AtomIndex value) { assume(value); });
+        std::for_each(retracted.begin(), retracted.end(), [&](AtomIndex atom) { still.add(atom); });
+    }
+    // Another clause that gives the label from what is assumed, some of it anew. Looked for once: those that stay give others.
+    const auto stays = [&](AtomIndex atom) {
+        if (still.has(atom) || !still.isAround(atom)) {
+            return still.has(atom);
+        }
+        for (const ClauseIndex clause : plant_->clausesOf(atom)) {
+            const std::span<const PlantLiteral> literals = plant_->clause(clause);
+            Meter::spend(literals.size());
+            if (std::all_of(literals.begin(), literals.end(), [&](const PlantLiteral& literal) {
+                    const bool holds = isTrue(literal.atom) != literal.negated;
+                    return literal.atom == atom
+                               ? holds
+                               : isKnown(literal.atom) && !holds &&
+                                     (reason(literal.atom) == assumed || still.has(literal.atom));
+                })) {
+                enter(atom, label(atom), clause);
+                still.add(atom);
+                return true;
+            }
+        }
+        return false;
+    };
     for (std::size_t i = 0; i < retracted.size(); ++i) {
         for (const ClauseIndex clause : plant_->clausesOf(retracted[i])) {
             Meter::spend(plant_->clause(clause).size());
             for (const PlantLiteral& literal : plant_->clause(clause)) {
-                if (reason(literal.atom) == clause) { // no clause is the reason of what is unknown
+                // No clause is the reason of what is unknown.
+                if (reason(literal.atom) == clause && !stays(literal.atom)) {
                     takeBack(literal.atom);
                 }
             }
         }
     }
     if (shared_) {
-        settled_ -= retracted.size();
+        settled_ -= retracted.size() - own;
+        next_ -= retracted.size() - own;
     } else {
         std::erase_if(trail_, [this](AtomIndex atom) { return !isKnown(atom); });
+        next_ = mark();
+        std::for_each(values.begin(), values.end(), [this](AtomIndex value) { assume(value); });
     }
-    next_ = mark();
     return retracted;
 }
 

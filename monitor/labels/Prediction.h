@@ -27,6 +27,8 @@ public:
     /// Assumes the variable's value. Ensures that the atom is true and the variable's other atoms are false; or returns
     /// false, with nothing changed, when one of them has the opposite label already. Does not propagate.
     bool assume(AtomIndex value);
+    /// Assumes that the variable does not have the value. Returns false, with nothing changed, when it has. Does not propagate.
+    bool exclude(AtomIndex value);
     /// Draws all conclusions. Returns false when a clause is violated: the labels drawn so far stay, see violated(), and every
     /// further call returns false until they are undone. Visits each clause at most once for each of its atoms.
     bool propagate();

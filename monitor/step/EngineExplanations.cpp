@@ -2,6 +2,7 @@
 
 #include "monitor/labels/Meter.h"
 #include "monitor/step/LocalStep.h"
+#include "monitor/step/StretchSearch.h"
 
 #include <algorithm>
 
@@ -31,6 +32,8 @@ Explanations EngineExplanations::search(const StepFrame& frame, int faultBudget,
     }
     const std::uint64_t before = Meter::current() ? Meter::current()->spent() : 0;
     Explanations answer = searchAnew(frame, faultBudget, limits);
+    std::map<Deviations, StepLabels> labels;
+    labels.swap(answer.labels); // of this question only
     if (remembers_ && answer.limit == SearchLimit::none && answer.work.records > 0) {
         const std::uint64_t after = Meter::current() ? Meter::current()->spent() : 0;
         asked_.push_back({frame.commands, frame.observations, frame.inputs, frame.modes,
@@ -39,6 +42,7 @@ Explanations EngineExplanations::search(const StepFrame& frame, int faultBudget,
             asked_.pop_front();
         }
     }
+    answer.labels.swap(labels);
     return answer;
 }
 
@@ -59,6 +63,11 @@ Explanations EngineExplanations::searchAnew(const StepFrame& frame, int faultBud
 {
     ++searches_;
     const std::optional<LocalStep> local = hasImplicates_() ? std::nullopt : LocalStep::of(frame);
+    if (!hasImplicates_() && (local ? local->frame() : frame).modes.size() > narrowsAbove_) {
+        if (auto explanations = searchStretches(frame, faultBudget, limits)) {
+            return std::move(*explanations);
+        }
+    }
     FaultSearch search(engine_, local ? local->frame() : frame, limits, recordsBeforeSplit_);
     Explanations answer;
     try {

@@ -4,6 +4,7 @@
 
 #include "monitor/step/ExplanationSearch.h"
 #include "monitor/step/FaultSearch.h"
+#include "monitor/step/Requirements.h"
 #include "plant/ActiveModel.h"
 
 #include <deque>
@@ -26,6 +27,8 @@ public:
 
     /// From here on every question is searched anew: for whoever wants to see the engine at work.
     void rememberNothing() { remembers_ = false; }
+    /// Searches the stretches (StretchSearch.h) in plants of more modes than that; the answer is the same with any number.
+    void narrowAbove(std::size_t modes) { narrowsAbove_ = modes; }
     /// How many searches were begun, and not answered from memory.
     std::uint64_t searches() const { return searches_; }
 
@@ -52,6 +55,7 @@ private:
     std::deque<Asked> asked_; ///< oldest first
     bool remembers_ = true;
     std::uint64_t searches_ = 0;
+    std::size_t narrowsAbove_ = fewToSearch;
 };
 
 } // namespace monitor

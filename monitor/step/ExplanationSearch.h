@@ -32,6 +32,8 @@ struct Explanations {
     /// The likelihood of what was observed, as its natural logarithm, for those of them that are known to contradict nothing: they are
     /// not predicted once more.
     std::map<Deviations, double> logLikelihoods = {};
+    /// The labels under some of them, as StepLabels::take() gives them: they are not drawn once more.
+    std::map<Deviations, StepLabels> labels = {};
 };
 
 class ExplanationSearch {

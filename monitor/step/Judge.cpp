@@ -251,14 +251,16 @@ void judgeLabels(const StepFrame& frame, const Deviations& modes, StepLabels& la
 }
 
 // What labels that were kept cost depends on the steps before.
-void judgeOne(const StepFrame& frame, const Deviations& modes, Judgement& judgement)
+void judgeOne(const StepFrame& frame, const Deviations& modes,
+              const std::map<Deviations, StepLabels>& known, Judgement& judgement)
 {
     if (!frame.carried) {
         StepLabels fresh(frame.plant);
         judgeLabels(frame, modes, fresh, judgement);
         return;
     }
-    StepLabels labels = *frame.carried;
+    const auto drawn = known.find(modes);
+    StepLabels labels = drawn == known.end() ? *frame.carried : drawn->second;
     {
         const Meter::Uncounted uncounted;
         judgeLabels(frame, modes, labels, judgement);
@@ -296,7 +298,8 @@ private:
 
 // Where the search was cut, what it found may spend what was kept back for that.
 Judgement judge(const StepFrame& frame, const std::set<Deviations>& found,
-                const std::map<Deviations, double>& logLikelihoods)
+                const std::map<Deviations, double>& logLikelihoods,
+                const std::map<Deviations, StepLabels>& labels)
 {
     Judgement judgement;
     const Meter::Finishing finishing;
@@ -305,7 +308,7 @@ Judgement judge(const StepFrame& frame, const std::set<Deviations>& found,
         for (const Deviations& modes : found) {
             const auto known = logLikelihoods.find(modes);
             if (known == logLikelihoods.end()) {
-                judgeOne(frame, modes, judgement);
+                judgeOne(frame, modes, labels, judgement);
             } else {
                 Meter::spend(1 + modes.size());
                 judgement.candidates.push_back(weights.of(modes, known->second));

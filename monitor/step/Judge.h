@@ -21,10 +21,11 @@ struct Judgement {
 };
 
 /// Keeps those among `found` whose modes, predicted anew, agree with all observations and laws, and of these the
-/// ones that contain no other. One prediction for each whose likelihood is not known already; quadratic in those of different size that
-/// share a mode.
+/// ones that contain no other. One prediction for each of which neither likelihood nor labels are known already; quadratic in those of
+/// different size that share a mode.
 Judgement judge(const StepFrame& frame, const std::set<Deviations>& found,
-                const std::map<Deviations, double>& logLikelihoods = {});
+                const std::map<Deviations, double>& logLikelihoods = {},
+                const std::map<Deviations, StepLabels>& labels = {});
 
 /// Divides by the sum of their probabilities, and puts the most probable first. Equal ones are ordered as `idOf` their modes. Ensures:
 /// the modes of each are in this order, too.

@@ -73,7 +73,9 @@ std::vector<Conflict> Scenario::conflicts() const
     conflicts.reserve(discrepancies_.size());
     for (const AtomIndex observed : discrepancies_) {
         const auto ruledOut = ruledOut_.find(observed);
-        conflicts.push_back(ruledOut == ruledOut_.end() ? modesAgainst(observed) : ruledOut->second);
+        conflicts.push_back(ruledOut == ruledOut_.end()
+                                ? prediction_.environment({ruledOutBy(observed)})
+                                : ruledOut->second);
     }
     return conflicts;
 }
@@ -90,14 +92,39 @@ Conflict Scenario::modesOfViolated() const
     return prediction_.environment(atoms);
 }
 
+std::optional<Conflict> Scenario::modesInConflict() const
+{
+    if (!consistent_) {
+        return modesOfViolated();
+    }
+    if (discrepancies_.empty()) {
+        return std::nullopt;
+    }
+    std::vector<AtomIndex> atoms;
+    Conflict modes;
+    for (const AtomIndex observed : discrepancies_) {
+        const auto ruledOut = ruledOut_.find(observed);
+        if (ruledOut == ruledOut_.end()) {
+            atoms.push_back(ruledOutBy(observed));
+        } else {
+            modes.insert(modes.end(), ruledOut->second.begin(), ruledOut->second.end());
+        }
+    }
+    const Conflict behind = prediction_.environment(atoms);
+    modes.insert(modes.end(), behind.begin(), behind.end());
+    std::sort(modes.begin(), modes.end());
+    modes.erase(std::unique(modes.begin(), modes.end()), modes.end());
+    return modes;
+}
+
 // The value's atom is false, or, before its variable's clauses are propagated, another value is true.
-Conflict Scenario::modesAgainst(AtomIndex value) const
+AtomIndex Scenario::ruledOutBy(AtomIndex value) const
 {
     if (prediction_.isKnown(value)) {
-        return prediction_.environment({value});
+        return value;
     }
     const auto other = prediction_.valueOf(frame_.plant.variable(frame_.plant.variableOf(value)));
-    return prediction_.environment({other.value_or(value)});
+    return other.value_or(value);
 }
 
 std::optional<Conflict> conflictByCases(const Scenario& scenario)

@@ -91,12 +91,14 @@ public:
     /// For each discrepancy, the modes on which the contradicted label rests: not all of them are as assumed. For an
     /// inconsistent scenario, the modes on which the contradiction rests.
     std::vector<Conflict> conflicts() const;
+    /// The modes that are in one of the conflicts; nothing where there is none. Linear in what they rest on.
+    std::optional<Conflict> modesInConflict() const;
 
 private:
     void takeObservations();
     bool adopt(AtomIndex observed);
     Conflict modesOfViolated() const;
-    Conflict modesAgainst(AtomIndex value) const;
+    AtomIndex ruledOutBy(AtomIndex value) const;
 
     const StepFrame& frame_;
     Deviations deviations_;

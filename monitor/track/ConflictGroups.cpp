@@ -30,25 +30,22 @@ private:
     bool lookAgain()
     {
         const Scenario scenario(rest_, {});
-        std::vector<Conflict> conflicts = scenario.conflicts();
-        if (conflicts.empty()) {
-            std::optional<Conflict> conflict = conflictByCases(scenario);
-            if (!conflict) {
-                seen_.allSeen = !seen_.conflicts.empty();
-                return false;
-            }
-            conflicts.push_back(std::move(*conflict));
+        std::optional<Conflict> conflict = scenario.modesInConflict();
+        if (!conflict) {
+            conflict = conflictByCases(scenario);
+        }
+        if (!conflict) {
+            seen_.allSeen = !seen_.conflicts.empty();
+            return false;
         }
         bool isNew = false;
         for (const AtomIndex value : scenario.discrepancies()) {
             isNew |= see(plant_.variableOf(value));
         }
-        for (const Conflict& conflict : conflicts) {
-            for (const VariableIndex variable : conflict) {
-                isNew |= see(variable);
-            }
+        for (const VariableIndex variable : *conflict) {
+            isNew |= see(variable);
         }
-        std::move(conflicts.begin(), conflicts.end(), std::back_inserter(seen_.conflicts));
+        seen_.conflicts.push_back(std::move(*conflict));
         seen_.allSeen = isNew && scenario.consistent() && !isOpenElsewhere(scenario.prediction());
         return isNew && !seen_.allSeen;
     }

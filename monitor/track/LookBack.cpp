@@ -6,8 +6,10 @@
 
 #include "monitor/labels/Meter.h"
 #include "monitor/step/Budget.h"
+#include "monitor/track/Admissible.h"
 #include "monitor/track/Deviated.h"
 #include "monitor/track/Relevance.h"
+#include "monitor/track/RuledOut.h"
 
 #include <algorithm>
 #include <cmath>
@@ -48,7 +50,12 @@ public:
 
     LookBackResult run(const std::vector<bool>& relevant)
     {
-        relevantPlaces_ = modesAmong(relevant);
+        std::vector<std::size_t> places = modesAmong(relevant);
+        const bool many = places.size() > fewToSearch;
+        admissible_.emplace(std::move(places));
+        if (many && settings_.otherwise == Otherwise::givenUp) {
+            ruledOut_.emplace(plant_, present_);
+        }
         for (const Alternative& alternative : alternatives(relevant)) {
             if (exhausted() || !tried(alternative)) {
                 result_.logUntried =
@@ -104,36 +111,46 @@ private:
             for (const Loss& one : lost) {
                 start.estimate += logLoss(one);
             }
+            const Admissible::Modes& modes = admissible_->at(frame);
             bool possible = true;
             for (const AtomIndex value : base.deviations) {
                 const ModeStep& mode = frame.stepOf(plant_.variableOf(value));
                 const ModeOption* option = mode.option(value);
-                possible = possible && option && value != mode.predicted;
+                possible = possible && option && value != mode.predicted && modes.allow(value) &&
+                           !isDoomed(step, value);
                 if (possible) {
                     start.estimate += logChange(mode, *option);
                     budget -= option->fault ? 1 : 0;
                 }
             }
             if (possible) {
-                addAlternatives(start, frame, budget, relevant, all);
+                addAlternatives(start, frame, modes, doomedModes(start, frame), budget, relevant,
+                                all);
             }
         }
     }
 
-    void addAlternatives(const Alternative& start, const StepFrame& frame, int budget,
-                         const std::vector<bool>& relevant, std::vector<Alternative>& all) const
+    void addAlternatives(const Alternative& start, const StepFrame& frame,
+                         const Admissible::Modes& modes, const std::vector<VariableIndex>& doomed,
+                         int budget, const std::vector<bool>& relevant,
+                         std::vector<Alternative>& all)
     {
-        for (const std::size_t place : relevantPlaces_) {
+        const auto saves = [&](VariableIndex variable) {
+            return std::all_of(doomed.begin(), doomed.end(),
+                               [&](VariableIndex mode) { return mode == variable; });
+        };
+        for (const std::size_t place : modes.places) {
             const ModeStep& mode = frame.modes[place];
             const bool deviates =
                 std::any_of(start.deviations.begin(), start.deviations.end(), [&](AtomIndex value) {
                     return plant_.variableOf(value) == mode.variable;
                 });
-            if (deviates) {
+            if (deviates || !saves(mode.variable)) {
                 continue;
             }
             for (const ModeOption& option : mode.options) {
-                if (option.value != mode.predicted && budget >= (option.fault ? 1 : 0)) {
+                if (option.value != mode.predicted && budget >= (option.fault ? 1 : 0) &&
+                    modes.allow(option.value) && !isDoomed(start.step, option.value)) {
                     Alternative& made = all.emplace_back(start);
                     made.variable = mode.variable;
                     made.deviations.push_back(option.value);
@@ -143,6 +160,9 @@ private:
             }
         }
         for (const Loss& one : past_[start.step].input.lossy) {
+            if (!doomed.empty()) {
+                break;
+            }
             // What deviates is told from what is expected when the command arrives.
             const bool fits = one.isReading()
                                   ? relevant[static_cast<std::size_t>(plant_.variableOf(one.given))]
@@ -153,6 +173,42 @@ private:
                 made.estimate += logLoss(one);
             }
         }
+    }
+
+    // Whether a way with that value after the step cannot lead to the present: it stays, and no way that is known has another one since.
+    bool isDoomed(std::size_t step, AtomIndex value)
+    {
+        if (!ruledOut_ || !ruledOut_->forGood(value)) {
+            return false;
+        }
+        const VariableIndex variable = plant_.variableOf(value);
+        for (std::size_t since = step + 1; since < past_.size(); ++since) {
+            for (const Deviated& came : deviatedAt(since)) {
+                for (const AtomIndex other : came.deviations) {
+                    if (plant_.variableOf(other) == variable) {
+                        return false;
+                    }
+                }
+            }
+        }
+        return true;
+    }
+
+    // The faulty modes that are predicted to stay so at the step, and may not at the present.
+    std::vector<VariableIndex> doomedModes(const Alternative& start, const StepFrame& frame)
+    {
+        std::vector<VariableIndex> doomed;
+        for (const std::size_t place : frame.modes.failing()) {
+            const ModeStep& mode = frame.modes[place];
+            const bool deviates =
+                std::any_of(start.deviations.begin(), start.deviations.end(), [&](AtomIndex value) {
+                    return plant_.variableOf(value) == mode.variable;
+                });
+            if (!deviates && mode.predicted == mode.before && isDoomed(start.step, mode.predicted)) {
+                doomed.push_back(mode.variable);
+            }
+        }
+        return doomed;
     }
 
     static double logChange(const ModeStep& mode, const ModeOption& option)
@@ -360,6 +416,7 @@ private:
         const int left = again ? settings_.maxFaults - begun
                                : successors_.faultsLeft(parent, input, settings_.maxFaults);
         const StepFrame frame = successors_.frame(parent, input, lost);
+        const std::shared_ptr<const Requirements> required = admissible_->at(frame).required;
         for (const std::size_t modePlace : relevant) {
             const ModeStep& mode = frame.modes[modePlace];
             if (again && mode.variable <= trail.variable) {
@@ -369,7 +426,8 @@ private:
                 if (exhausted()) {
                     return;
                 }
-                if (option.value == mode.predicted || left < (option.fault ? 1 : 0)) {
+                if (option.value == mode.predicted || left < (option.fault ? 1 : 0) ||
+                    (required && !required->allow(option.value))) {
                     continue;
                 }
                 Trail longer{{replay.begin, replay.parent, {way.begin(), way.begin() + end}},
@@ -419,7 +477,8 @@ private:
     Budget budget_;
     LookBackResult result_;
     std::map<std::size_t, std::set<Deviated>> deviated_; ///< by index of the past step
-    std::vector<std::size_t> relevantPlaces_;            ///< of the modes that are tried
+    std::optional<RuledOut> ruledOut_;     ///< null: few are tried, or the steps since are searched
+    std::optional<Admissible> admissible_; ///< of the modes that are tried
 };
 
 LookBackResult lookBackWithin(Successors& successors, const Plant& plant,

@@ -126,12 +126,13 @@ Successors::Successors(itms& engine, const Plant& plant, std::size_t window)
 // Labels and readings are kept from step to step, and so cost what is remembered of them.
 std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const TrackInput& input,
                                            const StepFrame& frame, const Deviations& deviations,
-                                           const Losses& lost, Contradictions despite) const
+                                           const Losses& lost, Contradictions despite,
+                                           const StepLabels& labels) const
 {
     std::optional<Hypothesis> made;
     {
         const Meter::Uncounted uncounted;
-        made = drawn(parent, input, frame, deviations, lost, despite);
+        made = drawn(parent, input, frame, deviations, lost, despite, labels);
     }
     Meter::spend(made ? made->labels.workFrom(parent.labels) : 1);
     return made;
@@ -140,9 +141,10 @@ std::optional<Hypothesis> Successors::make(const Hypothesis& parent, const Track
 // Nothing when a mode cannot be had at this step.
 std::optional<Hypothesis> Successors::drawn(const Hypothesis& parent, const TrackInput& input,
                                             const StepFrame& frame, const Deviations& deviations,
-                                            const Losses& lost, Contradictions despite) const
+                                            const Losses& lost, Contradictions despite,
+                                            const StepLabels& labels) const
 {
-    Hypothesis made{parent.labels, {}, 0.0, 0.0, parent.faults, nullptr, parent.since, {}, {}, {}};
+    Hypothesis made{labels, {}, 0.0, 0.0, parent.faults, nullptr, parent.since, {}, {}, {}};
     const StepAssumptions assumptions = assumptionsOf(frame, deviations);
     made.labels.take(assumptions, frame.observations, frame.inputs);
     made.labels.share();
@@ -298,7 +300,8 @@ SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
         const StepFrame tried = frame(prospect, lost);
         const Explanations explanations =
             search_->search(tried, budget - lostCommands(lost), work.remaining());
-        const Judgement judgement = judge(tried, explanations.found, explanations.logLikelihoods);
+        const Judgement judgement =
+            judge(tried, explanations.found, explanations.logLikelihoods, explanations.labels);
         work.spend(explanations.work);
         work.meet(explanations.limit);
         work.meet(judgement.limit);
@@ -309,8 +312,10 @@ SuccessorSearch Successors::search(const Prospect& prospect, int faultBudget,
             std::sort(explained.deviations.begin(), explained.deviations.end());
             if (std::none_of(smallest.begin(), smallest.end(),
                              [&](const Explained& other) { return isSmaller(other, explained); })) {
+                const auto drawn = explanations.labels.find(explained.deviations);
                 result.found.push_back(
-                    *make(parent, input, tried, candidate.modes, lost, Contradictions::areNot));
+                    *make(parent, input, tried, candidate.modes, lost, Contradictions::areNot,
+                          drawn == explanations.labels.end() ? parent.labels : drawn->second));
                 noteFilling(result.found.back());
                 smallest.push_back(std::move(explained));
             }

@@ -118,13 +118,22 @@ private:
     {
         return lost.empty() ? prospect.frame : frame(prospect.parent, prospect.input, lost);
     }
+    /// `labels` are those under the deviations, or of the parent.
     std::optional<Hypothesis> make(const Hypothesis& parent, const TrackInput& input,
                                    const StepFrame& frame, const Deviations& deviations,
-                                   const Losses& lost, Contradictions despite) const;
+                                   const Losses& lost, Contradictions despite,
+                                   const StepLabels& labels) const;
+    std::optional<Hypothesis> make(const Hypothesis& parent, const TrackInput& input,
+                                   const StepFrame& frame, const Deviations& deviations,
+                                   const Losses& lost, Contradictions despite) const
+    {
+        return make(parent, input, frame, deviations, lost, despite, parent.labels);
+    }
 
     std::optional<Hypothesis> drawn(const Hypothesis& parent, const TrackInput& input,
                                     const StepFrame& frame, const Deviations& deviations,
-                                    const Losses& lost, Contradictions despite) const;
+                                    const Losses& lost, Contradictions despite,
+                                    const StepLabels& labels) const;
     void noteFilling(Hypothesis& explained) const;
 
     std::shared_ptr<ExplanationSearch> search_;

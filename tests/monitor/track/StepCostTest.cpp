@@ -252,4 +252,92 @@ TEST(LocalFault, LooksAtAsMuchWhereThereIsAnotherOne)
     EXPECT_EQ(lookedAtWhereTheseFail(2000, {"p3", "p5"}), lookedAtWhereTheseFail(30, {"p3", "p5"}));
 }
 
+// Pumps of which each feeds the next. Every tenth one is read, and the last one of the row.
+class Chain {
+public:
+    explicit Chain(int pumps) : pumps_(pumps)
+    {
+        model_.condition("tank.flow", {"0", "1"});
+        model_.mode("tank.state", {"full", "empty!"});
+        model_.law("!tank.state=full | tank.flow=1");
+        model_.law("!tank.state=empty | tank.flow=0");
+        model_.fault("tank.state=full", "tank.state=empty", 1.0 / 1024);
+        for (int i = 0; i < pumps; ++i) {
+            addPump(name(i), i == 0 ? "tank.flow" : name(i - 1) + ".flow");
+        }
+        active_ = model_.activate();
+        tracker_ =
+            std::make_unique<Tracker>(active_->engine, *active_->plant, monitor::TrackSettings{});
+        for (int quiet = 0; quiet < 15; ++quiet) {
+            step(pumps);
+        }
+    }
+    static std::string name(int pump) { return "p" + std::to_string(pump); }
+
+    // Nothing comes from this one on.
+    const monitor::TrackAnswer& step(int silentFrom)
+    {
+        ++input_.step;
+        input_.t += 1.0;
+        input_.values.observations = {};
+        for (int i = 9; i < pumps_; i += 10) {
+            input_.values.observations.push_back(
+                active_->index(name(i) + (i >= silentFrom ? ".flow=0" : ".flow=1")));
+        }
+        return tracker_->advance(input_);
+    }
+
+private:
+    void addPump(const std::string& pump, const std::string& from)
+    {
+        model_.mode(pump + ".state", {"on", "off", "broken!"});
+        model_.condition(pump + ".flow", {"0", "1"});
+        model_.law("!" + pump + ".state=on | !" + from + "=1 | " + pump + ".flow=1");
+        model_.law("!" + pump + ".state=on | !" + from + "=0 | " + pump + ".flow=0");
+        model_.law(pump + ".state=on | " + pump + ".flow=0");
+        model_.fault(pump + ".state=on", pump + ".state=broken", 1.0 / 1024);
+        model_.repair(pump + ".state=broken", pump + ".state=on", 1.0 / 64);
+    }
+
+    int pumps_;
+    MutedTrace muted_;
+    HandMade model_;
+    std::unique_ptr<ActivePlant> active_;
+    std::unique_ptr<Tracker> tracker_;
+    monitor::TrackInput input_;
+};
+
+struct ChainCost {
+    std::uint64_t fault;
+    std::uint64_t after;
+    std::uint64_t repair;
+};
+
+// What it costs that one of the last pumps fails, and is mended.
+ChainCost costInChainOf(int pumps)
+{
+    Chain chain(pumps);
+    ChainCost cost{};
+    const monitor::TrackAnswer& failed = chain.step(pumps - 5);
+    EXPECT_EQ(failed.hypotheses.size(), 8U); // of ten
+    EXPECT_EQ(failed.dropped, 2U);
+    EXPECT_TRUE(failed.complete);
+    cost.fault = failed.lookedAt;
+    cost.after = chain.step(pumps - 5).lookedAt;
+    const monitor::TrackAnswer& mended = chain.step(pumps);
+    EXPECT_EQ(mended.status, monitor::TrackStatus::nominal);
+    EXPECT_TRUE(mended.complete);
+    cost.repair = mended.lookedAt;
+    return cost;
+}
+
+TEST(FaultInAChain, LooksAtTheWholeAFewTimesAndAtItsStretch)
+{
+    const ChainCost ofShort = costInChainOf(100);
+    const ChainCost ofLong = costInChainOf(800);
+    EXPECT_LT(ofLong.fault, 9 * ofShort.fault);
+    EXPECT_LT(ofLong.repair, 9 * ofShort.repair);
+    EXPECT_LT(ofLong.after, 3 * ofShort.after);
+}
+
 } // namespace
