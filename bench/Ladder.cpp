@@ -24,7 +24,6 @@ Ladder::Ladder(int rungs)
     }
     model_ = builder.build();
     model_->activate();
-    engine_.rtInit();
     for (const auto& atom : model_->atoms()) {
         const bool holds = atom->value == "ok" || atom->value == "1";
         trajectory_.predict(0, atom.get(), holds ? "true" : "false", 2);
