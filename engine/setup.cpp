@@ -54,9 +54,7 @@ void addAtomsOf(const std::vector<Clause*>& clauses, AtomMap& atoms)
 {
     for (const Clause* clause : clauses) {
         for (const auto& [negated, atom] : *clause->literals) {
-            if (atoms.find(atom->getId()) == atoms.end()) {
-                atoms[atom->getId()] = atom;
-            }
+            atoms.insert({atom->getId(), atom});
         }
     }
 }

@@ -11,12 +11,11 @@ namespace {
 
 bool namesCommand(const Transition& transition)
 {
-    if (!transition.guard) {
+    if (!transition.guard || !transition.guard->atoms) {
         return false;
     }
-    const std::unique_ptr<SignedAtoms> atoms(transition.guard->getAllSignedAtoms());
-    for (const auto& [sign, atom] : *atoms) {
-        if (atom->getVarType() == "Command") {
+    for (const auto& [sign, atom] : *transition.guard->atoms) {
+        if (atom->stateVar->type == "Command") {
             return true;
         }
     }
@@ -50,7 +49,7 @@ void itms::idTransitions(Comp* comp, int& counter)
             std::cout << "weight : " << transition->weight << std::endl;
         }
         ++counter;
-        if ((transition->getType() == "Fail" || transition->idle) && !namesCommand(*transition)) {
+        if ((transition->type == "Fail" || transition->idle) && !namesCommand(*transition)) {
             transition->commanded = false;
             if (comp->commandVars) {
                 referFromCommands(*transition, *comp->commandVars);

@@ -4,7 +4,7 @@
 #include "model/StateFormula.h"
 #include "model/Transition.h"
 
-#include <set>
+#include <algorithm>
 
 namespace {
 
@@ -31,11 +31,14 @@ void countGuard(const Transition& transition)
     if (!transition.guard->atoms) {
         return;
     }
-    std::set<const Atom*> counted;
+    std::vector<Atom*> mentioned;
     for (const auto& [sign, atom] : *transition.guard->atoms) {
-        if (counted.insert(atom).second) {
-            ++atom->guardsNumber;
-        }
+        mentioned.push_back(atom);
+    }
+    std::sort(mentioned.begin(), mentioned.end());
+    mentioned.erase(std::unique(mentioned.begin(), mentioned.end()), mentioned.end());
+    for (Atom* atom : mentioned) {
+        ++atom->guardsNumber;
     }
 }
 

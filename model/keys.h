@@ -39,7 +39,7 @@ struct WithoutContainers {};
 
 /// Equality of two NUL-terminated texts, wherever they stand.
 struct eqstr {
-    bool operator()(const char* a, const char* b) const { return std::strcmp(a, b) == 0; }
+    bool operator()(const char* a, const char* b) const { return a == b || std::strcmp(a, b) == 0; }
 };
 
 /// Ordering predicate of the signed maps: true when the signs are equal (see the head of this file).
