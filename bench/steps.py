@@ -4,13 +4,15 @@
     bench/steps.py [--program FILE] [--before FILE] [--sizes N,N,...] [--steps N] [--repeat N] [--json FILE]
 
 Writes banks of pumps beside one another, and chains in which each pump is fed by the one before, in the model language, and follows
-each through telemetry of four kinds:
+each through telemetry of these kinds:
 
   quiet    nothing is reported
   reading  one reading at every step, of which every other one differs from the one before: the bank's first pump is switched,
            the chain's feed comes and goes near its end
   fault    a pump fails at some step, and the readings of its neighbours are there
   repair   the same, and it is mended some steps later
+  stretch  one pump of 22 is read at every step, and the last one that is shows at some step that nothing flows, so that 22 pumps
+           explain it (chains only, and only where it is asked for)
 
 What a quiet step and a reading cost is the difference between a long run and a short one, divided by their steps: user time of the
 processor. A fault, and a repair, are one step each: the program follows them live, and what it used of the processor is read, from
@@ -43,6 +45,7 @@ PUMP = """component Pump {
 
 
 FAILS, MENDED = 15, 25  # steps
+STRETCH = 22  # pumps from one that is read to the next
 
 
 def bank(count):
@@ -92,6 +95,11 @@ def steps_of(plant, kind, count, steps):
             step["observations"] = {last: "positive" if flows else "zero"}
             if plant == "bank":
                 step["observations"][f"pump[{pump}].inflow"] = "positive"
+        if kind == "stretch":
+            read = range(STRETCH - 1, count, STRETCH)
+            step["observations"] = {f"pump[{i}].outflow": "positive" for i in read}
+            if number >= FAILS:
+                step["observations"][f"pump[{read[-1]}].outflow"] = "zero"
         if kind in ("fault", "repair"):
             broken = number >= FAILS and (kind == "fault" or number < MENDED)
             step["observations"] = {f"pump[{pump}].outflow": "zero" if broken else "positive"}
@@ -183,8 +191,8 @@ def cost_of(program, model, kind, plant, size, options, folder):
     def seconds(steps):
         return seconds_of(program, model, kind, plant, size, steps, folder, options.repeat)[0]
 
-    if kind in ("fault", "repair"):
-        at = FAILS if kind == "fault" else MENDED
+    if kind in ("fault", "repair", "stretch"):
+        at = MENDED if kind == "repair" else FAILS
         return min(seconds_at(program, model, steps_of(plant, kind, size, at), at) for _ in range(options.repeat))
     # So many steps that they take long enough beside reading the model.
     few = 10

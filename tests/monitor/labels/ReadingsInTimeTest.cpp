@@ -221,6 +221,20 @@ TEST_F(ReadingsInTimeTest, AskForLabelsOnceWhileWhatIsGivenAndReadStays)
     EXPECT_EQ(asked_, 3);
 }
 
+TEST_F(ReadingsInTimeTest, AskForLabelsOnceWhereWhatIsGivenComesAndGoes)
+{
+    const monitor::ReadingMemory none = memory_;
+    for (int i = 0; i < 3; ++i) {
+        memory_ = none;
+        step(odd_, {{"a.v=1"}});
+        memory_ = none;
+        step(tied_, {{"a.v=1"}});
+    }
+    EXPECT_EQ(asked_, 2);
+    step(odd_, {{"a.v=1"}}, {"m.mode=odd"});
+    EXPECT_EQ(asked_, 3);
+}
+
 // Also when the second step is the first without a reading that is remembered.
 TEST_F(ReadingsInTimeTest, AskForLabelsOnceWhileNothingIsRead)
 {
