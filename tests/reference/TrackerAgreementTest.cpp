@@ -16,7 +16,7 @@ void expectAgreement(const WatchedOptions& options, std::uint64_t firstSeed)
         << agreement.largest << ", among them\n"
         << agreement.example;
     EXPECT_GT(agreement.steps, fewerUnderSanitizers(800));
-    EXPECT_GT(agreement.several, fewerUnderSanitizers(60));
+    EXPECT_GT(agreement.several, underSanitizers ? 5 : 60);
 }
 
 TEST(TrackerAgreement, IsExactWhereEveryChangeShowsAndEveryConditionFollows)
