@@ -109,7 +109,9 @@ std::vector<CellNumber> FlipSearch::branches(const Conflicts& conflicts, int lef
     for (const Lanes of : conflicts.of) {
         if (of == 0) continue;
         kinds.insert(of);
-        for (Lanes rest = of; rest != 0; rest &= rest - 1) ++sizes[std::countr_zero(rest)];
+        for (Lanes rest = of; rest != 0; rest &= rest - 1) {
+            ++sizes[static_cast<std::size_t>(std::countr_zero(rest))];
+        }
     }
     const auto smallest = std::min_element(sizes.begin(), sizes.end()) - sizes.begin();
     const Lanes all = conflicts.all();

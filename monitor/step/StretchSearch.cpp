@@ -58,14 +58,15 @@ private:
     // Requires: the labels are those under the deviations. Ensures: what is required is as before.
     void explain(const Deviations& deviations, int faultBudget)
     {
-        if (!labels_.consistent()) {
-            isPlain_ = false;
-        } else if (labels_.contradicted().empty()) {
+        if (labels_.consistent() && labels_.contradicted().empty()) {
             settle(deviations);
-        } else if (const auto conflict = nearConflict(frame_.plant, labels_)) {
+            return;
+        }
+        const auto conflict =
+            labels_.consistent() ? nearConflict(frame_.plant, labels_) : std::nullopt;
+        isPlain_ = isPlain_ && conflict.has_value();
+        if (conflict) {
             split(deviations, *conflict, faultBudget);
-        } else {
-            isPlain_ = false;
         }
     }
 

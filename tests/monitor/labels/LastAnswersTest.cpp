@@ -10,8 +10,9 @@ protected:
     // Each answer says the how many-th it is.
     std::string ask(const std::string& question)
     {
-        return answers_.to(question,
-                           [this](const std::string& asked) { return asked + std::to_string(++found_); });
+        return answers_.to(question, [this](const std::string& asked) {
+            return asked + std::to_string(++found_);
+        });
     }
 
     monitor::LastAnswers<std::string, std::string> answers_{2};
