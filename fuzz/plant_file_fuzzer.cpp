@@ -3,33 +3,14 @@
 #include "app/Output.h"
 #include "app/PlantFile.h"
 #include "fuzz/FuzzPlant.h"
+#include "fuzz/MemoryFile.h"
 
 #include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <sys/mman.h>
-#include <unistd.h>
 
 namespace {
-
-// A file in memory.
-class Text {
-public:
-    Text(const void* data, std::size_t size) : file_(memfd_create("plant.toml", 0))
-    {
-        require(write(file_, data, size) == static_cast<ssize_t>(size), "the text can be written");
-        path = "/proc/self/fd/" + std::to_string(file_);
-    }
-    ~Text() { close(file_); }
-    Text(const Text&) = delete;
-    Text& operator=(const Text&) = delete;
-
-    std::string path;
-
-private:
-    int file_;
-};
 
 void requireReadable(const std::string& message)
 {
@@ -72,7 +53,7 @@ std::optional<app::Reading> readingOf(const std::string& path, const session::Se
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     static FuzzPlant plant;
-    const Text text(data, size);
+    const MemoryFile text(data, size);
     for (const bool asNames : {false, true}) {
         const auto first = readingOf(text.path, plant.session(), asNames);
         if (!first) continue;

@@ -1,6 +1,7 @@
 // Feeds the reader of telemetry with any bytes. Steps must be in order and complete; mistakes must have places and can be shown; a
 // reader that is given what another one remembered in the middle must read the same rest; and what is written of the steps must be read
 // as the same.
+#include "fuzz/MemoryFile.h"
 #include "fuzz/Require.h"
 #include "language/Reader.h"
 #include "telemetry/StepReader.h"
@@ -8,8 +9,6 @@
 
 #include <cstdint>
 #include <string>
-#include <sys/mman.h>
-#include <unistd.h>
 
 namespace {
 
@@ -44,24 +43,6 @@ system Plant {
     require(read.model != nullptr, "the plant can be read");
     return read;
 }
-
-// A file in memory.
-class Text {
-public:
-    Text(const void* data, std::size_t size) : file_(memfd_create("telemetry", 0))
-    {
-        require(write(file_, data, size) == static_cast<ssize_t>(size), "the text can be written");
-        path = "/proc/self/fd/" + std::to_string(file_);
-    }
-    ~Text() { close(file_); }
-    Text(const Text&) = delete;
-    Text& operator=(const Text&) = delete;
-
-    std::string path;
-
-private:
-    int file_;
-};
 
 bool same(const Step& a, const Step& b)
 {
@@ -119,7 +100,7 @@ void checkWritten(const std::vector<Step>& steps)
         }
         text += writer.line(step.t, step.givenCommands, seen);
     }
-    const Text file(text.data(), text.size());
+    const MemoryFile file(text.data(), text.size());
     StepReader reader(file.path, *model().model, model().bindings);
     for (const Step& step : steps) {
         const auto next = reader.next();
@@ -130,7 +111,7 @@ void checkWritten(const std::vector<Step>& steps)
 
 void check(const std::uint8_t* data, std::size_t size)
 {
-    const Text text(data, size);
+    const MemoryFile text(data, size);
     StepReader reader(text.path, *model().model, model().bindings, settings);
     // A few packed bytes may be many lines.
     const bool packed = size > 0 && (data[0] == 0x1f || data[0] == 0x28);

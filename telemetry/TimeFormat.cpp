@@ -2,6 +2,7 @@
 
 #include "telemetry/Reading.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <ctime>
@@ -124,8 +125,12 @@ std::optional<text::Message> TimeFormat::mistakeIn(const std::string& format)
         if (format[i] != '%') continue;
         const char next = ++i < format.size() ? format[i] : '\0';
         if (next == '\0' || known.find(next) == std::string_view::npos) {
-            return text::Message{fmt::format("'%{}' in a pattern of times",
-                                             next == '\0' ? std::string() : std::string(1, next)),
+            const std::string_view from = std::string_view(format).substr(i - 1);
+            // The whole of a character that is several bytes.
+            const std::size_t length =
+                from.size() == 1 ? 1
+                                 : 1 + std::max<std::size_t>(1, text::utf8Length(from.substr(1)));
+            return text::Message{text::quoted(from.substr(0, length)) + " in a pattern of times",
                                  "%Y %m %d %H %M %S, and %y %b %j %I %p %z %T %F %D %R", ""};
         }
         anything = true;

@@ -279,6 +279,18 @@ TEST(LoggerFiles, HavePatternsThatAreKnown)
     EXPECT_TRUE(telemetry::TimeFormat::mistakeIn("minutes"));
 }
 
+TEST(LoggerFiles, HaveMistakesOfPatternsShownByWholeCharacters)
+{
+    const auto shown = [](const char* format) {
+        return telemetry::TimeFormat::mistakeIn(format).value_or(text::Message{}).message;
+    };
+    EXPECT_EQ(shown("%Y-%Q"), "'%Q' in a pattern of times");
+    EXPECT_EQ(shown("%\u00fc"), "'%\u00fc' in a pattern of times");
+    EXPECT_EQ(shown("%\xfc"), "'%?' in a pattern of times");
+    EXPECT_EQ(shown("%\x1b"), "'%?' in a pattern of times");
+    EXPECT_EQ(shown("%Y %"), "'%' in a pattern of times");
+}
+
 TEST(LoggerFiles, MayMissABeat)
 {
     EXPECT_THAT(readLogger("{\"t\": 0}\n{\"t\": 2}\n", {.gapSteps = 1.5}).steps.back(),
