@@ -1,4 +1,5 @@
 // A whole step: circuits of growing size, and the problems of c880, from one fault to hundreds of pairs of faults.
+#include "engine/itms.h"
 #include "monitor/step/Step.h"
 #include "netlist/BenchReader.h"
 #include "netlist/CircuitModel.h"
