@@ -133,10 +133,8 @@ bool Prediction::reassume(const std::vector<AtomIndex>& values)
     return true;
 }
 
-namespace {
-
-/// What follows from new assumptions, though it was known before: as far as it would be taken back with the old ones.
-class StillGiven {
+// What follows from new assumptions, though it was known before: as far as it would be taken back with the old ones.
+class Prediction::StillGiven {
 public:
     explicit StillGiven(const Plant& plant) : plant_(plant) {}
 
@@ -149,7 +147,7 @@ public:
             }
         }
     }
-    /// Whether a clause of the atom may give it a label from some of these.
+    // Whether a clause of the atom may give it a label from some of these.
     bool isAround(AtomIndex atom) const { return around_.contains(atom); }
     bool has(AtomIndex atom) const { return given_.contains(atom); }
 
@@ -159,7 +157,31 @@ private:
     std::unordered_set<AtomIndex> around_;
 };
 
-} // namespace
+// Another clause that gives the label from what is assumed, some of it anew, takes the place of its reason. Looked for once: what stays
+// gives others.
+bool Prediction::stays(AtomIndex atom, StillGiven& still)
+{
+    if (still.has(atom) || !still.isAround(atom)) {
+        return still.has(atom);
+    }
+    const auto agrees = [&](const PlantLiteral& literal) {
+        const bool holds = isTrue(literal.atom) != literal.negated;
+        return literal.atom == atom
+                   ? holds
+                   : isKnown(literal.atom) && !holds &&
+                         (reason(literal.atom) == assumed || still.has(literal.atom));
+    };
+    for (const ClauseIndex clause : plant_->clausesOf(atom)) {
+        const std::span<const PlantLiteral> literals = plant_->clause(clause);
+        Meter::spend(literals.size());
+        if (std::all_of(literals.begin(), literals.end(), agrees)) {
+            enter(atom, label(atom), clause);
+            still.add(atom);
+            return true;
+        }
+    }
+    return false;
+}
 
 // Takes back the labels of the values' variables, and all that rests on them, and assumes the values. Reasons lead from earlier labels to
 // later ones, never in a circle, so what is left is still justified. Of shared labels, those that the values give as well stay; else
@@ -175,42 +197,23 @@ std::vector<AtomIndex> Prediction::retract(const std::vector<AtomIndex>& values)
         const plant::ValueRange atoms = plant_->variable(plant_->variableOf(value)).values;
         std::for_each(atoms.begin(), atoms.end(), takeBack);
     }
-    const std::size_t own = retracted.size();
-    StillGiven still(*plant_);
-    if (shared_) {
-        settled_ -= own;
+    const auto assumeAnew = [&] {
         next_ = mark();
         std::for_each(values.begin(), values.end(), [this](AtomIndex value) { assume(value); });
+    };
+    const std::size_t own = retracted.size();
+    StillGiven still(*plant_); // nothing, where the labels are not shared
+    if (shared_) {
+        settled_ -= own;
+        assumeAnew();
         std::for_each(retracted.begin(), retracted.end(), [&](AtomIndex atom) { still.add(atom); });
     }
-    // Another clause that gives the label from what is assumed, some of it anew. Looked for once: those that stay give others.
-    const auto stays = [&](AtomIndex atom) {
-        if (still.has(atom) || !still.isAround(atom)) {
-            return still.has(atom);
-        }
-        for (const ClauseIndex clause : plant_->clausesOf(atom)) {
-            const std::span<const PlantLiteral> literals = plant_->clause(clause);
-            Meter::spend(literals.size());
-            if (std::all_of(literals.begin(), literals.end(), [&](const PlantLiteral& literal) {
-                    const bool holds = isTrue(literal.atom) != literal.negated;
-                    return literal.atom == atom
-                               ? holds
-                               : isKnown(literal.atom) && !holds &&
-                                     (reason(literal.atom) == assumed || still.has(literal.atom));
-                })) {
-                enter(atom, label(atom), clause);
-                still.add(atom);
-                return true;
-            }
-        }
-        return false;
-    };
     for (std::size_t i = 0; i < retracted.size(); ++i) {
         for (const ClauseIndex clause : plant_->clausesOf(retracted[i])) {
             Meter::spend(plant_->clause(clause).size());
             for (const PlantLiteral& literal : plant_->clause(clause)) {
                 // No clause is the reason of what is unknown.
-                if (reason(literal.atom) == clause && !stays(literal.atom)) {
+                if (reason(literal.atom) == clause && !stays(literal.atom, still)) {
                     takeBack(literal.atom);
                 }
             }
@@ -221,8 +224,7 @@ std::vector<AtomIndex> Prediction::retract(const std::vector<AtomIndex>& values)
         next_ -= retracted.size() - own;
     } else {
         std::erase_if(trail_, [this](AtomIndex atom) { return !isKnown(atom); });
-        next_ = mark();
-        std::for_each(values.begin(), values.end(), [this](AtomIndex value) { assume(value); });
+        assumeAnew();
     }
     return retracted;
 }

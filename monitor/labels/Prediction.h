@@ -127,6 +127,8 @@ private:
     void set(AtomIndex atom, Label label, ClauseIndex reason);
     void enter(AtomIndex atom, Label label, ClauseIndex reason);
     void settle();
+    class StillGiven;
+    bool stays(AtomIndex atom, StillGiven& still);
     std::vector<AtomIndex> retract(const std::vector<AtomIndex>& values);
     bool visitAll(std::span<const ClauseIndex> clauses);
     template <typename LabelOf>

@@ -86,7 +86,9 @@ protected:
         return random.chance(60) ? variable.values.front() : random.pick(variable.values);
     }
 
-    void compareSequence(std::uint64_t seed, PlantKind kind)
+    enum class Labels { ownOnes, shared };
+
+    void compareSequence(std::uint64_t seed, PlantKind kind, Labels labels = Labels::ownOnes)
     {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Random random(seed);
@@ -102,7 +104,9 @@ protected:
                 good = draw(carried, valuesOf(assumptions));
                 continue;
             }
-            if (random.chance(20)) {
+            if (labels == Labels::shared) {
+                carried.share(carried.mark());
+            } else if (random.chance(20)) {
                 carried.preferSmallEnvironments();
             }
             std::vector<AtomIndex> given;
@@ -151,6 +155,15 @@ TEST_F(ReassumeTest, GivesTheLabelsOfCircuitsThatAFreshPredictionGives)
         compareSequence(seed, PlantKind::circuit);
     }
     EXPECT_GT(drawn_, 1000);
+}
+
+TEST_F(ReassumeTest, GivesSharedLabelsThatAFreshPredictionGives)
+{
+    for (std::uint64_t seed = 2000; seed < 2300 && !HasFailure(); ++seed) {
+        compareSequence(seed, seed % 3 == 0 ? PlantKind::circuit : PlantKind::mixed, Labels::shared);
+    }
+    EXPECT_GT(drawn_, 1000);
+    EXPECT_GT(violated_, 30);
 }
 
 TEST_F(ReassumeTest, FindsAnotherReasonForALabelThatIsTakenBack)
