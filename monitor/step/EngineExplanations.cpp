@@ -62,13 +62,15 @@ Explanations EngineExplanations::searchAnew(const StepFrame& frame, int faultBud
                                             const SearchLimits& limits)
 {
     ++searches_;
+    Budget budget(limits);
     const std::optional<LocalStep> local = hasImplicates_() ? std::nullopt : LocalStep::of(frame);
     if (!hasImplicates_() && (local ? local->frame() : frame).modes.size() > narrowsAbove_) {
-        if (auto explanations = searchStretches(frame, faultBudget, limits)) {
+        if (auto explanations = searchStretches(frame, faultBudget, budget)) {
             return std::move(*explanations);
         }
     }
-    FaultSearch search(engine_, local ? local->frame() : frame, limits, recordsBeforeSplit_);
+    FaultSearch search(engine_, local ? local->frame() : frame, budget.remaining(),
+                       recordsBeforeSplit_);
     Explanations answer;
     try {
         search.run(faultBudget);
@@ -81,7 +83,8 @@ Explanations EngineExplanations::searchAnew(const StepFrame& frame, int faultBud
     for (const Deviations& found : search.found()) {
         answer.found.insert(local ? local->inWhole(found) : found);
     }
-    answer.work = search.work();
+    budget.spend(search.work());
+    answer.work = budget.work();
     return answer;
 }
 

@@ -2,7 +2,6 @@
 
 #include "monitor/labels/Completion.h"
 #include "monitor/labels/Meter.h"
-#include "monitor/step/Budget.h"
 #include "monitor/step/Judge.h"
 #include "monitor/step/NearConflict.h"
 #include "monitor/step/Requirements.h"
@@ -15,8 +14,8 @@ namespace {
 
 class StretchSearch {
 public:
-    StretchSearch(const StepFrame& frame, const SearchLimits& limits)
-        : frame_(frame), budget_(limits), labels_(*frame.carried)
+    StretchSearch(const StepFrame& frame, Budget& budget)
+        : frame_(frame), budget_(budget), labels_(*frame.carried)
     {
     }
 
@@ -135,7 +134,7 @@ private:
     }
 
     const StepFrame& frame_;
-    Budget budget_;
+    Budget& budget_;
     StepLabels labels_; ///< under the deviations that were looked at last
     std::optional<Requirements> required_;
     Explanations answer_;
@@ -144,10 +143,9 @@ private:
 
 } // namespace
 
-std::optional<Explanations> searchStretches(const StepFrame& frame, int faultBudget,
-                                            const SearchLimits& limits)
+std::optional<Explanations> searchStretches(const StepFrame& frame, int faultBudget, Budget& budget)
 {
-    return frame.carried ? StretchSearch(frame, limits).run(faultBudget) : std::nullopt;
+    return frame.carried ? StretchSearch(frame, budget).run(faultBudget) : std::nullopt;
 }
 
 } // namespace monitor

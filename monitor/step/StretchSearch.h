@@ -5,17 +5,17 @@
 // to be as it is (Requirements.h); each of its modes in turn deviates, those before it kept as they are. The labels of each are those
 // of the one before, but for what changes: so a fault costs its stretch, and what it changes.
 //
-//     if (auto explanations = searchStretches(frame, 2, limits)) ...    // else it takes a FaultSearch
+//     if (auto explanations = searchStretches(frame, 2, budget)) ...    // else it takes a FaultSearch
 #pragma once
 
+#include "monitor/step/Budget.h"
 #include "monitor/step/ExplanationSearch.h"
 
 namespace monitor {
 
 /// What ExplanationSearch::search() promises; a conflict that is taken apart is a record. Nothing where this does not find it: where
 /// there is nothing to go by (StepFrame::carried), where modes and commands contradict the laws, where propagation does not see a
-/// contradiction, or where what is open does not have values.
-std::optional<Explanations> searchStretches(const StepFrame& frame, int faultBudget,
-                                            const SearchLimits& limits);
+/// contradiction, or where what is open does not have values. What it took to see that is spent of the budget.
+std::optional<Explanations> searchStretches(const StepFrame& frame, int faultBudget, Budget& budget);
 
 } // namespace monitor

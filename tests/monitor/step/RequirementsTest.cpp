@@ -20,30 +20,12 @@ using monitor::TrackInput;
 
 class RandomRequirements : public testing::Test {
 protected:
-    void follow(std::uint64_t seed)
+    void compare(ActivePlant& active, const Hypothesis& before, const TrackInput& input)
     {
-        SCOPED_TRACE("seed " + std::to_string(seed));
-        Random random(seed);
-        ActivePlant active(
-            randomModel(random, seed % 3 == 0 ? PlantKind::circuit : PlantKind::mixed));
-        RandomTrack track(random, {.deviating = 20});
         const Successors successors(active.engine, *active.plant);
-        monitor::Tracker tracker(active.engine, *active.plant, {.maxFaults = 2, .keep = 5});
-        for (std::size_t number = 1; number <= 6; ++number) {
-            const TrackInput input = trackInput(active, track.next(), number);
-            for (const auto& hypothesis : tracker.memory().hypotheses) {
-                compare(successors, *active.plant, *hypothesis, input);
-            }
-            tracker.advance(input);
-        }
-    }
-
-    void compare(const Successors& successors, const plant::Plant& plant, const Hypothesis& before,
-                 const TrackInput& input)
-    {
         const StepFrame frame = successors.frame(before, input, {});
         const Requirements required(frame);
-        const monitor::RuledOut ruledOut(plant, input);
+        const monitor::RuledOut ruledOut(*active.plant, input);
         Hypothesis predicted = successors.predicted(before, input);
         const bool expected = successors.explains(predicted);
         for (const ModeStep& step : frame.modes) {
@@ -70,7 +52,8 @@ protected:
 TEST_F(RandomRequirements, AreMetByWhateverExplainsAStep)
 {
     for (std::uint64_t seed = 0; seed < 60; ++seed) {
-        follow(seed);
+        followRandomPlant(seed, [this](ActivePlant& active, const Hypothesis& before,
+                                       const TrackInput& input) { compare(active, before, input); });
     }
     EXPECT_GT(notAllowed_, 100);
     EXPECT_GT(ruledOut_, 10);

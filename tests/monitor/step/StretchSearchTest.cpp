@@ -1,6 +1,7 @@
 // What is found between readings is compared with what is found in the whole plant.
 #include "monitor/step/StretchSearch.h"
 
+#include "monitor/step/EngineExplanations.h"
 #include "monitor/step/FaultSearch.h"
 #include "monitor/step/Judge.h"
 #include "monitor/step/NearConflict.h"
@@ -12,39 +13,22 @@
 
 namespace {
 
-using monitor::Deviations;
+using monitor::EngineExplanations;
 using monitor::Explanations;
 using monitor::FaultSearch;
+using monitor::Hypothesis;
 using monitor::Judgement;
 using monitor::StepFrame;
 using monitor::TrackInput;
 
 class RandomStretches : public testing::Test {
 protected:
-    void follow(std::uint64_t seed)
-    {
-        SCOPED_TRACE("seed " + std::to_string(seed));
-        Random random(seed);
-        ActivePlant active(
-            randomModel(random, seed % 3 == 0 ? PlantKind::circuit : PlantKind::mixed));
-        RandomTrack track(random, {.deviating = 20});
-        monitor::Tracker tracker(active.engine, *active.plant, {.maxFaults = 2, .keep = 5});
-        for (std::size_t number = 1; number <= 6; ++number) {
-            const TrackInput input = trackInput(active, track.next(), number);
-            for (const auto& hypothesis : tracker.memory().hypotheses) {
-                const StepFrame frame = frameAfter(*active.plant, *hypothesis, input, {});
-                for (int faults = 0; faults <= 2; ++faults) {
-                    compare(active, frame, faults);
-                }
-            }
-            tracker.advance(input);
-        }
-    }
-
     void compare(ActivePlant& active, const StepFrame& frame, int faults)
     {
-        const auto explanations = monitor::searchStretches(frame, faults, {});
+        monitor::Budget budget({});
+        const auto explanations = monitor::searchStretches(frame, faults, budget);
         if (!explanations) {
+            expectSpent(active, frame, faults, budget.work().records);
             return;
         }
         FaultSearch plain(active.engine, frame, {});
@@ -64,8 +48,29 @@ protected:
         double_ += faults == 2 && !found.candidates.empty() && found.candidates.back().faults == 2;
     }
 
+    // What was tried in vain counts beside what the other search takes.
+    void expectSpent(ActivePlant& active, const StepFrame& frame, int faults, std::uint64_t inVain)
+    {
+        if (inVain == 0) {
+            return;
+        }
+        ++inVain_;
+        EngineExplanations usual(active.engine);
+        usual.narrowAbove(frame.plant.modes().size());
+        EngineExplanations narrowing(active.engine);
+        narrowing.narrowAbove(0);
+        EXPECT_EQ(narrowing.search(frame, faults, {}).work.records,
+                  inVain + usual.search(frame, faults, {}).work.records);
+        SearchLimits limits;
+        limits.maxRecords = inVain;
+        const Explanations cut = narrowing.search(frame, faults, limits);
+        EXPECT_FALSE(cut.complete);
+        EXPECT_EQ(cut.work.records, inVain);
+    }
+
     MutedTrace muted_;
     int compared_ = 0;
+    int inVain_ = 0;
     int several_ = 0;
     int double_ = 0;
 };
@@ -73,11 +78,18 @@ protected:
 TEST_F(RandomStretches, HaveTheExplanationsOfTheWholePlant)
 {
     for (std::uint64_t seed = 0; seed < 80; ++seed) {
-        follow(seed);
+        followRandomPlant(
+            seed, [this](ActivePlant& active, const Hypothesis& before, const TrackInput& input) {
+                const StepFrame frame = frameAfter(*active.plant, before, input, {});
+                for (int faults = 0; faults <= 2; ++faults) {
+                    compare(active, frame, faults);
+                }
+            });
     }
     EXPECT_GT(compared_, 300);
     EXPECT_GT(several_, 50);
     EXPECT_GT(double_, 10);
+    EXPECT_GT(inVain_, 10);
 }
 
 // Gates one behind the other, of which every fourth one is read.
@@ -139,7 +151,8 @@ TEST_F(RowOfGates, IsInConflictBetweenTwoReadings)
 TEST_F(RowOfGates, IsExplainedByEachGateBetweenTwoReadings)
 {
     const StepFrame frame = silentFrom(5);
-    const auto explanations = monitor::searchStretches(frame, 2, {});
+    monitor::Budget budget({});
+    const auto explanations = monitor::searchStretches(frame, 2, budget);
     ASSERT_TRUE(explanations);
     EXPECT_EQ(explanations->found.size(), 4U);
     EXPECT_EQ(explanations->work.records, 2U);
@@ -150,7 +163,8 @@ TEST_F(RowOfGates, IsNotSearchedForWhatReadingsRuleOut)
 {
     StepFrame frame = silentFrom(5);
     frame.observations.back() = active_->index("g11.out=1"); // behind one that shows nothing
-    const auto explanations = monitor::searchStretches(frame, 3, {});
+    monitor::Budget budget({});
+    const auto explanations = monitor::searchStretches(frame, 3, budget);
     ASSERT_TRUE(explanations);
     EXPECT_TRUE(explanations->complete);
     EXPECT_TRUE(explanations->found.empty());
@@ -162,7 +176,8 @@ TEST_F(RowOfGates, IsCutAtALimit)
     const StepFrame frame = silentFrom(5);
     SearchLimits limits;
     limits.maxCandidates = 2;
-    const auto explanations = monitor::searchStretches(frame, 1, limits);
+    monitor::Budget budget(limits);
+    const auto explanations = monitor::searchStretches(frame, 1, budget);
     ASSERT_TRUE(explanations);
     EXPECT_EQ(explanations->found.size(), 2U);
     EXPECT_FALSE(explanations->complete);
