@@ -1,9 +1,10 @@
 // Which deviations at a step its readings allow, asked for many hypotheses and steps that are alike.
 #pragma once
 
+#include "monitor/labels/LastAnswers.h"
 #include "monitor/step/Requirements.h"
 
-#include <deque>
+#include <memory>
 
 namespace monitor {
 
@@ -28,17 +29,16 @@ public:
     const Modes& at(const StepFrame& frame);
 
 private:
-    struct Known {
-        SharedArray<AtomIndex> commands;
+    struct Step {
         std::vector<AtomIndex> observations;
-        ModeSteps steps;
-        Modes modes;
+        SharedArray<AtomIndex> commands;
+        ModeSteps modes;
+
+        friend bool operator==(const Step&, const Step&) = default;
     };
 
-    static constexpr std::size_t mostKnown = 16;
-
     std::vector<std::size_t> places_;
-    std::deque<Known> known_; ///< latest first
+    LastAnswers<Step, Modes> known_{16};
 };
 
 } // namespace monitor

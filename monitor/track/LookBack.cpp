@@ -141,11 +141,7 @@ private:
         };
         for (const std::size_t place : modes.places) {
             const ModeStep& mode = frame.modes[place];
-            const bool deviates =
-                std::any_of(start.deviations.begin(), start.deviations.end(), [&](AtomIndex value) {
-                    return plant_.variableOf(value) == mode.variable;
-                });
-            if (deviates || !saves(mode.variable)) {
+            if (deviates(start.deviations, mode.variable) || !saves(mode.variable)) {
                 continue;
             }
             for (const ModeOption& option : mode.options) {
@@ -175,6 +171,12 @@ private:
         }
     }
 
+    bool deviates(const Deviations& deviations, VariableIndex variable) const
+    {
+        return std::any_of(deviations.begin(), deviations.end(),
+                           [&](AtomIndex value) { return plant_.variableOf(value) == variable; });
+    }
+
     // Whether a way with that value after the step cannot lead to the present: it stays, and no way that is known has another one since.
     bool isDoomed(std::size_t step, AtomIndex value)
     {
@@ -183,12 +185,11 @@ private:
         }
         const VariableIndex variable = plant_.variableOf(value);
         for (std::size_t since = step + 1; since < past_.size(); ++since) {
-            for (const Deviated& came : deviatedAt(since)) {
-                for (const AtomIndex other : came.deviations) {
-                    if (plant_.variableOf(other) == variable) {
-                        return false;
-                    }
-                }
+            const std::set<Deviated>& came = deviatedAt(since);
+            if (std::any_of(came.begin(), came.end(), [&](const Deviated& one) {
+                    return deviates(one.deviations, variable);
+                })) {
+                return false;
             }
         }
         return true;
@@ -200,11 +201,8 @@ private:
         std::vector<VariableIndex> doomed;
         for (const std::size_t place : frame.modes.failing()) {
             const ModeStep& mode = frame.modes[place];
-            const bool deviates =
-                std::any_of(start.deviations.begin(), start.deviations.end(), [&](AtomIndex value) {
-                    return plant_.variableOf(value) == mode.variable;
-                });
-            if (!deviates && mode.predicted == mode.before && isDoomed(start.step, mode.predicted)) {
+            if (mode.predicted == mode.before && !deviates(start.deviations, mode.variable) &&
+                isDoomed(start.step, mode.predicted)) {
                 doomed.push_back(mode.variable);
             }
         }

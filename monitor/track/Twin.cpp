@@ -99,7 +99,6 @@ StepLabels labelsOf(const Plant& plant, const StepLabels& before, const TwinQues
         std::erase_if(readings, [&](AtomIndex reading) { return left.contains(reading); });
         labels.take(twin.assumptions, readings, twin.inputs);
     }
-    labels.share();
     return labels;
 }
 
@@ -132,7 +131,11 @@ TwinPointer twinAfter(const Plant& plant, const Hypothesis& parent, const TrackI
     const StepLabels& before = parent.twin ? parent.twin->labels : parent.labels;
     const StepLabels& labels =
         last.to({inFixedOrder(happened), happened.inputs, {input.values.commands, modes}},
-                [&](const TwinQuestion& question) { return labelsOf(plant, before, question); });
+                [&](const TwinQuestion& question) {
+                    StepLabels drawn = labelsOf(plant, before, question);
+                    drawn.share();
+                    return drawn;
+                });
     return std::make_shared<const Twin>(Twin{std::move(modes), labels, frame.known});
 }
 
