@@ -23,18 +23,17 @@ itms_precompiled_headers(tests
     HEADERS <gmock/gmock.h> <gtest/gtest.h> <nlohmann/json.hpp>
     LINK GTest::gmock GTest::gtest nlohmann_json::nlohmann_json
     OPTIONS $<$<CONFIG:Debug,Release>:-O0>)
-itms_precompiled_headers(optimised_tests
-    HEADERS <gmock/gmock.h> <gtest/gtest.h> <nlohmann/json.hpp>
-    LINK GTest::gmock GTest::gtest nlohmann_json::nlohmann_json)
 
-# itms_tests(model SOURCES keys.cpp ... [LINK itms_language ...] [SHARDS 4] [TIMEOUT seconds] [PROGRAM] [OPTIMISED])
+# itms_tests(model SOURCES keys.cpp ... [LINK itms_language ...] [SHARDS 4] [TIMEOUT seconds] [PROGRAM] [OPTIMISED] [WHOLE_RUNS])
 #
 # Makes the program itms_tests_model of the current folder and registers it with CTest as model, or as that many SHARDS,
 # which run side by side: model.1, model.2 ... Tests include from the root: "model/Atom.h", "tests/support/...".
 # ITMS_ROOT is the root's path, and with PROGRAM, for tests that run the program, ITMS_PROGRAM is its path.
-# OPTIMISED is for tests that compute much themselves, such as the answers of a reference.
+# OPTIMISED is for tests that compute much themselves, such as the answers of a reference. WHOLE_RUNS is for those that
+# run again, and at length, what other folders test: a frame of the stack that is used after its return is looked for
+# there, which would take these twice as long.
 function(itms_tests name)
-    cmake_parse_arguments(PARSE_ARGV 1 tests "PROGRAM;OPTIMISED" "SHARDS;TIMEOUT" "SOURCES;LINK")
+    cmake_parse_arguments(PARSE_ARGV 1 tests "PROGRAM;OPTIMISED;WHOLE_RUNS" "SHARDS;TIMEOUT" "SOURCES;LINK")
     if(tests_UNPARSED_ARGUMENTS)
         message(FATAL_ERROR "itms_tests(${name}): what is ${tests_UNPARSED_ARGUMENTS}?")
     endif()
@@ -53,9 +52,7 @@ function(itms_tests name)
         ${tests_LINK} itms_test_support itms::itms GTest::gmock GTest::gtest GTest::gtest_main)
     itms_our_code(${target})
     # What is tested is optimised as elsewhere; without optimisation the tests themselves compile in half the time.
-    if(tests_OPTIMISED)
-        itms_use_precompiled(${target} optimised_tests)
-    else()
+    if(NOT tests_OPTIMISED)
         target_compile_options(${target} PRIVATE $<$<CONFIG:Debug,Release>:-O0>)
         itms_use_precompiled(${target} tests)
     endif()
@@ -73,5 +70,9 @@ function(itms_tests name)
         add_test(NAME ${test} COMMAND ${target} --gtest_brief=1 WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}")
         set_tests_properties(${test} PROPERTIES LABELS ${name} TIMEOUT ${tests_TIMEOUT}
             ENVIRONMENT "GTEST_TOTAL_SHARDS=${shards};GTEST_SHARD_INDEX=${index}")
+        if(NOT tests_WHOLE_RUNS)
+            set_tests_properties(${test} PROPERTIES
+                ENVIRONMENT_MODIFICATION "ASAN_OPTIONS=string_append::detect_stack_use_after_return=1")
+        endif()
     endforeach()
 endfunction()
