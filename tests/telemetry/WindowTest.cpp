@@ -1,5 +1,6 @@
 // Windows and what is computed from channels, compared with an evaluator that looks at the whole history each time.
 #include "telemetry/ComputedChannels.h"
+#include "tests/support/Sanitized.h"
 
 #include <algorithm>
 #include <cmath>
@@ -208,7 +209,7 @@ bool isNear(const Number& a, const Number& b)
 TEST(ComputedChannels, AreAsTheObviousEvaluatorSays)
 {
     std::size_t known = 0;
-    for (unsigned seed = 1; seed <= 400; ++seed) {
+    for (unsigned seed = 1; seed <= fewerUnderSanitizers(400U); ++seed) {
         RandomExpressions random(seed);
         const std::vector<Moment> moments = random.moments(80);
         const ChannelExpression expression = random.expression(3);
@@ -224,7 +225,7 @@ TEST(ComputedChannels, AreAsTheObviousEvaluatorSays)
             known += got ? 1 : 0;
         }
     }
-    EXPECT_GT(known, 5000U);
+    EXPECT_GT(known, fewerUnderSanitizers(5000U));
 }
 
 TEST(ComputedChannels, GoOnFromTheirStateToTheBit)
