@@ -32,14 +32,15 @@ std::vector<AtomIndex> readAnyway(const TrackInput& present)
 
 } // namespace
 
-RuledOut::RuledOut(const Plant& plant, const TrackInput& present)
-    : plant_(plant), required_(plant, present.values.commands, readAnyway(present))
+bool RuledOut::forGood(AtomIndex value)
 {
-}
-
-bool RuledOut::forGood(AtomIndex value) const
-{
-    return !required_.allow(value) && isLasting(plant_, value);
+    if (!isLasting(plant_, value)) {
+        return false;
+    }
+    if (!required_) {
+        required_.emplace(plant_, present_.values.commands, readAnyway(present_));
+    }
+    return !required_->allow(value);
 }
 
 } // namespace monitor

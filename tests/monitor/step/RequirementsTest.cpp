@@ -25,7 +25,7 @@ protected:
         const Successors successors(active.engine, *active.plant);
         const StepFrame frame = successors.frame(before, input, {});
         const Requirements required(frame);
-        const monitor::RuledOut ruledOut(*active.plant, input);
+        monitor::RuledOut ruledOut(*active.plant, input);
         Hypothesis predicted = successors.predicted(before, input);
         const bool expected = successors.explains(predicted);
         for (const ModeStep& step : frame.modes) {
