@@ -17,12 +17,13 @@ each through telemetry of these kinds:
 What a quiet step and a reading cost is the difference between a long run and a short one, divided by their steps: user time of the
 processor. A fault, and a repair, are one step each: the program follows them live, and what it used of the processor is read, from
 /proc, between the answer before and that of the step. Of some runs it is the least. With --before, another build is measured, too; the
-answers must be the same bytes. Memory and work are not limited.
+answers must be the same bytes, but for the work that was counted. Memory and work are not limited.
 """
 
 import argparse
 import json
 import os
+import re
 import resource
 import subprocess
 import sys
@@ -171,7 +172,8 @@ def main():
             for size in map(int, options.sizes.split(",")):
                 model = os.path.join(folder, f"{plant}{size}.itms")
                 write(model, MODELS[plant](size))
-                for kind in options.kinds.split(","):
+                kinds = options.kinds.split(",")
+                for kind in (kind for kind in kinds if plant == "chain" or kind != "stretch"):
                     rows.append(measure(programs, model, plant, kind, size, options, folder))
     if options.json:
         write(options.json, json.dumps(rows, indent=1) + "\n")
@@ -206,7 +208,8 @@ def cost_of(program, model, kind, plant, size, options, folder):
 
 
 def measure(programs, model, plant, kind, size, options, folder):
-    answers = [seconds_of(program, model, kind, plant, size, 30, folder, 1)[1] for program in programs]
+    answers = [re.sub(rb'"work":{[^}]*}', b"", seconds_of(program, model, kind, plant, size, 30, folder, 1)[1])
+               for program in programs]
     if len(set(answers)) > 1:
         sys.exit(f"{plant} of {size}, {kind}: the answers differ")
     costs = [cost_of(program, model, kind, plant, size, options, folder) for program in programs]
