@@ -14,6 +14,13 @@
 
 namespace monitor {
 
+namespace {
+
+/// The clauses of so many fit into the processor's own memory.
+constexpr std::size_t fewAtoms = 10'000;
+
+} // namespace
+
 Prediction::Prediction(const Plant& plant)
     : plant_(&plant), labels_(plant.atomCount(), Label::unknown),
       reasons_(plant.atomCount(), assumed)
@@ -51,12 +58,32 @@ bool Prediction::propagate()
     if (next_ == 0 && !visitAll(plant_->unitClauses())) {
         return false;
     }
+    const bool isLarge = plant_->atomCount() > fewAtoms;
     for (; next_ < mark(); ++next_) {
+        if (isLarge) {
+            fetchAhead();
+        }
         if (!visitAll(plant_->clausesOf(trail_[next_ - settled_]))) {
             return false;
         }
     }
     return true;
+}
+
+// Propagation goes from part to part, in whatever order they are numbered. What the next visits will read is asked for in time.
+void Prediction::fetchAhead() const
+{
+    using Reading = Plant::Reading;
+    const auto fetch = [this](std::size_t ahead, Reading what) {
+        const std::size_t place = next_ - settled_ + ahead;
+        if (place < trail_.size()) {
+            plant_->prefetch(trail_[place], what);
+        }
+    };
+    fetch(12, Reading::listPlace);
+    fetch(8, Reading::list);
+    fetch(4, Reading::clausePlaces);
+    fetch(2, Reading::clauses);
 }
 
 // Where the labels are is asked once for all the clauses: this is the innermost loop of a search.

@@ -130,6 +130,7 @@ private:
     class StillGiven;
     bool stays(AtomIndex atom, StillGiven& still);
     std::vector<AtomIndex> retract(const std::vector<AtomIndex>& values);
+    void fetchAhead() const;
     bool visitAll(std::span<const ClauseIndex> clauses);
     template <typename LabelOf>
     bool visitAll(std::span<const ClauseIndex> clauses, LabelOf labelOf);
