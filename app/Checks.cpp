@@ -23,7 +23,8 @@ Check number(double least, double most)
 {
     return [=](const std::string& text) {
         const auto value = parsedNumber<double>(text);
-        if (value && *value >= least && *value <= most) return std::string();
+        if (value && std::isfinite(*value) && *value >= least && *value <= most)
+            return std::string();
         const std::string range = std::isinf(most) ? fmt::format("{} or more", least)
                                                    : fmt::format("from {} to {}", least, most);
         return fmt::format("found {}; expected a number, {}", text::quoted(text), range);

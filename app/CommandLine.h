@@ -36,7 +36,7 @@ template <typename Number> std::optional<Number> parsedNumber(std::string_view t
 
 /// A whole number from `least` to `most`.
 Check wholeNumber(std::uint64_t least, std::uint64_t most = UINT64_MAX);
-/// A number from `least` to `most`.
+/// A finite number from `least` to `most`, which may be infinite.
 Check number(double least, double most);
 /// A number above `least` and below `most`.
 Check numberBetween(double least, double most);

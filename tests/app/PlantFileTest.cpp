@@ -74,6 +74,16 @@ TEST_F(PlantFile, WithMistakesIsRefusedWithAllOfThem)
     EXPECT_THAT(run.err, HasSubstr("plant.toml:4:2: found the key 'renam'"));
 }
 
+TEST_F(PlantFile, HasNoInfiniteGap)
+{
+    write("plant.toml", "[telemetry]\ngap = inf\n");
+    EXPECT_THAT(query().err,
+                HasSubstr("plant.toml:2:7: found 'inf'; expected a number, 1 or more"));
+    const ProgramRun run = query({"--plant-file", "none", "--gap", "inf"});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err, HasSubstr("--gap: found 'inf'; expected a number, 1 or more"));
+}
+
 TEST_F(PlantFile, NamesChannelsOfTheModel)
 {
     write("plant.toml", "[rename]\n\"Level sensor\" = \"LL\"\n");
