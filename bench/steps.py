@@ -172,9 +172,9 @@ def main():
             for size in map(int, options.sizes.split(",")):
                 model = os.path.join(folder, f"{plant}{size}.itms")
                 write(model, MODELS[plant](size))
-                kinds = options.kinds.split(",")
-                for kind in (kind for kind in kinds if plant == "chain" or kind != "stretch"):
-                    rows.append(measure(programs, model, plant, kind, size, options, folder))
+                for kind in options.kinds.split(","):
+                    if plant == "chain" or kind != "stretch":
+                        rows.append(measure(programs, model, plant, kind, size, options, folder))
     if options.json:
         write(options.json, json.dumps(rows, indent=1) + "\n")
 

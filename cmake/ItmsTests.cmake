@@ -31,7 +31,7 @@ itms_precompiled_headers(tests
 # ITMS_ROOT is the root's path, and with PROGRAM, for tests that run the program, ITMS_PROGRAM is its path.
 # OPTIMISED is for tests that compute much themselves, such as the answers of a reference. WHOLE_RUNS is for those that
 # run again, and at length, what other folders test: a frame of the stack that is used after its return is looked for
-# there, which would take these twice as long.
+# there, which would take these up to twice as long.
 function(itms_tests name)
     cmake_parse_arguments(PARSE_ARGV 1 tests "PROGRAM;OPTIMISED;WHOLE_RUNS" "SHARDS;TIMEOUT" "SOURCES;LINK")
     if(tests_UNPARSED_ARGUMENTS)
