@@ -37,9 +37,9 @@ public:
         const std::size_t begin = index == 0 ? 0 : ends_[index - 1];
         return {entries_.data() + begin, ends_[index] - begin};
     }
-    /// Has the memory bring what says where a list is.
+    /// Prefetches what says where a list is.
     void prefetchPlace(std::size_t index) const { __builtin_prefetch(&ends_[index]); }
-    /// Has it bring how a list begins.
+    /// Prefetches the beginning of a list.
     void prefetch(std::size_t index) const { __builtin_prefetch((*this)[index].data()); }
     /// All entries, list after list.
     std::span<const Entry> entries() const { return entries_; }

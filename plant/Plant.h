@@ -159,7 +159,7 @@ public:
     }
     /// What is read of an atom's clauses, in this order: each is found by the one before.
     enum class Reading { listPlace, list, clausePlaces, clauses };
-    /// Has the memory bring it, without waiting. For what will be read soon: in a large plant it lies far apart.
+    /// Prefetches it, for what will be read soon: the memory of a large plant is read here and there, and not from the cache.
     void prefetch(AtomIndex atom, Reading what) const
     {
         const auto own = static_cast<std::size_t>(atom);

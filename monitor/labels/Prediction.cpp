@@ -16,7 +16,7 @@ namespace monitor {
 
 namespace {
 
-/// The clauses of so many fit into the processor's own memory.
+/// The clauses of so many fit into the processor's cache.
 constexpr std::size_t fewAtoms = 10'000;
 
 } // namespace
@@ -70,7 +70,7 @@ bool Prediction::propagate()
     return true;
 }
 
-// Propagation goes from part to part, in whatever order they are numbered. What the next visits will read is asked for in time.
+// Propagation goes from part to part, in whatever order they are numbered: what the next visits will read is prefetched.
 void Prediction::fetchAhead() const
 {
     using Reading = Plant::Reading;

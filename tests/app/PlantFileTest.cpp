@@ -77,11 +77,13 @@ TEST_F(PlantFile, WithMistakesIsRefusedWithAllOfThem)
 TEST_F(PlantFile, HasNoInfiniteGap)
 {
     write("plant.toml", "[telemetry]\ngap = inf\n");
-    EXPECT_THAT(query().err,
+    const ProgramRun fromFile = query();
+    EXPECT_EQ(fromFile.status, 2);
+    EXPECT_THAT(fromFile.err,
                 HasSubstr("plant.toml:2:7: found 'inf'; expected a number, 1 or more"));
-    const ProgramRun run = query({"--plant-file", "none", "--gap", "inf"});
-    EXPECT_EQ(run.status, 2);
-    EXPECT_THAT(run.err, HasSubstr("--gap: found 'inf'; expected a number, 1 or more"));
+    const ProgramRun fromOption = query({"--plant-file", "none", "--gap", "inf"});
+    EXPECT_EQ(fromOption.status, 2);
+    EXPECT_THAT(fromOption.err, HasSubstr("--gap: found 'inf'; expected a number, 1 or more"));
 }
 
 TEST_F(PlantFile, NamesChannelsOfTheModel)
